@@ -1,0 +1,82 @@
+#include "core/wide_text.h"
+
+#include <array>
+#include <charconv>
+#include <string>
+
+std::size_t wcslen(const WCHAR* text) {
+    return std::char_traits<WCHAR>::length(text);
+}
+
+std::size_t wcsspn(const WCHAR* text, const WCHAR* set) {
+    const std::size_t setLength = wcslen(set);
+    std::size_t count = 0;
+    while (text[count] != 0 &&
+           std::char_traits<WCHAR>::find(set, setLength, text[count]) != nullptr) {
+        ++count;
+    }
+    return count;
+}
+
+namespace {
+
+// Appends to a buffer as long as everything fits, a terminator included.
+class BoundedText {
+  public:
+    explicit BoundedText(std::span<WCHAR> buffer) : buffer_(buffer) {}
+
+    void Append(WCHAR character) {
+        if (length_ + 1 < buffer_.size()) {
+            buffer_[length_++] = character;
+        } else {
+            fits_ = false;
+        }
+    }
+
+    void Append(const WCHAR* text) {
+        for (; *text != 0 && fits_; ++text) {
+            Append(*text);
+        }
+    }
+
+    void Append(std::int32_t number) {
+        std::array<char, 16> digits{};
+        const char* const end =
+            std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+        for (const char* digit = digits.data(); digit != end; ++digit) {
+            Append(static_cast<WCHAR>(*digit));
+        }
+    }
+
+    bool Finish() {
+        if (!buffer_.empty()) {
+            buffer_[fits_ ? length_ : 0] = 0;
+        }
+        return fits_ && !buffer_.empty();
+    }
+
+  private:
+    std::span<WCHAR> buffer_;
+    std::size_t length_ = 0;
+    bool fits_ = true;
+};
+
+}  // namespace
+
+bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
+                std::initializer_list<TextArgument> arguments) {
+    BoundedText text(buffer);
+    const TextArgument* argument = arguments.begin();
+    for (; *format != 0; ++format) {
+        if (*format == u'%' && format[1] == u's') {
+            text.Append((argument++)->text());
+            ++format;
+        } else if (*format == u'%' && format[1] == u'd') {
+            text.Append((argument++)->number());
+            ++format;
+        } else {
+            text.Append(*format);
+        }
+    }
+    return text.Finish();
+}

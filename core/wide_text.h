@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+
+#include "core/plain_types.h"
+
+// Capacity in characters, terminator included, of every buffer that holds a text or a path.
+inline constexpr std::size_t kTextCapacity = 1024;
+
+// The C library's wide-text functions for the platform's 16-bit characters: arguments and results
+// are those of the functions of the same name.
+std::size_t wcslen(const WCHAR* text);
+std::size_t wcsspn(const WCHAR* text, const WCHAR* set);
+
+// One value for a format: a terminated text, which must outlive the call, or a number.
+class TextArgument {
+  public:
+    TextArgument(const WCHAR* text) : text_(text) {}        // NOLINT(google-explicit-constructor)
+    TextArgument(std::int32_t number) : number_(number) {}  // NOLINT(google-explicit-constructor)
+
+    const WCHAR* text() const { return text_; }
+    std::int32_t number() const { return number_; }
+
+  private:
+    const WCHAR* text_ = nullptr;
+    std::int32_t number_ = 0;
+};
+
+// Writes `format` into `buffer`, each "%s" and "%d" replaced by the next argument, and terminates
+// it. Returns whether all of it fitted. What does not fit leaves an empty text and never a part of
+// one: a path that is cut names another entry than the one that was meant.
+bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
+                std::initializer_list<TextArgument> arguments);
