@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -9,6 +10,7 @@
 
 // Capacity in characters, terminator included, of every buffer that holds a text or a path.
 inline constexpr std::size_t kTextCapacity = 1024;
+using PathText = std::array<WCHAR, kTextCapacity>;
 
 // The C library's wide-text functions for the platform's 16-bit characters: arguments and results
 // are those of the functions of the same name.

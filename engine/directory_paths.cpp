@@ -1,0 +1,67 @@
+#include "engine/directory_paths.h"
+
+#include <algorithm>
+#include <memory>
+#include <string_view>
+
+#include "engine/found_entries.h"
+
+namespace {
+
+bool HasWildcard(std::u16string_view name) {
+    return name.find_first_of(u"*?") != std::u16string_view::npos;
+}
+
+// Replaces the text from `end` on by a backslash and `name` and returns whether it fitted.
+bool PutName(PathText& path, std::size_t end, std::u16string_view name) {
+    if (end + 1 + name.size() >= path.size()) {
+        return false;
+    }
+    path[end] = u'\\';
+    std::copy(name.begin(), name.end(), path.begin() + static_cast<std::ptrdiff_t>(end) + 1);
+    path[end + 1 + name.size()] = 0;
+    return true;
+}
+
+// Appends the name that the directory has in the file tree.
+bool AppendDirectory(PathText& path, std::u16string_view name) {
+    const std::size_t end = wcslen(path.data());
+    if (HasWildcard(name) || !PutName(path, end, name)) {
+        return false;
+    }
+    const FoundEntries found(path.data());
+    return found && found.isDirectory() && PutName(path, end, found.name());
+}
+
+}  // namespace
+
+bool CanonicalDirectory(const WCHAR* path, PathText& canonical) {
+    const std::u16string_view text(path);
+    canonical[0] = 0;
+    std::size_t begin = text.find_first_not_of(u'\\');
+    while (begin != std::u16string_view::npos) {
+        const std::size_t end = std::min(text.find(u'\\', begin), text.size());
+        if (!AppendDirectory(canonical, text.substr(begin, end - begin))) {
+            return false;
+        }
+        begin = text.find_first_not_of(u'\\', end);
+    }
+    return !text.empty();
+}
+
+bool IsSameOrInside(const WCHAR* inner, const WCHAR* outer) {
+    const std::u16string_view inside(inner);
+    const std::u16string_view whole(outer);
+    return inside.starts_with(whole) &&
+           (inside.size() == whole.size() || inside[whole.size()] == u'\\');
+}
+
+bool AppendBackslash(PathText& path) {
+    const std::size_t end = wcslen(path.data());
+    if (end + 1 >= path.size()) {
+        return false;
+    }
+    path[end] = u'\\';
+    path[end + 1] = 0;
+    return true;
+}

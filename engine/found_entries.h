@@ -1,0 +1,32 @@
+#pragma once
+
+#include "core/device_store.h"
+
+// One search and the record of the entry it stands on. Closes itself.
+class FoundEntries {
+  public:
+    FoundEntries() = default;
+    explicit FoundEntries(const WCHAR* pattern) { Open(pattern); }
+    ~FoundEntries() { FindClose(handle_); }
+    FoundEntries(const FoundEntries&) = delete;
+    FoundEntries& operator=(const FoundEntries&) = delete;
+
+    // Starts the search; once for each object.
+    void Open(const WCHAR* pattern) {
+        handle_ = FindFirstFileW(pattern, &entry_);
+        standsOnEntry_ = handle_ != INVALID_HANDLE_VALUE;
+    }
+
+    // Whether there is an entry, and so whether the functions below may be called.
+    explicit operator bool() const { return standsOnEntry_; }
+
+    void Next() { standsOnEntry_ = FindNextFileW(handle_, &entry_) != 0; }
+    const WCHAR* name() const { return entry_.cFileName; }
+    bool isDirectory() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+    DWORD sizeLow() const { return entry_.nFileSizeLow; }
+
+  private:
+    HANDLE handle_ = INVALID_HANDLE_VALUE;
+    bool standsOnEntry_ = false;
+    WIN32_FIND_DATA entry_;
+};

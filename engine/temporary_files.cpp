@@ -1,0 +1,39 @@
+#include "engine/temporary_files.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "core/options.h"
+#include "engine/file_tree.h"
+
+namespace {
+
+struct TemporaryDirectory {
+    std::uint32_t option;
+    const WCHAR* path;  // null: the user's own
+    SettingsText CSettings::*typed = nullptr;
+};
+
+constexpr TemporaryDirectory kDirectories[] = {
+    {OPT_CLEAN_USER1, nullptr, &CSettings::UserDir1},
+    {OPT_CLEAN_USER2, nullptr, &CSettings::UserDir2},
+    {OPT_CLEAN_ROOT_TEMP, TEXT("\\Temp\\")},
+    {OPT_CLEAN_WINDOWS_TEMP, TEXT("\\Windows\\Temp\\")},
+    {OPT_CLEAN_MYDOCS_TEMP, TEXT("\\My Documents\\Temp\\")},
+};
+
+}  // namespace
+
+void CleanTemporaryDirectory(ApplyRun& run, std::uint32_t option) {
+    const auto directory = std::find_if(
+        std::begin(kDirectories), std::end(kDirectories),
+        [option](const TemporaryDirectory& candidate) { return candidate.option == option; });
+    if (directory->typed == nullptr) {
+        DeleteTree(directory->path, true, false);
+        return;
+    }
+    const SettingsText typed = std::move(run.settings.*directory->typed);
+    if (typed != nullptr) {
+        DeleteTree(typed.get(), true, false);
+    }
+}

@@ -1,0 +1,127 @@
+#include "platform/command_line.h"
+
+#include <getopt.h>
+
+#include <cstdio>
+
+#include "platform/host_text.h"
+#include "platform/sample_device.h"
+
+namespace platform {
+
+const char kHelp[] =
+    "Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]\n"
+    "       fennelbright --new-device DIR\n"
+    "\n"
+    "Cleans up and tunes the handheld whose files and registry are in DIR.\n"
+    "\n"
+    "  --device DIR      the device directory: \"files\" in it is the handheld's file tree,\n"
+    "                    \"registry.reg\" its registry\n"
+    "  --module PATH     where the program lies on the device; settings.dat is beside it\n"
+    "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
+    "  --report          say on standard output what was done\n"
+    "  --no-display      open no window; messages go to standard error\n"
+    "  --new-device DIR  make a sample device\n"
+    "  --help, --version\n"
+    "\n"
+    "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
+    "windows.\n"
+    "\n"
+    "Exit codes: 0 the program has ended as it does; 64 wrong usage; 65 the registry cannot be\n"
+    "read; 66 no usable device directory; 69 no display for the program's windows; 73 what is to\n"
+    "be made cannot be made.\n";
+
+namespace {
+
+enum Choice { kDevice = 1, kModule, kReport, kNoDisplay, kNewDevice, kHelpChoice, kVersion };
+
+constexpr option kChoices[] = {
+    {"device", required_argument, nullptr, kDevice},
+    {"module", required_argument, nullptr, kModule},
+    {"report", no_argument, nullptr, kReport},
+    {"no-display", no_argument, nullptr, kNoDisplay},
+    {"new-device", required_argument, nullptr, kNewDevice},
+    {"help", no_argument, nullptr, kHelpChoice},
+    {"version", no_argument, nullptr, kVersion},
+    {nullptr, 0, nullptr, 0},
+};
+
+std::optional<CommandLine> Refuse(const char* reason) {
+    std::fprintf(stderr, "fennelbright: %s; see fennelbright --help\n", reason);
+    return std::nullopt;
+}
+
+// Takes one option; returns why it cannot be taken, or null.
+const char* Take(int choice, const char* value, CommandLine& line) {
+    switch (choice) {
+        case kDevice:
+        case kNewDevice:
+            if (!line.device.empty()) {
+                return "more than one device directory is named";
+            }
+            line.device = value;
+            line.task = choice == kDevice ? line.task : CommandLine::Task::MakeSampleDevice;
+            return line.device.empty() ? "the device directory is named by an empty word" : nullptr;
+        case kModule:
+            line.modulePath = WideText(value).value_or(std::u16string());
+            return line.modulePath.empty() ? "the path behind --module is empty or not UTF-8"
+                                           : nullptr;
+        case kReport:
+            line.report = true;
+            return nullptr;
+        case kNoDisplay:
+            line.noDisplay = true;
+            return nullptr;
+        case kHelpChoice:
+            line.task = CommandLine::Task::ShowHelp;
+            return nullptr;
+        case kVersion:
+            line.task = CommandLine::Task::ShowVersion;
+            return nullptr;
+        default:
+            return "nothing was started";
+    }
+}
+
+bool TakeWords(int count, char** words, CommandLine& line) {
+    for (int index = 0; index < count; ++index) {
+        const std::optional<std::u16string> word = WideText(words[index]);
+        if (!word) {
+            return false;
+        }
+        line.programLine += index > 0 ? u" " : u"";
+        line.programLine += *word;
+    }
+    return true;
+}
+
+const char* WhyIncomplete(const CommandLine& line) {
+    if (line.task == CommandLine::Task::Run && line.device.empty()) {
+        return "no device directory is named";
+    }
+    if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
+        return "a sample device takes no command line";
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+std::optional<CommandLine> ParseCommandLine(int count, char** words) {
+    CommandLine line;
+    line.modulePath = kDefaultModulePath;
+    for (int choice = 0; (choice = getopt_long(count, words, "", kChoices, nullptr)) != -1;) {
+        if (const char* const reason = Take(choice, optarg, line)) {
+            return Refuse(reason);
+        }
+    }
+    if (!TakeWords(count - optind, words + optind, line)) {
+        return Refuse("a word of the command line is not UTF-8");
+    }
+    if (const char* const reason = WhyIncomplete(line)) {
+        return Refuse(reason);
+    }
+    return line;
+}
+
+}  // namespace platform

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "core/plain_types.h"
+
+namespace platform {
+
+// What the words of the host's command line ask for.
+struct CommandLine {
+    enum class Task { Run, MakeSampleDevice, ShowHelp, ShowVersion };
+
+    Task task = Task::Run;
+    std::string device;  // the directory to run on, or to make
+    std::u16string modulePath;
+    std::u16string programLine;  // the program's own command line
+    bool report = false;
+    bool noDisplay = false;
+};
+
+// Reads the command line. Nothing, with a line on standard error that says why, when it is not one
+// that the program understands.
+std::optional<CommandLine> ParseCommandLine(int count, char** words);
+
+extern const char kHelp[];
+
+}  // namespace platform

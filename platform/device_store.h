@@ -1,0 +1,39 @@
+#pragma once
+
+#include <cstdio>
+
+#include "core/device_store.h"
+
+namespace platform {
+
+// What stands behind the program's device operations: the functions of core/device_store.h, with
+// their names and contracts.
+class DeviceStore {
+  public:
+    DeviceStore() = default;
+    virtual ~DeviceStore() = default;
+    DeviceStore(const DeviceStore&) = delete;
+    DeviceStore& operator=(const DeviceStore&) = delete;
+
+    virtual HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) = 0;
+    virtual BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) = 0;
+    virtual BOOL FindClose(HANDLE find) = 0;
+    virtual BOOL DeleteFileW(const WCHAR* path) = 0;
+    virtual BOOL RemoveDirectoryW(const WCHAR* path) = 0;
+    virtual BOOL CreateDirectoryW(const WCHAR* path, void* security) = 0;
+    virtual BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) = 0;
+    virtual std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) = 0;
+    virtual DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) = 0;
+};
+
+// Makes `store` the one that the program's operations go to, for as long as the object lives. The
+// store stays the caller's. One at a time.
+class StoreInUse {
+  public:
+    explicit StoreInUse(DeviceStore& store);
+    ~StoreInUse();
+    StoreInUse(const StoreInUse&) = delete;
+    StoreInUse& operator=(const StoreInUse&) = delete;
+};
+
+}  // namespace platform

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string_view>
+
+#include "platform/descriptor.h"
+#include "platform/host_names.h"
+
+// The device's file tree on the host: how a device path reaches a host entry. Everything is opened
+// beneath the root directory and never leads out of it: no symbolic link is followed, and a mount
+// point is entered only directly below the root, where it is a volume of the device.
+
+namespace platform {
+
+// What the file system says about an entry.
+struct EntryFacts {
+    mode_t mode = 0;
+    std::uint64_t size = 0;  // bytes; 0 for a directory
+
+    bool isDirectory() const;
+    bool isRegularFile() const;
+    bool isReadOnly() const;  // a file that nobody may write
+};
+
+struct OpenedDirectory {
+    Descriptor descriptor;  // none when the path names no directory that can be opened
+    bool isRoot = false;
+};
+
+// A path taken apart at its last backslash. Both views are parts of the path.
+struct SplitPath {
+    std::u16string_view directory;  // backslash included; empty for a bare name
+    std::u16string_view name;       // without backslashes behind it; empty for the root
+    bool directoryOnly = false;     // there were backslashes behind the name
+};
+SplitPath SplitAtName(std::u16string_view path);
+
+// How a directory is opened: to reach its entries, or to read them as well.
+enum class OpenFor { Reaching, Reading };
+
+class DeviceTree {
+  public:
+    // `root` is the open root directory; without one, no path names anything.
+    explicit DeviceTree(Descriptor root) : root_(std::move(root)) {}
+
+    int root() const { return root_.get(); }
+
+    // The directory that `path` names; names match as on the handheld. The empty path, which is
+    // what stands in front of a bare name, is the root.
+    OpenedDirectory OpenDirectory(std::u16string_view path, OpenFor purpose) const;
+
+    // The subdirectory with exactly this host name.
+    Descriptor OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
+                                OpenFor purpose) const;
+
+    // The root directory of the volume that holds what `path` names.
+    Descriptor OpenVolume(std::u16string_view path) const;
+
+  private:
+    Descriptor OpenAsSpelt(std::span<const std::u16string_view> components, OpenFor purpose) const;
+    Descriptor OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
+                         OpenFor purpose) const;
+
+    Descriptor root_;
+};
+
+// Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
+// reading. None when it is not one any more or cannot be read; waits for nothing.
+Descriptor OpenRegularFile(int directory, const char* name);
+
+// The host name in `directory` that `device` names: the exact one, or else the first in byte order
+// of those that differ in case alone. Nothing when there is none or the directory cannot be read.
+std::optional<HostName> FindSpelling(int directory, std::u16string_view device);
+
+// Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
+bool IsMountPoint(int directory, const char* name);
+
+// Nothing when there is no such entry; errno says why.
+std::optional<EntryFacts> FactsOf(int directory, const char* name);
+
+}  // namespace platform

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+
+namespace platform {
+
+// Reads the entries of an open directory in blocks. "." and ".." are passed over.
+class DirectoryReader {
+  public:
+    // The device's entries, or those with reserved names as well, which the device does not have.
+    enum class Names { Device, All };
+    explicit DirectoryReader(Names names = Names::Device) : names_(names) {}
+
+    struct Entry {
+        const char* name;    // terminated; valid until the next call of Next
+        unsigned char type;  // DT_DIR, DT_REG, ..., DT_UNKNOWN where the file system does not tell
+    };
+
+    // Moves to the next entry of `directory`, always the same open descriptor. Returns false at the
+    // end, and when reading failed.
+    bool Next(int directory);
+    const Entry& entry() const { return entry_; }
+
+  private:
+    bool FillBlock(int directory);
+
+    Names names_;
+    Entry entry_{};
+    std::size_t position_ = 0;
+    std::size_t length_ = 0;
+    alignas(8) std::array<char, 4096> block_;
+};
+
+}  // namespace platform

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/device_tree.h"
+
+namespace platform {
+
+// A set of names that differ in more than case, kept as hashes: a name that is in it may be there,
+// a name that is not is not.
+class NameSet {
+  public:
+    void Add(std::u16string_view name);
+    bool MayHold(std::u16string_view name) const;
+
+  private:
+    void Put(std::uint32_t hash);
+
+    std::vector<std::uint32_t> slots_;  // a power of two of them, 0 where free
+    std::size_t count_ = 0;
+};
+
+// A directory that entries are being moved into or made in.
+struct FilledDirectory {
+    std::u16string path;  // as the caller spelt it, backslash included
+    Descriptor descriptor;
+    NameSet names;
+
+    // The entry that has this device name, in whatever case; `host` is its exact host name.
+    std::optional<HostName> Existing(std::u16string_view device, const HostName& host) const;
+};
+
+// The directories that a walk is filling, outermost first: the one that it fills now and those that
+// it will come back to. Knowing their names spares reading them again for every entry.
+class FilledDirectories {
+  public:
+    // Opens and reads the directory unless it is one of them. Null when that fails. The pointer is
+    // valid until the next call.
+    FilledDirectory* Get(const DeviceTree& tree, std::u16string_view path);
+    void Clear() { filled_.clear(); }
+
+  private:
+    std::vector<FilledDirectory> filled_;
+};
+
+}  // namespace platform

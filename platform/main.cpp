@@ -1,0 +1,107 @@
+// The host's entry: starts the program on a device directory.
+
+#include <sys/resource.h>
+#include <sysexits.h>
+
+#include <csignal>
+#include <cstdio>
+#include <optional>
+#include <utility>
+
+#include "core/win_main.h"
+#include "platform/command_line.h"
+#include "platform/console_windows.h"
+#include "platform/device_directory.h"
+#include "platform/file_store.h"
+#include "platform/recording_store.h"
+#include "platform/sample_device.h"
+
+namespace {
+
+using platform::CommandLine;
+
+void Complain(const std::string& what, const std::string& why) {
+    std::fprintf(stderr, "fennelbright: %s: %s\n", what.c_str(), why.c_str());
+}
+
+// A walk holds a descriptor or two for each level of a tree.
+void AllowManyDescriptors() {
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) == 0 && limit.rlim_cur < limit.rlim_max) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_NOFILE, &limit);
+    }
+}
+
+int MakeSampleDevice(const CommandLine& line) {
+    platform::DeviceDirectory device;
+    const std::string reason = platform::MakeDeviceDirectory(line.device.c_str(), device);
+    if (!reason.empty()) {
+        Complain("no device can be made in " + line.device, reason);
+        return EX_CANTCREAT;
+    }
+    platform::FileStore store(std::move(device.files), line.modulePath);
+    const platform::StoreInUse inUse(store);
+    const std::string missing = platform::FillSampleDevice(store);
+    if (!missing.empty()) {
+        Complain("the device in " + line.device + " is not complete", "cannot make " + missing);
+        return EX_CANTCREAT;
+    }
+    return 0;
+}
+
+int RunProgram(platform::DeviceStore& store, CommandLine& line) {
+    const platform::StoreInUse inUse(store);
+    platform::ConsoleWindows windows(stderr);
+    const platform::WindowsInUse windowsInUse(windows);
+    return WinMain(nullptr, nullptr, line.programLine.data(), 0);
+}
+
+int RunReported(platform::DeviceStore& store, CommandLine& line) {
+    platform::RecordingStore recorder(store, stdout);
+    const int result = RunProgram(recorder, line);
+    if (!recorder.Finish()) {
+        Complain("the report is not complete", "standard output cannot be written");
+    }
+    return result;
+}
+
+int Run(CommandLine& line) {
+    platform::DeviceDirectory device;
+    const std::string reason = platform::OpenDeviceDirectory(line.device.c_str(), device);
+    if (!reason.empty()) {
+        Complain("no device in " + line.device, reason);
+        return EX_NOINPUT;
+    }
+    if (!IsSilentCommandLine(line.programLine.c_str())) {
+        Complain("no display for the program's windows", "\"silent\" runs without them");
+        return EX_UNAVAILABLE;
+    }
+    AllowManyDescriptors();
+    platform::FileStore store(std::move(device.files), line.modulePath);
+    return line.report ? RunReported(store, line) : RunProgram(store, line);
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    // A reader of the report who goes away must not end the work half done.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::optional<CommandLine> line = platform::ParseCommandLine(count, words);
+    if (!line) {
+        return EX_USAGE;
+    }
+    switch (line->task) {
+        case CommandLine::Task::ShowHelp:
+            std::fputs(platform::kHelp, stdout);
+            return 0;
+        case CommandLine::Task::ShowVersion:
+            std::puts("fennelbright " FENNELBRIGHT_VERSION);
+            return 0;
+        case CommandLine::Task::MakeSampleDevice:
+            return MakeSampleDevice(*line);
+        case CommandLine::Task::Run:
+            return Run(*line);
+    }
+    return EX_SOFTWARE;
+}

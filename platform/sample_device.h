@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+
+#include "platform/device_store.h"
+
+namespace platform {
+
+// Where the program lies on a device unless it is said otherwise.
+inline constexpr const WCHAR* kDefaultModulePath =
+    TEXT("\\Program Files\\Fennelbright\\Fennelbright.exe");
+
+// Fills the empty device in use, which `store` is, with a lived-in handheld: something for every
+// task to do, something that must stay beside it, and a settings.dat that asks for all of it.
+// Returns an empty text, or what could not be made.
+std::string FillSampleDevice(DeviceStore& store);
+
+}  // namespace platform

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+#include "platform/descriptor.h"
+#include "platform/host_names.h"
+
+namespace platform {
+
+class DeviceTree;
+
+// A new file whose content is not complete yet. It has no name where the file system allows that,
+// else a reserved one in its volume's root directory. It goes with the object unless it was
+// published.
+class UnpublishedFile {
+  public:
+    // An empty file, readable and writable by its owner, to be published in `directory`; `volume`
+    // is the root of the same volume and stays the caller's to keep open. Null when it cannot be
+    // made.
+    static std::unique_ptr<UnpublishedFile> Create(int directory, int volume);
+    ~UnpublishedFile();
+    UnpublishedFile(const UnpublishedFile&) = delete;
+    UnpublishedFile& operator=(const UnpublishedFile&) = delete;
+
+    int descriptor() const { return descriptor_.get(); }
+
+    // Gives the file its name, with its content safely stored. Returns whether it has it now.
+    bool PublishNew(int directory, const char* name);      // fails where something has that name
+    bool PublishInPlace(int directory, const char* name);  // replaces what has that name
+
+  private:
+    UnpublishedFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
+        : descriptor_(std::move(descriptor)), volume_(volume), reserved_(reserved) {}
+
+    bool Link(int directory, const char* name) const;
+    bool Reserve();
+
+    Descriptor descriptor_;
+    int volume_;
+    std::optional<HostName> reserved_;  // its name in the volume's root while it has one
+};
+
+// Gives `file` the mode and, where that is allowed, the owner that `from` tells.
+void TakeModeAndOwner(int file, const struct stat& from);
+
+// Removes the files that earlier processes left unpublished on the device's volumes; those that a
+// running process is still writing stay.
+void RemoveUnpublishedFiles(const DeviceTree& tree);
+
+// A stream for writing a file that has its new content, and its name, only from the moment when
+// fclose has returned 0. `replaced` is what the name stands for now, if anything.
+std::FILE* OpenPublishingStream(Descriptor directory, Descriptor volume, const HostName& name,
+                                const std::optional<struct stat>& replaced);
+
+}  // namespace platform

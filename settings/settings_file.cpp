@@ -1,0 +1,136 @@
+#include "settings/settings_file.h"
+
+#include <array>
+#include <optional>
+
+#include "core/device_store.h"
+#include "core/options.h"
+#include "core/wide_text.h"
+#include "core/window_system.h"
+
+namespace {
+
+constexpr std::size_t kExecutableNameLength = 16;  // "Fennelbright.exe"
+
+// The executable's directory is its path less the length of the name it is installed under.
+bool BuildSettingsPath(PathText& path) {
+    PathText directory{};
+    const DWORD length = GetModuleFileNameW(nullptr, directory.data(), kTextCapacity);
+    if (length < kExecutableNameLength) {
+        MessageBoxW(nullptr, TEXT("Failed retrieving application directory"), TEXT("Error!!!"),
+                    MB_OK);
+        return false;
+    }
+    directory[length - kExecutableNameLength] = 0;
+    return FormatText(path, TEXT("%s%s"), {directory.data(), TEXT("settings.dat")});
+}
+
+std::FILE* OpenSettings(const WCHAR* mode) {
+    PathText path{};
+    return BuildSettingsPath(path) ? _wfopen(path.data(), mode) : nullptr;
+}
+
+std::optional<std::uint32_t> ReadNumber(std::FILE* file) {
+    std::array<unsigned char, 4> bytes{};
+    if (std::fread(bytes.data(), bytes.size(), 1, file) != 1) {
+        return std::nullopt;
+    }
+    return static_cast<std::uint32_t>(bytes[0]) | static_cast<std::uint32_t>(bytes[1]) << 8 |
+           static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
+}
+
+void WriteNumber(std::FILE* file, std::uint32_t number) {
+    const std::array<unsigned char, 4> bytes = {
+        static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8),
+        static_cast<unsigned char>(number >> 16), static_cast<unsigned char>(number >> 24)};
+    std::fwrite(bytes.data(), bytes.size(), 1, file);
+}
+
+// Null when the file does not hold the whole text: a directory that is cut names another one.
+SettingsText ReadText(std::FILE* file) {
+    const std::optional<std::uint32_t> count = ReadNumber(file);
+    if (!count || *count >= kTextCapacity) {
+        return nullptr;
+    }
+    std::array<unsigned char, 2 * kTextCapacity> bytes{};
+    if (std::fread(bytes.data(), 2, *count, file) != *count) {
+        return nullptr;
+    }
+    SettingsText text = NewSettingsText();
+    for (std::size_t index = 0; index < *count; ++index) {
+        text[index] = static_cast<WCHAR>(bytes[2 * index] | bytes[2 * index + 1] << 8);
+    }
+    return text;
+}
+
+void WriteText(std::FILE* file, const WCHAR* text) {
+    const std::size_t count = wcslen(text);
+    WriteNumber(file, static_cast<std::uint32_t>(count));
+    for (std::size_t index = 0; index < count; ++index) {
+        const std::array<unsigned char, 2> bytes = {static_cast<unsigned char>(text[index]),
+                                                    static_cast<unsigned char>(text[index] >> 8)};
+        std::fwrite(bytes.data(), bytes.size(), 1, file);
+    }
+}
+
+// What stands behind a damaged text cannot be told, so nothing behind it is taken. Returns whether
+// all texts were there.
+bool ReadTexts(std::FILE* file, std::uint32_t mask, CSettings& settings) {
+    bool inStep = true;
+    for (const Option& option : AllOptions()) {
+        if (option.text != nullptr && (mask & option.bit) != 0) {
+            SettingsText& text = settings.*option.text;
+            text = inStep ? ReadText(file) : nullptr;
+            inStep = text != nullptr;
+        }
+    }
+    return inStep;
+}
+
+void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, bool inStep) {
+    for (const Option& option : AllOptions()) {
+        if (option.position != nullptr && (mask & option.bit) != 0) {
+            const std::optional<std::uint32_t> number =
+                inStep ? ReadNumber(file) : std::optional<std::uint32_t>();
+            inStep = number.has_value();
+            settings.*option.position = static_cast<std::int32_t>(number.value_or(0));
+        }
+    }
+}
+
+}  // namespace
+
+std::int32_t LoadSettings(CSettings& settings) {
+    std::FILE* const file = OpenSettings(TEXT("rb"));
+    if (file == nullptr) {
+        return kNoMask;
+    }
+    const std::uint32_t mask = ReadNumber(file).value_or(0);
+    const auto result = static_cast<std::int32_t>(mask);
+    if (result != kNoMask) {
+        const bool inStep = ReadTexts(file, mask, settings);
+        ReadPositions(file, mask, settings, inStep);
+    }
+    std::fclose(file);
+    return result;
+}
+
+std::FILE* OpenSettingsForWriting() {
+    return OpenSettings(TEXT("wb"));
+}
+
+void WriteSettings(std::FILE* file, std::uint32_t mask, CSettings& settings) {
+    WriteNumber(file, mask);
+    for (const Option& option : AllOptions()) {
+        if (option.text != nullptr && (mask & option.bit) != 0) {
+            SettingsText& text = settings.*option.text;
+            WriteText(file, text != nullptr ? text.get() : TEXT(""));
+            text.reset();
+        }
+    }
+    for (const Option& option : AllOptions()) {
+        if (option.position != nullptr && (mask & option.bit) != 0) {
+            WriteNumber(file, static_cast<std::uint32_t>(settings.*option.position));
+        }
+    }
+}

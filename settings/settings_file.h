@@ -1,0 +1,25 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+
+#include "core/settings_record.h"
+
+// What LoadSettings returns when there is no mask: no bit of it may be read as an option.
+inline constexpr std::int32_t kNoMask = -1;
+
+// Reads "settings.dat", which lies beside the executable, and returns its option mask. Every text
+// and position whose bit is set goes into `settings`; a text that the file does not hold whole
+// stays null, as does every text behind it, and positions that are missing become 0. Returns
+// kNoMask, and leaves `settings` alone, when the file cannot be opened or holds nothing but set
+// bits.
+std::int32_t LoadSettings(CSettings& settings);
+
+// Opens "settings.dat" for writing; the caller closes it with fclose, which publishes it. Null when
+// it cannot be opened.
+std::FILE* OpenSettingsForWriting();
+
+// Writes the mask and the texts and positions whose bits are set to `file` and releases those
+// texts. A text that is null is written as an empty one, so that the file stays in step with its
+// mask.
+void WriteSettings(std::FILE* file, std::uint32_t mask, CSettings& settings);
