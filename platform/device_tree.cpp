@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "platform/directory_reader.h"
 
