@@ -146,9 +146,9 @@ Descriptor DeviceTree::OpenSubdirectory(int parent, bool parentIsRoot, const cha
 Descriptor DeviceTree::OpenVolume(std::u16string_view path) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
     if (components.size() > 1) {
-        OpenedDirectory first = OpenNamed(root_.get(), true, components.front(), OpenFor::Reading);
-        if (first.descriptor && IsMountPoint(first.descriptor.get(), "")) {
-            return std::move(first.descriptor);
+        Descriptor first = OpenNamed(root_.get(), true, components.front(), OpenFor::Reading);
+        if (first && IsMountPoint(first.get(), "")) {
+            return first;
         }
     }
     return OpenBeneath(root_.get(), ".", DirectoryFlags(OpenFor::Reading), kOnVolume);
