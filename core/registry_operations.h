@@ -40,26 +40,26 @@ inline constexpr LONG ERROR_MORE_DATA = 234;
 inline constexpr LONG ERROR_NO_MORE_ITEMS = 259;
 inline constexpr LONG ERROR_KEY_DELETED = 1018;
 
-// Opens the key at the path `subkey` below `key`, or `key` once more when the path is null or empty,
-// and puts a handle into `result` that the caller closes with RegCloseKey. ERROR_FILE_NOT_FOUND when
-// there is no such key; `result` is null then and after every other failure. `options` is 0;
-// `access` may be 0 or KEY_ALL_ACCESS and makes no difference: every operation works through the
-// handle.
+// Opens the key at the path `subkey` below `key`, or `key` once more when the path is null or
+// empty, and puts a handle into `result` that the caller closes with RegCloseKey.
+// ERROR_FILE_NOT_FOUND when there is no such key; `result` is null then and after every other
+// failure. `options` is 0; `access` may be 0 or KEY_ALL_ACCESS and makes no difference: every
+// operation works through the handle.
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
 
 // Reads a value; a null or empty name is the key's unnamed one. `size` is the size of `data` in
-// bytes and receives the size of the value, `type` its type; both may be null where nobody asks. The
-// stored bytes are copied and no others: a text ends in a terminator only if it was stored with one.
-// A null `data` asks for the size alone. ERROR_MORE_DATA when the value does not fit: nothing is
-// copied then, but size and type are given. ERROR_FILE_NOT_FOUND when there is no such value.
+// bytes and receives the size of the value, `type` its type; both may be null where nobody asks.
+// The stored bytes are copied and no others: a text ends in a terminator only if it was stored with
+// one. A null `data` asks for the size alone. ERROR_MORE_DATA when the value does not fit: nothing
+// is copied then, but size and type are given. ERROR_FILE_NOT_FOUND when there is no such value.
 // `reserved` is null.
 LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
                       DWORD* size);
 
 // Makes or replaces a value with exactly the `size` bytes at `data`; a null or empty name is the
-// key's unnamed one. ERROR_INVALID_PARAMETER for a name of more than 255 characters and for what the
-// registry's file has no form for. The value is read back at once; it is kept for good when the key
-// has been closed. `reserved` is 0.
+// key's unnamed one. ERROR_INVALID_PARAMETER for a name of more than 255 characters and for what
+// the registry's file has no form for. The value is read back at once; it is kept for good when the
+// key has been closed. `reserved` is 0.
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD size);
 

@@ -11,7 +11,9 @@ namespace {
 
 constexpr DataResult kRead{DataState::kValue, nullptr};
 
-DataResult Malformed(const char* reason) { return {DataState::kMalformed, reason}; }
+DataResult Malformed(const char* reason) {
+    return {DataState::kMalformed, reason};
+}
 
 bool IsTextType(std::uint32_t type) {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;

@@ -23,6 +23,8 @@ struct RegistryForm {
 struct RegistryData {
     std::uint32_t type = 0;
     std::vector<std::uint8_t> bytes;
+
+    bool operator==(const RegistryData&) const = default;
 };
 
 enum class DataState {
@@ -32,7 +34,8 @@ enum class DataState {
     kMalformed,
 };
 
-// What reading the data of a value came to. `failure` is a reason for people, null unless malformed.
+// What reading the data of a value came to. `failure` is a reason for people, null unless
+// malformed.
 struct DataResult {
     DataState state = DataState::kValue;
     const char* failure = nullptr;
@@ -42,9 +45,9 @@ struct DataResult {
 // into `data`, unless that is null. When the data are malformed, the scanner stands near the fault.
 DataResult ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data);
 
-// The data of a value in the form of a file, in the file's encoding. A text becomes "..." where that
-// can hold it; a terminator at its end is left out there, since reading adds it. Nothing when the
-// file has no form for the value.
+// The data of a value in the form of a file, in the file's encoding. A text becomes "..." where
+// that can hold it; a terminator at its end is left out there, since reading adds it. Nothing when
+// the file has no form for the value.
 std::optional<std::string> FormatData(const RegistryForm& form, std::uint32_t type,
                                       std::span<const std::uint8_t> bytes);
 

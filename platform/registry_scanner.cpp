@@ -2,7 +2,9 @@
 
 namespace platform {
 
-bool IsDigit(std::int32_t unit) { return unit >= '0' && unit <= '9'; }
+bool IsDigit(std::int32_t unit) {
+    return unit >= '0' && unit <= '9';
+}
 
 int HexDigit(std::int32_t unit) {
     if (IsDigit(unit)) {
@@ -20,8 +22,8 @@ bool IsWordUnit(std::int32_t unit) {
 std::size_t LineNumber(TextUnits units, std::size_t position) {
     std::size_t line = 1;
     for (std::size_t index = 0; index < position && index < units.size(); ++index) {
-        const bool pair = units[index] == '\r' && index + 1 < units.size() &&
-                          units[index + 1] == '\n';
+        const bool pair =
+            units[index] == '\r' && index + 1 < units.size() && units[index + 1] == '\n';
         if (units[index] == '\n' || (units[index] == '\r' && !pair)) {
             ++line;
         }

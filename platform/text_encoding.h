@@ -19,8 +19,8 @@ bool IsUtf8(std::string_view bytes);
 void DecodeText(TextEncoding encoding, std::string_view bytes, std::u16string& text);
 
 // Appends `text` in the given encoding to `bytes`. False, with `bytes` unchanged, when the encoding
-// cannot hold it: lone surrogates in UTF-8, and in CP1252 what it has no character for and also what
-// would read as UTF-8, since a file whose bytes are all UTF-8 is taken for such.
+// cannot hold it: lone surrogates in UTF-8, and in CP1252 what it has no character for and also
+// what would read as UTF-8, since a file whose bytes are all UTF-8 is taken for such.
 bool EncodeText(TextEncoding encoding, std::u16string_view text, std::string& bytes);
 
 // Appends `text` as UTF-8 to `bytes`, lone surrogates in their three bytes each.
