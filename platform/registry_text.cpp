@@ -32,6 +32,7 @@ void Fold(std::u16string& text) {
 // The names between the backslashes of a path, in the path's own encoding.
 std::vector<std::string_view> NamesOfPath(const TextUnits& path) {
     std::vector<std::string_view> names;
+    names.reserve(16);
     for (std::size_t begin = 0, index = 0; index <= path.size(); ++index) {
         if (index < path.size() && path[index] != u'\\') {
             continue;
@@ -166,6 +167,7 @@ const char* RegistryText::TakeDeletedKey(const RegistryStatement& statement) {
         return nullptr;
     }
     keys_.Remove(key);
+    path_.clear();
     AddRoots();
     return nullptr;
 }
@@ -199,11 +201,16 @@ const char* RegistryText::FindPath(std::string_view path, bool add, KeyIndex& ke
     if (names.size() > kDepthLimit) {
         return "a key of too many levels";
     }
-    key = 0;
-    std::u16string folded;
-    for (const std::string_view name : names) {
-        folded.clear();
-        DecodeText(form_.encoding, name, folded);
+    // Neighbours in a file share most of their path, which is looked up once.
+    std::size_t shared = 0;
+    while (shared < names.size() && shared < path_.size() && names[shared] == path_[shared].name) {
+        ++shared;
+    }
+    path_.resize(shared);
+    key = shared == 0 ? 0 : path_.back().key;
+    for (std::size_t level = shared; level < names.size(); ++level) {
+        std::u16string folded;
+        DecodeText(form_.encoding, names[level], folded);
         if (folded.size() > kNameLimit) {
             return "a key with a name of more than 255 characters";
         }
@@ -213,7 +220,8 @@ const char* RegistryText::FindPath(std::string_view path, bool add, KeyIndex& ke
         if (key == 0 && !add) {
             return nullptr;
         }
-        key = key != 0 ? key : keys_.AddChild(parent, folded, name);
+        key = key != 0 ? key : keys_.AddChild(parent, folded, names[level]);
+        path_.push_back({names[level], key});
     }
     return nullptr;
 }

@@ -92,6 +92,12 @@ class RegistryText {
         ValueIndex value = 0;
     };
 
+    // A name of the path that was read last.
+    struct Level {
+        std::string_view name;
+        KeyIndex key = 0;
+    };
+
     // New text for `length` bytes of the file; where nothing is replaced, whole lines.
     struct Edit {
         std::size_t begin = 0;
@@ -133,6 +139,7 @@ class RegistryText {
     std::vector<ValueText> values_;
     std::vector<Section> sections_;
     SectionIndex currentSection_ = 0;
+    std::vector<Level> path_;
 
     // From these numbers on, values and sections are not in the file's bytes.
     std::size_t firstNewValue_ = 0;
