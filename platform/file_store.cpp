@@ -257,8 +257,7 @@ std::FILE* FileStore::OpenForWriting(std::u16string_view path, Existing existing
     std::optional<struct stat> replaced;
     if (Examine(place, split.name)) {
         replaced.emplace();
-        if (existing == Existing::Kept ||
-            !IsWritable(place.directory, place.name, place.facts) ||
+        if (existing == Existing::Kept || !IsWritable(place.directory, place.name, place.facts) ||
             fstatat(place.directory, place.name.c_str(), &*replaced, AT_SYMLINK_NOFOLLOW) != 0) {
             return nullptr;
         }
@@ -277,8 +276,7 @@ DWORD FileStore::GetModuleFileNameW(HINSTANCE /*module*/, WCHAR* buffer, DWORD l
 
 BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
     const Descriptor file = OpenFile(path, Knowledge::OfSearch);
-    const std::optional<std::u16string> target =
-        file ? ReadShortcut(file.get()) : std::nullopt;
+    const std::optional<std::u16string> target = file ? ReadShortcut(file.get()) : std::nullopt;
     if (!target || limit <= 0 || target->size() >= static_cast<std::size_t>(limit)) {
         return 0;
     }
