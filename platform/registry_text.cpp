@@ -457,7 +457,20 @@ std::string RegistryText::Serialize() const {
     }
     text += bytes.substr(done);
     AppendNewSections(text);
+    KeepEncoding(text);
     return text;
+}
+
+// An 8-bit file whose bytes are all UTF-8 is taken for such. If the last byte that said otherwise
+// has gone, while characters above ASCII are left, another one says it in a comment.
+void RegistryText::KeepEncoding(std::string& text) const {
+    const auto isHigh = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
+    if (form_.encoding != TextEncoding::kCp1252 || !IsUtf8(text) ||
+        std::none_of(text.begin(), text.end(), isHigh)) {
+        return;
+    }
+    text += EndsLine(text) ? "" : form_.lineEnd;
+    text += "; CP1252 \xA4" + form_.lineEnd;
 }
 
 }  // namespace platform
