@@ -28,7 +28,7 @@ std::vector<std::uint8_t> Bytes(std::string_view bytes) {
 }
 
 // The bytes of a text with its terminator.
-std::vector<std::uint8_t> TextBytes(std::u16string text) {
+std::vector<std::uint8_t> TextBytes(const std::u16string& text) {
     std::string bytes;
     EncodeText(TextEncoding::kUtf16, text + u'\0', bytes);
     return Bytes(bytes);
@@ -331,7 +331,9 @@ TEST(RegistryText, AddsToFilesWithoutLineEndOrContent) {
         RegistryText text = MustParse("[HKEY_USERS]"s + end);
         text.SetValue(text.FindKey(u"HKEY_USERS"), u"a", REG_DWORD, std::vector<std::uint8_t>(4));
         const std::string line = *end != 0 ? end : "\r\n";
-        EXPECT_EQ(text.Serialize(), "[HKEY_USERS]" + line + "\"a\"=dword:00000000" + line);
+        std::string expected = "[HKEY_USERS]" + line;
+        expected.append("\"a\"=dword:00000000").append(line);
+        EXPECT_EQ(text.Serialize(), expected);
     }
     RegistryText made = MustParse("");
     made.SetValue(made.FindKey(u"HKEY_USERS"), u"\xDC00", REG_SZ, TextBytes(u"ü"));
