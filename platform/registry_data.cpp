@@ -165,7 +165,10 @@ bool DataReader::AcceptContinuation() {
     if (scanner_.Accept(u'\\') && !scanner_.AcceptLineRest()) {
         return false;
     }
-    scanner_.SkipEmptyLines();
+    if (scanner_.AtLineEnd() || scanner_.Peek() == ';') {
+        scanner_.SkipEmptyLines();
+    }
+    scanner_.SkipBlanks();
     return true;
 }
 

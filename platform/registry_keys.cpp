@@ -17,10 +17,13 @@ KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName
     return found == byName_.end() ? 0 : found->second;
 }
 
-KeyIndex RegistryKeys::AddChild(KeyIndex parent, std::u16string_view foldedName,
-                                std::string_view name) {
+KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
+                                      std::string_view name) {
     const auto added = static_cast<KeyIndex>(keys_.size());
-    const auto entry = byName_.emplace(LookupKey(parent, foldedName), added).first;
+    const auto [entry, isNew] = byName_.try_emplace(LookupKey(parent, foldedName), added);
+    if (!isNew) {
+        return entry->second;
+    }
     RegistryKey key;
     key.name = name;
     key.lookupKey = &entry->first;

@@ -42,9 +42,9 @@ class RegistryKeys {
     // none.
     KeyIndex FindChild(KeyIndex parent, std::u16string_view foldedName) const;
 
-    // Adds a subkey behind the others; there must be none of that name. `name` must live as long as
-    // the tree.
-    KeyIndex AddChild(KeyIndex parent, std::u16string_view foldedName, std::string_view name);
+    // The subkey with that name, added behind the others if there is none. `name` must live as long
+    // as the tree.
+    KeyIndex FindOrAddChild(KeyIndex parent, std::u16string_view foldedName, std::string_view name);
 
     // The subkey number `index`, counted from 0; 0 behind the last one. Asking for neighbours one
     // after the other is quick however many there are.

@@ -2,18 +2,6 @@
 
 namespace platform {
 
-bool IsDigit(std::int32_t unit) {
-    return unit >= '0' && unit <= '9';
-}
-
-int HexDigit(std::int32_t unit) {
-    if (IsDigit(unit)) {
-        return unit - '0';
-    }
-    const std::int32_t lower = unit | 0x20;
-    return lower >= 'a' && lower <= 'f' && unit <= 'f' ? lower - 'a' + 10 : -1;
-}
-
 bool IsWordUnit(std::int32_t unit) {
     return IsDigit(unit) || unit == '_' || (unit >= 'A' && unit <= 'Z') ||
            (unit >= 'a' && unit <= 'z');
@@ -29,20 +17,6 @@ std::size_t LineNumber(TextUnits units, std::size_t position) {
         }
     }
     return line;
-}
-
-void RegistryScanner::SkipBlanks() {
-    while (Peek() == ' ' || Peek() == '\t') {
-        ++position_;
-    }
-}
-
-bool RegistryScanner::Accept(char16_t unit) {
-    if (Peek() != unit) {
-        return false;
-    }
-    ++position_;
-    return true;
 }
 
 bool RegistryScanner::AcceptWord(std::string_view word) {
@@ -110,18 +84,18 @@ bool RegistryScanner::AcceptSymbol() {
 }
 
 void RegistryScanner::SkipLine() {
-    while (!AtLineEnd()) {
-        ++position_;
+    const std::size_t size = units_.size();
+    std::size_t end = position_;
+    while (end < size && units_[end] != u'\n' && units_[end] != u'\r') {
+        ++end;
     }
+    position_ = end;
     SkipLineEnd();
 }
 
 void RegistryScanner::SkipLineEnd() {
-    if (Accept(u'\r')) {
-        Accept(u'\n');
-    } else {
-        Accept(u'\n');
-    }
+    Accept(u'\r');
+    Accept(u'\n');
 }
 
 void RegistryScanner::SkipEmptyLines() {

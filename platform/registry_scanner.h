@@ -31,8 +31,16 @@ class RegistryScanner {
         const std::int32_t unit = Peek();
         return unit == '\n' || unit == '\r' || unit == kEnd;
     }
-    void SkipBlanks();
-    bool Accept(char16_t unit);
+    void SkipBlanks() {
+        while (Peek() == ' ' || Peek() == '\t') {
+            ++position_;
+        }
+    }
+    bool Accept(char16_t unit) {
+        const bool accepted = Peek() == unit;
+        position_ += accepted ? 1 : 0;
+        return accepted;
+    }
 
     // Accepts the lower-case ASCII text in any case.
     bool AcceptWord(std::string_view word);
@@ -61,10 +69,18 @@ class RegistryScanner {
     std::size_t position_;
 };
 
-bool IsDigit(std::int32_t unit);
+inline bool IsDigit(std::int32_t unit) {
+    return unit >= '0' && unit <= '9';
+}
 
 // The value of a hexadecimal digit, -1 for any other unit.
-int HexDigit(std::int32_t unit);
+inline int HexDigit(std::int32_t unit) {
+    if (IsDigit(unit)) {
+        return unit - '0';
+    }
+    const std::int32_t lower = unit | 0x20;
+    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
 
 // Whether the unit may stand in a symbol: a letter, a digit or an underscore of the ASCII range.
 bool IsWordUnit(std::int32_t unit);

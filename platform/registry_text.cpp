@@ -90,6 +90,8 @@ bool RegistryText::Read(RegistryFault& fault) {
         EncodeText(form_.encoding, u"\r\n", form_.lineEnd);
     }
     AddRoots();
+    // Lines have some fifty characters; this spares most of the growing.
+    values_.reserve(units.size() / 50);
     RegistryScanner scanner(units);
     AcceptHeader(scanner, form_);
     if (const char* const reason = ReadStatements(scanner); reason != nullptr) {
@@ -186,7 +188,7 @@ const char* RegistryText::TakeValue(const RegistryStatement& statement) {
 void RegistryText::AddRoots() {
     for (const std::u16string_view root : kRoots) {
         if (keys_.FindChild(0, root) == 0) {
-            keys_.AddChild(0, root, Own(Spell(root)));
+            keys_.FindOrAddChild(0, root, Own(Spell(root)));
         }
     }
 }
@@ -216,11 +218,11 @@ const char* RegistryText::FindPath(std::string_view path, bool add, KeyIndex& ke
         }
         Fold(folded);
         const KeyIndex parent = key;
-        key = keys_.FindChild(parent, folded);
-        if (key == 0 && !add) {
+        key = add ? keys_.FindOrAddChild(parent, folded, names[level])
+                  : keys_.FindChild(parent, folded);
+        if (key == 0) {
             return nullptr;
         }
-        key = key != 0 ? key : keys_.AddChild(parent, folded, names[level]);
         path_.push_back({names[level], key});
     }
     return nullptr;
@@ -457,7 +459,20 @@ std::string RegistryText::Serialize() const {
     }
     text += bytes.substr(done);
     AppendNewSections(text);
+    KeepEncoding(text);
     return text;
+}
+
+// An 8-bit file whose bytes are all UTF-8 is taken for such. If the last byte that said otherwise
+// has gone, while characters above ASCII are left, another one says it in a comment.
+void RegistryText::KeepEncoding(std::string& text) const {
+    const auto isHigh = [](char byte) { return static_cast<unsigned char>(byte) >= 0x80; };
+    if (form_.encoding != TextEncoding::kCp1252 || !IsUtf8(text) ||
+        std::none_of(text.begin(), text.end(), isHigh)) {
+        return;
+    }
+    text += EndsLine(text) ? "" : form_.lineEnd;
+    text += "; CP1252 \xA4" + form_.lineEnd;
 }
 
 }  // namespace platform

@@ -127,6 +127,7 @@ class RegistryText {
 
     std::vector<Edit> Edits() const;
     void AppendNewSections(std::string& text) const;
+    void KeepEncoding(std::string& text) const;
     std::string KeyLine(KeyIndex key) const;
     std::string ValueLine(ValueIndex value) const;
     std::string Spell(std::u16string_view text) const;

@@ -122,17 +122,12 @@ void DecodeUtf16(std::string_view bytes, std::u16string& text) {
 
 bool EncodeCp1252(std::u16string_view text, std::string& bytes) {
     std::string encoded;
-    bool plain = true;
     for (const char16_t unit : text) {
         const int byte = ToCp1252(unit);
         if (byte < 0) {
             return false;
         }
-        plain = plain && byte < 0x80;
         encoded += static_cast<char>(byte);
-    }
-    if (!plain && IsUtf8(encoded)) {
-        return false;
     }
     bytes += encoded;
     return true;

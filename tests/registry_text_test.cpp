@@ -28,7 +28,7 @@ std::vector<std::uint8_t> Bytes(std::string_view bytes) {
 }
 
 // The bytes of a text with its terminator.
-std::vector<std::uint8_t> TextBytes(std::u16string text) {
+std::vector<std::uint8_t> TextBytes(const std::u16string& text) {
     std::string bytes;
     EncodeText(TextEncoding::kUtf16, text + u'\0', bytes);
     return Bytes(bytes);
@@ -331,7 +331,9 @@ TEST(RegistryText, AddsToFilesWithoutLineEndOrContent) {
         RegistryText text = MustParse("[HKEY_USERS]"s + end);
         text.SetValue(text.FindKey(u"HKEY_USERS"), u"a", REG_DWORD, std::vector<std::uint8_t>(4));
         const std::string line = *end != 0 ? end : "\r\n";
-        EXPECT_EQ(text.Serialize(), "[HKEY_USERS]" + line + "\"a\"=dword:00000000" + line);
+        std::string expected = "[HKEY_USERS]" + line;
+        expected.append("\"a\"=dword:00000000").append(line);
+        EXPECT_EQ(text.Serialize(), expected);
     }
     RegistryText made = MustParse("");
     made.SetValue(made.FindKey(u"HKEY_USERS"), u"\xDC00", REG_SZ, TextBytes(u"ü"));
@@ -346,7 +348,7 @@ TEST(RegistryText, EightBitFilesKeepWhatTheyCanAndRefuseTheRest) {
     };
     for (const Fit& fit :
          {Fit{u"gr\u00FC\u20AC", "\"gr\xFC\x80\""}, Fit{u"\u0416", "hex(1):d0,96,00"},
-          Fit{u"\u00C3\u00BC", "hex(1):c3,83,c2,bc,00"}}) {
+          Fit{u"\u00C3\u00BC", "\"\xC3\xBC\""}}) {
         RegistryText text = MustParse("REGEDIT4\n;\xE9\n[HKEY_USERS]\n");
         const KeyIndex key = text.FindKey(u"HKEY_USERS");
         EXPECT_EQ(text.SetValue(key, u"v", REG_SZ, TextBytes(fit.text)), SetResult::kChanged);
@@ -358,6 +360,14 @@ TEST(RegistryText, EightBitFilesKeepWhatTheyCanAndRefuseTheRest) {
         EXPECT_EQ(text.SetValue(key, u"\u0416", REG_SZ, {}), SetResult::kUnfit);
         EXPECT_EQ(text.SetValue(key, u"a\nb", REG_SZ, {}), SetResult::kUnfit);
     }
+}
+
+TEST(RegistryText, AnEightBitFileStaysOneWithoutItsLastOddByte) {
+    RegistryText text = MustParse("[HKEY_USERS]\n\"a\"=\"\xE9\"\n\"b\"=\"\xC3\xBC\"");
+    text.SetValue(text.FindKey(u"HKEY_USERS"), u"a", REG_SZ, {});
+    EXPECT_EQ(text.Serialize(), "[HKEY_USERS]\n\"a\"=\"\"\n\"b\"=\"\xC3\xBC\"\n; CP1252 \xA4\n");
+    EXPECT_EQ(Read(MustParse(text.Serialize()), u"HKEY_USERS", u"b")->bytes,
+              TextBytes(u"\u00C3\u00BC"));
 }
 
 TEST(RegistryText, ACutFileIsAFaultOrKeepsAllItHas) {
