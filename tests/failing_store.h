@@ -18,9 +18,7 @@ class FailingStore : public platform::ForwardingStore {
     BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override {
         return Fails() ? 0 : inner().FindNextFileW(find, data);
     }
-    BOOL DeleteFileW(const WCHAR* path) override {
-        return Fails() ? 0 : inner().DeleteFileW(path);
-    }
+    BOOL DeleteFileW(const WCHAR* path) override { return Fails() ? 0 : inner().DeleteFileW(path); }
     BOOL RemoveDirectoryW(const WCHAR* path) override {
         return Fails() ? 0 : inner().RemoveDirectoryW(path);
     }
