@@ -40,7 +40,7 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
     const TemporaryDevice linked;
     std::filesystem::remove(linked.files());
     std::filesystem::create_symlink(device.files(), linked.files());
-    const std::string taken = device.path();
+    const std::string& taken = device.path();
     const struct {
         Entries words;
         int exitCode;
