@@ -82,7 +82,7 @@ std::string OpenDeviceDirectory(const char* path, DeviceDirectory& device) {
     if (!device.directory) {
         return std::strerror(errno);
     }
-    const std::string refused = WhyRefused(device.directory);
+    std::string refused = WhyRefused(device.directory);
     if (!refused.empty()) {
         return refused;
     }

@@ -294,4 +294,39 @@ BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     return std::fclose(file) == 0 && written ? 1 : 0;
 }
 
+BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
+                                void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
+    return 0;
+}
+
+LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,
+                              DWORD /*access*/, HKEY* result) {
+    *result = nullptr;
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegQueryValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD* /*reserved*/,
+                                 DWORD* /*type*/, BYTE* /*data*/, DWORD* /*size*/) {
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegSetValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD /*reserved*/,
+                               DWORD /*type*/, const BYTE* /*data*/, DWORD /*size*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegEnumKeyExW(HKEY /*key*/, DWORD /*index*/, WCHAR* /*name*/, DWORD* /*size*/,
+                              DWORD* /*reserved*/, WCHAR* /*className*/, DWORD* /*classSize*/,
+                              void* /*lastWriteTime*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegDeleteKeyW(HKEY /*key*/, const WCHAR* /*subkey*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegCloseKey(HKEY /*key*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
 }  // namespace platform

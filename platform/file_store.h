@@ -13,8 +13,8 @@
 
 namespace platform {
 
-// The half of a device store that works on files, shortcuts among them: the handheld's files are
-// the host's files below one root directory.
+// The device store of a device that has files and shortcuts but no registry and no power switch:
+// the handheld's files are the host's files below one root directory.
 class FileStore : public DeviceStore {
   public:
     // `root` is the open root directory of the device's files, none for a device without files.
@@ -33,6 +33,20 @@ class FileStore : public DeviceStore {
     DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override;
     BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override;
     BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
+    BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
+                         DWORD* returned) override;
+
+    // Without a registry no key is ever there.
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override;
+    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                          DWORD* size) override;
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override;
+    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override;
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
+    LONG RegCloseKey(HKEY key) override;
 
   private:
     // An entry that is there, reached through its open directory.

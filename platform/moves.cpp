@@ -19,8 +19,8 @@ namespace platform {
 
 namespace {
 
-constexpr std::size_t kCopyBlock = 64 * 1024;
-constexpr std::size_t kLargestAttribute = 64 * 1024;
+constexpr std::size_t kCopyBlock = 65536;
+constexpr std::size_t kLargestAttribute = 65536;  // the kernel's own limit
 
 bool CopyContent(int from, int to) {
     const auto block = std::make_unique<std::array<char, kCopyBlock>>();

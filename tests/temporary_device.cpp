@@ -49,8 +49,8 @@ void TemporaryDevice::Make(const std::vector<std::string>& entries) const {
 std::vector<std::string> TemporaryDevice::Listing() const {
     std::vector<std::string> listing;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(files())) {
-        const std::string path = fs::relative(entry.path().parent_path(), files()) /
-                                 entry.path().filename();
+        const std::string path =
+            fs::relative(entry.path().parent_path(), files()) / entry.path().filename();
         const std::string name = path.starts_with("./") ? path.substr(2) : path;
         if (entry.is_symlink()) {
             listing.push_back(name + '>' + fs::read_symlink(entry.path()).string());

@@ -16,7 +16,7 @@ class TemporaryDevice {
     TemporaryDevice(const TemporaryDevice&) = delete;
     TemporaryDevice& operator=(const TemporaryDevice&) = delete;
 
-    const std::string& path() const { return path_; }      // of the device directory
+    const std::string& path() const { return path_; }       // of the device directory
     std::string files() const { return path_ + "/files"; }  // of its file tree
     platform::Descriptor OpenFiles() const;
 

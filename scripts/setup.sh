@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Installs what is missing on a Debian machine. With "tests": also what only the tests need.
+set -euo pipefail
+
+packages=(g++ cmake ninja-build libutf8proc-dev)
+if [ "${1:-}" = tests ]; then
+  packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev python3)
+fi
+
+missing=()
+for package in "${packages[@]}"; do
+  dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+as_root=()
+[ "$(id -u)" -eq 0 ] || as_root=(sudo)
+echo "Installing: ${missing[*]}"
+"${as_root[@]}" apt-get update -qq
+DEBIAN_FRONTEND=noninteractive "${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

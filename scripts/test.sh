@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# Builds the program in every way and passes all checks and tests.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+
+step() { printf '\n== %s\n' "$*"; }
+
+scripts/setup.sh tests
+
+step "Formatting"
+git ls-files '*.cpp' '*.h' | xargs clang-format --dry-run -Werror
+
+for preset in release sanitized; do
+  step "Tests, $preset build"
+  cmake --preset "$preset" -DBUILD_TESTING=ON >/dev/null
+  cmake --build --preset "$preset"
+  ctest --preset "$preset"
+done
+
+step "Fuzz targets, a short run each"
+cmake --preset fuzzing >/dev/null
+cmake --build --preset fuzzing
+ctest --preset fuzzing
+
+step "clang-tidy"
+git ls-files '*.cpp' | grep -v '^tests/fuzz/' | sed "s|^|$PWD/|" |
+  xargs -n 4 -P "$(nproc)" clang-tidy --quiet -p build/sanitized
+
+step "All checks and tests passed"

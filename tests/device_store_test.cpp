@@ -1,0 +1,357 @@
+// The contract of the device store, on the real store and on every wrapper around it.
+
+#include "core/device_store.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/file_store.h"
+#include "platform/host_text.h"
+#include "platform/recording_store.h"
+#include "tests/failing_store.h"
+#include "tests/temporary_device.h"
+
+namespace {
+
+using Names = std::vector<std::string>;
+using Paths = std::vector<std::u16string>;
+
+struct Wrapper {
+    const char* name;
+    std::function<std::unique_ptr<platform::DeviceStore>(platform::DeviceStore&)> wrap;
+};
+
+const Wrapper kWrappers[] = {
+    {"Real",
+     [](platform::DeviceStore& store) {
+         return std::make_unique<platform::ForwardingStore>(store);
+     }},
+    {"Recording",
+     [](platform::DeviceStore& store) {
+         static std::FILE* const report = std::fopen("/dev/null", "w");
+         return std::make_unique<platform::RecordingStore>(store, report);
+     }},
+    {"FailingNever",
+     [](platform::DeviceStore& store) { return std::make_unique<FailingStore>(store, 0); }},
+};
+
+class DeviceStoreTest : public testing::TestWithParam<Wrapper> {
+  protected:
+    void Open() {
+        real_ = std::make_unique<platform::FileStore>(device_.OpenFiles(), u"\\Program.exe");
+        store_ = GetParam().wrap(*real_);
+        inUse_ = std::make_unique<platform::StoreInUse>(*store_);
+    }
+
+    // Names that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
+    static Names Search(const std::u16string& pattern) {
+        Names names;
+        WIN32_FIND_DATA data;
+        const HANDLE find = FindFirstFileW(pattern.c_str(), &data);
+        for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
+             found = FindNextFileW(find, &data)) {
+            const bool isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            names.push_back(platform::ReadableText(data.cFileName) + (isDirectory ? "\\" : ""));
+        }
+        FindClose(find);
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    static bool Exists(const std::u16string& path) { return !Search(path).empty(); }
+
+    std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
+
+    TemporaryDevice device_;
+
+  private:
+    std::unique_ptr<platform::FileStore> real_;
+    std::unique_ptr<platform::DeviceStore> store_;
+    std::unique_ptr<platform::StoreInUse> inUse_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::ValuesIn(kWrappers),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
+    device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",
+                  "ff/sub/deep=", "ff/st*r=", "empty/"});
+    Open();
+    const struct {
+        std::u16string pattern;
+        Names names;
+    } cases[] = {
+        {u"\\ff\\*", {".hid", "a.lnk", "b.LNK", "c.lnk.bak", "noext", "st<F02A>r", "sub\\"}},
+        {u"\\ff\\*.*", {".hid", "a.lnk", "b.LNK", "c.lnk.bak", "noext", "st<F02A>r", "sub\\"}},
+        {u"\\FF\\*.lnk", {"a.lnk", "b.LNK"}},
+        {u"\\FF\\A.LNK", {"a.lnk"}},
+        {u"\\\\ff\\\\a.lnk", {"a.lnk"}},
+        {u"ff\\\\*.bak", {"c.lnk.bak"}},
+        {u"\\ff", {"ff\\"}},
+        {u"\\ff\\", {"ff\\"}},
+        {u"\\", {"\\"}},
+        {u"\\*", {"empty\\", "ff\\"}},
+        {u"\\ff\\st\uF02Ar", {"st<F02A>r"}},
+        {u"", {}},
+        {u"\\ff\\a.lnk\\", {}},
+        {u"\\ff\\none*", {}},
+        {u"\\none\\*", {}},
+        {u"\\empty\\*", {}},
+        {u"\\f*\\a.lnk", {}},
+        {u"\\ff\\sub\\..\\a.lnk", {}},
+        {u"\\ff\\.\\a.lnk", {}},
+        {u"\\ff/a.lnk", {}},
+        {u"\\ff\\a.lnk\\*", {}},
+    };
+    for (const auto& expected : cases) {
+        EXPECT_EQ(Search(expected.pattern), expected.names)
+            << platform::ReadableText(expected.pattern);
+    }
+}
+
+TEST_P(DeviceStoreTest, ExactNameWinsElseTheFirstInByteOrder) {
+    device_.Make({"Temp/one=", "temp/two=", "x/tEMP=", "x/TeMP="});
+    Open();
+    EXPECT_EQ(Search(u"\\temp\\*"), Names{"two"});
+    EXPECT_EQ(Search(u"\\Temp\\*"), Names{"one"});
+    EXPECT_EQ(Search(u"\\TEMP\\*"), Names{"one"});
+    EXPECT_EQ(Search(u"\\x\\temp"), Names{"TeMP"});
+    EXPECT_NE(DeleteFileW(u"\\X\\TEMP"), 0);
+    EXPECT_EQ(Search(u"\\x\\*"), Names{"tEMP"});
+}
+
+TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
+    device_.Make({"big=", "locked=abc", "hidden/", "plain/"});
+    ASSERT_EQ(truncate(HostPath("big").c_str(), (3LL << 32) + 7), 0);
+    chmod(HostPath("locked").c_str(), 0444);
+    const bool hidden = setxattr(HostPath("hidden").c_str(), "user.DOSATTRIB", "0x6", 3, 0) == 0;
+    Open();
+    const struct {
+        std::u16string path;
+        DWORD attributes, high, low;
+    } cases[] = {
+        {u"\\big", FILE_ATTRIBUTE_NORMAL, 3, 7},
+        {u"\\locked", FILE_ATTRIBUTE_READONLY, 0, 3},
+        {u"\\plain", FILE_ATTRIBUTE_DIRECTORY, 0, 0},
+        {u"\\hidden",
+         FILE_ATTRIBUTE_DIRECTORY | (hidden ? FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM : 0), 0,
+         0},
+    };
+    for (const auto& expected : cases) {
+        // A single entry and one of a list are told alike.
+        for (const std::u16string& pattern : Paths{expected.path, expected.path + u"*"}) {
+            WIN32_FIND_DATA data{};
+            FindClose(FindFirstFileW(pattern.c_str(), &data));
+            EXPECT_EQ(data.dwFileAttributes, expected.attributes);
+            EXPECT_EQ(data.nFileSizeHigh, expected.high);
+            EXPECT_EQ(data.nFileSizeLow, expected.low);
+        }
+    }
+}
+
+TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
+    device_.Make({"a="});
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\*", &data);
+    EXPECT_NE(FindClose(find), 0);
+    for (const HANDLE handle : {find, HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        EXPECT_EQ(FindClose(handle), 0);
+        EXPECT_EQ(FindNextFileW(handle, &data), 0);
+    }
+}
+
+TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
+    device_.Make({"d/a=1", "d/locked=2", "d/link>../outside", "d/loop>loop", "d/pipe|", "d/sub/",
+                  "d/full/x=3", "outside/keep=4"});
+    chmod(HostPath("d/locked").c_str(), 0444);
+    Open();
+    const Paths kept = {u"\\d\\locked",     u"\\d\\sub", u"\\d\\none", u"\\d\\a\\",
+                        u"\\d\\link\\keep", u"\\d\\*",   u"",          u"\\"};
+    for (const std::u16string& path : kept) {
+        EXPECT_EQ(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
+    }
+    for (const std::u16string& path : Paths{u"\\d\\a", u"\\D\\LINK", u"\\d\\loop", u"\\d\\pipe"}) {
+        EXPECT_NE(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(RemoveDirectoryW(u"\\d\\full"), 0);
+    EXPECT_EQ(RemoveDirectoryW(u"\\d\\locked"), 0);
+    EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
+    EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
+    EXPECT_EQ(device_.Listing(),
+              (Names{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
+}
+
+TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
+    TemporaryDevice outside;
+    outside.Make({"secret=s", "dir/secret=s"});
+    device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
+                  "file=f"});
+    Open();
+    const Paths paths = {u"\\link\\secret", u"\\up\\registry.reg", u"\\abs\\etc\\passwd",
+                         u"\\sub\\in\\secret", u"\\..\\files\\file"};
+    for (const std::u16string& path : paths) {
+        EXPECT_FALSE(Exists(path)) << platform::ReadableText(path);
+        EXPECT_EQ(DeleteFileW(path.c_str()), 0);
+        EXPECT_EQ(_wfopen(path.c_str(), u"rb"), nullptr);
+        EXPECT_EQ(_wfopen(path.c_str(), u"wb"), nullptr);
+        EXPECT_EQ(MoveFileW(u"\\file", path.c_str()), 0);
+        EXPECT_EQ(MoveFileW(path.c_str(), u"\\got"), 0);
+    }
+    EXPECT_EQ(CreateDirectoryW(u"\\link\\new", nullptr), 0);
+    EXPECT_EQ(Search(u"\\link\\*"), Names{});
+    EXPECT_EQ(outside.Listing(), (Names{"dir/", "dir/secret=s", "secret=s"}));
+}
+
+TEST_P(DeviceStoreTest, MovesNeverReplace) {
+    device_.Make({"a/x=1", "a/Y=2", "b/X=3", "b/y=4", "a/d/in=5", "c/", "a/link>x", "file=6"});
+    Open();
+    const struct {
+        std::u16string from, to;
+        bool moved;
+    } cases[] = {
+        {u"\\a\\x", u"\\b\\x", false},     // taken in another case
+        {u"\\a\\Y", u"\\b\\y", false},     // taken
+        {u"\\a\\x", u"\\none\\x", false},  // nowhere to go
+        {u"\\a\\x", u"\\file\\x", false}, {u"\\a\\none", u"\\c\\none", false},
+        {u"\\a\\x", u"\\c\\x\\", false},  // a file is no directory
+        {u"\\a\\x", u"\\c\\a:b", false},  // no name
+        {u"\\a\\x", u"", false},          {u"\\", u"\\c\\root", false},
+        {u"\\a\\d", u"\\a\\d\\e", false},  // into itself
+        {u"\\a\\x", u"\\A\\X", true},      // onto itself, however spelt
+        {u"\\a\\d", u"\\\\a\\D\\", true}, {u"\\A\\X", u"\\c\\New", true},
+        {u"\\a\\d", u"\\c\\d", true},     {u"\\a\\link", u"\\c\\link", true},
+    };
+    for (const auto& move : cases) {
+        EXPECT_EQ(MoveFileW(move.from.c_str(), move.to.c_str()) != 0, move.moved)
+            << platform::ReadableText(move.from) << " to " << platform::ReadableText(move.to);
+    }
+    EXPECT_EQ(device_.Listing(), (Names{"a/", "a/Y=2", "b/", "b/X=3", "b/y=4", "c/", "c/New=1",
+                                        "c/d/", "c/d/in=5", "c/link>x", "file=6"}));
+}
+
+TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
+    device_.Make({"from/a=1", "from/b=2", "to/A=3"});
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\from\\*", &data);
+    EXPECT_EQ(MoveFileW(u"\\from\\a", u"\\to\\a"), 0);
+    EXPECT_NE(DeleteFileW(u"\\to\\A"), 0);
+    EXPECT_NE(MoveFileW(u"\\from\\a", u"\\to\\a"), 0);
+    EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\a"), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\to\\A", nullptr), 0);
+    EXPECT_NE(CreateDirectoryW(u"\\to\\d", nullptr), 0);
+    EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\D"), 0);
+    FindClose(find);
+    EXPECT_EQ(device_.Listing(), (Names{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
+}
+
+TEST_P(DeviceStoreTest, HardLinksAreEntriesOfTheirOwn) {
+    device_.Make({"a/x=1", "b/"});
+    ASSERT_EQ(link(HostPath("a/x").c_str(), HostPath("b/x").c_str()), 0);
+    Open();
+    EXPECT_EQ(MoveFileW(u"\\a\\x", u"\\b\\x"), 0);
+    EXPECT_EQ(device_.Listing(), (Names{"a/", "a/x=1", "b/", "b/x=1"}));
+}
+
+TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
+    device_.Make({"Dir/"});
+    Open();
+    EXPECT_EQ(CreateDirectoryW(u"\\dIR", nullptr), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\none\\x", nullptr), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\Dir\\a?b", nullptr), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\", nullptr), 0);
+    EXPECT_NE(CreateDirectoryW(u"\\DIR\\M\u00DCll\\", nullptr), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\dir\\m\u00FCLL", nullptr), 0);
+    EXPECT_EQ(device_.Listing(), (Names{"Dir/", "Dir/M\xC3\x9Cll/"}));
+}
+
+TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
+    device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
+    chmod(HostPath("locked").c_str(), 0444);
+    Open();
+    for (const std::u16string& path :
+         Paths{u"\\dir", u"\\pipe", u"\\link", u"\\none", u"\\", u""}) {
+        for (const WCHAR* const mode : {u"r", u"rb"}) {
+            EXPECT_EQ(_wfopen(path.c_str(), mode), nullptr) << platform::ReadableText(path);
+        }
+    }
+    for (const std::u16string& path :
+         Paths{u"\\dir", u"\\pipe", u"\\link", u"\\locked", u"\\no\\dir"}) {
+        EXPECT_EQ(_wfopen(path.c_str(), u"wb"), nullptr) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(_wfopen(u"\\a", u"a"), nullptr);
+    std::FILE* const file = _wfopen(u"\\A", u"rb");
+    ASSERT_NE(file, nullptr);
+    char text[8] = {};
+    EXPECT_EQ(std::fread(text, 1, sizeof text, file), 4U);
+    EXPECT_STREQ(text, "text");
+    std::fclose(file);
+}
+
+TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
+    device_.Make({"d/Old=before"});
+    chmod(HostPath("d/Old").c_str(), 0640);
+    Open();
+    for (const std::u16string& path : Paths{u"\\d\\OLD", u"\\d\\New"}) {
+        std::FILE* const file = _wfopen(path.c_str(), u"wb");
+        ASSERT_NE(file, nullptr);
+        std::fputs("after", file);
+        std::fflush(file);
+        EXPECT_EQ(ReadFile(HostPath("d/Old")), path == u"\\d\\OLD" ? "before" : "after");
+        EXPECT_FALSE(Exists(u"\\d\\New"));
+        EXPECT_EQ(std::fclose(file), 0);
+    }
+    EXPECT_EQ(device_.Listing(), (Names{"d/", "d/New=after", "d/Old=after"}));
+    struct stat published {};
+    ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
+    EXPECT_EQ(published.st_mode & 0777, 0640U);
+}
+
+TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
+    device_.Make({".fennelbright-new-0123456789abcdef=half", "sub/", ".fennelbright-new-x=mine"});
+    Open();
+    EXPECT_EQ(device_.Listing(), (Names{".fennelbright-new-x=mine", "sub/"}));
+    WriteFile(HostPath(".fennelbright-new-00000000000000ff"), "half");
+    EXPECT_EQ(Search(u"\\*"), (Names{".fennelbright-new-x", "sub\\"}));
+    EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
+}
+
+TEST_P(DeviceStoreTest, EntriesThatVanishOrAppearDoNotEndAWalk) {
+    std::vector<std::string> entries;
+    for (int index = 0; index < 500; ++index) {
+        entries.push_back("d/file" + std::to_string(index) + '=');
+    }
+    device_.Make(entries);
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\d\\*", &data);
+    ASSERT_NE(find, INVALID_HANDLE_VALUE);
+    std::filesystem::remove_all(HostPath("d"));
+    int found = 1;
+    while (FindNextFileW(find, &data) != 0) {
+        ++found;
+    }
+    FindClose(find);
+    EXPECT_LT(found, 500);
+    EXPECT_FALSE(Exists(u"\\d"));
+}
+
+TEST_P(DeviceStoreTest, ModulePathIsGivenWholeOrNotAtAll) {
+    Open();
+    WCHAR buffer[16] = {};
+    EXPECT_EQ(GetModuleFileNameW(nullptr, buffer, 16), 12U);
+    EXPECT_EQ(std::u16string(buffer), u"\\Program.exe");
+    EXPECT_EQ(GetModuleFileNameW(nullptr, buffer, 12), 0U);
+}
+
+}  // namespace

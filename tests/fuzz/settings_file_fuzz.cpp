@@ -1,0 +1,50 @@
+// Any bytes as settings.dat give terminated texts or null, and what was read can be written.
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+
+#include "core/options.h"
+#include "core/wide_text.h"
+#include "platform/file_store.h"
+#include "settings/settings_file.h"
+
+namespace {
+
+// A device whose one file is the input.
+class InputStore : public platform::FileStore {
+  public:
+    InputStore(const std::uint8_t* data, std::size_t size)
+        : FileStore(platform::Descriptor(), u"\\Fennelbright.exe"), data_(data), size_(size) {}
+
+    std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
+        return size_ == 0 ? nullptr : fmemopen(const_cast<std::uint8_t*>(data_), size_, "rb");
+    }
+
+  private:
+    const std::uint8_t* data_;
+    std::size_t size_;
+};
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    InputStore store(data, size);
+    const platform::StoreInUse inUse(store);
+    CSettings settings;
+    const auto mask = static_cast<std::uint32_t>(LoadSettings(settings));
+    bool whole = true;
+    for (const Option& option : AllOptions()) {
+        if (option.text != nullptr && (mask & option.bit) != 0) {
+            const SettingsText& text = settings.*option.text;
+            whole = whole && text != nullptr;
+            if (text != nullptr && (!whole || wcslen(text.get()) >= kTextCapacity)) {
+                std::abort();
+            }
+        }
+    }
+    std::FILE* const sink = std::fopen("/dev/null", "wb");
+    WriteSettings(sink, mask, settings);
+    std::fclose(sink);
+    return 0;
+}

@@ -1,0 +1,180 @@
+// The whole program, run as a user runs it.
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "tests/run_program.h"
+#include "tests/temporary_device.h"
+
+namespace {
+
+using namespace std::string_literals;
+using Entries = std::vector<std::string>;
+
+// A settings.dat beside the program at its usual place.
+std::string SettingsEntry(const std::string& content) {
+    return "Program Files/Fennelbright/settings.dat=" + content;
+}
+
+std::string TextRecord(const std::string& text) {
+    std::string record = {static_cast<char>(text.size()), '\0', '\0', '\0'};
+    for (const char character : text) {
+        record += {character, '\0'};
+    }
+    return record;
+}
+
+const std::string kFixedDirectories = "\x1C\0\0\0"s;
+const std::string kRootTemp = "\x04\0\0\0"s;
+
+TEST(Program, ExitCodesTellWhatWentWrong) {
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
+    const TemporaryDevice noDevice;
+    std::filesystem::remove(noDevice.files());
+    const TemporaryDevice linked;
+    std::filesystem::remove(linked.files());
+    std::filesystem::create_symlink(device.files(), linked.files());
+    const std::string& taken = device.path();
+    const struct {
+        Entries words;
+        int exitCode;
+        std::string says;  // part of standard error, or of standard output where it ends well
+    } cases[] = {
+        {{}, 64, "no device directory"},
+        {{"silent"}, 64, "no device directory"},
+        {{"--device", taken, "--dry-run", "silent"}, 64, "--dry-run"},
+        {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
+        {{"--device"}, 64, "--device"},
+        {{"--device", "", "silent"}, 64, "empty"},
+        {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
+        {{"--device", taken, "--new-device", taken}, 64, "more than one"},
+        {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
+        {{"--device", taken, "s\xFF"}, 64, "UTF-8"},
+        {{"--device", taken + "/none", "silent"}, 66, "none: No such file"},
+        {{"--device", noDevice.path(), "silent"}, 66, "neither"},
+        {{"--device", linked.path(), "silent"}, 66, "\"files\" cannot be used"},
+        {{"--device", "/", "silent"}, 66, "root of this machine"},
+        {{"--device", taken}, 69, "no display"},
+        {{"--device", taken, "--no-display", "Silent"}, 69, "no display"},
+        {{"--new-device", taken}, 73, "not empty"},
+        {{"--new-device", taken + "/none/new"}, 73, "No such file"},
+        {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
+        {{"--help"}, 0, "Usage"},
+        {{"--version"}, 0, "fennelbright "},
+    };
+    const Entries before = device.Listing();
+    for (const auto& expected : cases) {
+        const Outcome outcome = RunProgram(expected.words);
+        SCOPED_TRACE(testing::PrintToString(expected.words) + outcome.errors);
+        EXPECT_EQ(outcome.exitCode, expected.exitCode);
+        const std::string& said = expected.exitCode == 0 ? outcome.output : outcome.errors;
+        EXPECT_NE(said.find(expected.says), std::string::npos);
+        EXPECT_FALSE(outcome.errors.starts_with('['));
+    }
+    EXPECT_EQ(device.Listing(), before);
+}
+
+TEST(Program, TheHomeDirectoryIsNoDevice) {
+    const TemporaryDevice home;
+    home.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
+    const Entries before = home.Listing();
+    EXPECT_EQ(RunProgram({"--device", home.path(), "silent"}, home.path() + "/.").exitCode, 66);
+    EXPECT_EQ(home.Listing(), before);
+}
+
+TEST(Program, ASampleDeviceIsCleanedOnceAndThenLeftAlone) {
+    const TemporaryDevice parent;
+    const std::string device = parent.path() + "/sample";
+    ASSERT_EQ(RunProgram({"--new-device", device}).exitCode, 0);
+    const Outcome first = RunProgram({"--device", device, "--report", "silent"});
+    EXPECT_EQ(first.exitCode, 0);
+    EXPECT_EQ(first.errors, "");
+    EXPECT_NE(first.output.find(
+                  "step 1: deleted \\Program Files\\Reader\\Cache\\page1.dat (8192 bytes)\n"),
+              std::string::npos);
+    const std::string files = device + "/files/";
+    EXPECT_TRUE(std::filesystem::exists(files + "My Documents/Letter.txt"));
+    EXPECT_TRUE(std::filesystem::exists(files + "Temp/Unpack/Images"));
+    EXPECT_TRUE(std::filesystem::is_empty(files + "Temp/Unpack/Images"));
+    EXPECT_EQ(RunProgram({"--device", device, "--report", "silent"}).output,
+              "total: 0 files deleted (0 bytes), 0 entries moved, 0 directories made, "
+              "0 directories removed\n");
+}
+
+TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
+    const TemporaryDevice outside;
+    outside.Make({"keep=1", "dir/keep=2"});
+    const TemporaryDevice device;
+    device.Make({"Temp/out>" + outside.files(), "Temp/up>../../..", "Temp/loop>loop", "Temp/self>.",
+                 "Temp/pipe|", "Temp/file=f", "Temp/s/dead>/none", "Windows/w.exe=w",
+                 "Windows/Temp>" + outside.files() + "/dir", "Temp/" + std::string(255, 'l') + "=x",
+                 "Temp/a\\b:*?\"<|\x01 =y", "Temp/not\xFFutf8\xC3=z", "Temp/\xEF\x80\xAA/in=i",
+                 "Temp/ ... /x=1", "Temp/d/T=1", "Temp/d/t=2", "Temp/D/T=3",
+                 SettingsEntry(kFixedDirectories)});
+    const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "");
+    EXPECT_NE(outcome.output.find("\\Temp\\a<F05C>b<F03A>"), std::string::npos);
+    EXPECT_EQ(outside.Listing(), (Entries{"dir/", "dir/keep=2", "keep=1"}));
+    EXPECT_EQ(
+        device.Listing(),
+        (Entries{"Program Files/", "Program Files/Fennelbright/", SettingsEntry(kFixedDirectories),
+                 "Temp/", "Temp/ ... /", "Temp/D/", "Temp/d/", "Temp/s/", "Temp/\xEF\x80\xAA/",
+                 "Windows/", "Windows/Temp>" + outside.files() + "/dir", "Windows/w.exe=w"}));
+}
+
+TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
+    const std::string whole = "\x03\0\0\0"s + TextRecord("\\Work\\Cache\\") + TextRecord("\\W2\\");
+    const std::size_t firstEnd = 4 + TextRecord("\\Work\\Cache\\").size();
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const TemporaryDevice device;
+        device.Make({"Work/keep=1", "Work/Cache/a=2", "W2/b=3", "c=4",
+                     SettingsEntry(whole.substr(0, length))});
+        const Outcome outcome = RunProgram({"--device", device.path(), "silent"});
+        ASSERT_EQ(outcome.exitCode, 0);
+        ASSERT_EQ(outcome.output + outcome.errors, "");
+        const Entries after = device.Listing();
+        const auto has = [&after](const std::string& entry) {
+            return std::find(after.begin(), after.end(), entry) != after.end();
+        };
+        ASSERT_TRUE(has("Work/keep=1") && has("c=4")) << "cut at " << length;
+        ASSERT_EQ(has("Work/Cache/a=2"), length < firstEnd) << "cut at " << length;
+        ASSERT_EQ(has("W2/b=3"), length < whole.size()) << "cut at " << length;
+    }
+}
+
+TEST(Program, AReportThatNobodyReadsDoesNotStopTheWork) {
+    const TemporaryDevice device;
+    device.Make({"Temp/a=1", "Temp/b=2", SettingsEntry(kRootTemp)});
+    const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"}, "", true);
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_NE(outcome.errors.find("the report is not complete"), std::string::npos);
+    EXPECT_EQ(device.Listing().size(), 4U);
+}
+
+TEST(Program, ABoxIsOneLineAndWaitsForNobody) {
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1"});
+    const Outcome outcome =
+        RunProgram({"--device", device.path(), "--no-display", "--module", "\\x.exe", "silent"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "[Error!!!] Failed retrieving application directory\n");
+    EXPECT_EQ(device.Listing(), (Entries{"Temp/", "Temp/keep=1"}));
+}
+
+TEST(Program, ADeviceWithOnlyARegistryHasNoFiles) {
+    const TemporaryDevice device;
+    std::filesystem::remove(device.files());
+    WriteFile(device.path() + "/registry.reg", "");
+    const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_FALSE(std::filesystem::exists(device.files()));
+}
+
+}  // namespace
