@@ -51,7 +51,7 @@ bool FileStore::ReachDirectory(std::u16string_view path, Place& place) {
 bool FileStore::Examine(Place& place, std::u16string_view device) const {
     std::optional<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
     if (!facts && errno == ENOENT) {
-        const std::optional<HostName> spelling = FindSpelling(place.directory, device);
+        const std::optional<HostName> spelling = tree_.spellings().Find(place.directory, device);
         if (spelling) {
             place.name = *spelling;
             facts = FactsOf(place.directory, place.name.c_str());
