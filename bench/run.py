@@ -88,6 +88,13 @@ SHALLOW = Shape("1 level, 25 files a directory", 25, 1)
 SHAPES = (USUAL, ONE_DIRECTORY, SHALLOW, DEEP)
 
 
+@dataclass(frozen=True)
+class Cost:
+    wall: float  # milliseconds
+    processor: float  # milliseconds
+    peak: int  # KiB
+
+
 class Workplace:
     """The programs, and the tmpfs directory in which devices are made."""
 
@@ -118,10 +125,10 @@ class Workplace:
             return int(re.search(r"^\s*(\d+)\s+total$", summary.read(), re.MULTILINE)[1])
 
     def cost(self, command):
-        """The wall time of a command in milliseconds and its peak memory in KiB."""
+        """What a run of a command costs."""
         done = subprocess.run([self.measure] + command, check=True, capture_output=True, text=True)
-        microseconds, peak = done.stdout.split()
-        return int(microseconds) / 1000, int(peak)
+        wall, processor, peak = map(int, done.stdout.split())
+        return Cost(wall / 1000, processor / 1000, peak)
 
     def silent_run(self, device):
         return [self.program, "--device", device.path, "silent"]
@@ -243,7 +250,8 @@ def measure_peaks(place, table, walk, shape):
     limit = PEAK_KIB + PEAK_KIB_A_LEVEL * shape.levels
     first = None
     for files in SIZES:
-        (_, peak), _ = walk_once(place, walk, shape, files, place.cost)
+        cost, _ = walk_once(place, walk, shape, files, place.cost)
+        peak = cost.peak
         first = peak if first is None else first
         goal, met = f"under {limit:,}", peak < limit
         if files != SIZES[0] and walk is not MOVE:
@@ -261,8 +269,8 @@ def measure_walks(place, table, runs):
             times = {ours: [], reference: []}
             for _ in range(runs):
                 for walk, taken in times.items():
-                    (milliseconds, _), _ = walk_once(place, walk, USUAL, files, place.cost)
-                    taken.append(milliseconds)
+                    cost, _ = walk_once(place, walk, USUAL, files, place.cost)
+                    taken.append(cost.wall)
             compare(table, ours.title, USUAL.title, files, reference.title,
                     times[ours], times[reference], limit)
 
@@ -287,9 +295,12 @@ def measure_idle(place, table, runs):
                   f"at most {IDLE_CALLS}", calls <= IDLE_CALLS)
         ours, theirs = [], []
         for _ in range(runs):
-            ours.append(place.cost(command)[0])
-            theirs.append(place.cost([place.empty])[0])
-    compare(table, "wall time", "", 0, "empty program", ours, theirs, IDLE_RATIO)
+            ours.append(place.cost(command))
+            theirs.append(place.cost([place.empty]))
+    compare(table, "wall time", "", 0, "empty program", [cost.wall for cost in ours],
+            [cost.wall for cost in theirs], IDLE_RATIO)
+    compare(table, "processor time", "", 0, "empty program", [cost.processor for cost in ours],
+            [cost.processor for cost in theirs], IDLE_RATIO)
 
 
 def allow_deep_trees():
@@ -302,7 +313,7 @@ def read_arguments():
     parser.add_argument("--build", type=Path, default=REPOSITORY / "build/release",
                         help="build directory, with FENNELBRIGHT_BENCHMARKS=ON")
     parser.add_argument("--tmpfs", default="/dev/shm", help="where the trees are made")
-    parser.add_argument("--runs", type=int, default=11, help="runs for each wall time of a walk")
+    parser.add_argument("--runs", type=int, default=7, help="runs for each wall time of a walk")
     parser.add_argument("--idle-runs", type=int, default=500,
                         help="runs for the wall time of a run with nothing to do")
     return parser.parse_args()
