@@ -11,6 +11,7 @@ namespace platform {
 
 const char kHelp[] =
     "Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]\n"
+    "       fennelbright --device DIR --boot [OPTION]...\n"
     "       fennelbright --new-device DIR\n"
     "\n"
     "Cleans up and tunes the handheld whose files and registry are in DIR.\n"
@@ -21,6 +22,9 @@ const char kHelp[] =
     "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
     "  --report          say on standard output what was done\n"
     "  --no-display      open no window; messages go to standard error\n"
+    "  --boot            do what the device does when it starts: run the program for each "
+    "shortcut\n"
+    "                    of \\Windows\\StartUp that names it\n"
     "  --new-device DIR  make a sample device\n"
     "  --help, --version\n"
     "\n"
@@ -33,13 +37,14 @@ const char kHelp[] =
 
 namespace {
 
-enum Choice { kDevice = 1, kModule, kReport, kNoDisplay, kNewDevice, kHelpChoice, kVersion };
+enum Choice { kDevice = 1, kModule, kReport, kNoDisplay, kBoot, kNewDevice, kHelpChoice, kVersion };
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
     {"module", required_argument, nullptr, kModule},
     {"report", no_argument, nullptr, kReport},
     {"no-display", no_argument, nullptr, kNoDisplay},
+    {"boot", no_argument, nullptr, kBoot},
     {"new-device", required_argument, nullptr, kNewDevice},
     {"help", no_argument, nullptr, kHelpChoice},
     {"version", no_argument, nullptr, kVersion},
@@ -72,6 +77,9 @@ const char* Take(int choice, const char* value, CommandLine& line) {
         case kNoDisplay:
             line.noDisplay = true;
             return nullptr;
+        case kBoot:
+            line.task = CommandLine::Task::Boot;
+            return nullptr;
         case kHelpChoice:
             line.task = CommandLine::Task::ShowHelp;
             return nullptr;
@@ -96,11 +104,15 @@ bool TakeWords(int count, char** words, CommandLine& line) {
 }
 
 const char* WhyIncomplete(const CommandLine& line) {
-    if (line.task == CommandLine::Task::Run && line.device.empty()) {
+    const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
+    if (runs && line.device.empty()) {
         return "no device directory is named";
     }
     if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
         return "a sample device takes no command line";
+    }
+    if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
+        return "the shortcuts have the command lines for --boot";
     }
     return nullptr;
 }

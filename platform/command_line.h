@@ -9,7 +9,7 @@ namespace platform {
 
 // What the words of the host's command line ask for.
 struct CommandLine {
-    enum class Task { Run, MakeSampleDevice, ShowHelp, ShowVersion };
+    enum class Task { Run, Boot, MakeSampleDevice, ShowHelp, ShowVersion };
 
     Task task = Task::Run;
     std::string device;  // the directory to run on, or to make

@@ -56,6 +56,14 @@ std::optional<std::u16string> WideText(std::string_view utf8) {
     return text;
 }
 
+std::string Utf8Text(std::u16string_view text) {
+    std::string utf8;
+    for (std::size_t index = 0; index < text.size();) {
+        AppendUtf8(utf8, TakeCharacter(text, index));
+    }
+    return utf8;
+}
+
 std::string ReadableText(std::u16string_view text) {
     std::string readable;
     for (std::size_t index = 0; index < text.size();) {

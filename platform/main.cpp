@@ -8,12 +8,15 @@
 #include <memory>
 #include <optional>
 #include <utility>
+#include <vector>
 
 #include "core/win_main.h"
+#include "platform/boot.h"
 #include "platform/command_line.h"
 #include "platform/console_windows.h"
 #include "platform/device_directory.h"
 #include "platform/directory_store.h"
+#include "platform/host_text.h"
 #include "platform/recording_store.h"
 #include "platform/sample_device.h"
 #include "platform/sample_registry.h"
@@ -87,11 +90,17 @@ int RunReported(platform::DeviceStore& store, CommandLine& line) {
     return result;
 }
 
-int Run(CommandLine& line) {
-    platform::DeviceDirectory device;
+bool OpenDevice(const CommandLine& line, platform::DeviceDirectory& device) {
     const std::string reason = platform::OpenDeviceDirectory(line.device.c_str(), device);
     if (!reason.empty()) {
         Complain("no device in " + line.device, reason);
+    }
+    return reason.empty();
+}
+
+int Run(CommandLine& line) {
+    platform::DeviceDirectory device;
+    if (!OpenDevice(line, device)) {
         return EX_NOINPUT;
     }
     if (!IsSilentCommandLine(line.programLine.c_str())) {
@@ -111,6 +120,46 @@ int Run(CommandLine& line) {
     return result;
 }
 
+// The words of a host that runs one shortcut's command line.
+std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string& arguments) {
+    std::vector<std::string> words = {"fennelbright", "--device", line.device, "--module",
+                                      platform::Utf8Text(line.modulePath)};
+    if (line.report) {
+        words.emplace_back("--report");
+    }
+    if (line.noDisplay) {
+        words.emplace_back("--no-display");
+    }
+    words.emplace_back("--");
+    words.push_back(platform::Utf8Text(arguments));
+    return words;
+}
+
+int Boot(const CommandLine& line) {
+    platform::DeviceDirectory device;
+    if (!OpenDevice(line, device)) {
+        return EX_NOINPUT;
+    }
+    platform::FileStore store(std::move(device.files), line.modulePath);
+    int result = 0;
+    for (const auto& shortcut : platform::StartupShortcuts(store, line.modulePath)) {
+        const std::string name = platform::ReadableText(shortcut.path);
+        if (!shortcut.arguments) {
+            Complain(name + " is passed over",
+                     shortcut.target.empty()
+                         ? "it is no shortcut"
+                         : "it starts " + platform::ReadableText(shortcut.target));
+            continue;
+        }
+        const int ended = platform::RunHostAgain(WordsFor(line, *shortcut.arguments));
+        if (ended != 0) {
+            Complain(name + " did not end well", "exit code " + std::to_string(ended));
+            result = result == 0 ? ended : result;
+        }
+    }
+    return result < 0 ? EX_OSERR : result;
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -127,6 +176,8 @@ int main(int count, char** words) {
         case CommandLine::Task::ShowVersion:
             std::puts("fennelbright " FENNELBRIGHT_VERSION);
             return 0;
+        case CommandLine::Task::Boot:
+            return Boot(*line);
         case CommandLine::Task::MakeSampleDevice:
             return MakeSampleDevice(*line);
         case CommandLine::Task::Run:

@@ -57,6 +57,8 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
         {{"--device", taken, "--new-device", taken}, 64, "more than one"},
+        {{"--device", taken, "--boot", "silent"}, 64, "the shortcuts have"},
+        {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", taken, "s\xFF"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
@@ -120,6 +122,34 @@ TEST(Program, ASampleDeviceIsCleanedOnceAndThenLeftAlone) {
     EXPECT_EQ(RunProgram({"--device", device, "--report", "silent"}).output,
               "total: 0 files deleted (0 bytes), 0 entries moved, 0 directories made, "
               "0 directories removed, 0 shortcuts made, 0 values written, 0 keys deleted\n");
+}
+
+TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
+    const std::string settings = SettingsEntry("\x04\0\x20\0"s);  // "\\Temp", silent at startup
+    const struct {
+        const char* shortcut;
+        bool runs;
+    } cases[] = {
+        {"9#\"\\Program Files\\Fennelbright\\Fennelbright.exe\" silent\"", true},
+        {"9#\\program files\\fennelbright\\fennelbright.exe   silent", true},
+        {"9#\"\\Program Files\\Fennelbright\\Fennelbright.exe.old\" silent", false},
+        {"9#\\Program Files\\Fennelbright\\Fennelbright.exes silent", false},
+        {"9#\\Windows\\poutlook.exe silent", false},
+        {"silent", false},
+    };
+    for (const auto& expected : cases) {
+        SCOPED_TRACE(expected.shortcut);
+        const TemporaryDevice device;
+        device.Make({"Temp/a=1", settings, "Windows/StartUp/x.LNK="s + expected.shortcut,
+                     "Windows/StartUp/readme.txt=1"});
+        const Outcome outcome = RunProgram({"--device", device.path(), "--boot", "--report"});
+        EXPECT_EQ(outcome.exitCode, 0);
+        EXPECT_EQ(outcome.output.find("deleted \\Temp\\a") != std::string::npos, expected.runs);
+        EXPECT_EQ(outcome.errors.find("x.LNK is passed over") == std::string::npos, expected.runs);
+    }
+    const TemporaryDevice device;
+    device.Make({"Windows/StartUp/x.lnk=9#"s + "\\Program Files\\Fennelbright\\Fennelbright.exe"});
+    EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 69);
 }
 
 TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {

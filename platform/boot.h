@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/device_store.h"
+
+namespace platform {
+
+// What the device does when it starts.
+
+// A shortcut of the StartUp folder.
+struct StartupShortcut {
+    std::u16string path;
+    std::u16string target;                    // its whole text; empty when it is no shortcut
+    std::optional<std::u16string> arguments;  // none when it starts another program
+};
+
+// The shortcuts of the StartUp folder, by name. `program` is the path of this program on the
+// device.
+std::vector<StartupShortcut> StartupShortcuts(DeviceStore& store, std::u16string_view program);
+
+// The arguments with which a shortcut's target starts `program`; none when it starts another one.
+// The path can be in quotes or not; what is behind it, without blanks in front, are the arguments.
+std::optional<std::u16string> ArgumentsFor(std::u16string_view program, std::u16string_view target);
+
+// Starts this host program again, in a process of its own, with these words, and waits for it.
+// Returns its exit code; 128 and the number of the signal where one ended it; -1 when it could not
+// be started.
+int RunHostAgain(const std::vector<std::string>& words);
+
+}  // namespace platform
