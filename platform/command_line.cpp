@@ -37,7 +37,18 @@ const char kHelp[] =
 
 namespace {
 
-enum Choice { kDevice = 1, kModule, kReport, kNoDisplay, kBoot, kNewDevice, kHelpChoice, kVersion };
+// What stands between the options comes as choice 1.
+enum Choice {
+    kWord = 1,
+    kDevice,
+    kModule,
+    kReport,
+    kNoDisplay,
+    kBoot,
+    kNewDevice,
+    kHelpChoice,
+    kVersion
+};
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
@@ -56,16 +67,36 @@ std::optional<CommandLine> Refuse(const char* reason) {
     return std::nullopt;
 }
 
+// Appends a word to the program's own command line; returns why it cannot be taken, or null.
+const char* TakeWord(const char* value, CommandLine& line) {
+    const std::optional<std::u16string> word = WideText(value);
+    if (!word) {
+        return "a word of the command line is not UTF-8";
+    }
+    line.programLine += line.programLine.empty() ? u"" : u" ";
+    line.programLine += *word;
+    return nullptr;
+}
+
+// Who asks for help is not to start anything.
+void SetTask(CommandLine& line, CommandLine::Task task) {
+    if (line.task != CommandLine::Task::ShowHelp && line.task != CommandLine::Task::ShowVersion) {
+        line.task = task;
+    }
+}
+
 // Takes one option; returns why it cannot be taken, or null.
 const char* Take(int choice, const char* value, CommandLine& line) {
     switch (choice) {
+        case kWord:
+            return TakeWord(value, line);
         case kDevice:
         case kNewDevice:
             if (!line.device.empty()) {
                 return "more than one device directory is named";
             }
             line.device = value;
-            line.task = choice == kDevice ? line.task : CommandLine::Task::MakeSampleDevice;
+            SetTask(line, choice == kDevice ? line.task : CommandLine::Task::MakeSampleDevice);
             return line.device.empty() ? "the device directory is named by an empty word" : nullptr;
         case kModule:
             line.modulePath = WideText(value).value_or(std::u16string());
@@ -78,7 +109,7 @@ const char* Take(int choice, const char* value, CommandLine& line) {
             line.noDisplay = true;
             return nullptr;
         case kBoot:
-            line.task = CommandLine::Task::Boot;
+            SetTask(line, CommandLine::Task::Boot);
             return nullptr;
         case kHelpChoice:
             line.task = CommandLine::Task::ShowHelp;
@@ -89,18 +120,6 @@ const char* Take(int choice, const char* value, CommandLine& line) {
         default:
             return "nothing was started";
     }
-}
-
-bool TakeWords(int count, char** words, CommandLine& line) {
-    for (int index = 0; index < count; ++index) {
-        const std::optional<std::u16string> word = WideText(words[index]);
-        if (!word) {
-            return false;
-        }
-        line.programLine += index > 0 ? u" " : u"";
-        line.programLine += *word;
-    }
-    return true;
 }
 
 const char* WhyIncomplete(const CommandLine& line) {
@@ -122,13 +141,15 @@ const char* WhyIncomplete(const CommandLine& line) {
 std::optional<CommandLine> ParseCommandLine(int count, char** words) {
     CommandLine line;
     line.modulePath = kDefaultModulePath;
-    for (int choice = 0; (choice = getopt_long(count, words, "", kChoices, nullptr)) != -1;) {
+    for (int choice = 0; (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
         if (const char* const reason = Take(choice, optarg, line)) {
             return Refuse(reason);
         }
     }
-    if (!TakeWords(count - optind, words + optind, line)) {
-        return Refuse("a word of the command line is not UTF-8");
+    for (; optind < count; ++optind) {
+        if (const char* const reason = TakeWord(words[optind], line)) {
+            return Refuse(reason);
+        }
     }
     if (const char* const reason = WhyIncomplete(line)) {
         return Refuse(reason);

@@ -87,7 +87,7 @@ std::string OpenDeviceDirectory(const char* path, DeviceDirectory& device) {
         return refused;
     }
     device.files = OpenFiles(device.directory);
-    return device.files ? "" : WhyWithoutFiles(device.directory, errno);
+    return device.files ? WhyRefused(device.files) : WhyWithoutFiles(device.directory, errno);
 }
 
 std::string MakeDeviceDirectory(const char* path, DeviceDirectory& device) {
@@ -97,6 +97,10 @@ std::string MakeDeviceDirectory(const char* path, DeviceDirectory& device) {
     device.directory = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!device.directory) {
         return std::strerror(errno);
+    }
+    std::string refused = WhyRefused(device.directory);
+    if (!refused.empty()) {
+        return refused;
     }
     if (!IsEmpty(device.directory)) {
         return "it is not empty; name a directory that does not exist yet";

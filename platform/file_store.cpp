@@ -126,12 +126,14 @@ HANDLE FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
         return INVALID_HANDLE_VALUE;
     }
     DWORD attributes = 0;
+    HostName listed = place->name;
     if (place->facts.isDirectory()) {
+        listed = ListedName(place->directory, place->name);
         const Descriptor opened = tree_.OpenSubdirectory(place->directory, place->directoryIsRoot,
                                                          place->name.c_str(), OpenFor::Reading);
         attributes = opened ? HiddenAndSystem(opened.get()) : 0;
     }
-    PutFindData(DeviceNameOf(place->name.view()).view(), place->facts, attributes, data);
+    PutFindData(DeviceNameOf(listed.view()).view(), place->facts, attributes, data);
     return searches_.Add(nullptr);
 }
 
@@ -261,6 +263,8 @@ std::FILE* FileStore::OpenForWriting(std::u16string_view path, Existing existing
             fstatat(place.directory, place.name.c_str(), &*replaced, AT_SYMLINK_NOFOLLOW) != 0) {
             return nullptr;
         }
+    } else if (errno != ENOENT) {
+        return nullptr;  // nobody knows whether something has the name
     }
     return OpenPublishingStream(std::move(place.owned.descriptor), tree_.OpenVolume(path),
                                 place.name, replaced);

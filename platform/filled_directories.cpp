@@ -51,7 +51,9 @@ std::optional<HostName> FilledDirectory::Existing(std::u16string_view device,
     if (FactsOf(descriptor.get(), host.c_str())) {
         return host;
     }
-    return FindSpelling(descriptor.get(), device);
+    const std::optional<HostName> spelling = FindSpelling(descriptor.get(), device);
+    // Where nobody knows, the name counts as taken.
+    return spelling || errno == ENOENT ? spelling : host;
 }
 
 FilledDirectory* FilledDirectories::Get(const DeviceTree& tree, std::u16string_view path) {

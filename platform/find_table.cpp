@@ -24,7 +24,7 @@ bool Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
 bool Search::Examine(const DeviceTree& tree, WIN32_FIND_DATA& data) {
     const DirectoryReader::Entry& entry = reader_.entry();
     const DeviceName name = DeviceNameOf(entry.name);
-    if (pattern_ != u"*" && !MatchesPattern(pattern_, name.view())) {
+    if (name.view().empty() || (pattern_ != u"*" && !MatchesPattern(pattern_, name.view()))) {
         return false;
     }
     facts_ = entry.type == DT_DIR ? EntryFacts{S_IFDIR} : FactsOf(directory(), entry.name);

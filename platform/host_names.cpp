@@ -24,17 +24,18 @@ bool IsEscape(utf8proc_int32_t character) {
     return character >= kEscapeBase && character <= kEscapeBase + 0xFF;
 }
 
-// Maps what `rest` begins with and returns how many bytes that was.
+// Maps what `rest` begins with and returns how many bytes that was; 0 when it does not fit.
 std::size_t MapFirst(std::string_view rest, DeviceName& device) {
     utf8proc_int32_t character = -1;
     const auto length = utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(rest.data()),
                                          static_cast<utf8proc_ssize_t>(rest.size()), &character);
     if (length > 0 && IsAllowed(character) && !IsEscape(character)) {
-        PutCharacter(character, [&device](WCHAR unit) { device.Append(unit); });
-        return static_cast<std::size_t>(length);
+        bool fits = true;
+        PutCharacter(character, [&](WCHAR unit) { fits = device.Append(unit) && fits; });
+        return fits ? static_cast<std::size_t>(length) : 0;
     }
-    device.Append(static_cast<WCHAR>(kEscapeBase + static_cast<unsigned char>(rest.front())));
-    return 1;
+    const auto byte = static_cast<unsigned char>(rest.front());
+    return device.Append(static_cast<WCHAR>(kEscapeBase + byte)) ? 1 : 0;
 }
 
 bool AppendBytes(HostName& host, utf8proc_int32_t character) {
@@ -53,7 +54,11 @@ bool AppendBytes(HostName& host, utf8proc_int32_t character) {
 DeviceName DeviceNameOf(std::string_view host) {
     DeviceName device;
     while (!host.empty()) {
-        host.remove_prefix(MapFirst(host, device));
+        const std::size_t mapped = MapFirst(host, device);
+        if (mapped == 0) {
+            return {};
+        }
+        host.remove_prefix(mapped);
     }
     return device;
 }

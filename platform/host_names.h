@@ -42,10 +42,11 @@ class BoundedName {
     std::size_t length_ = 0;
 };
 
-using HostName = BoundedName<char, 256>;
+using HostName = BoundedName<char, 1024>;  // some file systems count characters, not bytes
 using DeviceName = BoundedName<WCHAR, 256>;
 
-// The device name of the host entry `host`. Always fits, since no byte makes more than one unit.
+// The device name of the host entry `host`. Empty when it would be too long: then the device does
+// not have the entry.
 DeviceName DeviceNameOf(std::string_view host);
 
 // Puts the name of the host entry that `device` names into `host`. Returns false when no host entry

@@ -35,22 +35,6 @@ bool CopyContent(int from, int to) {
     }
 }
 
-void CopyUserAttributes(int from, int to) {
-    std::vector<char> names(kLargestAttribute);
-    std::vector<char> value(kLargestAttribute);
-    const ssize_t length = flistxattr(from, names.data(), names.size());
-    for (ssize_t at = 0; at < length;) {
-        const char* const name = &names[static_cast<std::size_t>(at)];
-        const std::string_view text(name);
-        at += static_cast<ssize_t>(text.size()) + 1;
-        const ssize_t size =
-            text.starts_with("user.") ? fgetxattr(from, name, value.data(), value.size()) : -1;
-        if (size >= 0) {
-            fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
-        }
-    }
-}
-
 // Whether the name still stands for the file that was copied, and nobody wrote to it since.
 bool IsUnchanged(int directory, const char* name, const struct stat& copied) {
     struct stat now {};
@@ -60,12 +44,26 @@ bool IsUnchanged(int directory, const char* name, const struct stat& copied) {
            now.st_mtim.tv_nsec == copied.st_mtim.tv_nsec;
 }
 
+// An empty file of our own keeps the name for the moment in which nothing has it yet.
+bool RenameOverPlaceholder(int fromDirectory, const char* from, int toDirectory, const char* to) {
+    const Descriptor placeholder(
+        openat(toDirectory, to, O_CREAT | O_EXCL | O_WRONLY | O_NOFOLLOW | O_CLOEXEC, 0600));
+    if (!placeholder) {
+        return false;
+    }
+    if (renameat(fromDirectory, from, toDirectory, to) == 0) {
+        return true;
+    }
+    unlinkat(toDirectory, to, 0);
+    return false;
+}
+
 bool CopyWhole(int from, const struct stat& facts, int to) {
     if (!CopyContent(from, to)) {
         return false;
     }
+    CopyUserAttributes(from, to);  // while the mode still allows it
     TakeModeAndOwner(to, facts);
-    CopyUserAttributes(from, to);
     const std::array<timespec, 2> times = {facts.st_atim, facts.st_mtim};
     futimens(to, times.data());
     return true;
@@ -77,17 +75,17 @@ bool RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory
     if (renameat2(fromDirectory, from, toDirectory, to, RENAME_NOREPLACE) == 0) {
         return true;
     }
-    // File systems that do not know the flag mostly know hard links, which never replace either.
-    const int reason = errno;
-    if (reason != EINVAL || linkat(fromDirectory, from, toDirectory, to, 0) != 0) {
-        errno = reason;
+    if (errno != EINVAL) {
         return false;
     }
-    if (unlinkat(fromDirectory, from, 0) != 0) {
-        unlinkat(toDirectory, to, 0);
-        return false;
+    // The file system does not know the flag, or a directory would go into itself.
+    const std::optional<EntryFacts> facts = FactsOf(fromDirectory, from);
+    if (facts && !facts->isDirectory() &&
+        RenameOverPlaceholder(fromDirectory, from, toDirectory, to)) {
+        return true;
     }
-    return true;
+    errno = EINVAL;
+    return false;
 }
 
 bool MoveToVolume(int fromDirectory, const char* from, int toDirectory, const char* to,
@@ -108,6 +106,22 @@ bool MoveToVolume(int fromDirectory, const char* from, int toDirectory, const ch
     }
     unlinkat(toDirectory, to, 0);
     return false;
+}
+
+void CopyUserAttributes(int from, int to) {
+    std::vector<char> names(kLargestAttribute);
+    std::vector<char> value(kLargestAttribute);
+    const ssize_t length = flistxattr(from, names.data(), names.size());
+    for (ssize_t at = 0; at < length;) {
+        const char* const name = &names[static_cast<std::size_t>(at)];
+        const std::string_view text(name);
+        at += static_cast<ssize_t>(text.size()) + 1;
+        const ssize_t size =
+            text.starts_with("user.") ? fgetxattr(from, name, value.data(), value.size()) : -1;
+        if (size >= 0) {
+            fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
+        }
+    }
 }
 
 bool WriteWhole(int file, std::string_view bytes) {

@@ -14,6 +14,9 @@ bool RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory
 // other volume can hold them.
 bool MoveToVolume(int fromDirectory, const char* from, int toDirectory, const char* to, int volume);
 
+// Gives `to` the user attributes of `from`, both open files, as far as it can hold them.
+void CopyUserAttributes(int from, int to);
+
 // Writes all bytes, or returns false.
 bool WriteWhole(int file, std::string_view bytes);
 

@@ -56,8 +56,48 @@ bool ReadNames(int directory, std::u16string_view device, NameFilter* names,
 
 std::optional<HostName> FindSpelling(int directory, std::u16string_view device) {
     std::optional<HostName> found;
-    ReadNames(directory, device, nullptr, found);
+    if (ReadNames(directory, device, nullptr, found)) {
+        errno = ENOENT;
+    }
     return found;
+}
+
+namespace {
+
+// The name with its letters in another case; the same name when it has no letters.
+DeviceName InOtherCase(std::u16string_view name) {
+    DeviceName upper;
+    for (const WCHAR unit : name) {
+        upper.Append(FoldUnit(unit));
+    }
+    if (upper.view() != name) {
+        return upper;
+    }
+    DeviceName lower;
+    for (const WCHAR unit : name) {
+        lower.Append(unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit - u'A' + u'a') : unit);
+    }
+    return lower;
+}
+
+bool IsSameEntry(int directory, const char* left, const char* right) {
+    struct stat one {};
+    struct stat other {};
+    return fstatat(directory, left, &one, AT_SYMLINK_NOFOLLOW) == 0 &&
+           fstatat(directory, right, &other, AT_SYMLINK_NOFOLLOW) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+}
+
+}  // namespace
+
+HostName ListedName(int directory, const HostName& name) {
+    const DeviceName device = DeviceNameOf(name.view());
+    HostName other;
+    if (!HostNameOf(InOtherCase(device.view()).view(), other) || other.view() == name.view() ||
+        !IsSameEntry(directory, other.c_str(), name.c_str())) {
+        return name;
+    }
+    return FindSpelling(directory, device.view()).value_or(name);
 }
 
 // Two bits for each name, from the two halves of its hash.
@@ -110,6 +150,7 @@ std::optional<HostName> Spellings::Find(int directory, std::u16string_view devic
         return FindSpelling(directory, device);
     }
     if (const ReadDirectory* const known = Known(*version)) {
+        errno = ENOENT;
         return known->names.MayHold(device) ? FindSpelling(directory, device) : std::nullopt;
     }
     ReadDirectory& place = read_[next_];
@@ -119,6 +160,7 @@ std::optional<HostName> Spellings::Find(int directory, std::u16string_view devic
     if (ReadNames(directory, device, &place.names, found)) {
         place.version = *version;
         next_ = (next_ + 1) % read_.size();
+        errno = ENOENT;
     }
     return found;
 }

@@ -25,12 +25,17 @@ class NameFilter {
 };
 
 // The host name in `directory` that `device` names: the exact one, or else the first in byte order
-// of those that differ in case alone. Nothing when there is none or the directory cannot be read.
+// of those that differ in case alone. Nothing, with errno ENOENT, when there is none; with another
+// errno when the directory cannot be read, so that nobody knows.
 std::optional<HostName> FindSpelling(int directory, std::u16string_view device);
 
-// The same for many looks in a row. What is not there takes the reading of a whole directory to
-// find out; what the directories read last hold is kept in mind, so that one reading of each will
-// do. A directory that has changed since is read again.
+// The name under which an entry that is there is listed in `directory`: `name`, unless the file
+// system itself takes no account of case.
+HostName ListedName(int directory, const HostName& name);
+
+// The same as FindSpelling for many looks in a row. What is not there takes the reading of a whole
+// directory to find out; what the directories read last hold is kept in mind, so that one reading
+// of each will do. A directory that has changed since is read again.
 class Spellings {
   public:
     std::optional<HostName> Find(int directory, std::u16string_view device);

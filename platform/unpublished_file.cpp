@@ -4,9 +4,8 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
-#include <array>
 #include <cerrno>
-#include <charconv>
+#include <string>
 
 #include "platform/device_tree.h"
 #include "platform/directory_reader.h"
@@ -17,6 +16,9 @@ namespace platform {
 namespace {
 
 constexpr mode_t kNewFileMode = 0666;
+
+// The only way by which everyone may give a nameless file a name.
+constexpr char kOpenFiles[] = "/proc/self/fd/";
 
 // Keeps other processes from taking a file for one that was left behind.
 bool Lock(int file) {
@@ -50,7 +52,10 @@ bool MayBeDirectory(const DirectoryReader::Entry& entry) {
 }  // namespace
 
 std::unique_ptr<UnpublishedFile> UnpublishedFile::Create(int directory, int volume) {
-    Descriptor unnamed(openat(directory, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode));
+    Descriptor unnamed;
+    if (access(kOpenFiles, F_OK) == 0) {
+        unnamed = Descriptor(openat(directory, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode));
+    }
     if (unnamed) {
         return std::unique_ptr<UnpublishedFile>(
             new UnpublishedFile(std::move(unnamed), volume, std::nullopt));
@@ -73,10 +78,8 @@ UnpublishedFile::~UnpublishedFile() {
 }
 
 bool UnpublishedFile::Link(int directory, const char* name) const {
-    std::array<char, 32> path{"/proc/self/fd/"};
-    constexpr std::size_t prefix = 14;
-    std::to_chars(path.data() + prefix, path.data() + path.size() - 1, descriptor());
-    return linkat(AT_FDCWD, path.data(), directory, name, AT_SYMLINK_FOLLOW) == 0;
+    const std::string path = kOpenFiles + std::to_string(descriptor());
+    return linkat(AT_FDCWD, path.c_str(), directory, name, AT_SYMLINK_FOLLOW) == 0;
 }
 
 // A link cannot replace a file, only a renaming can: so the file needs a name first.
@@ -161,6 +164,10 @@ bool Publish(const PublishingStream& stream) {
     }
     bool published = false;
     if (stream.replaced) {
+        const Descriptor old = OpenRegularFile(stream.directory.get(), stream.name.c_str());
+        if (old) {
+            CopyUserAttributes(old.get(), stream.file->descriptor());
+        }
         TakeModeAndOwner(stream.file->descriptor(), *stream.replaced);
         published = stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
     } else {

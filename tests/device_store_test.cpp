@@ -306,6 +306,7 @@ TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
 TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
     device_.Make({"d/Old=before"});
     chmod(HostPath("d/Old").c_str(), 0640);
+    const bool noted = setxattr(HostPath("d/Old").c_str(), "user.note", "n", 1, 0) == 0;
     Open();
     for (const std::u16string& path : Paths{u"\\d\\OLD", u"\\d\\New"}) {
         std::FILE* const file = _wfopen(path.c_str(), u"wb");
@@ -320,6 +321,8 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
     struct stat published {};
     ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
     EXPECT_EQ(published.st_mode & 0777, 0640U);
+    char note = 0;
+    EXPECT_EQ(getxattr(HostPath("d/Old").c_str(), "user.note", &note, 1) == 1, noted);
 }
 
 TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {

@@ -71,7 +71,7 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--new-device", taken}, 73, "not empty"},
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
-        {{"--help"}, 0, "Usage"},
+        {{"--help", "--new-device", taken + "/new"}, 0, "Usage"},
         {{"--version"}, 0, "fennelbright "},
     };
     const Entries before = device.Listing();

@@ -22,6 +22,7 @@
 namespace {
 
 bool g_namelessFilesAllowed = true;
+bool g_renamingFlagsKnown = true;
 
 }  // namespace
 
@@ -36,6 +37,16 @@ extern "C" int openat(int directory, const char* path, int flags, ...) {
     const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     return static_cast<int>(syscall(SYS_openat, directory, path, flags, mode));
+}
+
+// The same for file systems that know no renaming without replacing.
+extern "C" int renameat2(int fromDirectory, const char* from, int toDirectory, const char* to,
+                         unsigned flags) noexcept {
+    if (flags != 0 && !g_renamingFlagsKnown) {
+        errno = EINVAL;
+        return -1;
+    }
+    return static_cast<int>(syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, flags));
 }
 
 namespace {
@@ -181,6 +192,16 @@ TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
     DeleteTree(u"\\Card\\", true, true);
     EXPECT_EQ(device_.Listing(),
               (Entries{"Card/", "T/", "T/d/", "T/d/mounted/", "T/d/mounted/keep=1"}));
+}
+
+TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
+    g_renamingFlagsKnown = false;
+    device_.Make({"A/f=1", "A/s/g=2", "A/x=new", "B/X=old", "Card/c/h=3"});
+    Move(u"\\A", u"\\B\\");
+    Move(u"\\Card\\c", u"\\Card\\");
+    g_renamingFlagsKnown = true;
+    EXPECT_EQ(device_.Listing(), (Entries{"A/", "A/x=new", "B/", "B/X=old", "B/f=1", "B/s/",
+                                          "B/s/g=2", "Card/", "Card/c/", "Card/h=3"}));
 }
 
 TEST_P(VolumesTest, WhatWasLeftUnpublishedOnAVolumeGoes) {
