@@ -16,6 +16,7 @@ import struct
 import subprocess
 import sys
 import tempfile
+import time
 from dataclasses import dataclass
 from pathlib import Path
 from typing import Callable
@@ -32,6 +33,9 @@ IDLE_CALLS = 120
 IDLE_RATIO = 2.0
 PEAK_KIB = 8 * 1024
 PEAK_KIB_A_LEVEL = 12
+LIVE_SHORTCUT_CALLS = 12
+REGISTRY_READ_RATIO = 4.0
+REGISTRY_WRITE_RATIO = 8.0
 PEAK_DRIFT_KIB = 256  # pages that a run happens to touch or not
 
 TEMPORARY = ("Temp", "Windows/Temp", "My Documents/Temp")
@@ -39,6 +43,22 @@ TYPED = ("\\Cache\\", "\\Partial\\")
 CLEAN_TYPED = 0x3
 CLEAN_ROOT_TEMP = 0x4
 CLEAN_FIXED = 0x1C
+CLEAN_REGISTRY = 0x8000
+CLEAN_START_MENU = 0x80000
+
+SHORTCUTS = 1000
+TARGET_DIRECTORIES = 10
+REGISTRY_KEYS = 20_000
+DEAD_KEYS = 5_000
+# What the steps that run in every case find as they want it.
+QUIET_REGISTRY = """Windows Registry Editor Version 5.00\r
+\r
+[HKEY_LOCAL_MACHINE\\System\\GWE]\r
+"Animate"=dword:00000001\r
+\r
+[HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\r
+"AniType"=dword:00000006\r
+"""
 
 
 def refuse(reason):
@@ -101,10 +121,11 @@ class Workplace:
     def __init__(self, build, tmpfs):
         self.program = str(build / "fennelbright")
         self.walk_tree = str(build / "bench/walk_tree")
+        self.registry_work = str(build / "bench/registry_work")
         self.measure = str(build / "bench/measure")
         self.empty = str(build / "bench/empty")
         self.directory = tmpfs
-        for needed in (self.program, self.walk_tree, self.measure, self.empty):
+        for needed in (self.program, self.walk_tree, self.registry_work, self.measure, self.empty):
             if not os.access(needed, os.X_OK):
                 refuse(f"{needed} is missing: build with FENNELBRIGHT_BENCHMARKS=ON")
 
@@ -116,13 +137,14 @@ class Workplace:
         finally:
             subprocess.run(["rm", "-rf", path], check=True)
 
-    def calls(self, command):
-        """The number of system calls of a command."""
+    def calls(self, command, name="total"):
+        """The number of system calls of a command, or of those with one name."""
         with tempfile.NamedTemporaryFile("r") as summary:
             subprocess.run(
                 ["strace", "-f", "-c", "-U", "calls,name", "-o", summary.name] + command,
                 check=True, stdout=subprocess.DEVNULL)
-            return int(re.search(r"^\s*(\d+)\s+total$", summary.read(), re.MULTILINE)[1])
+            found = re.search(rf"^\s*(\d+)\s+{name}$", summary.read(), re.MULTILINE)
+            return int(found[1]) if found else 0
 
     def cost(self, command):
         """What a run of a command costs."""
@@ -143,6 +165,10 @@ class Device:
         for directory in TEMPORARY + ("Cache", "Partial", "A", "B", "Program Files/Fennelbright"):
             os.makedirs(f"{self.files}/{directory}")
         self.tick(CLEAN_ROOT_TEMP)
+        self.write_registry(QUIET_REGISTRY)
+
+    def write_registry(self, text):
+        Path(self.path, "registry.reg").write_bytes(b"\xff\xfe" + text.encode("utf-16-le"))
 
     def tick(self, mask, texts=()):
         """Writes the settings: the options' bits and the texts of those that have one."""
@@ -303,6 +329,77 @@ def measure_idle(place, table, runs):
             [cost.processor for cost in theirs], IDLE_RATIO)
 
 
+def make_shortcuts(device, count, lives):
+    """Start Menu shortcuts, spread over folders, to files in a few directories."""
+    for directory in range(TARGET_DIRECTORIES):
+        os.makedirs(f"{device.files}/Program Files/P{directory}", exist_ok=True)
+    for index in range(count):
+        folder = Path(device.files, "Windows/Start Menu", f"Folder {index % 20}")
+        folder.mkdir(parents=True, exist_ok=True)
+        target = f"Program Files/P{index % TARGET_DIRECTORIES}/{lives}{index}.exe"
+        if lives:
+            Path(device.files, target).touch()
+        text = '"\\' + target.replace("/", "\\") + '"'
+        (folder / f"{lives}{index}.lnk").write_text(f"{len(text)}#{text}")
+
+
+def count_shortcuts(place, table):
+    table.head("Shortcuts", f"{SHORTCUTS:,} shortcuts to files in {TARGET_DIRECTORIES} directories.")
+
+    def count(live, dead, name="total"):
+        with place.device() as device:
+            make_shortcuts(device, live, "live")
+            make_shortcuts(device, dead, "")
+            device.tick(CLEAN_START_MENU)
+            # A directory that has changed just now is read anew for each look.
+            time.sleep(0.1)
+            return place.calls(place.silent_run(device), name)
+
+    start = count(20, 0)
+    figure = (count(SHORTCUTS + 20, 0) - start) / SHORTCUTS
+    table.row("calls, a live one", "", 0, f"{figure:.2f}", "", f"at most {LIVE_SHORTCUT_CALLS}",
+              figure <= LIVE_SHORTCUT_CALLS)
+    reads = count(0, SHORTCUTS, "getdents64") - count(SHORTCUTS, 0, "getdents64")
+    table.row("readings of directories for dead ones", "", 0, reads, "getdents64",
+              f"at most {2 * TARGET_DIRECTORIES}", reads <= 2 * TARGET_DIRECTORIES)
+
+
+def registry_text(keys, dead_every=0):
+    """Application keys, each with three values; every so many name a directory that is gone."""
+    lines = [QUIET_REGISTRY]
+    for index in range(keys):
+        gone = dead_every and index % dead_every == 0
+        directory = f"Gone{index}" if gone else "Fennelbright"
+        lines.append(f"[HKEY_LOCAL_MACHINE\\Software\\Apps\\Application {index}]\r\n"
+                     f'"InstallDir"="\\\\Program Files\\\\{directory}"\r\n'
+                     f'"Number"=dword:{index:08x}\r\n'
+                     f'"Data"=hex:00,01,02,03,04,05,06,07\r\n')
+    return "\r\n".join(lines)
+
+
+def measure_registry(place, table, runs):
+    table.head("Registry", f"{REGISTRY_KEYS:,} keys of three values in UTF-16; milliseconds, median of"
+               f" {runs} alternating runs.")
+    with place.device() as device:
+        device.write_registry(registry_text(REGISTRY_KEYS))
+        convert = ["iconv", "-f", "utf-16", "-t", "utf-8", "-o", "/dev/null",
+                   f"{device.path}/registry.reg"]
+        for task, limit in (("read", REGISTRY_READ_RATIO), ("write", REGISTRY_WRITE_RATIO)):
+            ours, theirs = [], []
+            for _ in range(runs):
+                ours.append(place.cost([place.registry_work, task, device.path]).wall)
+                theirs.append(place.cost(convert).wall)
+            compare(table, task, "", 0, "iconv", ours, theirs, limit)
+    with place.device() as device:
+        device.write_registry(registry_text(REGISTRY_KEYS, REGISTRY_KEYS // DEAD_KEYS))
+        device.tick(CLEAN_REGISTRY)
+        writes = place.calls(place.silent_run(device), "renameat")
+        left = Path(device.path, "registry.reg").read_text("utf-16").count("InstallDir")
+        table.row(f"writings for {DEAD_KEYS:,} dead keys", "", 0, writes,
+                  f"{left:,} keys are left", "1",
+                  writes == 1 and left == REGISTRY_KEYS - DEAD_KEYS)
+
+
 def allow_deep_trees():
     _, most = resource.getrlimit(resource.RLIMIT_NOFILE)
     resource.setrlimit(resource.RLIMIT_NOFILE, (most, most))
@@ -321,7 +418,7 @@ def read_arguments():
 
 def main():
     arguments = read_arguments()
-    for tool in ("strace", "find"):
+    for tool in ("strace", "find", "iconv"):
         if shutil.which(tool) is None:
             refuse(f"{tool} is missing")
     place = Workplace(arguments.build, arguments.tmpfs)
@@ -331,6 +428,8 @@ def main():
     count_calls(place, table)
     measure_memory(place, table)
     measure_idle(place, table, arguments.idle_runs)
+    count_shortcuts(place, table)
+    measure_registry(place, table, 3 * arguments.runs)
     measure_walks(place, table, arguments.runs)
     print(f"\nGoals missed: {table.missed}.")
     return 1 if table.missed else 0

@@ -13,6 +13,7 @@ namespace platform {
 namespace {
 
 constexpr std::size_t kBitsOfWord = 64;
+constexpr std::size_t kMostDirectories = 64;  // of 4 KiB each
 
 // The time in which a file system's clock may stand still.
 constexpr std::int64_t kClockStep = 20'000'000;  // nanoseconds
@@ -144,6 +145,16 @@ const Spellings::ReadDirectory* Spellings::Known(const Version& version) const {
     return nullptr;
 }
 
+Spellings::ReadDirectory& Spellings::NextPlace() {
+    if (next_ == read_.size()) {
+        read_.emplace_back();
+    }
+    ReadDirectory& place = read_[next_];
+    place.version = {};
+    place.names.Clear();
+    return place;
+}
+
 std::optional<HostName> Spellings::Find(int directory, std::u16string_view device) {
     const std::optional<Version> version = LastingVersion(directory);
     if (!version) {
@@ -153,13 +164,11 @@ std::optional<HostName> Spellings::Find(int directory, std::u16string_view devic
         errno = ENOENT;
         return known->names.MayHold(device) ? FindSpelling(directory, device) : std::nullopt;
     }
-    ReadDirectory& place = read_[next_];
-    place.version = {};
-    place.names.Clear();
+    ReadDirectory& place = NextPlace();
     std::optional<HostName> found;
     if (ReadNames(directory, device, &place.names, found)) {
         place.version = *version;
-        next_ = (next_ + 1) % read_.size();
+        next_ = (next_ + 1) % kMostDirectories;
         errno = ENOENT;
     }
     return found;

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "platform/host_names.h"
 
@@ -56,8 +57,9 @@ class Spellings {
 
     static std::optional<Version> LastingVersion(int directory);
     const ReadDirectory* Known(const Version& version) const;
+    ReadDirectory& NextPlace();
 
-    std::array<ReadDirectory, 8> read_;
+    std::vector<ReadDirectory> read_;
     std::size_t next_ = 0;  // the place that is used again next
 };
 
