@@ -9,6 +9,7 @@
 #include "core/wide_text.h"
 #include "platform/file_store.h"
 #include "platform/host_text.h"
+#include "platform/no_windows.h"
 #include "platform/window_system.h"
 #include "tests/temporary_device.h"
 
@@ -17,7 +18,7 @@ namespace {
 using namespace std::string_literals;
 
 // A window system that keeps the boxes it was asked to show.
-class BoxCollector : public platform::WindowSystem {
+class BoxCollector : public platform::NoWindows {
   public:
     int MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) override {
         boxes.push_back(platform::ReadableText(caption) + ": " + platform::ReadableText(text) +
