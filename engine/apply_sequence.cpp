@@ -1,7 +1,13 @@
 #include "engine/apply_sequence.h"
 
 #include "core/application.h"
+#include "core/device_store.h"
 #include "core/options.h"
+#include "engine/application_keys.h"
+#include "engine/browser_caches.h"
+#include "engine/device_tweaks.h"
+#include "engine/folder_relocation.h"
+#include "engine/shortcut_cleaning.h"
 #include "engine/temporary_files.h"
 #include "settings/settings_file.h"
 
@@ -16,21 +22,47 @@ constexpr ApplyStep kSteps[] = {
     {3, OPT_CLEAN_ROOT_TEMP, CleanTemporaryDirectory},
     {4, OPT_CLEAN_WINDOWS_TEMP, CleanTemporaryDirectory},
     {5, OPT_CLEAN_MYDOCS_TEMP, CleanTemporaryDirectory},
+    {6, OPT_CLEAR_IE_CACHE, ClearBrowserDirectory},
+    {7, OPT_CLEAR_IE_HISTORY, ClearBrowserDirectory},
+    {8, OPT_MOVE_IE_CACHE, RelocateFolder},
+    {9, OPT_LIMIT_IE_CACHE, LimitBrowserCache},
+    {10, OPT_LIMIT_IE_HISTORY, LimitBrowserCache},
+    {11, OPT_LIMIT_IE_COOKIES, LimitBrowserCache},
+    {12, OPT_MOVE_AVANTGO, RelocateFolder},
+    {13, OPT_CLEAR_REGISTRY, CleanApplicationKeys},
+    {14, OPT_MOVE_FAVORITES, RelocateFolder},
+    {15, OPT_MOVE_FONTS, RelocateFolder},
+    {16, OPT_MOVE_MYDOCS, RelocateFolder},
+    {17, OPT_CLEAN_START_MENU, CleanStartMenu},
+    {18, OPT_FONT_CACHE, SetFontCache},
+    {19, OPT_SILENT_STARTUP, KeepStartupShortcut, StepRuns::Always},
+    {20, OPT_NO_MENU_ANIMATION, SetAnimation, StepRuns::Always},
+    {21, OPT_NO_WINDOW_ANIMATION, SetAnimation, StepRuns::Always},
 };
+
+void CarryOut(const ApplyStep& step, ApplyRun& run) {
+    if (step.runs == StepRuns::WhenTicked && (run.mask & step.option) == 0) {
+        return;
+    }
+    g_ApplyStep = step.number;
+    step.task(run, step.option);
+    run.PathBuffer.fill(0);
+    run.ValueBuffer.fill(0);
+}
 
 }  // namespace
 
-void ApplySettings(bool /*allowRestart*/) {
+void ApplySettings(bool allowRestart) {
     const std::int32_t loaded = LoadSettings(*g_Settings);
     if (loaded == kNoMask) {
         return;
     }
     ApplyRun run{static_cast<std::uint32_t>(loaded), *g_Settings};
     for (const ApplyStep& step : kSteps) {
-        if ((run.mask & step.option) != 0) {
-            g_ApplyStep = step.number;
-            step.task(run, step.option);
-        }
+        CarryOut(step, run);
     }
     g_ApplyStep = 0;
+    if (allowRestart && run.RestartNeeded) {
+        KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+    }
 }

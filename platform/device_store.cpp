@@ -53,3 +53,44 @@ std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) {
 DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) {
     return g_store->GetModuleFileNameW(module, buffer, limit);
 }
+
+BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
+    return g_store->SHGetShortcutTarget(path, buffer, limit);
+}
+
+BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+    return g_store->SHCreateShortcut(path, target);
+}
+
+BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
+                     DWORD* returned) {
+    return g_store->KernelIoControl(code, input, inputSize, output, outputSize, returned);
+}
+
+LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result) {
+    return g_store->RegOpenKeyExW(key, subkey, options, access, result);
+}
+
+LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                      DWORD* size) {
+    return g_store->RegQueryValueExW(key, name, reserved, type, data, size);
+}
+
+LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                    DWORD size) {
+    return g_store->RegSetValueExW(key, name, reserved, type, data, size);
+}
+
+LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                   WCHAR* className, DWORD* classSize, void* lastWriteTime) {
+    return g_store->RegEnumKeyExW(key, index, name, size, reserved, className, classSize,
+                                  lastWriteTime);
+}
+
+LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
+    return g_store->RegDeleteKeyW(key, subkey);
+}
+
+LONG RegCloseKey(HKEY key) {
+    return g_store->RegCloseKey(key);
+}

@@ -6,8 +6,8 @@
 
 namespace platform {
 
-// What stands behind the program's device operations: the functions of core/device_store.h, with
-// their names and contracts.
+// What stands behind the program's device operations: the functions of core/device_store.h and
+// core/registry_operations.h, with their names and contracts.
 class DeviceStore {
   public:
     DeviceStore() = default;
@@ -24,6 +24,22 @@ class DeviceStore {
     virtual BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) = 0;
     virtual std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) = 0;
     virtual DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) = 0;
+
+    virtual BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) = 0;
+    virtual BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) = 0;
+    virtual BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
+                                 DWORD outputSize, DWORD* returned) = 0;
+
+    virtual LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                               HKEY* result) = 0;
+    virtual LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type,
+                                  BYTE* data, DWORD* size) = 0;
+    virtual LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type,
+                                const BYTE* data, DWORD size) = 0;
+    virtual LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                               WCHAR* className, DWORD* classSize, void* lastWriteTime) = 0;
+    virtual LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) = 0;
+    virtual LONG RegCloseKey(HKEY key) = 0;
 };
 
 // Makes `store` the one that the program's operations go to, for as long as the object lives. The

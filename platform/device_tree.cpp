@@ -10,8 +10,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/directory_reader.h"
-
 namespace platform {
 
 namespace {
@@ -131,7 +129,7 @@ Descriptor DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16string_v
     }
     Descriptor opened = OpenSubdirectory(parent, parentIsRoot, host.c_str(), purpose);
     if (!opened && errno == ENOENT) {
-        if (const std::optional<HostName> spelling = FindSpelling(parent, name)) {
+        if (const std::optional<HostName> spelling = spellings_.Find(parent, name)) {
             opened = OpenSubdirectory(parent, parentIsRoot, spelling->c_str(), purpose);
         }
     }
@@ -160,30 +158,6 @@ Descriptor OpenRegularFile(int directory, const char* name) {
     struct stat opened {};
     const bool isRegular = file && fstat(file.get(), &opened) == 0 && S_ISREG(opened.st_mode);
     return isRegular ? std::move(file) : Descriptor();
-}
-
-std::optional<HostName> FindSpelling(int directory, std::u16string_view device) {
-    HostName exact;
-    if (!HostNameOf(device, exact)) {
-        return std::nullopt;
-    }
-    const Descriptor reading =
-        OpenBeneath(directory, ".", DirectoryFlags(OpenFor::Reading), kOnVolume);
-    std::optional<HostName> first;
-    DirectoryReader reader;
-    while (reading && reader.Next(reading.get())) {
-        const std::string_view candidate = reader.entry().name;
-        if (candidate == exact.view()) {
-            return exact;
-        }
-        HostName host;
-        const DeviceName name = DeviceNameOf(candidate);
-        if (SameName(name.view(), device) && HostNameOf(name.view(), host) &&
-            (!first || host.view() < first->view())) {
-            first = host;
-        }
-    }
-    return first;
 }
 
 bool IsMountPoint(int directory, const char* name) {

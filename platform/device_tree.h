@@ -9,6 +9,7 @@
 
 #include "platform/descriptor.h"
 #include "platform/host_names.h"
+#include "platform/spellings.h"
 
 // The device's file tree on the host: how a device path reaches a host entry. Everything is opened
 // beneath the root directory and never leads out of it: no symbolic link is followed, and a mount
@@ -60,21 +61,20 @@ class DeviceTree {
     // The root directory of the volume that holds what `path` names.
     Descriptor OpenVolume(std::u16string_view path) const;
 
+    Spellings& spellings() const { return spellings_; }
+
   private:
     Descriptor OpenAsSpelt(std::span<const std::u16string_view> components, OpenFor purpose) const;
     Descriptor OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
                          OpenFor purpose) const;
 
     Descriptor root_;
+    mutable Spellings spellings_;  // what is known of the tree, not a part of it
 };
 
 // Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
 // reading. None when it is not one any more or cannot be read; waits for nothing.
 Descriptor OpenRegularFile(int directory, const char* name);
-
-// The host name in `directory` that `device` names: the exact one, or else the first in byte order
-// of those that differ in case alone. Nothing when there is none or the directory cannot be read.
-std::optional<HostName> FindSpelling(int directory, std::u16string_view device);
 
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);

@@ -7,6 +7,7 @@
 
 #include "platform/dos_attributes.h"
 #include "platform/moves.h"
+#include "platform/shortcut_file.h"
 #include "platform/unpublished_file.h"
 
 namespace platform {
@@ -50,7 +51,7 @@ bool FileStore::ReachDirectory(std::u16string_view path, Place& place) {
 bool FileStore::Examine(Place& place, std::u16string_view device) const {
     std::optional<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
     if (!facts && errno == ENOENT) {
-        const std::optional<HostName> spelling = FindSpelling(place.directory, device);
+        const std::optional<HostName> spelling = tree_.spellings().Find(place.directory, device);
         if (spelling) {
             place.name = *spelling;
             facts = FactsOf(place.directory, place.name.c_str());
@@ -223,15 +224,18 @@ std::FILE* FileStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
     if (wanted == u"r" || wanted == u"rb") {
         return OpenForReading(path);
     }
-    return wanted == u"wb" ? OpenForWriting(path) : nullptr;
+    return wanted == u"wb" ? OpenForWriting(path, Existing::Replaced) : nullptr;
+}
+
+Descriptor FileStore::OpenFile(std::u16string_view path, Knowledge knowledge) {
+    const std::optional<Place> place = Locate(path, knowledge);
+    return place && place->facts.isRegularFile()
+               ? OpenRegularFile(place->directory, place->name.c_str())
+               : Descriptor();
 }
 
 std::FILE* FileStore::OpenForReading(std::u16string_view path) {
-    const std::optional<Place> place = Locate(path, Knowledge::Fresh);
-    if (!place || !place->facts.isRegularFile()) {
-        return nullptr;
-    }
-    Descriptor opened = OpenRegularFile(place->directory, place->name.c_str());
+    Descriptor opened = OpenFile(path, Knowledge::Fresh);
     std::FILE* const file = opened ? fdopen(opened.get(), "rb") : nullptr;
     if (file != nullptr) {
         opened.Release();
@@ -239,7 +243,7 @@ std::FILE* FileStore::OpenForReading(std::u16string_view path) {
     return file;
 }
 
-std::FILE* FileStore::OpenForWriting(std::u16string_view path) {
+std::FILE* FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
     const SplitPath split = SplitAtName(path);
     Place place;
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
@@ -253,7 +257,7 @@ std::FILE* FileStore::OpenForWriting(std::u16string_view path) {
     std::optional<struct stat> replaced;
     if (Examine(place, split.name)) {
         replaced.emplace();
-        if (!IsWritable(place.directory, place.name, place.facts) ||
+        if (existing == Existing::Kept || !IsWritable(place.directory, place.name, place.facts) ||
             fstatat(place.directory, place.name.c_str(), &*replaced, AT_SYMLINK_NOFOLLOW) != 0) {
             return nullptr;
         }
@@ -268,6 +272,61 @@ DWORD FileStore::GetModuleFileNameW(HINSTANCE /*module*/, WCHAR* buffer, DWORD l
     }
     *std::copy(modulePath_.begin(), modulePath_.end(), buffer) = 0;
     return static_cast<DWORD>(modulePath_.size());
+}
+
+BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
+    const Descriptor file = OpenFile(path, Knowledge::OfSearch);
+    const std::optional<std::u16string> target = file ? ReadShortcut(file.get()) : std::nullopt;
+    if (!target || limit <= 0 || target->size() >= static_cast<std::size_t>(limit)) {
+        return 0;
+    }
+    *std::copy(target->begin(), target->end(), buffer) = 0;
+    return 1;
+}
+
+BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+    std::FILE* const file = OpenForWriting(path, Existing::Kept);
+    if (file == nullptr) {
+        return 0;
+    }
+    const std::string content = ShortcutContent(target);
+    const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
+    return std::fclose(file) == 0 && written ? 1 : 0;
+}
+
+BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
+                                void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
+    return 0;
+}
+
+LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,
+                              DWORD /*access*/, HKEY* result) {
+    *result = nullptr;
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegQueryValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD* /*reserved*/,
+                                 DWORD* /*type*/, BYTE* /*data*/, DWORD* /*size*/) {
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegSetValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD /*reserved*/,
+                               DWORD /*type*/, const BYTE* /*data*/, DWORD /*size*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegEnumKeyExW(HKEY /*key*/, DWORD /*index*/, WCHAR* /*name*/, DWORD* /*size*/,
+                              DWORD* /*reserved*/, WCHAR* /*className*/, DWORD* /*classSize*/,
+                              void* /*lastWriteTime*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegDeleteKeyW(HKEY /*key*/, const WCHAR* /*subkey*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegCloseKey(HKEY /*key*/) {
+    return ERROR_INVALID_HANDLE;
 }
 
 }  // namespace platform

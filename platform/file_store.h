@@ -13,8 +13,8 @@
 
 namespace platform {
 
-// The device store of a device directory on this machine: the handheld's files are the host's files
-// below one root directory.
+// The device store of a device that has files and shortcuts but no registry and no power switch:
+// the handheld's files are the host's files below one root directory.
 class FileStore : public DeviceStore {
   public:
     // `root` is the open root directory of the device's files, none for a device without files.
@@ -31,6 +31,22 @@ class FileStore : public DeviceStore {
     BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override;
     DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override;
+    BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override;
+    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
+    BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
+                         DWORD* returned) override;
+
+    // Without a registry no key is ever there.
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override;
+    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                          DWORD* size) override;
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override;
+    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override;
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
+    LONG RegCloseKey(HKEY key) override;
 
   private:
     // An entry that is there, reached through its open directory.
@@ -49,6 +65,8 @@ class FileStore : public DeviceStore {
     };
     // Whether facts that a search found a moment ago will do.
     enum class Knowledge { Fresh, OfSearch };
+    // What becomes of a file that has the name of the one to be written.
+    enum class Existing { Replaced, Kept };
 
     bool ReachDirectory(std::u16string_view path, Place& place);
     std::optional<Place> Locate(std::u16string_view path, Knowledge knowledge);
@@ -59,8 +77,9 @@ class FileStore : public DeviceStore {
     HANDLE FindEntry(std::u16string_view path, WIN32_FIND_DATA& data);
     bool Move(const Place& source, std::u16string_view newPath);
     void ForgetFilledDirectories();
+    Descriptor OpenFile(std::u16string_view path, Knowledge knowledge);
     std::FILE* OpenForReading(std::u16string_view path);
-    std::FILE* OpenForWriting(std::u16string_view path);
+    std::FILE* OpenForWriting(std::u16string_view path, Existing existing);
 
     DeviceTree tree_;
     std::u16string modulePath_;

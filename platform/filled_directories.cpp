@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "platform/directory_reader.h"
+#include "platform/spellings.h"
 
 namespace platform {
 

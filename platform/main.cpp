@@ -5,6 +5,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <utility>
 
@@ -12,9 +13,10 @@
 #include "platform/command_line.h"
 #include "platform/console_windows.h"
 #include "platform/device_directory.h"
-#include "platform/file_store.h"
+#include "platform/directory_store.h"
 #include "platform/recording_store.h"
 #include "platform/sample_device.h"
+#include "platform/sample_registry.h"
 
 namespace {
 
@@ -33,6 +35,19 @@ void AllowManyDescriptors() {
     }
 }
 
+// Null, with a line on standard error, when the device's registry cannot be read.
+std::unique_ptr<platform::DirectoryStore> OpenStore(platform::DeviceDirectory& device,
+                                                    const CommandLine& line) {
+    std::string reason;
+    auto registry = platform::Registry::Open(device.directory.get(), reason);
+    if (registry == nullptr) {
+        Complain("the registry of " + line.device + " cannot be used", reason);
+        return nullptr;
+    }
+    return std::make_unique<platform::DirectoryStore>(std::move(device.files), line.modulePath,
+                                                      std::move(registry));
+}
+
 int MakeSampleDevice(const CommandLine& line) {
     platform::DeviceDirectory device;
     const std::string reason = platform::MakeDeviceDirectory(line.device.c_str(), device);
@@ -40,9 +55,15 @@ int MakeSampleDevice(const CommandLine& line) {
         Complain("no device can be made in " + line.device, reason);
         return EX_CANTCREAT;
     }
-    platform::FileStore store(std::move(device.files), line.modulePath);
-    const platform::StoreInUse inUse(store);
-    const std::string missing = platform::FillSampleDevice(store);
+    std::string missing = "registry.reg";
+    if (platform::WriteSampleRegistry(device.directory.get())) {
+        const auto store = OpenStore(device, line);
+        if (store == nullptr) {
+            return EX_CANTCREAT;
+        }
+        const platform::StoreInUse inUse(*store);
+        missing = platform::FillSampleDevice(*store);
+    }
     if (!missing.empty()) {
         Complain("the device in " + line.device + " is not complete", "cannot make " + missing);
         return EX_CANTCREAT;
@@ -78,8 +99,16 @@ int Run(CommandLine& line) {
         return EX_UNAVAILABLE;
     }
     AllowManyDescriptors();
-    platform::FileStore store(std::move(device.files), line.modulePath);
-    return line.report ? RunReported(store, line) : RunProgram(store, line);
+    const auto store = OpenStore(device, line);
+    if (store == nullptr) {
+        return EX_DATAERR;
+    }
+    const int result = line.report ? RunReported(*store, line) : RunProgram(*store, line);
+    const std::string unsaved = store->Finish();
+    if (!unsaved.empty()) {
+        Complain("the changes to the registry are lost", unsaved);
+    }
+    return result;
 }
 
 }  // namespace

@@ -18,16 +18,38 @@ constexpr const WCHAR* kDirectories[] = {
     TEXT("\\Temp\\Unpack"),
     TEXT("\\Temp\\Unpack\\Images"),
     TEXT("\\My Documents"),
+    TEXT("\\My Documents\\AvantGo"),
+    TEXT("\\My Documents\\AvantGo\\Channels"),
+    TEXT("\\My Documents\\Fonts"),
     TEXT("\\My Documents\\Notes"),
+    TEXT("\\My Documents\\Personal"),
+    TEXT("\\My Documents\\Personal\\Letters"),
     TEXT("\\My Documents\\Temp"),
     TEXT("\\Program Files"),
     TEXT("\\Program Files\\Fennelbright"),
     TEXT("\\Program Files\\Reader"),
     TEXT("\\Program Files\\Reader\\Cache"),
     TEXT("\\Storage Card"),
+    TEXT("\\Storage Card\\AvantGo"),
     TEXT("\\Storage Card\\Downloads"),
     TEXT("\\Storage Card\\Downloads\\Partial"),
+    TEXT("\\Storage Card\\Favorites"),
+    TEXT("\\Storage Card\\Fonts"),
+    TEXT("\\Storage Card\\Internet Cache"),
+    TEXT("\\Storage Card\\Personal"),
     TEXT("\\Windows"),
+    TEXT("\\Windows\\Favorites"),
+    TEXT("\\Windows\\Favorites\\Travel"),
+    TEXT("\\Windows\\Profiles"),
+    TEXT("\\Windows\\Profiles\\guest"),
+    TEXT("\\Windows\\Profiles\\guest\\History"),
+    TEXT("\\Windows\\Profiles\\guest\\History\\Monday"),
+    TEXT("\\Windows\\Profiles\\guest\\Temporary Internet Files"),
+    TEXT("\\Windows\\Profiles\\guest\\Temporary Internet Files\\Content"),
+    TEXT("\\Windows\\Start Menu"),
+    TEXT("\\Windows\\Start Menu\\Programs"),
+    TEXT("\\Windows\\Start Menu\\Programs\\Games"),
+    TEXT("\\Windows\\StartUp"),
     TEXT("\\Windows\\Temp"),
     TEXT("\\Windows\\Temp\\Print"),
 };
@@ -42,8 +64,13 @@ constexpr SampleFile kFiles[] = {
     {TEXT("\\Temp\\~dl3f2.tmp"), 65536},
     {TEXT("\\Temp\\Unpack\\setup.cab"), 20480},
     {TEXT("\\Temp\\Unpack\\Images\\splash.bmp"), 15478},
+    {TEXT("\\My Documents\\AvantGo\\channels.db"), 14000},
+    {TEXT("\\My Documents\\AvantGo\\Channels\\weather.pdb"), 6200},
+    {TEXT("\\My Documents\\Fonts\\garden.ttf"), 32000},
     {TEXT("\\My Documents\\Letter.txt"), 1180},
     {TEXT("\\My Documents\\Notes\\Shopping.txt"), 240},
+    {TEXT("\\My Documents\\Personal\\Budget.pxl"), 5100},
+    {TEXT("\\My Documents\\Personal\\Letters\\Landlord.psw"), 2048},
     {TEXT("\\My Documents\\Temp\\draft.tmp"), 3072},
     {TEXT("\\Program Files\\Fennelbright\\Fennelbright.exe"), 61440},
     {TEXT("\\Program Files\\Reader\\Reader.exe"), 40960},
@@ -51,9 +78,45 @@ constexpr SampleFile kFiles[] = {
     {TEXT("\\Program Files\\Reader\\Cache\\page2.dat"), 8192},
     {TEXT("\\Storage Card\\Downloads\\Map of the county.pdf"), 30000},
     {TEXT("\\Storage Card\\Downloads\\Partial\\podcast.part"), 48000},
+    {TEXT("\\Windows\\calc.exe"), 18432},
+    {TEXT("\\Windows\\Favorites\\News.url"), 61},
+    {TEXT("\\Windows\\Favorites\\Travel\\Trains.url"), 58},
+    {TEXT("\\Windows\\iexplore.exe"), 22528},
+    {TEXT("\\Windows\\Profiles\\guest\\History\\index.dat"), 16384},
+    {TEXT("\\Windows\\Profiles\\guest\\History\\Monday\\index.dat"), 16384},
+    {TEXT("\\Windows\\Profiles\\guest\\Temporary Internet Files\\index.dat"), 32768},
+    {TEXT("\\Windows\\Profiles\\guest\\Temporary Internet Files\\Content\\logo[1].gif"), 2310},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Read me.txt"), 320},
     {TEXT("\\Windows\\Temp\\wce0041.tmp"), 512},
     {TEXT("\\Windows\\Temp\\Print\\spool.prn"), 9000},
     {TEXT("\\Windows\\welcome.wav"), 11025},
+};
+
+struct SampleShortcut {
+    const WCHAR* path;
+    const WCHAR* target;
+};
+
+constexpr SampleShortcut kShortcuts[] = {
+    // These lead to what is there.
+    {TEXT("\\Windows\\Start Menu\\Internet Explorer.lnk"), TEXT("\\Windows\\iexplore.exe -home")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Calculator.lnk"), TEXT("\\Windows\\calc.exe")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Reader.lnk"),
+     TEXT("\"\\Program Files\\Reader\\Reader.exe\"")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Map.lnk"),
+     TEXT("\"\\Program Files\\Reader\\Reader.exe\" \\Storage Card\\Downloads\\Map of the "
+          "county.pdf")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\My Documents.lnk"), TEXT("\\My Documents\\")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Pictures.lnk"), TEXT(":MSPIMG")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Whole device.lnk"), TEXT("\\")},
+    // And these do not.
+    {TEXT("\\Windows\\Start Menu\\Programs\\Games\\Harbour Chess.lnk"),
+     TEXT("\"\\Program Files\\Harbour Chess\\Chess.exe\"")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Games\\Chess by mail.lnk"),
+     TEXT("\"\\Program Files\\Harbour Chess\\Chess.exe\" /mail")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\County Atlas.lnk"),
+     TEXT("\\Storage Card\\County Atlas\\Atlas.exe")},
+    {TEXT("\\Windows\\Start Menu\\Programs\\Profile.lnk"), TEXT("\\Windows\\autoprof -s Silent")},
 };
 
 struct SampleText {
@@ -64,10 +127,15 @@ struct SampleText {
 constexpr SampleText kTexts[] = {
     {OPT_CLEAN_USER1, TEXT("\\Program Files\\Reader\\Cache\\")},
     {OPT_CLEAN_USER2, TEXT("\\Storage Card\\Downloads\\Partial\\")},
+    {OPT_MOVE_IE_CACHE, TEXT("\\Storage Card\\Internet Cache\\")},
+    {OPT_MOVE_AVANTGO, TEXT("\\Storage Card\\AvantGo\\")},
+    {OPT_MOVE_FAVORITES, TEXT("\\Storage Card\\Favorites\\")},
+    {OPT_MOVE_FONTS, TEXT("\\Storage Card\\Fonts\\")},
+    {OPT_MOVE_MYDOCS, TEXT("\\Storage Card\\Personal\\")},
 };
 
-constexpr std::uint32_t kTicked = OPT_CLEAN_USER1 | OPT_CLEAN_USER2 | OPT_CLEAN_ROOT_TEMP |
-                                  OPT_CLEAN_WINDOWS_TEMP | OPT_CLEAN_MYDOCS_TEMP;
+// Everything but the searches, which only a user looking on can make use of.
+constexpr std::uint32_t kTicked = 0xFFFFFF & ~(OPT_SEARCH_TMP | OPT_SEARCH_LOG | OPT_SEARCH_BAK);
 
 bool WriteFile(DeviceStore& store, const SampleFile& sample) {
     std::FILE* const file = store._wfopen(sample.path, TEXT("wb"));
@@ -98,6 +166,7 @@ void PutTexts(CSettings& settings) {
 bool WriteSampleSettings() {
     CSettings settings;
     PutTexts(settings);
+    settings.FontCacheIndex = 1;
     std::FILE* const file = OpenSettingsForWriting();
     if (file == nullptr) {
         return false;
@@ -117,6 +186,11 @@ std::string FillSampleDevice(DeviceStore& store) {
     for (const SampleFile& file : kFiles) {
         if (!WriteFile(store, file)) {
             return ReadableText(file.path);
+        }
+    }
+    for (const SampleShortcut& shortcut : kShortcuts) {
+        if (store.SHCreateShortcut(shortcut.path, shortcut.target) == 0) {
+            return ReadableText(shortcut.path);
         }
     }
     return WriteSampleSettings() ? "" : "settings.dat";

@@ -34,6 +34,37 @@ class FailingStore : public platform::ForwardingStore {
     DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override {
         return Fails() ? 0 : inner().GetModuleFileNameW(module, buffer, limit);
     }
+    BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override {
+        return Fails() ? 0 : inner().SHGetShortcutTarget(path, buffer, limit);
+    }
+    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override {
+        return Fails() ? 0 : inner().SHCreateShortcut(path, target);
+    }
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override {
+        *result = nullptr;
+        return Fails() ? ERROR_FILE_NOT_FOUND
+                       : inner().RegOpenKeyExW(key, subkey, options, access, result);
+    }
+    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                          DWORD* size) override {
+        return Fails() ? ERROR_FILE_NOT_FOUND
+                       : inner().RegQueryValueExW(key, name, reserved, type, data, size);
+    }
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override {
+        return Fails() ? ERROR_WRITE_FAULT
+                       : inner().RegSetValueExW(key, name, reserved, type, data, size);
+    }
+    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override {
+        return Fails() ? ERROR_NO_MORE_ITEMS
+                       : inner().RegEnumKeyExW(key, index, name, size, reserved, className,
+                                               classSize, lastWriteTime);
+    }
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override {
+        return Fails() ? ERROR_WRITE_FAULT : inner().RegDeleteKeyW(key, subkey);
+    }
 
   private:
     bool Fails() { return ++calls_ == failing_; }

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/apply_device.h"
 #include "tests/run_program.h"
 #include "tests/temporary_device.h"
 
@@ -40,6 +41,8 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
     const TemporaryDevice linked;
     std::filesystem::remove(linked.files());
     std::filesystem::create_symlink(device.files(), linked.files());
+    const TemporaryDevice damaged;
+    WriteFile(damaged.path() + "/registry.reg", "REGEDIT4\n\n[HKEY_CURRENT_USER\n");
     const std::string& taken = device.path();
     const struct {
         Entries words;
@@ -56,6 +59,7 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--device", taken, "--new-device", taken}, 64, "more than one"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", taken, "s\xFF"}, 64, "UTF-8"},
+        {{"--device", damaged.path(), "silent"}, 65, "line 3"},
         {{"--device", taken + "/none", "silent"}, 66, "none: No such file"},
         {{"--device", noDevice.path(), "silent"}, 66, "neither"},
         {{"--device", linked.path(), "silent"}, 66, "\"files\" cannot be used"},
@@ -104,7 +108,7 @@ TEST(Program, ASampleDeviceIsCleanedOnceAndThenLeftAlone) {
     EXPECT_TRUE(std::filesystem::is_empty(files + "Temp/Unpack/Images"));
     EXPECT_EQ(RunProgram({"--device", device, "--report", "silent"}).output,
               "total: 0 files deleted (0 bytes), 0 entries moved, 0 directories made, "
-              "0 directories removed\n");
+              "0 directories removed, 0 shortcuts made, 0 values written, 0 keys deleted\n");
 }
 
 TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
@@ -117,6 +121,7 @@ TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
                  "Temp/a\\b:*?\"<|\x01 =y", "Temp/not\xFFutf8\xC3=z", "Temp/\xEF\x80\xAA/in=i",
                  "Temp/ ... /x=1", "Temp/d/T=1", "Temp/d/t=2", "Temp/D/T=3",
                  SettingsEntry(kFixedDirectories)});
+    WriteFile(device.path() + "/registry.reg", kQuietTweaks);
     const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "");
@@ -136,6 +141,7 @@ TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
         const TemporaryDevice device;
         device.Make({"Work/keep=1", "Work/Cache/a=2", "W2/b=3", "c=4",
                      SettingsEntry(whole.substr(0, length))});
+        WriteFile(device.path() + "/registry.reg", kQuietTweaks);
         const Outcome outcome = RunProgram({"--device", device.path(), "silent"});
         ASSERT_EQ(outcome.exitCode, 0);
         ASSERT_EQ(outcome.output + outcome.errors, "");

@@ -1,0 +1,8 @@
+#pragma once
+
+#include "core/window_system.h"
+
+// Tells the user about a failure and waits until that has been seen.
+inline void ShowError(const WCHAR* text) {
+    MessageBoxW(nullptr, text, TEXT("Error"), MB_OK);
+}

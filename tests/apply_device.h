@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "core/plain_types.h"
+#include "tests/temporary_device.h"
+
+// What one silent run starts from.
+struct ApplyInput {
+    std::vector<std::string> files;  // in the notation of TemporaryDevice::Make
+    std::string registry;            // the text of registry.reg; empty: no such file
+    std::uint32_t mask = 0;
+    std::vector<std::pair<std::uint32_t, const WCHAR*>> texts = {};  // by option
+    std::vector<std::pair<std::uint32_t, std::int32_t>> positions = {};
+    bool allowRestart = false;
+};
+
+// What it leaves behind. The program's own directory "App", with settings.dat in it, is left out.
+struct ApplyResult {
+    std::vector<std::string> boxes;  // "[caption] text"
+    std::vector<std::string> files;  // in the notation of TemporaryDevice::Listing
+    std::string registry;
+    std::uint32_t bytesCleaned = 0;
+    int restarts = 0;
+    std::string notes;  // on standard error
+};
+
+// Carries out a silent run on a device of its own. `failing`: the number of the call of the store
+// that fails, 0 for none; `calls` receives how many there were.
+ApplyResult ApplySilently(const ApplyInput& input, int failing = 0, int* calls = nullptr);
+
+// A silent run leaves StartUp shortcut and animations as the mask says, in every case. This
+// registry has what it then wants, so that a test of another task sees no boxes from there.
+extern const char kQuietTweaks[];

@@ -1,0 +1,415 @@
+#include "platform/registry_text.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/registry_operations.h"
+
+namespace platform {
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+constexpr std::u16string_view kApps = u"HKEY_LOCAL_MACHINE\\Software\\Apps";
+
+std::string Utf16(std::u16string_view text) {
+    std::string bytes = "\xFF\xFE";
+    EncodeText(TextEncoding::kUtf16, text, bytes);
+    return bytes;
+}
+
+std::vector<std::uint8_t> Bytes(std::string_view bytes) {
+    return {bytes.begin(), bytes.end()};
+}
+
+// The bytes of a text with its terminator.
+std::vector<std::uint8_t> TextBytes(const std::u16string& text) {
+    std::string bytes;
+    EncodeText(TextEncoding::kUtf16, text + u'\0', bytes);
+    return Bytes(bytes);
+}
+
+std::optional<RegistryText> Parse(std::string bytes) {
+    RegistryFault fault;
+    return RegistryText::Parse(std::move(bytes), fault);
+}
+
+// Parsed, or an empty registry and a failed test.
+RegistryText MustParse(std::string bytes) {
+    RegistryFault fault;
+    std::optional<RegistryText> text = RegistryText::Parse(std::move(bytes), fault);
+    EXPECT_TRUE(text) << "line " << fault.line << ": " << (fault.reason ? fault.reason : "");
+    return text ? std::move(*text) : RegistryText();
+}
+
+std::optional<RegistryData> Read(const RegistryText& text, std::u16string_view path,
+                                 std::u16string_view name) {
+    const KeyIndex key = text.FindKey(path);
+    return key == 0 ? std::nullopt : text.Value(key, name);
+}
+
+std::string Replaced(std::string text, std::string_view from, std::string_view to) {
+    const std::size_t at = text.find(from);
+    EXPECT_NE(at, std::string::npos) << from;
+    return at == std::string::npos ? text : text.replace(at, from.size(), to);
+}
+
+struct DataCase {
+    const char* line;
+    std::uint32_t type;
+    std::vector<std::uint8_t> bytes;
+};
+
+const std::vector<DataCase> kDataCases = {
+    {R"("v"="text")", REG_SZ, TextBytes(u"text")},
+    {R"("v"="")", REG_SZ, TextBytes(u"")},
+    {R"(  "V" = "text" ; a comment)", REG_SZ, TextBytes(u"text")},
+    {R"("v"="\\Temp\\ \"x\"")", REG_SZ, TextBytes(u"\\Temp\\ \"x\"")},
+    {R"("v"="\Temp\new")", REG_SZ, TextBytes(u"\\Temp\\new")},
+    {"\"v\"=\"one\r\n[two]\"", REG_SZ, TextBytes(u"one\r\n[two]")},
+    {"\"v\"=\"a\";\"", REG_SZ, TextBytes(u"a")},
+    {"\"v\"=\"gr\xC3\xBC\xC3\x9F \xF0\x9F\x99\x82\"", REG_SZ, TextBytes(u"grüß 🙂")},
+    {R"("v"=dword:0000000a)", REG_DWORD, {10, 0, 0, 0}},
+    {R"("v"=dword:FACE)", REG_DWORD, {0xCE, 0xFA, 0, 0}},
+    {R"("v"=DWORD: 7)", REG_DWORD, {7, 0, 0, 0}},
+    {R"("v"=hex:)", REG_BINARY, {}},
+    {R"("v"=hex:00,1, fF)", REG_BINARY, {0, 1, 255}},
+    {"\"v\"=hex:00,\\ ; here\r\n; a comment\r\n\r\n  01,\r\n  02", REG_BINARY, {0, 1, 2}},
+    {"\"v\"=hex:\\\n  00,01", REG_BINARY, {0, 1}},
+    {R"("v"=hex(0):01)", REG_NONE, {1}},
+    {R"("v"=hex(1):41,00,42)", REG_SZ, {0x41, 0, 0x42}},
+    {R"("v"=hex(2):25,00,00,00)", REG_EXPAND_SZ, {0x25, 0, 0, 0}},
+    {R"("v"=hex(b):01,02,03,04,05,06,07,08)", REG_QWORD, {1, 2, 3, 4, 5, 6, 7, 8}},
+    {R"("v"=hex(ffffffff):01)", 0xFFFFFFFF, {1}},
+    {R"("v"=multi_sz:"a","")", REG_MULTI_SZ, Bytes("a\0\0\0\0\0\0\0"sv)},
+    {"\"v\"=multi_sz:\"a\", ; here\n;comment\n  \"b\"", REG_MULTI_SZ,
+     Bytes("a\0\0\0b\0\0\0\0\0"sv)},
+    {R"("v"=multi_sz:)", REG_MULTI_SZ, {0, 0}},
+    {R"("v"=mui_sz:"x.dll,#1")", REG_MUI_SZ, TextBytes(u"x.dll,#1")},
+    {"\"v\"=dword:1\n\"V\"=dword:2", REG_DWORD, {2, 0, 0, 0}},
+    {"\"v\"=-\n\"v\"=dword:2", REG_DWORD, {2, 0, 0, 0}},
+};
+
+TEST(RegistryText, ReadsEveryFormOfData) {
+    for (const DataCase& data : kDataCases) {
+        for (const char* const header : {"", "Windows Registry Editor Version 5.00\r\n\r\n"}) {
+            const RegistryText text = MustParse(
+                header + "[HKEY_LOCAL_MACHINE\\Software\\Apps]\r\n"s + data.line + "\r\n");
+            const std::optional<RegistryData> value = Read(text, kApps, u"v");
+            ASSERT_TRUE(value) << data.line;
+            EXPECT_EQ(value->type, data.type) << data.line;
+            EXPECT_EQ(value->bytes, data.bytes) << data.line;
+        }
+    }
+}
+
+TEST(RegistryText, LeavesOutValuesWithoutData) {
+    for (const char* const line : {R"("v"=-)", R"("v"=dword:LOC_X)", R"("v"=LOC_NAME)",
+                                   R"("v"=$(NAME) ; c)", R"("v"=multi_sz:"a",LOC_B)",
+                                   "\"v\"=\"a\"\n\"v\"=-", "\"v\"=dword:1\n\"v\"=dword:LOC_X"}) {
+        const std::string bytes =
+            "[HKEY_LOCAL_MACHINE\\Software\\Apps]\n"s + line + "\n\"w\"=\"x\"\n";
+        const RegistryText text = MustParse(bytes);
+        EXPECT_FALSE(Read(text, kApps, u"v")) << line;
+        EXPECT_TRUE(Read(text, kApps, u"w")) << line;
+        EXPECT_EQ(text.Serialize(), bytes);
+    }
+}
+
+struct FaultCase {
+    const char* text;
+    std::size_t line;
+};
+
+TEST(RegistryText, TellsTheLineOfAFault) {
+    const std::vector<FaultCase> cases = {
+        {"nonsense", 1},
+        {"[HKEY_USERS]\n\"a\"=\"b\"\nIF X\n", 3},
+        {"[HKEY_USERS]\r\n\"a\"=\"b\r\n", 2},
+        {"[HKEY_USERS]\r\"a\"=\r", 2},
+        {"[HKEY_USERS\n", 1},
+        {"[]\n", 1},
+        {"\n[-\\]\n", 2},
+        {"\"a\"=\"b\"\n", 1},
+        {"[-HKEY_USERS\\a]\n\"a\"=\"b\"\n", 2},
+        {"[HKEY_USERS]\n\"a\" \"b\"\n", 2},
+        {"[HKEY_USERS]\n\"a\"=\"b\" c\n", 2},
+        {"[HKEY_USERS]\n\"a\"=dword:\n", 2},
+        {"[HKEY_USERS]\n\"a\"=dword:1x\n", 2},
+        {"[HKEY_USERS]\n\"a\"=dword:123456789\n", 2},
+        {"[HKEY_USERS]\n\"a\"=hex:00,\\\n  01,\\\n  xyz!\n", 4},
+        {"[HKEY_USERS]\n\"a\"=hex:00,01,\\", 2},
+        {"[HKEY_USERS]\n\"a\"=hex():00\n", 2},
+        {"[HKEY_USERS]\n\"a\"=hex(1ffffffff):00\n", 2},
+        {"[HKEY_USERS]\n\"a\"=multi_sz:\"x\",,\n", 2},
+        {"[HKEY_USERS]\n\"a\"=mui_sz:\n\"b\"=\"c\"\n", 2},
+        {"Windows Registry Editor Version 6.00\n", 1},
+        {"\xFF\xFE[", 1},
+        {"\xFE\xFF", 1},
+        {"\xEF\xBB\xBF; \xE9\n", 1},
+    };
+    for (const FaultCase& wrong : cases) {
+        RegistryFault fault;
+        EXPECT_FALSE(RegistryText::Parse(wrong.text, fault)) << wrong.text;
+        EXPECT_EQ(fault.line, wrong.line) << wrong.text;
+        EXPECT_NE(fault.reason, nullptr) << wrong.text;
+    }
+}
+
+TEST(RegistryText, BoundsTheNamesAndLevelsOfKeys) {
+    const std::string name(255, 'k');
+    std::string levels = "HKEY_USERS";
+    for (int level = 1; level < 512; ++level) {
+        levels += "\\k";
+    }
+    EXPECT_TRUE(Parse("[HKEY_USERS\\" + name + "]\n[" + levels + "]\n"));
+    EXPECT_FALSE(Parse("[HKEY_USERS\\" + name + "k]\n"));
+    EXPECT_FALSE(Parse("[" + levels + "\\k]\n"));
+}
+
+TEST(RegistryText, NarrowTextsAreCharacters) {
+    const std::string key = "[HKEY_LOCAL_MACHINE\\Software\\Apps]\n";
+    const RegistryText ansi =
+        MustParse("REGEDIT4\n\n" + key +
+                  "\"a\"=hex(1):5c,54,00\n\"b\"=hex(7):80,00,00\n\"c\"=\"\x80\"\n"
+                  "\"d\"=hex(2):c3,a9\n\"e\"=hex(3):80\n");
+    EXPECT_EQ(Read(ansi, kApps, u"a")->bytes, TextBytes(u"\\T"));
+    EXPECT_EQ(Read(ansi, kApps, u"b")->bytes, Bytes("\xAC\x20\0\0\0\0"sv));
+    EXPECT_EQ(Read(ansi, kApps, u"c")->bytes, TextBytes(u"€"));
+    EXPECT_EQ(Read(ansi, kApps, u"d")->bytes, Bytes("\xE9\0"sv));
+    EXPECT_EQ(Read(ansi, kApps, u"e")->bytes, Bytes("\x80"));
+    EXPECT_EQ(Read(MustParse(key + "\"a\"=hex(1):5c,54\n"), kApps, u"a")->bytes, Bytes("\x5c\x54"));
+}
+
+std::string Names(const RegistryText& text, std::u16string_view path) {
+    std::string names;
+    for (std::size_t index = 0; text.ChildName(text.FindKey(path), index); ++index) {
+        EncodeText(TextEncoding::kUtf8, *text.ChildName(text.FindKey(path), index) + u" ", names);
+    }
+    return names;
+}
+
+TEST(RegistryText, KeysFollowTheFileAndMatchInAnyCase) {
+    RegistryText text = MustParse(
+        "; before\n[HKEY_LOCAL_MACHINE\\B\\x]\n[\\\\hkey_local_machine\\\\A\\] ; a ] comment\n"
+        "@=\"a\"\n[HKEY_LOCAL_MACHINE\\b]\n[HKEY_LOCAL_MACHINE\\a]\n\"\"=\"again\"\n"
+        "[HKEY_LOCAL_MACHINE\\C]]\n[HKEY_LOCAL_MACHINE\\D]\n[-hkey_local_machine\\d]\n"
+        "[HKEY_LOCAL_MACHINE\\E\\e]\n[HKEY_LOCAL_MACHINE\\D]\n[-HKEY_LOCAL_MACHINE\\none]\n");
+    EXPECT_EQ(Names(text, u"HKEY_LOCAL_MACHINE"), "B A C] E D ");
+    EXPECT_EQ(Read(text, u"HKEY_LOCAL_MACHINE\\A", u"")->bytes, TextBytes(u"again"));
+    text.DeleteKey(text.FindKey(u"hkey_local_machine\\\\c]\\"));
+    EXPECT_EQ(*text.ChildName(text.FindKey(u"HKEY_LOCAL_MACHINE"), 2), u"E");
+    EXPECT_FALSE(text.ChildName(text.FindKey(u"HKEY_LOCAL_MACHINE"), 4));
+    EXPECT_NE(MustParse("[HKEY_USERS\\a]\n[-HKEY_USERS]\n").FindKey(u"HKEY_USERS"), 0U);
+}
+
+// Every change to this file is described by what it replaces.
+const std::string kFile =
+    "; top\r\n[HKEY_LOCAL_MACHINE\\Software\\Apps]\r\n\r\n"
+    "[HKEY_LOCAL_MACHINE\\Software\\Apps\\One] ; kept\r\n"
+    "  \"Dir\" =  \"\\\\One\" ;behind\r\n; between\r\n\"Odd\"=hex:00,\\\r\n  "
+    "01\r\n\"Sym\"=dword:LOC_X\r\n\r\n"
+    "; about two\r\n[HKEY_LOCAL_MACHINE\\Software\\Apps\\Two]\r\n\"Dir\"=\"two\"\r\n"
+    "[HKEY_LOCAL_MACHINE\\Software\\Apps\\Two\\Sub]\r\n\n"
+    "[HKEY_LOCAL_MACHINE\\Software\\Apps\\One]\r\n@=\"last\"\r\n\r\n; the end";
+constexpr std::u16string_view kOne = u"HKEY_LOCAL_MACHINE\\Software\\Apps\\One";
+
+struct ChangeCase {
+    std::u16string_view path;
+    std::u16string_view name;  // what to set
+    std::uint32_t type;
+    std::vector<std::uint8_t> bytes;
+    const char* from;
+    const char* to;
+};
+
+const std::vector<ChangeCase> kChangeCases = {
+    {kOne, u"dir", REG_SZ, TextBytes(u"\\1"), R"("\\One")", R"("\\1")"},
+    {kOne, u"dir", REG_SZ,
+     Bytes("\\\0"
+           "1\0"sv),
+     R"("\\One")", R"("\\1")"},
+    {kOne, u"dir", REG_DWORD, {1, 0, 0, 0}, R"("\\One")", "dword:00000001"},
+    {kOne, u"dir", REG_DWORD, {1}, R"("\\One")", "hex(4):01"},
+    {kOne, u"dir", REG_SZ, {65}, R"("\\One")", "hex(1):41"},
+    {kOne, u"dir", REG_SZ, TextBytes(u"a\nb"), R"("\\One")", "hex(1):61,00,0a,00,62,00,00,00"},
+    {kOne, u"dir", REG_SZ, Bytes("\0\xD8"sv), R"("\\One")", "hex(1):00,d8"},
+    {kOne, u"dir", REG_SZ, Bytes("\0\0\0\0"sv), R"("\\One")", "hex(1):00,00,00,00"},
+    {kOne, u"odd", REG_BINARY, {7}, "hex:00,\\\r\n  01", "hex:07"},
+    {kOne, u"sym", REG_DWORD, {7, 0, 0, 0}, "dword:LOC_X", "dword:00000007"},
+    {kOne,
+     u"New \"\\",
+     REG_DWORD,
+     {7, 0, 0, 0},
+     "@=\"last\"\r\n",
+     "@=\"last\"\r\n\"New \\\"\\\\\"=dword:00000007\r\n"},
+    {u"HKEY_LOCAL_MACHINE\\Software\\Apps\\Two\\Sub",
+     u"",
+     REG_SZ,
+     {},
+     "Sub]\r\n",
+     "Sub]\r\n@=\"\"\r\n"},
+    {u"HKEY_LOCAL_MACHINE\\Software",
+     u"n",
+     REG_DWORD,
+     {7, 0, 0, 0},
+     "; the end",
+     "; the end\r\n\r\n[HKEY_LOCAL_MACHINE\\Software]\r\n\"n\"=dword:00000007\r\n"},
+    {u"HKEY_USERS",
+     u"n",
+     REG_SZ,
+     {},
+     "; the end",
+     "; the end\r\n\r\n[HKEY_USERS]\r\n\"n\"=\"\"\r\n"},
+};
+
+// The file in each of its encodings, behind a line that only a whole copy keeps.
+struct Encoded {
+    const char* name;
+    std::string (*encode)(const std::string& ascii);
+};
+
+const std::vector<Encoded> kEncodings = {
+    {"8-bit", [](const std::string& text) { return "; \xE9\x81\x01\r\n" + text; }},
+    {"UTF-8", [](const std::string& text) { return "; \xC3\xA9\xED\xA0\x80\r\n" + text; }},
+    {"marked UTF-8", [](const std::string& text) { return "\xEF\xBB\xBF;\0\r\n"s + text; }},
+    {"UTF-16", [](const std::string& text) {
+         return Utf16(u";\0\xD800\xFFFE\r\n"s + std::u16string(text.begin(), text.end()));
+     }}};
+
+TEST(RegistryText, AChangeLeavesEveryOtherByte) {
+    for (const Encoded& encoding : kEncodings) {
+        EXPECT_EQ(MustParse(encoding.encode(kFile)).Serialize(), encoding.encode(kFile));
+        for (const ChangeCase& change : kChangeCases) {
+            RegistryText text = MustParse(encoding.encode(kFile));
+            const KeyIndex key = text.FindKey(change.path);
+            ASSERT_NE(key, 0U);
+            EXPECT_EQ(text.SetValue(key, change.name, change.type, change.bytes),
+                      SetResult::kChanged);
+            EXPECT_EQ(text.SetValue(key, change.name, change.type, change.bytes),
+                      SetResult::kUnchanged);
+            EXPECT_EQ(text.Serialize(), encoding.encode(Replaced(kFile, change.from, change.to)))
+                << encoding.name << " " << change.to;
+        }
+    }
+}
+
+TEST(RegistryText, DeletingTakesTheLinesOfTheSubtreeAlone) {
+    RegistryText one = MustParse(kFile);
+    const KeyIndex gone = one.FindKey(kOne);
+    one.SetValue(gone, u"Dir", REG_SZ, {});
+    one.SetValue(gone, u"New", REG_SZ, {});
+    one.DeleteKey(gone);
+    const std::size_t begin = kFile.find("[HKEY_LOCAL_MACHINE\\Software\\Apps\\One] ;");
+    const std::size_t end = kFile.find("; about");
+    const std::size_t again = kFile.rfind("[HKEY");
+    EXPECT_EQ(one.Serialize(),
+              kFile.substr(0, begin) + kFile.substr(end, again - end) + "; the end");
+    EXPECT_EQ(one.FindKey(kOne), 0U);
+
+    RegistryText two = MustParse(kFile);
+    two.DeleteKey(two.FindKey(u"HKEY_LOCAL_MACHINE\\Software\\Apps\\Two"));
+    const std::size_t top = kFile.find("[HKEY_LOCAL_MACHINE\\Software\\Apps\\Two]");
+    EXPECT_EQ(two.Serialize(), kFile.substr(0, top) + kFile.substr(again));
+}
+
+TEST(RegistryText, AParentOutlivesItsLastSubkey) {
+    RegistryText text = MustParse("[HKEY_USERS\\a\\b\\c]\n");
+    text.DeleteKey(text.FindKey(u"HKEY_USERS\\a\\b\\c"));
+    EXPECT_EQ(text.Serialize(), "\n[HKEY_USERS\\a\\b]\n");
+    text.DeleteKey(text.FindKey(u"HKEY_USERS\\a"));
+    EXPECT_EQ(text.Serialize(), "");
+}
+
+TEST(RegistryText, AddsToFilesWithoutLineEndOrContent) {
+    for (const char* const end : {"", "\n", "\r\n", "\r"}) {
+        RegistryText text = MustParse("[HKEY_USERS]"s + end);
+        text.SetValue(text.FindKey(u"HKEY_USERS"), u"a", REG_DWORD, std::vector<std::uint8_t>(4));
+        const std::string line = *end != 0 ? end : "\r\n";
+        std::string expected = "[HKEY_USERS]" + line;
+        expected.append("\"a\"=dword:00000000").append(line);
+        EXPECT_EQ(text.Serialize(), expected);
+    }
+    RegistryText made = MustParse("");
+    made.SetValue(made.FindKey(u"HKEY_USERS"), u"\xDC00", REG_SZ, TextBytes(u"ü"));
+    EXPECT_EQ(made.Serialize(), Utf16(u"Windows Registry Editor Version 5.00\r\n\r\n"
+                                      u"[HKEY_USERS]\r\n\"\xDC00\"=\"ü\"\r\n"));
+}
+
+TEST(RegistryText, EightBitFilesKeepWhatTheyCanAndRefuseTheRest) {
+    struct Fit {
+        std::u16string text;
+        const char* ansi;  // its data in a REGEDIT4 file in CP1252
+    };
+    for (const Fit& fit :
+         {Fit{u"gr\u00FC\u20AC", "\"gr\xFC\x80\""}, Fit{u"\u0416", "hex(1):d0,96,00"},
+          Fit{u"\u00C3\u00BC", "\"\xC3\xBC\""}}) {
+        RegistryText text = MustParse("REGEDIT4\n;\xE9\n[HKEY_USERS]\n");
+        const KeyIndex key = text.FindKey(u"HKEY_USERS");
+        EXPECT_EQ(text.SetValue(key, u"v", REG_SZ, TextBytes(fit.text)), SetResult::kChanged);
+        EXPECT_NE(text.Serialize().find("\"v\"="s + fit.ansi + "\n"), std::string::npos)
+            << fit.ansi;
+        EXPECT_EQ(Read(MustParse(text.Serialize()), u"HKEY_USERS", u"v")->bytes,
+                  TextBytes(fit.text));
+        EXPECT_EQ(text.SetValue(key, u"w", REG_SZ, Bytes("odd")), SetResult::kUnfit);
+        EXPECT_EQ(text.SetValue(key, u"\u0416", REG_SZ, {}), SetResult::kUnfit);
+        EXPECT_EQ(text.SetValue(key, u"a\nb", REG_SZ, {}), SetResult::kUnfit);
+    }
+}
+
+TEST(RegistryText, AnEightBitFileStaysOneWithoutItsLastOddByte) {
+    RegistryText text = MustParse("[HKEY_USERS]\n\"a\"=\"\xE9\"\n\"b\"=\"\xC3\xBC\"");
+    text.SetValue(text.FindKey(u"HKEY_USERS"), u"a", REG_SZ, {});
+    EXPECT_EQ(text.Serialize(), "[HKEY_USERS]\n\"a\"=\"\"\n\"b\"=\"\xC3\xBC\"\n; CP1252 \xA4\n");
+    EXPECT_EQ(Read(MustParse(text.Serialize()), u"HKEY_USERS", u"b")->bytes,
+              TextBytes(u"\u00C3\u00BC"));
+}
+
+TEST(RegistryText, ACutFileIsAFaultOrKeepsAllItHas) {
+    for (const Encoded& encoding : kEncodings) {
+        const std::string whole = encoding.encode("REGEDIT4\r\n" + kFile);
+        for (std::size_t size = 1; size < whole.size(); ++size) {
+            std::optional<RegistryText> cut = Parse(whole.substr(0, size));
+            if (!cut) {
+                continue;
+            }
+            EXPECT_EQ(cut->SetValue(cut->FindKey(u"HKEY_USERS"), u"n", REG_SZ, {}),
+                      SetResult::kChanged);
+            const std::string written = cut->Serialize();
+            EXPECT_EQ(written.substr(0, size), whole.substr(0, size));
+            EXPECT_TRUE(Read(MustParse(written), u"HKEY_USERS", u"n")) << encoding.name << size;
+        }
+    }
+}
+
+TEST(RegistryText, WorkGrowsWithTheFileAlone) {
+    std::string bytes;
+    for (int number = 0; number < 50000; ++number) {
+        bytes += "[HKEY_USERS\\" + std::to_string(number) + "\\a]\n";
+    }
+    const std::string kept = bytes;
+    for (int number = 0; number < 49999; ++number) {
+        bytes += "[-HKEY_USERS\\" + std::to_string(number) + "]\n";
+    }
+    EXPECT_EQ(Names(MustParse(bytes), u"HKEY_USERS"), "49999 ");
+    RegistryText text = MustParse(kept);
+    const KeyIndex users = text.FindKey(u"HKEY_USERS");
+    std::size_t deleted = 0;
+    for (std::size_t index = 0; std::optional<std::u16string> name = text.ChildName(users, index);
+         ++index, ++deleted) {
+        text.DeleteKey(text.FindKey(u"HKEY_USERS\\" + *name));
+    }
+    EXPECT_EQ(deleted, 25000U);
+    const std::string left = text.Serialize();
+    EXPECT_EQ(std::count(left.begin(), left.end(), '['), 25000);
+    EXPECT_TRUE(Parse("[HKEY_USERS\\" + std::string(1000000, '\\') + "]"));
+    EXPECT_FALSE(Parse("[HKEY_USERS]\n" + std::string(1000000, '"')));
+}
+
+}  // namespace
+}  // namespace platform

@@ -1,0 +1,160 @@
+#include "engine/shortcut_cleaning.h"
+
+#include <gtest/gtest.h>
+
+#include "core/options.h"
+#include "engine/shortcut_target.h"
+#include "platform/host_text.h"
+#include "tests/apply_device.h"
+
+namespace {
+
+using Strings = std::vector<std::string>;
+
+// Cleans a Start menu with one shortcut on a device with these entries, "*" alone for the
+// shortcut's own directory, and tells whether the shortcut is still there.
+bool Stays(const std::string& target, Strings entries) {
+    entries.push_back("Windows/Start Menu/x.lnk=9#" + target);
+    const ApplyResult result =
+        ApplySilently({std::move(entries), kQuietTweaks, OPT_CLEAN_START_MENU});
+    return std::count_if(result.files.begin(), result.files.end(), [](const std::string& entry) {
+               return entry.starts_with("Windows/Start Menu/x.lnk");
+           }) == 1;
+}
+
+struct TargetCase {
+    const char* target;
+    const char* entry;  // the one that keeps the shortcut
+};
+
+// Texts of shortcuts as they are met on handhelds. Each stays because of one entry, and goes
+// without it.
+constexpr TargetCase kTargets[] = {
+    {"\\windows\\solitare.exe", "windows/solitare.exe="},
+    {"\\windows\\iexplore.exe -home", "windows/iexplore.exe="},
+    {"\\Windows\\MyApp.exe parameter1 parameter2", "Windows/MyApp.exe="},
+    {"\\Windows\\repllog.exe /remote", "Windows/repllog.exe="},
+    {"\"\\My Documents\\Templates\\Memo.psw\"", "My Documents/Templates/Memo.psw="},
+    {"\"\\My\" Documents\\Templates\\Memo.psw", "My Documents/Templates/Memo.psw="},
+    {"\"\\Program Files\\Commander\\cecmd.exe\"", "Program Files/Commander/cecmd.exe="},
+    {"\"\\Program Files\\Commander\\cecmd.exe\" \\Windows", "Program Files/Commander/cecmd.exe="},
+    {"\\Windows\\autoprof -s Silent", "Windows/autoprof="},
+    {"\"\\Windows\\iexplore.exe\"", "Windows/iexplore.exe="},
+    {"\\Windows\\Olivia_OMAP.exe", "Windows/Olivia_OMAP.exe="},
+    {"\\Windows\\iexplore.exe -http://www.example.com?\\Windows\\test.exe,101",
+     "Windows/iexplore.exe="},
+    {"\"\\Program Files\\Hello\\hello.exe\" /S:file://\\helloscan.html",
+     "Program Files/Hello/hello.exe="},
+    {"\"\\Program Files\\Licenses\\Licenses.exe\" activate license.xml",
+     "Program Files/Licenses/Licenses.exe="},
+    {"\"\\Program Files\\J9\\PPRO10\\bin\\j9.exe\" -Dconnection.pkgs=com.example.bluetooth "
+     "\"-jcl:ppro10\" -cp \"\\Storage Card\\cove\\tester.jar\" org.example.Main",
+     "Program Files/J9/PPRO10/bin/j9.exe="},
+    {"\"\\Program Files\\scanner\\scanner.exe\" -connect 0023686E70BC",
+     "Program Files/scanner/scanner.exe="},
+    {"\"\\Storage card\\J9\\bin\\j9.exe\" \"-jcl:ppro11\" \"-Duser.dir=\\Storage card\\J9\\T\\\"",
+     "Storage card/J9/bin/j9.exe="},
+    {"\"\\Windows\\ctlpnl.exe\" \\Windows\\sounds.cpl,Volume & Sounds,0", "Windows/ctlpnl.exe="},
+    {"\\Windows\\LoadTest\\tool.exe", "Windows/LoadTest/tool.exe="},
+    {"\\My Documents\\Business plan 2.pdf", "My Documents/Business plan 2.pdf="},
+    {"\\Program Files\\Two Words\\no extension", "Program Files/Two Words/no extension="},
+    {"\\Program Files\\Two Words\\app arg\\x", "Program Files/Two Words/app="},
+    {"\"\\My Documents\\page.html\"", "My Documents/page.html="},
+    {"\"\\My Documents\\page.html\" /print", "My Documents/page.html="},
+    {"\"\\Windows\\x.exe /a", "Windows/x.exe="},
+    {"\\Windows\\x.exe\"/a\"", "Windows/x.exe="},
+    {"\"\\My Documents\\\"", "My Documents/"},
+    {"\\My Documents\\ ", "My Documents/"},
+    {"\"\\Windows\\x.exe \" /a", "Windows/x.exe="},
+    {"\\Windows\\x.exe\\", "Windows/x.exe="},
+    {"\"\\a\"", "a="},
+    {"\\a", "a="},
+};
+
+TEST(ShortcutCleaningTest, KeepsWhatLeadsSomewhere) {
+    for (const TargetCase& test : kTargets) {
+        EXPECT_TRUE(Stays(test.target, {test.entry})) << test.target;
+        EXPECT_FALSE(Stays(test.target, {})) << test.target;
+    }
+}
+
+TEST(ShortcutCleaningTest, KeepsWhatBeginsWithNoPath) {
+    for (const char* const target :
+         {"", ":MSPIMG", "poutlook.exe tasks", "shellres.dll,-8229", "http://www.example.com", "\"",
+          "\"calc.exe\" \\a", "C:\\a", "\\", "\\\\\\", "\"\\\"", "\"\\\" \\a", "\"\\"}) {
+        EXPECT_TRUE(Stays(target, {})) << target;
+    }
+}
+
+TEST(ShortcutCleaningTest, FindsNothingByPatternOrRoot) {
+    for (const char* const target :
+         {"\\Windows\\*", "\\Win*", "\"\\Windows\\*.exe\" /a", "\\ no such thing", "\\|", "\"\\.",
+          "\"\\a", "\\..\\files", "\\Windows\\.", "\"\\....", "\\ \\ \\"}) {
+        EXPECT_FALSE(Stays(target, {"Windows/a.exe="})) << target;
+    }
+    EXPECT_TRUE(Stays("\\Windows\\a.exe *.txt", {"Windows/a.exe="}));
+}
+
+TEST(ShortcutCleaningTest, TellsAPathByItsExtension) {
+    const struct {
+        const WCHAR* quoted;
+        const char* path;
+    } cases[] = {
+        {u"\"\\Windows\\x.exe\"", "\\Windows\\x.exe"},
+        {u"\"\\Windows\\x.exe\" /a", "\\Windows\\x.exe"},
+        {u"\"\\Windows\\page.html\"", "\\Windows\\page.htm"},
+        {u"\"\\Windows\\x.exe\" /a b.txt", "\\Windows\\x.exe\" /a b.tx"},
+        {u"\"\\Windows\\none\" /a", "\\Windows\\none\" /"},
+        {u"\"\\x.ab\"", "\\x.ab"},
+        {u"\"\\x.\"", "\\x."},
+        {u"\"\\a.b.c\"", "\\a.b.c"},
+        {u"\"\\\"", "\\"},
+        {u"\"\\", ""},
+        {u"\"", ""},
+        {u"", ""},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(platform::ReadableText(PathByExtension(test.quoted)), test.path);
+    }
+}
+
+TEST(ShortcutCleaningTest, CleansTheWholeMenuAndCountsWhatWent) {
+    const Strings before = {
+        "Windows/Start Menu/dead.lnk=5#\\gone",
+        "Windows/Start Menu/Programs/dead.txt=5#\\gone",
+        "Windows/Start Menu/Programs/Games/dead=5#\\gone",
+        "Windows/Start Menu/Programs/text.txt=hello",
+        "Windows/Start Menu/Programs/live.lnk=8#\\Windows",
+        "Windows/Start Menu/Programs/link.lnk>text.txt",
+        "Windows/Start Menu/empty/",
+        "Windows/elsewhere.lnk=5#\\gone",
+    };
+    const ApplyResult result = ApplySilently({before, kQuietTweaks, OPT_CLEAN_START_MENU});
+    EXPECT_EQ(result.files,
+              (Strings{"Windows/", "Windows/Start Menu/", "Windows/Start Menu/Programs/",
+                       "Windows/Start Menu/Programs/Games/",
+                       "Windows/Start Menu/Programs/link.lnk>text.txt",
+                       "Windows/Start Menu/Programs/live.lnk=8#\\Windows",
+                       "Windows/Start Menu/Programs/text.txt=hello", "Windows/Start Menu/empty/",
+                       "Windows/elsewhere.lnk=5#\\gone"}));
+    EXPECT_EQ(result.bytesCleaned, 21U);
+    EXPECT_EQ(result.boxes, Strings());
+    const ApplyResult unticked = ApplySilently({before, kQuietTweaks, 0});
+    EXPECT_EQ(unticked.bytesCleaned, 0U);
+}
+
+// A look that fails tells of a missing target, whatever the reason; a reading that fails does not.
+TEST(ShortcutCleaningTest, NeverDeletesWhatItCannotRead) {
+    const Strings files = {"Windows/Start Menu/live.lnk=6#\\a.exe", "a.exe="};
+    int calls = 0;
+    ApplySilently({files, kQuietTweaks, OPT_CLEAN_START_MENU}, 0, &calls);
+    int lost = 0;
+    for (int failing = 1; failing <= calls; ++failing) {
+        const ApplyResult result =
+            ApplySilently({files, kQuietTweaks, OPT_CLEAN_START_MENU}, failing);
+        lost += result.bytesCleaned > 0 ? 1 : 0;
+    }
+    EXPECT_EQ(lost, 1);  // the one look for the target
+}
+
+}  // namespace
