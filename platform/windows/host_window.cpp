@@ -55,6 +55,12 @@ void HostWindow::SetCaption(const QString& text, bool hasOk) {
     ok_->setVisible(hasOk);
 }
 
+void HostWindow::RaiseMenuBar() {
+    if (auto* const bar = findChild<QMenuBar*>(QString(), Qt::FindDirectChildrenOnly)) {
+        bar->raise();
+    }
+}
+
 void HostWindow::closeEvent(QCloseEvent* event) {
     event->ignore();
     events_.closePressed();

@@ -28,6 +28,9 @@ class HostWindow : public QWidget {
     // Shows the title of the front window, and the OK button if it has one.
     void SetCaption(const QString& text, bool hasOk);
 
+    // Keeps the menu bar before all windows.
+    void RaiseMenuBar();
+
   protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

@@ -17,7 +17,6 @@ inline constexpr UINT kRevealChild = 0x8003;  // lParam the child window
 inline constexpr UINT kTabTaken = 0x8004;     // wParam the index of the tab
 inline constexpr UINT kTabStep = 0x8005;      // lParam 1: the next tab, -1: the one before
 inline constexpr UINT kAskForRows = 0x8006;
-inline constexpr UINT kRowToggled = 0x8007;  // lParam the tree item
 
 // The messages that wait, first come first served.
 class MessageQueue {

@@ -53,7 +53,11 @@ class Pane : public QWidget {
 }  // namespace
 
 ProgramWindow::ProgramWindow(Station& station, const Birth& birth, const ProgramTraits& traits)
-    : Window(station, birth), procedure_(traits.procedure), dialog_(traits.dialog) {
+    : Window(station, birth),
+      procedure_(traits.procedure),
+      dialog_(traits.dialog),
+      topLevel_(traits.topLevel),
+      hasOk_(traits.hasOk) {
     const auto told = [this](UINT message, WPARAM wParam, LPARAM lParam) {
         QueueToSelf(message, wParam, lParam);
     };

@@ -9,7 +9,9 @@ namespace platform::windows {
 // What a window of the program's own classes has beside a plain window's.
 struct ProgramTraits {
     WNDPROC procedure;
-    bool dialog;       // the procedure leaves a message to the window by returning 0
+    bool dialog;  // the procedure leaves a message to the window by returning 0
+    bool topLevel;
+    bool hasOk;  // on the caption bar
     QColor background;
 };
 
@@ -23,6 +25,10 @@ class ProgramWindow : public Window {
     LRESULT Receive(UINT message, WPARAM wParam, LPARAM lParam) override;
     void CarryOut(const MSG& message) override;
     void Place(const QRect& place) override;
+
+    bool IsTopLevel() const { return topLevel_; }
+    bool HasOk() const { return hasOk_; }
+    void GiveOk() { hasOk_ = true; }
 
     // The range of its scroll bar; null when it has no bar.
     const ScrollRange* Range() const { return bar_ == nullptr ? nullptr : &range_; }
@@ -40,6 +46,8 @@ class ProgramWindow : public Window {
 
     WNDPROC procedure_;
     bool dialog_;
+    bool topLevel_;
+    bool hasOk_;
     ScrollRange range_;
     QWidget* client_ = nullptr;  // both the widget's own
     PageBar* bar_ = nullptr;
