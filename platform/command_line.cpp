@@ -2,7 +2,10 @@
 
 #include <getopt.h>
 
+#include <charconv>
 #include <cstdio>
+#include <string_view>
+#include <system_error>
 
 #include "platform/host_text.h"
 #include "platform/sample_device.h"
@@ -21,11 +24,13 @@ const char kHelp[] =
     "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
     "  --report          say on standard output what was done\n"
     "  --no-display      open no window; messages go to standard error\n"
+    "  --scale N         show the handheld's screen N times as large, 1 to 8 (as large as the\n"
+    "                    desktop allows)\n"
     "  --new-device DIR  make a sample device\n"
     "  --help, --version\n"
     "\n"
     "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
-    "windows.\n"
+    "windows; without one the program opens its windows on the display.\n"
     "\n"
     "Exit codes: 0 the program has ended as it does; 64 wrong usage; 65 the registry cannot be\n"
     "read; 66 no usable device directory; 69 no display for the program's windows; 73 what is to\n"
@@ -33,13 +38,25 @@ const char kHelp[] =
 
 namespace {
 
-enum Choice { kDevice = 1, kModule, kReport, kNoDisplay, kNewDevice, kHelpChoice, kVersion };
+enum Choice {
+    kDevice = 1,
+    kModule,
+    kReport,
+    kNoDisplay,
+    kScale,
+    kNewDevice,
+    kHelpChoice,
+    kVersion
+};
+
+constexpr double kLargestScale = 8;
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
     {"module", required_argument, nullptr, kModule},
     {"report", no_argument, nullptr, kReport},
     {"no-display", no_argument, nullptr, kNoDisplay},
+    {"scale", required_argument, nullptr, kScale},
     {"new-device", required_argument, nullptr, kNewDevice},
     {"help", no_argument, nullptr, kHelpChoice},
     {"version", no_argument, nullptr, kVersion},
@@ -49,6 +66,14 @@ constexpr option kChoices[] = {
 std::optional<CommandLine> Refuse(const char* reason) {
     std::fprintf(stderr, "fennelbright: %s; see fennelbright --help\n", reason);
     return std::nullopt;
+}
+
+const char* TakeScale(std::string_view value, CommandLine& line) {
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), line.scale);
+    const bool whole = error == std::errc() && end == value.data() + value.size();
+    return whole && line.scale >= 1 && line.scale <= kLargestScale ? nullptr
+                                                                   : "the scale is not from 1 to 8";
 }
 
 // Takes one option; returns why it cannot be taken, or null.
@@ -72,6 +97,8 @@ const char* Take(int choice, const char* value, CommandLine& line) {
         case kNoDisplay:
             line.noDisplay = true;
             return nullptr;
+        case kScale:
+            return TakeScale(value, line);
         case kHelpChoice:
             line.task = CommandLine::Task::ShowHelp;
             return nullptr;

@@ -1,5 +1,6 @@
 #include "platform/windows/combo_box_control.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QWheelEvent>
 #include <functional>
