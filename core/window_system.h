@@ -135,7 +135,7 @@ HWND SetFocus(HWND window);
 BOOL SetWindowTextW(HWND window, const WCHAR* text);
 
 // Waits for the next message, takes it from the queue and puts it into `message`. Zero for WM_QUIT,
-// nonzero for every other one; below zero when none can come any more, and `message` is as it was.
+// nonzero for every other one; below zero on failure, and `message` is as it was.
 // `window` is null and both limits are 0: messages of all windows.
 BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest);
 
@@ -191,8 +191,10 @@ inline constexpr UINT SIF_ALL = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_TRACKPOS;
 
 inline constexpr UINT SW_SCROLLCHILDREN = 0x1;
 
+inline constexpr UINT kScrollInfoSize = 28;  // seven fields of 32 bits
+
 struct SCROLLINFO {
-    UINT cbSize;  // 28: seven fields of 32 bits
+    UINT cbSize;  // kScrollInfoSize
     UINT fMask;   // which of the other fields count
     int nMin;
     int nMax;
@@ -219,8 +221,10 @@ int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* 
 
 inline constexpr DWORD SHCMBF_HMENU = 0x0010;  // nToolBarId is a menu resource
 
+inline constexpr DWORD kMenuBarInfoSize = 36;  // nine fields of 32 bits, as the device has them
+
 struct SHMENUBARINFO {
-    DWORD cbSize;  // 36: nine fields of 32 bits
+    DWORD cbSize;  // kMenuBarInfoSize
     HWND hwndParent;
     DWORD dwFlags;
     UINT nToolBarId;
