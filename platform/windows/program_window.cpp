@@ -1,6 +1,8 @@
 #include "platform/windows/program_window.h"
 
 #include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
 #include <QWheelEvent>
 #include <functional>
 
@@ -21,14 +23,12 @@ class Pane : public QWidget {
     using Told = std::function<void(UINT message, WPARAM wParam, LPARAM lParam)>;
 
     Pane(QWidget* parent, const QColor& background, Told told)
-        : QWidget(parent), told_(std::move(told)) {
-        QPalette colors = palette();
-        colors.setColor(QPalette::Window, background);
-        setPalette(colors);
-        setAutoFillBackground(true);
-    }
+        : QWidget(parent), background_(background), told_(std::move(told)) {}
 
   protected:
+    void paintEvent(QPaintEvent* event) override {
+        QPainter(this).fillRect(event->rect(), background_);
+    }
     void mousePressEvent(QMouseEvent* event) override { TellStylus(WM_LBUTTONDOWN, *event); }
     void mouseReleaseEvent(QMouseEvent* event) override { TellStylus(WM_LBUTTONUP, *event); }
 
@@ -47,6 +47,7 @@ class Pane : public QWidget {
         }
     }
 
+    QColor background_;
     Told told_;
 };
 

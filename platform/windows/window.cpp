@@ -17,7 +17,7 @@ constexpr char kHandleProperty[] = "windowHandle";
 // Sees the keyboard come to a window's widget and go.
 class FocusWatch : public QObject {
   public:
-    FocusWatch(QWidget& widget, Window& window) : QObject(&widget), window_(window) {
+    FocusWatch(QWidget& widget, Window& window) : window_(window) {
         widget.installEventFilter(this);
     }
 
@@ -44,9 +44,9 @@ Window::Window(Station& station, const Birth& birth)
 
 Window::~Window() {
     // The widget's last words find no window behind them.
+    focusWatch_.reset();
     if (widget_ != nullptr) {
-        widget_->blockSignals(true);
-        qDeleteAll(widget_->findChildren<FocusWatch*>(QString(), Qt::FindDirectChildrenOnly));
+        widget_->disconnect();
     }
 }
 
@@ -56,7 +56,7 @@ void Window::Adopt(std::unique_ptr<QWidget> widget, const Birth& birth) {
     if (id_ != 0) {
         widget_->setObjectName(QString::number(id_));
     }
-    new FocusWatch(*widget_, *this);  // the widget's own
+    focusWatch_ = std::make_unique<FocusWatch>(*widget_, *this);
     Place(QRect(birth.place.left, birth.place.top, birth.place.right - birth.place.left,
                 birth.place.bottom - birth.place.top));
 }

@@ -92,6 +92,7 @@ class Window {
     int id_;
     QString text_;
     std::unique_ptr<QWidget> widget_;
+    std::unique_ptr<QObject> focusWatch_;
 };
 
 // The window that a widget belongs to; null when it is none's.
