@@ -1,6 +1,7 @@
 #include "shell/window_procedure.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "core/application.h"
