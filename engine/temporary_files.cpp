@@ -1,10 +1,8 @@
 #include "engine/temporary_files.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "core/options.h"
 #include "engine/file_tree.h"
+#include "engine/option_rows.h"
 
 namespace {
 
@@ -25,14 +23,12 @@ constexpr TemporaryDirectory kDirectories[] = {
 }  // namespace
 
 void CleanTemporaryDirectory(ApplyRun& run, std::uint32_t option) {
-    const auto directory = std::find_if(
-        std::begin(kDirectories), std::end(kDirectories),
-        [option](const TemporaryDirectory& candidate) { return candidate.option == option; });
-    if (directory->typed == nullptr) {
-        DeleteTree(directory->path, true, false);
+    const TemporaryDirectory& directory = RowOf(kDirectories, option);
+    if (directory.typed == nullptr) {
+        DeleteTree(directory.path, true, false);
         return;
     }
-    const SettingsText typed = std::move(run.settings.*directory->typed);
+    const SettingsText typed = std::move(run.settings.*directory.typed);
     if (typed != nullptr) {
         DeleteTree(typed.get(), true, false);
     }

@@ -22,6 +22,8 @@ inline constexpr WCHAR kEscapeBase = 0xF000;
 template <typename Unit, std::size_t Capacity>
 class BoundedName {
   public:
+    BoundedName() { units_[0] = Unit(); }
+
     // Returns whether it fitted.
     bool Append(Unit unit) {
         if (length_ + 1 >= Capacity) {
@@ -36,7 +38,7 @@ class BoundedName {
     std::basic_string_view<Unit> view() const { return {units_.data(), length_}; }
 
   private:
-    std::array<Unit, Capacity> units_{};
+    std::array<Unit, Capacity> units_;
     std::size_t length_ = 0;
 };
 

@@ -63,6 +63,8 @@ std::string ReadableText(std::u16string_view text) {
         const utf8proc_int32_t character = TakeCharacter(text, index);
         if (character == u'\n') {
             readable += ' ';
+        } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
+            continue;  // the line feed behind it makes the blank
         } else if (IsSeen(character)) {
             AppendUtf8(readable, character);
         } else {

@@ -155,7 +155,8 @@ std::string RecordingStore::PathBelow(HKEY key, std::u16string_view subkey) cons
     std::string path = open != openKeys_.end() ? open->second : RootName(key);
     const std::size_t begin = subkey.find_first_not_of(u'\\');
     if (begin != std::u16string_view::npos) {
-        path += '\\' + ReadableText(subkey.substr(begin));
+        const std::size_t end = subkey.find_last_not_of(u'\\') + 1;
+        path += '\\' + ReadableText(subkey.substr(begin, end - begin));
     }
     return path;
 }

@@ -2,6 +2,11 @@
 
 namespace platform {
 
+void RegistryKeys::Reserve(std::size_t count) {
+    keys_.reserve(count);
+    byName_.reserve(count);
+}
+
 // A name is found together with its parent's number, so that no path is stored for each key of it.
 const std::u16string& RegistryKeys::LookupKey(KeyIndex parent,
                                               std::u16string_view foldedName) const {

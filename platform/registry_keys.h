@@ -35,6 +35,9 @@ class RegistryKeys {
   public:
     RegistryKeys() : keys_(1) {}
 
+    // Makes room for so many keys, which spares the growing.
+    void Reserve(std::size_t count);
+
     RegistryKey& operator[](KeyIndex key) { return keys_[key]; }
     const RegistryKey& operator[](KeyIndex key) const { return keys_[key]; }
 

@@ -29,7 +29,7 @@ HWND CControlList::ItemAt(DWORD index) const {
 }
 
 void CControlList::Clear() {
-    for (; count_ > 0; --count_) {
+    while (header_ != nullptr && header_->last != nullptr) {
         Node* const node = header_->last;
         header_->last = node->prev;
         if (node->prev != nullptr) {
@@ -39,4 +39,5 @@ void CControlList::Clear() {
     }
     delete header_;
     header_ = nullptr;
+    count_ = 0;
 }

@@ -1,6 +1,7 @@
 #include "shell/window_procedure.h"
 
 #include <algorithm>
+#include <iterator>
 #include <optional>
 
 #include "core/application.h"
@@ -118,7 +119,7 @@ LRESULT FollowTabs(HWND window, WPARAM wParam, LPARAM lParam) {
     const auto* header =
         reinterpret_cast<const NMHDR*>(lParam);  // NOLINT(performance-no-int-to-ptr)
     for (const NotificationRow& row : kNotifications) {
-        if (row.code == header->code) {
+        if (header != nullptr && row.code == header->code) {
             row.follow();
         }
     }

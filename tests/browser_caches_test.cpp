@@ -110,18 +110,26 @@ TEST(BrowserCachesTest, ClearsAndMovesDirectories) {
     }
 }
 
+// A registry whose browser cache has these data.
+std::string WithCache(const std::string& data) {
+    std::string registry = kQuietTweaks;
+    registry.append(kFolders).append("\"Cache\"=").append(data).append("\n");
+    return registry;
+}
+
+constexpr char kHeader[] = "Windows Registry Editor Version 5.00\n";
+
 // Everything below the root would go if one of these were taken for a directory.
 TEST(BrowserCachesTest, PassesOverWhatIsNoPath) {
     for (const std::string data :
          {"\"\"", "\"\\\\\"", "\"\\\\\\\\\\\\\"", "\"C\"", "\"C\\\\D\"", "hex(1):5c,00,43",
           "hex(1):5c", "hex:5c,00", "hex(1):00,00,5c,00,43,00", "dword:00000000",
           "hex:", "hex(1):5c,00,00,00,43,00"}) {
-        const std::string registry = kQuietTweaks + kFolders + "\"Cache\"=" + data + "\n";
-        const ApplyResult result =
-            ApplySilently({kCache,
-                           "Windows Registry Editor Version 5.00\n" + registry,
-                           OPT_CLEAR_IE_CACHE | OPT_MOVE_IE_CACHE,
-                           {{OPT_MOVE_IE_CACHE, u"\\N\\"}}});
+        const std::string registry = WithCache(data);
+        const ApplyResult result = ApplySilently({kCache,
+                                                  kHeader + registry,
+                                                  OPT_CLEAR_IE_CACHE | OPT_MOVE_IE_CACHE,
+                                                  {{OPT_MOVE_IE_CACHE, u"\\N\\"}}});
         EXPECT_EQ(result.boxes, Strings()) << data;
         EXPECT_EQ(result.files, kUntouched) << data;
         EXPECT_TRUE(result.registry.ends_with(registry)) << data << result.registry;
@@ -137,8 +145,7 @@ TEST(BrowserCachesTest, EndsAPathWhereItsValueEnds) {
         // The history is read into the same buffer before and is longer.
         const ApplyResult result =
             ApplySilently({kCache,
-                           "Windows Registry Editor Version 5.00\n" + (kQuietTweaks + kFolders) +
-                               "\"Cache\"=" + data + "\n\"History\"=\"\\\\No such directory\"\n",
+                           kHeader + WithCache(data) + "\"History\"=\"\\\\No such directory\"\n",
                            OPT_CLEAR_IE_HISTORY | OPT_MOVE_IE_CACHE,
                            {{OPT_MOVE_IE_CACHE, u"\\N\\"}}});
         EXPECT_EQ(result.files, kEmptied) << data;
@@ -146,14 +153,13 @@ TEST(BrowserCachesTest, EndsAPathWhereItsValueEnds) {
 }
 
 TEST(BrowserCachesTest, CutsNoLongPath) {
-    for (const std::size_t length : {1021, 1022, 1023, 1024, 1500}) {
+    for (const int length : {1021, 1022, 1023, 1024, 1500}) {
         std::string value;
-        for (std::size_t at = 0; at < length; ++at) {
+        for (int at = 0; at < length; ++at) {
             value += at % 200 == 0 ? "\\\\" : "n";
         }
         const ApplyResult result =
-            ApplySilently({kCache, kQuietTweaks + kFolders + "\"Cache\"=\"" + value + "\"\n",
-                           OPT_CLEAR_IE_CACHE});
+            ApplySilently({kCache, WithCache('"' + value + '"'), OPT_CLEAR_IE_CACHE});
         EXPECT_EQ(result.files, kUntouched);
         EXPECT_EQ(result.boxes.size(), length >= 1024 ? 1U : 0U) << length;
         EXPECT_EQ(result.notes.empty(), length != 1023) << length;

@@ -11,6 +11,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,10 @@ struct Wrapper {
     const char* name;
     std::function<std::unique_ptr<platform::DeviceStore>(platform::DeviceStore&)> wrap;
 };
+
+void PrintTo(const Wrapper& wrapper, std::ostream* out) {
+    *out << wrapper.name;
+}
 
 const Wrapper kWrappers[] = {
     {"Real",

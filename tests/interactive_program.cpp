@@ -17,11 +17,16 @@
 
 namespace {
 
-// Keeps the restarts that would end the process.
-class RestartKeeper : public platform::ForwardingStore {
+// Keeps the restarts that would end the process, and has no room for files if it is told so.
+class TestedStore : public platform::ForwardingStore {
   public:
-    RestartKeeper(platform::DeviceStore& inner, std::vector<std::string>& calls)
-        : ForwardingStore(inner), calls_(calls) {}
+    TestedStore(platform::DeviceStore& inner, std::vector<std::string>& calls, const bool& full)
+        : ForwardingStore(inner), calls_(calls), full_(full) {}
+
+    std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override {
+        return full_ && mode[0] == u'w' ? std::fopen("/dev/full", "wb")
+                                        : inner()._wfopen(path, mode);
+    }
 
     BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
                          DWORD /*outputSize*/, DWORD* /*returned*/) override {
@@ -32,6 +37,7 @@ class RestartKeeper : public platform::ForwardingStore {
 
   private:
     std::vector<std::string>& calls_;
+    const bool& full_;
 };
 
 }  // namespace
@@ -47,16 +53,16 @@ int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
     std::string error;
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    platform::Registry::Open(directory.get(), error));
-    RestartKeeper keeper(store, windows.calls);
-    const platform::StoreInUse storeInUse(keeper);
+    TestedStore tested(store, windows.calls, full);
+    const platform::StoreInUse storeInUse(tested);
     FailingWindows faulty(windows, failing, result);
     const platform::WindowsInUse windowsInUse(faulty);
     windows.steps.assign(steps.begin(), steps.end());
     std::u16string noWords;
     int instance = 0;
-    // DBG testing::internal::CaptureStderr();
+    testing::internal::CaptureStderr();
     const int ended = WinMain(&instance, nullptr, noWords.data(), 0);
-    // DBG notes = testing::internal::GetCapturedStderr();
+    notes = testing::internal::GetCapturedStderr();
     calls = faulty.calls();
     EXPECT_EQ(store.Finish(), "");
     return ended;

@@ -34,6 +34,7 @@ class InteractiveProgram {
 
     TemporaryDevice device;
     FakeWindows windows;
+    bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
     int calls = 0;      // to the window system, in the last run
 

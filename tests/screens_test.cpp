@@ -121,6 +121,22 @@ TEST(Screens, AllControlsAreMadeAsTheCatalogueHasThem) {
     }});
 }
 
+// A slip in one number of the table would still look like a place. The sums of all places of a page
+// are those of its drawing.
+TEST(Screens, TheCatalogueAddsUp) {
+    constexpr std::array<int, 4> kSums[kScreenCount] = {
+        {766, 3088, 2186, 504}, {784, 1272, 1756, 414}, {2, 2, 190, 18},
+        {504, 468, 1170, 162},  {6, 64, 610, 126},      {314, 406, 950, 150},
+    };
+    for (UINT screen = 0; screen < kScreenCount; ++screen) {
+        std::array<int, 4> sums{};
+        for (const CatalogueControl& row : Catalogue()[screen].controls) {
+            sums = {sums[0] + row.x, sums[1] + row.y, sums[2] + row.width, sums[3] + row.height};
+        }
+        EXPECT_EQ(sums, kSums[screen]) << screen;
+    }
+}
+
 TEST(Screens, ASwitchShowsOnePageFromItsTop) {
     InteractiveProgram program;
     program.Run({[&] {

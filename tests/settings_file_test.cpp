@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "core/application.h"
 #include "core/options.h"
 #include "core/wide_text.h"
 #include "platform/file_store.h"
@@ -31,6 +32,9 @@ class BoxCollector : public platform::NoWindows {
 
 class SettingsFileTest : public testing::Test {
   protected:
+    // There are no controls that a load could fill.
+    SettingsFileTest() { g_Silent = true; }
+
     std::int32_t Load(CSettings& settings,
                       const std::u16string& module = u"\\P\\Fennelbright.exe") {
         platform::FileStore store(device_.OpenFiles(), module);

@@ -32,6 +32,7 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
         {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, 1},
         {WM_COMMAND, kCommandAbout, 0, 1},
         {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), kDefault},
+        {WM_NOTIFY, 0, 0, kDefault},
         {WM_LBUTTONDOWN, 0, 0, kDefault},
         {WM_CREATE, 0, 0, kDefault},
         {WM_SIZE, 0, 0, kDefault},

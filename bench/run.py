@@ -1,0 +1,340 @@
+#!/usr/bin/env python3
+"""Measures the program against its goals and prints the figures as Markdown.
+
+Needs strace, find and a tmpfs. Exits with 1 when a goal is missed, with 2 when it cannot measure.
+"""
+
+import argparse
+import contextlib
+import os
+import platform
+import re
+import resource
+import shutil
+import statistics
+import struct
+import subprocess
+import sys
+import tempfile
+from dataclasses import dataclass
+from pathlib import Path
+from typing import Callable
+
+REPOSITORY = Path(__file__).resolve().parent.parent
+SIZES = (10_000, 100_000)
+LEVELS = 400
+
+DELETE_CALLS = 2.4  # an entry
+MOVE_CALLS = 2.6  # an entry
+CALLS_DRIFT = 0.15  # between one size and ten times that size
+FIND_RATIO = 1.2
+IDLE_CALLS = 120
+IDLE_RATIO = 2.0
+PEAK_KIB = 8 * 1024
+PEAK_KIB_A_LEVEL = 12
+PEAK_DRIFT_KIB = 256  # pages that a run happens to touch or not
+
+TEMPORARY = ("Temp", "Windows/Temp", "My Documents/Temp")
+TYPED = ("\\Cache\\", "\\Partial\\")
+CLEAN_TYPED = 0x3
+CLEAN_ROOT_TEMP = 0x4
+CLEAN_FIXED = 0x1C
+
+
+def refuse(reason):
+    print(f"run.py: {reason}", file=sys.stderr)
+    sys.exit(2)
+
+
+@dataclass(frozen=True)
+class Shape:
+    """A tree: chains of directories, each directory holding the same number of files."""
+
+    title: str
+    files_a_directory: int  # 0: all of them in the tree's top directory
+    levels: int
+
+    def make(self, top, files):
+        """Fills the directory `top` with empty files; returns the number of entries."""
+        if self.files_a_directory == 0:
+            make_files(top, files)
+            return files
+        chains = files // (self.files_a_directory * self.levels)
+        for chain in range(chains):
+            make_chain(top, f"{chain:x}", self.levels, self.files_a_directory)
+        return files + chains * self.levels
+
+
+def make_chain(top, name, levels, files):
+    directory = top
+    for _ in range(levels):
+        directory = f"{directory}/{name}"
+        os.mkdir(directory)
+        make_files(directory, files)
+        name = "d"
+
+
+def make_files(directory, count):
+    parent = os.open(directory, os.O_RDONLY | os.O_DIRECTORY)
+    for index in range(count):
+        os.close(os.open(f"f{index:x}", os.O_WRONLY | os.O_CREAT, 0o644, dir_fd=parent))
+    os.close(parent)
+
+
+USUAL = Shape("100 files a directory", 100, 1)
+ONE_DIRECTORY = Shape("one directory", 0, 1)
+DEEP = Shape(f"{LEVELS} levels, 25 files a directory", 25, LEVELS)
+SHALLOW = Shape("1 level, 25 files a directory", 25, 1)
+SHAPES = (USUAL, ONE_DIRECTORY, SHALLOW, DEEP)
+
+
+@dataclass(frozen=True)
+class Cost:
+    wall: float  # milliseconds
+    processor: float  # milliseconds
+    peak: int  # KiB
+
+
+class Workplace:
+    """The programs, and the tmpfs directory in which devices are made."""
+
+    def __init__(self, build, tmpfs):
+        self.program = str(build / "fennelbright")
+        self.walk_tree = str(build / "bench/walk_tree")
+        self.measure = str(build / "bench/measure")
+        self.empty = str(build / "bench/empty")
+        self.directory = tmpfs
+        for needed in (self.program, self.walk_tree, self.measure, self.empty):
+            if not os.access(needed, os.X_OK):
+                refuse(f"{needed} is missing: build with FENNELBRIGHT_BENCHMARKS=ON")
+
+    @contextlib.contextmanager
+    def device(self):
+        path = tempfile.mkdtemp(prefix="device-", dir=self.directory)
+        try:
+            yield Device(path)
+        finally:
+            subprocess.run(["rm", "-rf", path], check=True)
+
+    def calls(self, command):
+        """The number of system calls of a command."""
+        with tempfile.NamedTemporaryFile("r") as summary:
+            subprocess.run(
+                ["strace", "-f", "-c", "-U", "calls,name", "-o", summary.name] + command,
+                check=True, stdout=subprocess.DEVNULL)
+            return int(re.search(r"^\s*(\d+)\s+total$", summary.read(), re.MULTILINE)[1])
+
+    def cost(self, command):
+        """What a run of a command costs."""
+        done = subprocess.run([self.measure] + command, check=True, capture_output=True, text=True)
+        wall, processor, peak = map(int, done.stdout.split())
+        return Cost(wall / 1000, processor / 1000, peak)
+
+    def silent_run(self, device):
+        return [self.program, "--device", device.path, "silent"]
+
+
+class Device:
+    """A device directory with nothing to do."""
+
+    def __init__(self, path):
+        self.path = path
+        self.files = f"{path}/files"
+        for directory in TEMPORARY + ("Cache", "Partial", "A", "B", "Program Files/Fennelbright"):
+            os.makedirs(f"{self.files}/{directory}")
+        self.tick(CLEAN_ROOT_TEMP)
+
+    def tick(self, mask, texts=()):
+        """Writes the settings: the options' bits and the texts of those that have one."""
+        settings = struct.pack("<I", mask)
+        for text in texts:
+            settings += struct.pack("<I", len(text)) + text.encode("utf-16-le")
+        path = Path(self.files, "Program Files/Fennelbright/settings.dat")
+        path.write_bytes(settings)
+
+
+@dataclass(frozen=True)
+class Walk:
+    """One of the ways to go through a whole tree."""
+
+    title: str
+    top: str  # where the tree stands, below the device's files
+    keeps_directories: bool
+    command: Callable  # of a workplace and a device
+
+    def check(self, device):
+        """Ends the measurement if the walk has not done its work."""
+        for directory, subdirectories, files in os.walk(f"{device.files}/{self.top}"):
+            if files or (subdirectories and not self.keeps_directories):
+                refuse(f"{self.title} has left something in {directory}")
+
+
+SILENT = Walk("silent run", "Temp", True, lambda place, device: place.silent_run(device))
+DELETE = Walk(
+    "delete", "Temp", False,
+    lambda place, device: [place.walk_tree, "delete", device.files, "\\Temp\\"])
+MOVE = Walk(
+    "move", "A", False,
+    lambda place, device: [place.walk_tree, "move", device.files, "\\A", "\\B\\"])
+FIND_FILES = Walk(
+    "find, files", "Temp", True,
+    lambda _, device: ["find", f"{device.files}/Temp", "-type", "f", "-printf", "%s\\n",
+                       "-delete"])
+FIND_ALL = Walk(
+    "find, all", "Temp", False,
+    lambda _, device: ["find", f"{device.files}/Temp", "-mindepth", "1", "-printf", "%s\\n",
+                       "-delete"])
+
+
+def walk_once(place, walk, shape, files, how):
+    """Makes a tree, walks it and returns what `how` measured and the number of entries."""
+    with place.device() as device:
+        entries = shape.make(f"{device.files}/{walk.top}", files) if files else 0
+        result = how(walk.command(place, device))
+        walk.check(device)
+        return result, entries
+
+
+class Table:
+    """The rows printed so far, and whether each met its goal."""
+
+    def __init__(self):
+        self.missed = 0
+
+    def head(self, title, note):
+        print(f"\n### {title}\n\n{note}\n")
+        print("| What | Tree | Files | Figure | Beside it | Goal | Met |")
+        print("|---|---|--:|--:|---|---|---|", flush=True)
+
+    def row(self, what, tree, files, figure, beside="", goal="", met=None):
+        self.missed += met is False
+        verdict = {None: "", True: "yes", False: "**no**"}[met]
+        files = f"{files:,}" if files else ""
+        print(f"| {what} | {tree} | {files} | {figure} | {beside} | {goal} | {verdict} |",
+              flush=True)
+
+
+def count_calls(place, table):
+    table.head("System calls", "Calls an entry, without those of the same run on an empty tree.")
+    for walk, limit in ((SILENT, DELETE_CALLS), (DELETE, DELETE_CALLS), (MOVE, MOVE_CALLS)):
+        start, _ = walk_once(place, walk, USUAL, 0, place.calls)
+        for shape in SHAPES:
+            count_shape(place, table, walk, shape, start, limit if shape is USUAL else None)
+
+
+def count_shape(place, table, walk, shape, start, limit):
+    first = None
+    for files in SIZES:
+        calls, entries = walk_once(place, walk, shape, files, place.calls)
+        figure = (calls - start) / entries
+        first = figure if first is None else first
+        goals, met = [], True
+        if limit is not None:
+            goals.append(f"at most {limit}")
+            met = figure <= limit
+        if files != SIZES[0]:
+            goals.append(f"within {CALLS_DRIFT} of {SIZES[0]:,}")
+            met = met and abs(figure - first) <= CALLS_DRIFT
+        table.row(walk.title, shape.title, files, f"{figure:.3f}", f"{calls:,} calls",
+                  ", ".join(goals), met if goals else None)
+
+
+def measure_memory(place, table):
+    table.head("Peak memory", "KiB. What is beside a figure is the change from the smaller tree.")
+    for walk in (SILENT, DELETE, MOVE):
+        for shape in SHAPES:
+            measure_peaks(place, table, walk, shape)
+
+
+def measure_peaks(place, table, walk, shape):
+    limit = PEAK_KIB + PEAK_KIB_A_LEVEL * shape.levels
+    first = None
+    for files in SIZES:
+        cost, _ = walk_once(place, walk, shape, files, place.cost)
+        peak = cost.peak
+        first = peak if first is None else first
+        goal, met = f"under {limit:,}", peak < limit
+        if files != SIZES[0] and walk is not MOVE:
+            goal += f", within {PEAK_DRIFT_KIB} of {SIZES[0]:,}"
+            met = met and abs(peak - first) <= PEAK_DRIFT_KIB
+        beside = "" if files == SIZES[0] else f"{peak - first:+,}"
+        table.row(walk.title, shape.title, files, f"{peak:,}", beside, goal, met)
+
+
+def measure_walks(place, table, runs):
+    table.head("Wall time of a deletion",
+               f"Milliseconds, median of {runs} alternating runs; beside it the reference.")
+    for files in SIZES:
+        for ours, reference, limit in ((SILENT, FIND_FILES, FIND_RATIO), (DELETE, FIND_ALL, None)):
+            times = {ours: [], reference: []}
+            for _ in range(runs):
+                for walk, taken in times.items():
+                    cost, _ = walk_once(place, walk, USUAL, files, place.cost)
+                    taken.append(cost.wall)
+            compare(table, ours.title, USUAL.title, files, reference.title,
+                    times[ours], times[reference], limit)
+
+
+def compare(table, what, tree, files, reference, ours, theirs, limit):
+    mine, other = statistics.median(ours), statistics.median(theirs)
+    ratio = mine / other
+    goal, met = (f"at most {limit} times", ratio <= limit) if limit else ("", None)
+    table.row(what, tree, files, f"{mine:.2f}", f"{reference} {other:.2f}: {ratio:.2f} times",
+              goal, met)
+
+
+def measure_idle(place, table, runs):
+    table.head("A silent run with nothing to do",
+               "All five temporary directories are ticked and empty. Calls of the whole process;"
+               f" milliseconds, median of {runs} alternating runs.")
+    with place.device() as device:
+        device.tick(CLEAN_TYPED | CLEAN_FIXED, TYPED)
+        command = place.silent_run(device)
+        calls = place.calls(command)
+        table.row("system calls", "", 0, calls, f"empty program {place.calls([place.empty])}",
+                  f"at most {IDLE_CALLS}", calls <= IDLE_CALLS)
+        ours, theirs = [], []
+        for _ in range(runs):
+            ours.append(place.cost(command))
+            theirs.append(place.cost([place.empty]))
+    compare(table, "wall time", "", 0, "empty program", [cost.wall for cost in ours],
+            [cost.wall for cost in theirs], IDLE_RATIO)
+    compare(table, "processor time", "", 0, "empty program", [cost.processor for cost in ours],
+            [cost.processor for cost in theirs], IDLE_RATIO)
+
+
+def allow_deep_trees():
+    _, most = resource.getrlimit(resource.RLIMIT_NOFILE)
+    resource.setrlimit(resource.RLIMIT_NOFILE, (most, most))
+
+
+def read_arguments():
+    parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
+    parser.add_argument("--build", type=Path, default=REPOSITORY / "build/release",
+                        help="build directory, with FENNELBRIGHT_BENCHMARKS=ON")
+    parser.add_argument("--tmpfs", default="/dev/shm", help="where the trees are made")
+    parser.add_argument("--runs", type=int, default=7, help="runs for each wall time of a walk")
+    parser.add_argument("--idle-runs", type=int, default=500,
+                        help="runs for the wall time of a run with nothing to do")
+    return parser.parse_args()
+
+
+def main():
+    arguments = read_arguments()
+    for tool in ("strace", "find"):
+        if shutil.which(tool) is None:
+            refuse(f"{tool} is missing")
+    place = Workplace(arguments.build, arguments.tmpfs)
+    allow_deep_trees()
+    table = Table()
+    print(f"{os.cpu_count()} cores, {platform.system()} {platform.release()}")
+    count_calls(place, table)
+    measure_memory(place, table)
+    measure_idle(place, table, arguments.idle_runs)
+    measure_walks(place, table, arguments.runs)
+    print(f"\nGoals missed: {table.missed}.")
+    return 1 if table.missed else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())

@@ -1,0 +1,74 @@
+// Runs one of the program's two walkers on a file tree, and nothing else of the program:
+//
+//     walk_tree delete FILES_ROOT '\Temp\'
+//     walk_tree move FILES_ROOT '\A' '\B\'
+//
+// A tree of several hundred levels takes more open files than a process mostly may have; raising
+// the limit is the caller's business.
+
+#include <fcntl.h>
+#include <sysexits.h>
+
+#include <cstdio>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "engine/file_tree.h"
+#include "platform/descriptor.h"
+#include "platform/device_store.h"
+#include "platform/file_store.h"
+#include "platform/host_text.h"
+
+namespace {
+
+struct Walk {
+    std::string_view task;
+    const char* root;
+    std::u16string directory;
+    std::u16string destination;  // of a move
+};
+
+std::optional<Walk> ReadWalk(int count, char** words) {
+    if (count < 4) {
+        return std::nullopt;
+    }
+    Walk walk{words[1], words[2], platform::WideText(words[3]).value_or(u""), {}};
+    if (count == 5) {
+        walk.destination = platform::WideText(words[4]).value_or(u"");
+    }
+    const bool isComplete = (walk.task == "delete" && count == 4) ||
+                            (walk.task == "move" && count == 5 && !walk.destination.empty());
+    return isComplete && !walk.directory.empty() ? std::optional(std::move(walk)) : std::nullopt;
+}
+
+void Run(const Walk& walk) {
+    if (walk.task == "delete") {
+        DeleteTree(walk.directory.c_str(), true, true);
+    } else {
+        MoveTree(walk.directory.c_str(), walk.destination.c_str());
+    }
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    const std::optional<Walk> walk = ReadWalk(count, words);
+    if (!walk) {
+        std::fputs(
+            "Usage: walk_tree delete FILES_ROOT DIRECTORY\n"
+            "       walk_tree move FILES_ROOT DIRECTORY DESTINATION\n",
+            stderr);
+        return EX_USAGE;
+    }
+    platform::Descriptor root(open(walk->root, O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!root) {
+        std::perror(walk->root);
+        return EX_NOINPUT;
+    }
+    platform::FileStore store(std::move(root), {});
+    const platform::StoreInUse inUse(store);
+    Run(*walk);
+    return 0;
+}

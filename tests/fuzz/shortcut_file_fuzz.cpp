@@ -1,0 +1,27 @@
+// Reads any bytes as a shortcut and any command line as a target, on a device without files.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <optional>
+#include <string>
+
+#include "engine/shortcut_target.h"
+#include "platform/file_store.h"
+#include "platform/shortcut_file.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    static platform::FileStore store(platform::Descriptor(), u"\\Fennelbright.exe");
+    static const platform::StoreInUse inUse(store);
+    const std::optional<std::u16string> target =
+        platform::ShortcutTarget({reinterpret_cast<const char*>(data), size});
+    if (!target || target->size() >= 1024) {
+        return 0;
+    }
+    CommandLineTargetExists(*target);
+    if (PathByExtension(*target).size() > target->size() ||
+        platform::ShortcutTarget(platform::ShortcutContent(*target)) != target) {
+        std::abort();
+    }
+    return 0;
+}
