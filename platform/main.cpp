@@ -110,8 +110,7 @@ std::unique_ptr<platform::DisplayWindows> OpenWindows(const CommandLine& line) {
     std::string reason = "\"silent\" runs without them";
     std::unique_ptr<platform::DisplayWindows> windows;
     if (!line.noDisplay && platform::DisplayIsThere()) {
-        windows =
-            platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
+        windows = platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
     }
     if (windows == nullptr) {
         Complain("no display for the program's windows", reason);

@@ -19,8 +19,7 @@ LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     if (!IsKept(message)) {
         return DefWindowProcW(window, message, wParam, lParam);
     }
-    const UINT code =
-        message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;
+    const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;
     g_told.push_back({window, message, wParam, lParam, code});
     return g_hook == nullptr ? 0 : g_hook(Told(g_told.back()));
 }
@@ -49,6 +48,16 @@ QWidget& Control(int id) {
     return *found;
 }
 
+void Click(QWidget& widget, QPoint at) {
+    QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
+}
+
+RECT BoundsOf(HWND window) {
+    RECT bounds{};
+    EXPECT_NE(GetWindowRect(window, &bounds), 0);
+    return bounds;
+}
+
 DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
     g_told.clear();
     g_hook = nullptr;
@@ -63,7 +72,7 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
-    QTest::qWaitForWindowExposed(&Host());
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
 }
 
 DisplayTest::~DisplayTest() {

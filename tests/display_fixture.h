@@ -27,6 +27,12 @@ QWidget& Host();
 // The widget of the control with this ID.
 QWidget& Control(int id);
 
+// Taps a widget, in its middle if no place is given.
+void Click(QWidget& widget, QPoint at = {});
+
+// Where a window stands on the screen.
+RECT BoundsOf(HWND window);
+
 // The window system on a display that nobody sees, with a main window and a page that scrolls on
 // it. Their procedure keeps what it is told.
 class DisplayTest : public testing::Test {

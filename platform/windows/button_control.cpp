@@ -25,9 +25,18 @@ class PushButton : public QPushButton {
     }
 };
 
+// A box that a tap anywhere on it toggles.
+class CheckBox : public QCheckBox {
+  public:
+    using QCheckBox::QCheckBox;
+
+  protected:
+    bool hitButton(const QPoint& at) const override { return rect().contains(at); }
+};
+
 std::unique_ptr<QAbstractButton> NewButton(const Birth& birth) {
     if ((birth.style & kKindMask) == BS_AUTOCHECKBOX) {
-        return std::make_unique<QCheckBox>(birth.surface);
+        return std::make_unique<CheckBox>(birth.surface);
     }
     return std::make_unique<PushButton>(birth.surface);
 }

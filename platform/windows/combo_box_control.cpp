@@ -39,8 +39,7 @@ class ComboBox : public QComboBox {
 }  // namespace
 
 ComboBoxControl::ComboBoxControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto box =
-        std::make_unique<ComboBox>(birth.surface, [this](WORD code) { QueueCommand(code); });
+    auto box = std::make_unique<ComboBox>(birth.surface, [this](WORD code) { QueueCommand(code); });
     box_ = box.get();
     QObject::connect(box_, &QComboBox::activated, box_, [this] {
         QueueCommand(CBN_SELENDOK);

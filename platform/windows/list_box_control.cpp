@@ -164,8 +164,9 @@ LRESULT ListBoxControl::Add(const QString& text) {
 }
 
 LRESULT ListBoxControl::CopyEntry(WPARAM index, LPARAM buffer) const {
-    const QListWidgetItem* const entry =
-        index < static_cast<WPARAM>(list_->count()) ? list_->item(static_cast<int>(index)) : nullptr;
+    const QListWidgetItem* const entry = index < static_cast<WPARAM>(list_->count())
+                                             ? list_->item(static_cast<int>(index))
+                                             : nullptr;
     if (entry == nullptr) {
         return LB_ERR;
     }

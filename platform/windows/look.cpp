@@ -24,20 +24,13 @@ struct Metric {
 
 // The toolkit's own measures are made for a desktop. These leave every label its room.
 constexpr std::array kMetrics = {
-    Metric{QStyle::PM_IndicatorWidth, 11},
-    Metric{QStyle::PM_IndicatorHeight, 11},
-    Metric{QStyle::PM_CheckBoxLabelSpacing, 4},
-    Metric{QStyle::PM_ButtonMargin, 4},
-    Metric{QStyle::PM_DefaultFrameWidth, 1},
-    Metric{QStyle::PM_ScrollBarExtent, kScrollBarWidth},
-    Metric{QStyle::PM_ScrollBarSliderMin, 8},
-    Metric{QStyle::PM_TabBarTabHSpace, 14},
-    Metric{QStyle::PM_TabBarTabVSpace, 6},
-    Metric{QStyle::PM_TabBarScrollButtonWidth, 14},
-    Metric{QStyle::PM_MenuBarHMargin, 2},
-    Metric{QStyle::PM_MenuBarVMargin, 2},
-    Metric{QStyle::PM_MenuBarItemSpacing, 0},
-    Metric{QStyle::PM_SmallIconSize, 16},
+    Metric{QStyle::PM_IndicatorWidth, 11},      Metric{QStyle::PM_IndicatorHeight, 11},
+    Metric{QStyle::PM_CheckBoxLabelSpacing, 4}, Metric{QStyle::PM_ButtonMargin, 4},
+    Metric{QStyle::PM_DefaultFrameWidth, 1},    Metric{QStyle::PM_ScrollBarExtent, kScrollBarWidth},
+    Metric{QStyle::PM_ScrollBarSliderMin, 8},   Metric{QStyle::PM_TabBarTabHSpace, 14},
+    Metric{QStyle::PM_TabBarTabVSpace, 6},      Metric{QStyle::PM_TabBarScrollButtonWidth, 14},
+    Metric{QStyle::PM_MenuBarHMargin, 2},       Metric{QStyle::PM_MenuBarVMargin, 2},
+    Metric{QStyle::PM_MenuBarItemSpacing, 0},   Metric{QStyle::PM_SmallIconSize, 16},
     Metric{QStyle::PM_SliderLength, 9},
 };
 

@@ -25,6 +25,18 @@ void PageBar::Show(const ScrollRange& range) {
     setVisible(range.CanScroll() || range.StaysOnView());
 }
 
+// What is done to a disabled bar is not done to the page below it either.
+bool PageBar::event(QEvent* event) {
+    const bool stylus = event->type() == QEvent::MouseButtonPress ||
+                        event->type() == QEvent::MouseButtonRelease ||
+                        event->type() == QEvent::MouseButtonDblClick;
+    if (stylus && !isEnabled()) {
+        event->accept();
+        return true;
+    }
+    return QScrollBar::event(event);
+}
+
 // The page is what the wheel scrolls.
 void PageBar::wheelEvent(QWheelEvent* event) {
     event->ignore();

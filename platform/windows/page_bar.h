@@ -20,6 +20,7 @@ class PageBar : public QScrollBar {
     void Show(const ScrollRange& range);
 
   protected:
+    bool event(QEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 
   private:

@@ -66,9 +66,8 @@ ProgramWindow::ProgramWindow(Station& station, const Birth& birth, const Program
     client_ = pane.get();
     if ((birth.style & WS_VSCROLL) != 0) {
         client_ = new Pane(pane.get(), traits.background, told);
-        bar_ = new PageBar(pane.get(), [this](UINT message, WPARAM wParam) {
-            QueueToSelf(message, wParam, 0);
-        });
+        bar_ = new PageBar(
+            pane.get(), [this](UINT message, WPARAM wParam) { QueueToSelf(message, wParam, 0); });
         bar_->Show(range_);
     }
     Adopt(std::move(pane), birth);

@@ -119,8 +119,8 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
         .id = above == nullptr ? 0 : static_cast<int>(reinterpret_cast<std::intptr_t>(menu)),
         .style = style,
         .text = QString::fromUtf16(text),
-        .place = above == nullptr ? TopLevelPlace(x, y, width, height)
-                                  : PlaceOf(x, y, width, height),
+        .place =
+            above == nullptr ? TopLevelPlace(x, y, width, height) : PlaceOf(x, y, width, height),
         .surface = onScreen ? &host_ : &above->surface()};
     if (made != nullptr) {
         classes_.NoteWindow(name, birth.handle);
@@ -212,8 +212,7 @@ BOOL QtWindows::GetWindowRect(HWND window, RECT* rectangle) {
         return FALSE;
     }
     const QPoint corner = found->widget().mapTo(&host_, QPoint(0, 0));
-    *rectangle =
-        PlaceOf(corner.x(), corner.y(), found->widget().width(), found->widget().height());
+    *rectangle = PlaceOf(corner.x(), corner.y(), found->widget().width(), found->widget().height());
     return TRUE;
 }
 
@@ -338,9 +337,8 @@ int QtWindows::SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL 
     return found->SetRange(*info);
 }
 
-int QtWindows::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll,
-                              const RECT* /*clip*/, HRGN /*updateRegion*/, RECT* /*update*/,
-                              UINT flags) {
+int QtWindows::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* /*clip*/,
+                              HRGN /*updateRegion*/, RECT* /*update*/, UINT flags) {
     ProgramWindow* const found = FindProgramWindow(window);
     if (found == nullptr || scroll != nullptr) {
         return 0;
@@ -359,14 +357,13 @@ BOOL QtWindows::SHCreateMenuBar(SHMENUBARINFO* info) {
     if (menu == nullptr || (info->dwFlags & SHCMBF_HMENU) == 0) {
         return FALSE;
     }
-    const Birth birth = {
-        .handle = windows_.NewHandle(),
-        .parent = info->hwndParent,
-        .id = 0,
-        .style = WS_VISIBLE,
-        .text = {},
-        .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
-        .surface = &host_};
+    const Birth birth = {.handle = windows_.NewHandle(),
+                         .parent = info->hwndParent,
+                         .id = 0,
+                         .style = WS_VISIBLE,
+                         .text = {},
+                         .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
+                         .surface = &host_};
     windows_.Add(std::make_unique<MenuBar>(station_, birth, *menu));
     windows_.Find(birth.handle)->widget().show();
     info->hwndMB = birth.handle;

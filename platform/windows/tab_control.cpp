@@ -52,9 +52,8 @@ TabControl::TabControl(Station& station, const Birth& birth)
     : Window(station, birth), below_((birth.style & TCS_BOTTOM) != 0) {
     auto pane = std::make_unique<QWidget>(birth.surface);
     pane->setAutoFillBackground(true);
-    row_ = new TabRow(pane.get(), [this](int index) {
-        QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0);
-    });
+    row_ = new TabRow(pane.get(),
+                      [this](int index) { QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0); });
     row_->setShape(below_ ? QTabBar::RoundedSouth : QTabBar::RoundedNorth);
     Adopt(std::move(pane), birth);
 }
@@ -138,8 +137,7 @@ void TabControl::Take(int index) {
 LRESULT TabControl::Notify(UINT code) const {
     const auto number = static_cast<DWORD_PTR>(id());
     NMHDR header = {handle(), number, code};
-    return station().windows.Send(parent(), WM_NOTIFY, number,
-                                  reinterpret_cast<LPARAM>(&header));
+    return station().windows.Send(parent(), WM_NOTIFY, number, reinterpret_cast<LPARAM>(&header));
 }
 
 }  // namespace platform::windows

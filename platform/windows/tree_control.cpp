@@ -42,8 +42,8 @@ int PlaceFor(const QTreeWidgetItem& parent, const QString& text) {
 }
 
 int PlaceAfter(const QTreeWidgetItem& parent, const QTreeWidgetItem* sibling) {
-    const int place = sibling == nullptr ? -1 : parent.indexOfChild(
-                                                    const_cast<QTreeWidgetItem*>(sibling));
+    const int place =
+        sibling == nullptr ? -1 : parent.indexOfChild(const_cast<QTreeWidgetItem*>(sibling));
     return place < 0 ? parent.childCount() : place + 1;
 }
 
@@ -216,9 +216,8 @@ void TreeControl::Take(TreeItem& item, const TVITEM& record) {
     }
     if ((record.mask & TVIF_CHILDREN) != 0) {
         item.children = record.cChildren;
-        item.setChildIndicatorPolicy(record.cChildren > 0
-                                         ? QTreeWidgetItem::ShowIndicator
-                                         : QTreeWidgetItem::DontShowIndicator);
+        item.setChildIndicatorPolicy(record.cChildren > 0 ? QTreeWidgetItem::ShowIndicator
+                                                          : QTreeWidgetItem::DontShowIndicator);
     }
 }
 
