@@ -8,6 +8,7 @@
 #include <QStyleOption>
 #include <algorithm>
 #include <array>
+#include <memory>
 
 namespace platform::windows {
 
@@ -88,7 +89,7 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    QApplication::setStyle(new HandheldStyle);  // the application's own
+    QApplication::setStyle(std::make_unique<HandheldStyle>().release());  // the application's own
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);

@@ -41,12 +41,11 @@ RECT DialogPlace(const DLGTEMPLATE& dialog, const QFontMetrics& metrics) {
 
 QIcon IconOf(const IconResource& icon) {
     QImage image(icon.width, icon.height, QImage::Format_ARGB32);
-    for (int y = 0; y < icon.height; ++y) {
-        for (int x = 0; x < icon.width; ++x) {
-            const IconPixel& pixel = icon.pixels[static_cast<std::size_t>(y * icon.width + x)];
-            image.setPixel(x, y,
-                           qRgba(pixel.red, pixel.green, pixel.blue, pixel.opaque ? 0xFF : 0));
-        }
+    int place = 0;
+    for (const IconPixel& pixel : icon.pixels) {
+        image.setPixel(place % icon.width, place / icon.width,
+                       qRgba(pixel.red, pixel.green, pixel.blue, pixel.opaque ? 0xFF : 0));
+        ++place;
     }
     return QIcon(QPixmap::fromImage(image));
 }
@@ -136,7 +135,7 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
     return birth.handle;
 }
 
-HWND QtWindows::AddProgramWindow(Birth birth, DWORD extendedStyle,
+HWND QtWindows::AddProgramWindow(const Birth& birth, DWORD extendedStyle,
                                  const WindowClasses::Class& made) {
     const ProgramTraits traits = {.procedure = made.procedure,
                                   .dialog = false,

@@ -57,7 +57,8 @@ class QtWindows : public DisplayWindows {
 
   private:
     ProgramWindow* FindProgramWindow(HWND window) const;
-    HWND AddProgramWindow(Birth birth, DWORD extendedStyle, const WindowClasses::Class& made);
+    HWND AddProgramWindow(const Birth& birth, DWORD extendedStyle,
+                          const WindowClasses::Class& made);
     void Open(const Window& window);
     bool CanBeTold(const MSG& message) const;
     void QueueTabStep(int step);
