@@ -8,3 +8,6 @@
 // Something that should hold a path, `what`, holds none that can be used, but `content`, and is
 // left as it is.
 void NotePassedOver(const WCHAR* what, const WCHAR* content);
+
+// What was to be stored as `what` could not be; what was stored there before is still there.
+void NoteNotStored(const WCHAR* what);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 
+#include "core/plain_types.h"
 #include "core/settings_record.h"
 
 // The options that a user can tick, one bit each of the option mask. The other bits name nothing.
@@ -37,11 +38,11 @@ enum class OptionKind { Flag, Text, Combo, Slider };
 
 struct Option {
     std::uint32_t bit;
-    int screen;
-    int item;  // of the check box, in its screen's control list
+    UINT screen;
+    UINT item;  // of the check box, in its screen's control list
     OptionKind kind;
-    int valueItem = -1;                           // of the control with the value; -1: none
-    SettingsText CSettings::*text = nullptr;      // kind Text
+    UINT valueItem = 0;                       // of the control with the value, where there is one
+    SettingsText CSettings::*text = nullptr;  // kind Text
     std::int32_t CSettings::*position = nullptr;  // kinds Combo and Slider
 };
 

@@ -6,11 +6,17 @@
 #include "core/wide_text.h"
 #include "core/window_system.h"
 #include "engine/apply_sequence.h"
+#include "shell/interactive_run.h"
 
 HINSTANCE g_Instance = nullptr;
 bool g_Running = false;
 bool g_Silent = false;
 CSettings* g_Settings = nullptr;
+CMenuBar* g_MenuBar = nullptr;
+CMainWindow* g_MainWindow = nullptr;
+CTabBar* g_TabBar = nullptr;
+CDisplayWindow* g_DisplayWindow = nullptr;
+CScreens* g_Screens = nullptr;
 
 bool IsSilentCommandLine(const WCHAR* commandLine) {
     return wcsspn(commandLine, TEXT("silent")) != 0;
@@ -35,6 +41,8 @@ int WinMain(HINSTANCE instance, HINSTANCE /*previousInstance*/, WCHAR* commandLi
     g_Running = true;
     if (IsSilentCommandLine(commandLine)) {
         RunSilent();
+    } else {
+        RunInteractive();
     }
     return 0;
 }

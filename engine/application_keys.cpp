@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "engine/error_box.h"
+#include "core/error_box.h"
 #include "engine/found_entries.h"
 #include "engine/location_value.h"
 

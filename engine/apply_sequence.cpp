@@ -1,14 +1,18 @@
 #include "engine/apply_sequence.h"
 
+#include <optional>
+
 #include "core/application.h"
 #include "core/device_store.h"
 #include "core/options.h"
+#include "core/window_system.h"
 #include "engine/application_keys.h"
 #include "engine/browser_caches.h"
 #include "engine/device_tweaks.h"
 #include "engine/folder_relocation.h"
 #include "engine/shortcut_cleaning.h"
 #include "engine/temporary_files.h"
+#include "settings/control_settings.h"
 #include "settings/settings_file.h"
 
 std::uint32_t BytesCleaned = 0;
@@ -50,19 +54,55 @@ void CarryOut(const ApplyStep& step, ApplyRun& run) {
     run.ValueBuffer.fill(0);
 }
 
-}  // namespace
-
-void ApplySettings(bool allowRestart) {
-    const std::int32_t loaded = LoadSettings(*g_Settings);
-    if (loaded == kNoMask) {
-        return;
+// The options of this run; nothing when there are none to go by.
+std::optional<std::uint32_t> FetchMask() {
+    if (!g_Silent) {
+        return CaptureSettings(*g_Settings);
     }
-    ApplyRun run{static_cast<std::uint32_t>(loaded), *g_Settings};
+    const std::int32_t loaded = LoadSettings(*g_Settings);
+    return loaded == kNoMask ? std::nullopt : std::optional(static_cast<std::uint32_t>(loaded));
+}
+
+// Tells what the run has freed; the next run counts anew.
+void TellBytesCleaned(PathText& text) {
+    FormatText(text, TEXT("%d Bytes Cleaned"), {static_cast<std::int32_t>(BytesCleaned)});
+    MessageBoxW(nullptr, text.data(), TEXT("Cleaning Finished"), MB_OK);
+    BytesCleaned = 0;
+}
+
+// Returns whether something takes effect only after a restart.
+bool CarryOutAll(std::uint32_t mask) {
+    ApplyRun run{mask, *g_Settings};
     for (const ApplyStep& step : kSteps) {
         CarryOut(step, run);
     }
     g_ApplyStep = 0;
-    if (allowRestart && run.RestartNeeded) {
-        KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+    if (!g_Silent) {
+        TellBytesCleaned(run.ValueBuffer);
+    }
+    return run.RestartNeeded;
+}
+
+// The restart ends the program without another chance to save what is ticked.
+void Restart() {
+    if (!g_Silent) {
+        SaveSettings(*g_Settings);
+    }
+    KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+}
+
+}  // namespace
+
+void ApplySettings(bool allowRestart) {
+    const std::optional<std::uint32_t> mask = FetchMask();
+    if (!mask || !CarryOutAll(*mask)) {
+        return;
+    }
+    if (allowRestart) {
+        Restart();
+    } else if (!g_Silent) {
+        MessageBoxW(nullptr,
+                    TEXT("Some settings will not take effect until the device has been restarted"),
+                    TEXT("Restart Required"), MB_OK);
     }
 }

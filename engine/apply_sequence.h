@@ -36,5 +36,8 @@ struct ApplyStep {
 };
 
 // Carries out what is ticked, each step once and in their fixed order; a failure never stops the
-// run. `allowRestart`: whether the device may be restarted when a setting needs it.
+// run. In the interactive run the controls say what is ticked, and a box tells in the end what was
+// freed; in the silent run the settings file says it, and without one nothing is done.
+// `allowRestart`: whether the device is restarted, the settings saved, when something needs it;
+// otherwise an interactive run tells its user.
 void ApplySettings(bool allowRestart);

@@ -1,7 +1,7 @@
 #include "engine/browser_caches.h"
 
+#include "core/error_box.h"
 #include "core/options.h"
-#include "engine/error_box.h"
 #include "engine/file_tree.h"
 #include "engine/location_value.h"
 #include "engine/option_rows.h"

@@ -3,8 +3,8 @@
 #include <cstdio>
 
 #include "core/device_store.h"
+#include "core/error_box.h"
 #include "core/options.h"
-#include "engine/error_box.h"
 #include "engine/option_rows.h"
 #include "engine/registry_key.h"
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <string_view>
 
+#include "core/error_box.h"
 #include "core/host_notes.h"
-#include "engine/error_box.h"
 
 TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
     DWORD size = sizeof text;

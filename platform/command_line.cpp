@@ -2,7 +2,10 @@
 
 #include <getopt.h>
 
+#include <charconv>
 #include <cstdio>
+#include <string_view>
+#include <system_error>
 
 #include "platform/host_text.h"
 #include "platform/sample_device.h"
@@ -25,11 +28,13 @@ const char kHelp[] =
     "  --boot            do what the device does when it starts: run the program for each "
     "shortcut\n"
     "                    of \\Windows\\StartUp that names it\n"
+    "  --scale N         show the handheld's screen N times as large, 1 to 8 (as large as the\n"
+    "                    desktop allows)\n"
     "  --new-device DIR  make a sample device\n"
     "  --help, --version\n"
     "\n"
     "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
-    "windows.\n"
+    "windows; without one the program opens its windows on the display.\n"
     "\n"
     "Exit codes: 0 the program has ended as it does; 64 wrong usage; 65 the registry cannot be\n"
     "read; 66 no usable device directory; 69 no display for the program's windows; 73 what is to\n"
@@ -44,11 +49,14 @@ enum Choice {
     kModule,
     kReport,
     kNoDisplay,
+    kScale,
     kBoot,
     kNewDevice,
     kHelpChoice,
     kVersion
 };
+
+constexpr double kLargestScale = 8;
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
@@ -56,6 +64,7 @@ constexpr option kChoices[] = {
     {"report", no_argument, nullptr, kReport},
     {"no-display", no_argument, nullptr, kNoDisplay},
     {"boot", no_argument, nullptr, kBoot},
+    {"scale", required_argument, nullptr, kScale},
     {"new-device", required_argument, nullptr, kNewDevice},
     {"help", no_argument, nullptr, kHelpChoice},
     {"version", no_argument, nullptr, kVersion},
@@ -85,6 +94,14 @@ void SetTask(CommandLine& line, CommandLine::Task task) {
     }
 }
 
+const char* TakeScale(std::string_view value, CommandLine& line) {
+    const auto [end, error] =
+        std::from_chars(value.data(), value.data() + value.size(), line.scale);
+    const bool whole = error == std::errc() && end == value.data() + value.size();
+    return whole && line.scale >= 1 && line.scale <= kLargestScale ? nullptr
+                                                                   : "the scale is not from 1 to 8";
+}
+
 // Takes one option; returns why it cannot be taken, or null.
 const char* Take(int choice, const char* value, CommandLine& line) {
     switch (choice) {
@@ -111,6 +128,8 @@ const char* Take(int choice, const char* value, CommandLine& line) {
         case kBoot:
             SetTask(line, CommandLine::Task::Boot);
             return nullptr;
+        case kScale:
+            return TakeScale(value, line);
         case kHelpChoice:
             line.task = CommandLine::Task::ShowHelp;
             return nullptr;

@@ -17,6 +17,7 @@ struct CommandLine {
     std::u16string programLine;  // the program's own command line
     bool report = false;
     bool noDisplay = false;
+    double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
 };
 
 // Reads the command line. Nothing, with a line on standard error that says why, when it is not one

@@ -2,13 +2,13 @@
 
 #include <cstdio>
 
-#include "platform/window_system.h"
+#include "platform/no_windows.h"
 
 namespace platform {
 
 // The window system of a run without a display: a box goes out as one line "[caption] text" and is
 // answered at once. No other line begins with "[".
-class ConsoleWindows : public WindowSystem {
+class ConsoleWindows : public NoWindows {
   public:
     // `lines` stays the caller's.
     explicit ConsoleWindows(std::FILE* lines) : lines_(lines) {}

@@ -10,3 +10,9 @@ void NotePassedOver(const WCHAR* what, const WCHAR* content) {
                              "\" is no path that can be used\n";
     std::fputs(line.c_str(), stderr);
 }
+
+void NoteNotStored(const WCHAR* what) {
+    const std::string line =
+        "fennelbright: " + platform::ReadableText(what) + " cannot be written; the old one stays\n";
+    std::fputs(line.c_str(), stderr);
+}

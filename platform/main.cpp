@@ -11,11 +11,14 @@
 #include <vector>
 
 #include "core/win_main.h"
+#include "platform/answering_store.h"
 #include "platform/boot.h"
+#include "platform/boxes_on_demand.h"
 #include "platform/command_line.h"
 #include "platform/console_windows.h"
 #include "platform/device_directory.h"
 #include "platform/directory_store.h"
+#include "platform/display.h"
 #include "platform/host_text.h"
 #include "platform/recording_store.h"
 #include "platform/sample_device.h"
@@ -74,20 +77,48 @@ int MakeSampleDevice(const CommandLine& line) {
     return 0;
 }
 
-int RunProgram(platform::DeviceStore& store, CommandLine& line) {
-    const platform::StoreInUse inUse(store);
-    platform::ConsoleWindows windows(stderr);
+int RunWith(platform::DeviceStore& store, platform::WindowSystem& windows, CommandLine& line) {
+    const platform::StoreInUse storeInUse(store);
     const platform::WindowsInUse windowsInUse(windows);
     return WinMain(nullptr, nullptr, line.programLine.data(), 0);
 }
 
-int RunReported(platform::DeviceStore& store, CommandLine& line) {
+// Runs the program with its windows on the display, or without any when `windows` is null.
+int RunProgram(platform::DeviceStore& store, platform::DisplayWindows* windows, CommandLine& line) {
+    if (windows != nullptr) {
+        platform::AnsweringStore answering(store, *windows);
+        return RunWith(answering, *windows, line);
+    }
+    if (line.noDisplay) {
+        platform::ConsoleWindows console(stderr);
+        return RunWith(store, console, line);
+    }
+    platform::BoxesOnDemand boxes(platform::NeedsFor(line.device, line.scale), stderr);
+    return RunWith(store, boxes, line);
+}
+
+int RunReported(platform::DeviceStore& store, platform::DisplayWindows* windows,
+                CommandLine& line) {
     platform::RecordingStore recorder(store, stdout);
-    const int result = RunProgram(recorder, line);
+    const int result = RunProgram(recorder, windows, line);
     if (!recorder.Finish()) {
         Complain("the report is not complete", "standard output cannot be written");
     }
     return result;
+}
+
+// The windows of the interactive run. Null, with a line on standard error, when there is no display
+// for them.
+std::unique_ptr<platform::DisplayWindows> OpenWindows(const CommandLine& line) {
+    std::string reason = "\"silent\" runs without them";
+    std::unique_ptr<platform::DisplayWindows> windows;
+    if (!line.noDisplay && platform::DisplayIsThere()) {
+        windows = platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
+    }
+    if (windows == nullptr) {
+        Complain("no display for the program's windows", reason);
+    }
+    return windows;
 }
 
 bool OpenDevice(const CommandLine& line, platform::DeviceDirectory& device) {
@@ -103,8 +134,9 @@ int Run(CommandLine& line) {
     if (!OpenDevice(line, device)) {
         return EX_NOINPUT;
     }
-    if (!IsSilentCommandLine(line.programLine.c_str())) {
-        Complain("no display for the program's windows", "\"silent\" runs without them");
+    const bool interactive = !IsSilentCommandLine(line.programLine.c_str());
+    const auto windows = interactive ? OpenWindows(line) : nullptr;
+    if (interactive && windows == nullptr) {
         return EX_UNAVAILABLE;
     }
     AllowManyDescriptors();
@@ -112,7 +144,8 @@ int Run(CommandLine& line) {
     if (store == nullptr) {
         return EX_DATAERR;
     }
-    const int result = line.report ? RunReported(*store, line) : RunProgram(*store, line);
+    const int result = line.report ? RunReported(*store, windows.get(), line)
+                                   : RunProgram(*store, windows.get(), line);
     const std::string unsaved = store->Finish();
     if (!unsaved.empty()) {
         Complain("the changes to the registry are lost", unsaved);
@@ -129,6 +162,9 @@ std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string&
     }
     if (line.noDisplay) {
         words.emplace_back("--no-display");
+    }
+    if (line.scale > 0) {
+        words.insert(words.end(), {"--scale", std::to_string(line.scale)});
     }
     words.emplace_back("--");
     words.push_back(platform::Utf8Text(arguments));

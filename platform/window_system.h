@@ -13,7 +13,37 @@ class WindowSystem {
     WindowSystem(const WindowSystem&) = delete;
     WindowSystem& operator=(const WindowSystem&) = delete;
 
+    virtual WORD RegisterClassW(const WNDCLASS* windowClass) = 0;
+    virtual BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) = 0;
+    virtual HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
+                                 DWORD style, int x, int y, int width, int height, HWND parent,
+                                 HMENU menu, HINSTANCE instance, void* parameter) = 0;
+    virtual BOOL DestroyWindow(HWND window) = 0;
+    virtual BOOL ShowWindow(HWND window, int command) = 0;
+    virtual BOOL UpdateWindow(HWND window) = 0;
+    virtual BOOL GetClientRect(HWND window, RECT* rectangle) = 0;
+    virtual BOOL GetWindowRect(HWND window, RECT* rectangle) = 0;
+    virtual BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) = 0;
+    virtual HWND SetFocus(HWND window) = 0;
+    virtual BOOL SetWindowTextW(HWND window, const WCHAR* text) = 0;
+    virtual BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) = 0;
+    virtual BOOL TranslateMessage(const MSG* message) = 0;
+    virtual LRESULT DispatchMessageW(const MSG* message) = 0;
+    virtual LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    virtual LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) = 0;
+    virtual LRESULT SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
+                                        LPARAM lParam) = 0;
     virtual int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) = 0;
+    virtual BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) = 0;
+    virtual int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) = 0;
+    virtual int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
+                               HRGN updateRegion, RECT* update, UINT flags) = 0;
+    virtual BOOL SHCreateMenuBar(SHMENUBARINFO* info) = 0;
+    virtual HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog,
+                                            HWND parent, DLGPROC procedure, LPARAM parameter) = 0;
+    virtual BOOL SHInitDialog(const SHINITDLGINFO* info) = 0;
+    virtual DWORD_PTR SHGetFileInfo(const WCHAR* path, DWORD attributes, SHFILEINFO* info,
+                                    UINT size, UINT flags) = 0;
 };
 
 // Makes `windows` the one that the program's operations go to, for as long as the object lives. The

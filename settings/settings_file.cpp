@@ -3,13 +3,17 @@
 #include <array>
 #include <optional>
 
+#include "core/application.h"
 #include "core/device_store.h"
+#include "core/host_notes.h"
 #include "core/options.h"
 #include "core/wide_text.h"
 #include "core/window_system.h"
+#include "settings/control_settings.h"
 
 namespace {
 
+constexpr const WCHAR* kSettingsName = TEXT("settings.dat");
 constexpr std::size_t kExecutableNameLength = 16;  // "Fennelbright.exe"
 
 // The executable's directory is its path less the length of the name it is installed under.
@@ -22,7 +26,7 @@ bool BuildSettingsPath(PathText& path) {
         return false;
     }
     directory[length - kExecutableNameLength] = 0;
-    return FormatText(path, TEXT("%s%s"), {directory.data(), TEXT("settings.dat")});
+    return FormatText(path, TEXT("%s%s"), {directory.data(), kSettingsName});
 }
 
 std::FILE* OpenSettings(const WCHAR* mode) {
@@ -103,16 +107,35 @@ void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, boo
 std::int32_t LoadSettings(CSettings& settings) {
     std::FILE* const file = OpenSettings(TEXT("rb"));
     if (file == nullptr) {
+        if (!g_Silent) {
+            TickFirstRunDefault();
+        }
         return kNoMask;
     }
     const std::uint32_t mask = ReadNumber(file).value_or(0);
     const auto result = static_cast<std::int32_t>(mask);
-    if (result != kNoMask) {
+    // An unattended run would take that mask for the failure that it also stands for.
+    if (result != kNoMask || !g_Silent) {
         const bool inStep = ReadTexts(file, mask, settings);
         ReadPositions(file, mask, settings, inStep);
     }
+    if (!g_Silent) {
+        RestoreSettings(settings, mask);
+    }
     std::fclose(file);
     return result;
+}
+
+void SaveSettings(CSettings& settings) {
+    std::FILE* const file = OpenSettingsForWriting();
+    if (file == nullptr) {
+        NoteNotStored(kSettingsName);
+        return;
+    }
+    WriteSettings(file, CaptureSettings(settings), settings);
+    if (std::fclose(file) != 0) {
+        NoteNotStored(kSettingsName);
+    }
 }
 
 std::FILE* OpenSettingsForWriting() {

@@ -10,10 +10,17 @@ inline constexpr std::int32_t kNoMask = -1;
 
 // Reads "settings.dat", which lies beside the executable, and returns its option mask. Every text
 // and position whose bit is set goes into `settings`; a text that the file does not hold whole
-// stays null, as does every text behind it, and positions that are missing become 0. Returns
-// kNoMask, and leaves `settings` alone, when the file cannot be opened or holds nothing but set
-// bits.
+// stays null, as does every text behind it, and positions that are missing become 0. The
+// interactive run then has everything put into the controls, and `settings` without texts. Returns
+// kNoMask when the file cannot be opened, in which case `settings` is left alone and the
+// interactive run starts from the first-run default. A file of nothing but set bits gives the same
+// number; a silent run takes nothing from it.
 std::int32_t LoadSettings(CSettings& settings);
+
+// Captures the controls and replaces "settings.dat" with them; `settings` holds none of the
+// captured texts afterwards. When it cannot be written the old file stays, and the host is told in
+// a note. Interactive run only.
+void SaveSettings(CSettings& settings);
 
 // Opens "settings.dat" for writing; the caller closes it with fclose, which publishes it. Null when
 // it cannot be opened.

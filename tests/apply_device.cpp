@@ -12,6 +12,7 @@
 #include "engine/apply_sequence.h"
 #include "platform/directory_store.h"
 #include "platform/host_text.h"
+#include "platform/no_windows.h"
 #include "platform/window_system.h"
 #include "settings/settings_file.h"
 #include "tests/failing_store.h"
@@ -24,7 +25,7 @@ namespace {
 
 constexpr const WCHAR* kModule = TEXT("\\App\\Fennelbright.exe");
 
-class CollectedBoxes : public platform::WindowSystem {
+class CollectedBoxes : public platform::NoWindows {
   public:
     explicit CollectedBoxes(std::vector<std::string>& boxes) : boxes_(boxes) {}
 

@@ -5,10 +5,12 @@
 #include <string>
 #include <vector>
 
+#include "core/application.h"
 #include "core/options.h"
 #include "core/wide_text.h"
 #include "platform/file_store.h"
 #include "platform/host_text.h"
+#include "platform/no_windows.h"
 #include "platform/window_system.h"
 #include "tests/temporary_device.h"
 
@@ -17,7 +19,7 @@ namespace {
 using namespace std::string_literals;
 
 // A window system that keeps the boxes it was asked to show.
-class BoxCollector : public platform::WindowSystem {
+class BoxCollector : public platform::NoWindows {
   public:
     int MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) override {
         boxes.push_back(platform::ReadableText(caption) + ": " + platform::ReadableText(text) +
@@ -30,6 +32,9 @@ class BoxCollector : public platform::WindowSystem {
 
 class SettingsFileTest : public testing::Test {
   protected:
+    // There are no controls that a load could fill.
+    SettingsFileTest() { g_Silent = true; }
+
     std::int32_t Load(CSettings& settings,
                       const std::u16string& module = u"\\P\\Fennelbright.exe") {
         platform::FileStore store(device_.OpenFiles(), module);

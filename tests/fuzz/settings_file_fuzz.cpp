@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 
+#include "core/application.h"
 #include "core/options.h"
 #include "core/wide_text.h"
 #include "platform/file_store.h"
@@ -29,6 +30,7 @@ class InputStore : public platform::FileStore {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    g_Silent = true;  // there are no controls that a load could fill
     InputStore store(data, size);
     const platform::StoreInUse inUse(store);
     CSettings settings;

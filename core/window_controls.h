@@ -1,0 +1,182 @@
+#pragma once
+
+#include "core/plain_types.h"
+
+// The controls: their class names, styles, messages and notifications, with the platform's values.
+// A message that a control does not know, or whose argument names nothing, changes nothing and
+// gives 0 where no other failure is told.
+//
+// A control tells its parent what its user does: WM_COMMAND with the notification code in the high
+// word of wParam, the control's ID in the low word and its handle in lParam, or WM_NOTIFY with the
+// control's ID in wParam and a pointer to an NMHDR in lParam.
+
+// Class "BUTTON". The low four bits of the style are the kind.
+inline constexpr DWORD BS_PUSHBUTTON = 0x0;
+inline constexpr DWORD BS_AUTOCHECKBOX = 0x3;  // toggles its own tick
+
+inline constexpr UINT BM_GETCHECK = 0x00F0;  // 1: ticked; 0: not, or no box that can be
+inline constexpr UINT BM_SETCHECK = 0x00F1;  // wParam 0 or 1; tells nobody
+
+inline constexpr WORD BN_CLICKED = 0;
+
+// Class "STATIC": a text of the window, told of nothing and telling nothing.
+inline constexpr DWORD SS_LEFT = 0x0;
+
+// Class "EDIT": one line of text. WM_SETTEXT and WM_GETTEXT reach every class; here they reach what
+// the user has typed.
+inline constexpr DWORD ES_LEFT = 0x0;
+
+inline constexpr WORD EN_SETFOCUS = 0x0100;
+inline constexpr WORD EN_KILLFOCUS = 0x0200;
+inline constexpr WORD EN_CHANGE = 0x0300;  // after every change, one by WM_SETTEXT included
+inline constexpr WORD EN_UPDATE = 0x0400;  // before EN_CHANGE
+
+// Class "COMBOBOX". The height given on creation is that of the field and the dropped list.
+inline constexpr DWORD CBS_DROPDOWNLIST = 0x3;  // pick from the list only
+
+inline constexpr UINT CB_ADDSTRING = 0x0143;  // lParam the text; its index, counted from 0
+inline constexpr UINT CB_GETCURSEL = 0x0147;  // index; CB_ERR when nothing is selected
+inline constexpr UINT CB_SETCURSEL = 0x014E;  // wParam the index; CB_ERR and no change beyond the
+                                              // list; tells nobody
+inline constexpr LRESULT CB_ERR = -1;
+
+inline constexpr WORD CBN_SELCHANGE = 1;
+inline constexpr WORD CBN_DBLCLK = 2;
+inline constexpr WORD CBN_SETFOCUS = 3;
+inline constexpr WORD CBN_KILLFOCUS = 4;
+inline constexpr WORD CBN_DROPDOWN = 7;
+inline constexpr WORD CBN_CLOSEUP = 8;
+inline constexpr WORD CBN_SELENDOK = 9;
+inline constexpr WORD CBN_SELENDCANCEL = 10;
+
+// Class "LISTBOX".
+inline constexpr DWORD LBS_NOTIFY = 0x0001;           // tells its parent of selections
+inline constexpr DWORD LBS_SORT = 0x0002;             // in the order of the alphabet, case apart
+inline constexpr DWORD LBS_MULTIPLESEL = 0x0008;      // each tap toggles one entry
+inline constexpr DWORD LBS_DISABLENOSCROLL = 0x1000;  // scroll bars stay on view, disabled
+
+inline constexpr UINT LB_ADDSTRING = 0x0180;     // lParam the text; its index, or LB_ERR
+inline constexpr UINT LB_RESETCONTENT = 0x0184;  // empties the list and keeps its extent
+inline constexpr UINT LB_SETSEL = 0x0185;        // wParam the new state, lParam the index
+inline constexpr UINT LB_GETTEXT = 0x0189;       // wParam the index, lParam a buffer that the text
+                                                 // fits; its length, or LB_ERR and no change
+inline constexpr UINT LB_GETTEXTLEN = 0x018A;    // wParam the index; length without terminator
+inline constexpr UINT LB_GETCOUNT = 0x018B;
+inline constexpr UINT LB_GETSELCOUNT = 0x0190;  // LB_ERR in a list with a single selection
+inline constexpr UINT LB_GETSELITEMS = 0x0191;  // wParam the room in entries, lParam an array of
+                                                // LONG; how many indices were put there, ascending,
+                                                // or LB_ERR
+inline constexpr UINT LB_SETHORIZONTALEXTENT = 0x0194;  // wParam pixels
+inline constexpr LRESULT LB_ERR = -1;
+
+inline constexpr WORD LBN_SELCHANGE = 1;
+inline constexpr WORD LBN_DBLCLK = 2;
+inline constexpr WORD LBN_SETFOCUS = 4;
+inline constexpr WORD LBN_KILLFOCUS = 5;
+
+// Class "msctls_trackbar32". Tells its parent by WM_HSCROLL.
+inline constexpr DWORD TBS_AUTOTICKS = 0x1;  // a tick at each position
+
+inline constexpr UINT TBM_GETPOS = 0x0400;
+inline constexpr UINT TBM_SETPOS = 0x0405;    // wParam redraw, lParam the position, brought into
+                                              // the range; tells nobody
+inline constexpr UINT TBM_SETRANGE = 0x0406;  // wParam redraw, lParam MAKELONG(lowest, highest)
+
+// What WM_NOTIFY points to, alone or at the front of a longer record.
+struct NMHDR {
+    HWND hwndFrom;
+    DWORD_PTR idFrom;
+    UINT code;
+};
+
+// Class "SysTabControl32". The first tab that is inserted becomes the selected one.
+inline constexpr DWORD TCS_BOTTOM = 0x0002;  // the tabs stand below the display area
+
+inline constexpr UINT TCIF_TEXT = 0x0001;
+
+struct TCITEM {
+    UINT mask;  // which of the other fields count
+    DWORD dwState;
+    DWORD dwStateMask;
+    WCHAR* pszText;  // only read by an insertion
+    int cchTextMax;
+    int iImage;
+    LPARAM lParam;
+};
+
+inline constexpr UINT TCM_GETCURSEL = 0x130B;   // index; -1 without a tab
+inline constexpr UINT TCM_SETCURSEL = 0x130C;   // wParam the index; tells nobody
+inline constexpr UINT TCM_ADJUSTRECT = 0x1328;  // wParam 0; lParam a RECT of the control that
+                                                // becomes its display area
+inline constexpr UINT TCM_INSERTITEM = 0x133E;  // wParam the index, lParam a TCITEM; the index at
+                                                // which it stands, or -1
+
+inline constexpr UINT TCN_SELCHANGE = static_cast<UINT>(-551);    // TCM_GETCURSEL gives the new tab
+inline constexpr UINT TCN_SELCHANGING = static_cast<UINT>(-552);  // it still gives the old one; a
+                                                                  // result other than 0 refuses
+
+// Class "SysTreeView32".
+inline constexpr DWORD TVS_HASBUTTONS = 0x0001;
+inline constexpr DWORD TVS_HASLINES = 0x0002;
+
+inline constexpr UINT TVIF_TEXT = 0x0001;
+inline constexpr UINT TVIF_IMAGE = 0x0002;
+inline constexpr UINT TVIF_PARAM = 0x0004;
+inline constexpr UINT TVIF_STATE = 0x0008;
+inline constexpr UINT TVIF_HANDLE = 0x0010;
+inline constexpr UINT TVIF_SELECTEDIMAGE = 0x0020;
+inline constexpr UINT TVIF_CHILDREN = 0x0040;
+
+// As TVITEM::cChildren: the tree asks for the number by TVN_GETDISPINFO when it is to show the
+// item.
+inline constexpr int I_CHILDRENCALLBACK = -1;
+
+struct TVITEM {
+    UINT mask;  // which of the other fields count
+    HTREEITEM hItem;
+    UINT state;
+    UINT stateMask;
+    WCHAR* pszText;  // read by an insertion, written by TVM_GETITEM
+    int cchTextMax;  // room for the text in characters, terminator included
+    int iImage;
+    int iSelectedImage;
+    int cChildren;
+    LPARAM lParam;
+};
+
+// NOLINTBEGIN(performance-no-int-to-ptr)
+inline const HTREEITEM TVI_ROOT = reinterpret_cast<HTREEITEM>(static_cast<DWORD_PTR>(-0x10000));
+inline const HTREEITEM TVI_FIRST = reinterpret_cast<HTREEITEM>(static_cast<DWORD_PTR>(-0x0FFFF));
+inline const HTREEITEM TVI_LAST = reinterpret_cast<HTREEITEM>(static_cast<DWORD_PTR>(-0x0FFFE));
+inline const HTREEITEM TVI_SORT = reinterpret_cast<HTREEITEM>(static_cast<DWORD_PTR>(-0x0FFFD));
+// NOLINTEND(performance-no-int-to-ptr)
+
+struct TVINSERTSTRUCT {
+    HTREEITEM hParent;       // null and TVI_ROOT: the item stands at the top
+    HTREEITEM hInsertAfter;  // a sibling, TVI_FIRST, TVI_LAST or TVI_SORT
+    TVITEM item;
+};
+
+// What TVN_GETDISPINFO points to. `item` says what is asked, and of which item, whose lParam is
+// filled in; the answer goes into its fields.
+struct NMTVDISPINFO {
+    NMHDR hdr;
+    TVITEM item;
+};
+
+inline constexpr WPARAM TVSIL_NORMAL = 0;
+inline constexpr WPARAM TVE_EXPAND = 2;
+inline constexpr WPARAM TVGN_PARENT = 3;
+inline constexpr WPARAM TVGN_CARET = 9;
+
+inline constexpr UINT TVM_EXPAND = 0x1102;        // wParam TVE_EXPAND, lParam the item
+inline constexpr UINT TVM_SETIMAGELIST = 0x1109;  // wParam TVSIL_NORMAL, lParam the list
+inline constexpr UINT TVM_GETNEXTITEM = 0x110A;   // wParam the relation, lParam an item; the item
+                                                  // found, 0 when there is none. TVGN_CARET: the
+                                                  // selected one
+inline constexpr UINT TVM_INSERTITEM = 0x1132;    // lParam a TVINSERTSTRUCT; the new item, or 0
+inline constexpr UINT TVM_GETITEM = 0x113E;  // lParam a TVITEM whose fields in the mask are filled;
+                                             // 0 when there is no such item
+inline constexpr UINT TVM_SETITEM = 0x113F;  // lParam a TVITEM whose fields in the mask are taken
+
+inline constexpr UINT TVN_GETDISPINFO = static_cast<UINT>(-452);

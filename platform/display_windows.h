@@ -1,0 +1,31 @@
+#pragma once
+
+#include "platform/window_system.h"
+#include "shell/resources.h"
+
+namespace platform {
+
+// The window system on the desktop's display.
+class DisplayWindows : public WindowSystem {
+  public:
+    // Answers the desktop while the program works: what has to be painted is painted. Takes no
+    // input and runs nothing of the program.
+    virtual void AnswerDesktop() = 0;
+};
+
+// What the module of the windows is handed. The functions must outlive the window system, the text
+// only the call.
+struct DisplayNeeds {
+    const char* title;  // of the window on the desktop, UTF-8
+    double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
+    const MenuResource* (*findMenu)(UINT id);
+    const IconResource* (*findIcon)(UINT id);
+};
+
+// The one function of the module: makes the window system, which becomes the caller's. A display
+// must be there. Once in a process.
+using MakeDisplayWindows = DisplayWindows*(const DisplayNeeds* needs);
+inline constexpr char kMakeDisplayWindows[] = "FennelbrightMakeWindows";
+inline constexpr char kDisplayModule[] = "fennelbright-windows.so";
+
+}  // namespace platform

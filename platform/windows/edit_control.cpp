@@ -1,0 +1,49 @@
+#include "platform/windows/edit_control.h"
+
+#include <QLineEdit>
+
+#include "platform/windows/window_table.h"
+
+namespace platform::windows {
+
+EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
+    auto line = std::make_unique<QLineEdit>(birth.text, birth.surface);
+    line_ = line.get();
+    line_->setFrame((birth.style & WS_BORDER) != 0);
+    QObject::connect(line_, &QLineEdit::textEdited, line_, [this] {
+        QueueCommand(EN_UPDATE);
+        QueueCommand(EN_CHANGE);
+    });
+    Adopt(std::move(line), birth);
+}
+
+// A text that the program sets is told of at once, as the change of a text that it is.
+LRESULT EditControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_SETTEXT) {
+        return Window::Answer(message, wParam, lParam);
+    }
+    const WindowTable& windows = station().windows;
+    const HWND self = handle();
+    SetText(TextOf(lParam));
+    SendCommand(EN_UPDATE);
+    if (windows.Find(self) != nullptr) {
+        SendCommand(EN_CHANGE);
+    }
+    return TRUE;
+}
+
+QString EditControl::Text() const {
+    return line_->text();
+}
+
+void EditControl::SetText(const QString& text) {
+    line_->setText(text);
+    line_->setCursorPosition(0);
+}
+
+void EditControl::FocusChanged(bool gained, Qt::FocusReason reason) {
+    Window::FocusChanged(gained, reason);
+    QueueCommand(gained ? EN_SETFOCUS : EN_KILLFOCUS);
+}
+
+}  // namespace platform::windows

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "platform/windows/window.h"
+
+class QLabel;
+
+namespace platform::windows {
+
+// Class "STATIC": a text.
+class LabelControl : public Window {
+  public:
+    LabelControl(Station& station, const Birth& birth);
+
+    void SetText(const QString& text) override;
+    QString LabelForNext() const override { return Text(); }
+
+  private:
+    QLabel* label_;
+};
+
+}  // namespace platform::windows

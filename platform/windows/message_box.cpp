@@ -1,0 +1,94 @@
+#include "platform/windows/message_box.h"
+
+#include <QDialog>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QStyle>
+#include <QVBoxLayout>
+
+#include "platform/windows/look.h"
+
+namespace platform::windows {
+
+namespace {
+
+constexpr UINT kButtonsMask = 0xF;
+constexpr UINT kIconMask = 0xF0;
+constexpr int kIconSide = 24;
+constexpr int kMargin = 8;
+
+// A box that is closed is answered with its safe answer.
+class Box : public QDialog {
+  public:
+    Box(QWidget* over, const QString& text, const QString& caption, UINT type)
+        : QDialog(over, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
+          safeAnswer_((type & kButtonsMask) == MB_YESNO ? IDNO : IDOK) {
+        setWindowTitle(caption);
+        setAccessibleDescription(text);
+        setModal(true);
+        auto* const column = new QVBoxLayout(this);
+        column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
+        column->setSizeConstraint(QLayout::SetFixedSize);
+        AddText(*column, text, type);
+        auto* const row = new QHBoxLayout;
+        column->addLayout(row);
+        row->addStretch();
+        if ((type & kButtonsMask) == MB_YESNO) {
+            AddButton(*row, QStringLiteral("Yes"), IDYES);
+            AddButton(*row, QStringLiteral("No"), IDNO);
+        } else {
+            AddButton(*row, QStringLiteral("OK"), IDOK);
+        }
+        row->addStretch();
+    }
+
+    void reject() override { done(safeAnswer_); }
+
+  private:
+    void AddText(QVBoxLayout& column, const QString& text, UINT type) {
+        auto* const row = new QHBoxLayout;
+        column.addLayout(row);
+        int room = kScreenWidth - 4 * kMargin;
+        if ((type & kIconMask) == MB_ICONEXCLAMATION) {
+            auto* const icon = new QLabel;
+            icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(kIconSide));
+            row->addWidget(icon, 0, Qt::AlignTop);
+            room -= kIconSide + kMargin;
+        }
+        auto* const label = new QLabel(text);
+        label->setObjectName(QStringLiteral("boxText"));
+        label->setTextFormat(Qt::PlainText);
+        label->setWordWrap(true);
+        label->setFixedWidth(room);
+        row->addWidget(label);
+    }
+
+    void AddButton(QHBoxLayout& row, const QString& text, int answer) {
+        auto* const button = new QPushButton(text);
+        button->setObjectName(QStringLiteral("answer%1").arg(answer));
+        button->setMinimumSize(56, 20);
+        connect(button, &QPushButton::clicked, this, [this, answer] { done(answer); });
+        row.addWidget(button);
+    }
+
+    int safeAnswer_;
+};
+
+}  // namespace
+
+int MessageBoxes::Show(QWidget* over, const QString& text, const QString& caption, UINT type) {
+    Box box(over != nullptr && over->isVisible() ? over : nullptr, text, caption, type);
+    open_ = &box;
+    const int answer = box.exec();
+    open_ = nullptr;
+    return answer;
+}
+
+void MessageBoxes::AnswerOpen() {
+    if (open_ != nullptr) {
+        open_->reject();
+    }
+}
+
+}  // namespace platform::windows

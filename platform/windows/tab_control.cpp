@@ -1,0 +1,143 @@
+#include "platform/windows/tab_control.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QTabBar>
+#include <QWheelEvent>
+#include <algorithm>
+#include <functional>
+
+#include "platform/windows/message_queue.h"
+#include "platform/windows/window_table.h"
+
+namespace platform::windows {
+
+namespace {
+
+constexpr int kFrame = 4;
+constexpr int kRowHeight = 21;
+
+}  // namespace
+
+// A row that never changes the tab by itself: it tells which one was tapped.
+class TabRow : public QTabBar {
+  public:
+    TabRow(QWidget* parent, std::function<void(int index)> tapped)
+        : QTabBar(parent), tapped_(std::move(tapped)) {
+        setDrawBase(false);
+        setExpanding(false);
+        setElideMode(Qt::ElideNone);
+        setUsesScrollButtons(true);
+        setFocusPolicy(Qt::NoFocus);
+    }
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override {
+        const int index = tabAt(event->position().toPoint());
+        if (event->button() == Qt::LeftButton && index >= 0) {
+            tapped_(index);
+        }
+    }
+    void mouseMoveEvent(QMouseEvent* event) override { event->accept(); }
+    void mouseReleaseEvent(QMouseEvent* event) override { event->accept(); }
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    void wheelEvent(QWheelEvent* event) override { event->accept(); }
+    void keyPressEvent(QKeyEvent* event) override { event->ignore(); }
+
+  private:
+    std::function<void(int index)> tapped_;
+};
+
+TabControl::TabControl(Station& station, const Birth& birth)
+    : Window(station, birth), below_((birth.style & TCS_BOTTOM) != 0) {
+    auto pane = std::make_unique<QWidget>(birth.surface);
+    pane->setAutoFillBackground(true);
+    row_ = new TabRow(pane.get(),
+                      [this](int index) { QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0); });
+    row_->setShape(below_ ? QTabBar::RoundedSouth : QTabBar::RoundedNorth);
+    Adopt(std::move(pane), birth);
+}
+
+LRESULT TabControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case TCM_INSERTITEM:
+            return Insert(wParam, lParam);
+        case TCM_GETCURSEL:
+            return row_->currentIndex();
+        case TCM_SETCURSEL:
+            return Select(wParam);
+        case TCM_ADJUSTRECT:
+            return Adjust(lParam);
+        default:
+            return Window::Answer(message, wParam, lParam);
+    }
+}
+
+void TabControl::CarryOut(const MSG& message) {
+    if (message.message == kTabTaken) {
+        Take(static_cast<int>(message.wParam));
+    } else if (message.message == kTabStep && row_->count() > 0) {
+        const int next = row_->currentIndex() + static_cast<int>(message.lParam);
+        Take((next + row_->count()) % row_->count());
+    }
+}
+
+void TabControl::Place(const QRect& place) {
+    Window::Place(place);
+    row_->setGeometry(0, below_ ? place.height() - kRowHeight : 0, place.width(), kRowHeight);
+}
+
+LRESULT TabControl::Insert(WPARAM index, LPARAM item) {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr)
+    const auto* const tab = reinterpret_cast<const TCITEM*>(item);
+    if (tab == nullptr || static_cast<int>(index) < 0) {
+        return -1;
+    }
+    const bool hasText = (tab->mask & TCIF_TEXT) != 0 && tab->pszText != nullptr;
+    const int place = std::min(static_cast<int>(index), row_->count());
+    return row_->insertTab(place, hasText ? QString::fromUtf16(tab->pszText) : QString());
+}
+
+LRESULT TabControl::Select(WPARAM index) {
+    const int before = row_->currentIndex();
+    if (index >= static_cast<WPARAM>(row_->count())) {
+        return -1;
+    }
+    row_->setCurrentIndex(static_cast<int>(index));
+    return before;
+}
+
+LRESULT TabControl::Adjust(LPARAM rectangle) const {
+    auto* const area = reinterpret_cast<RECT*>(rectangle);  // NOLINT(performance-no-int-to-ptr)
+    if (area == nullptr) {
+        return -1;
+    }
+    area->left += kFrame;
+    area->right -= kFrame;
+    area->top += kFrame + (below_ ? 0 : kRowHeight);
+    area->bottom -= kFrame + (below_ ? kRowHeight : 0);
+    return 0;
+}
+
+// The parent hears of it before and after, and may end this control's life at either time.
+void TabControl::Take(int index) {
+    const WindowTable& windows = station().windows;
+    const HWND self = handle();
+    if (index == row_->currentIndex() || index >= row_->count()) {
+        return;
+    }
+    const LRESULT refused = Notify(TCN_SELCHANGING);
+    if (windows.Find(self) == nullptr || refused != 0) {
+        return;
+    }
+    row_->setCurrentIndex(index);
+    Notify(TCN_SELCHANGE);
+}
+
+LRESULT TabControl::Notify(UINT code) const {
+    const auto number = static_cast<DWORD_PTR>(id());
+    NMHDR header = {handle(), number, code};
+    return station().windows.Send(parent(), WM_NOTIFY, number, reinterpret_cast<LPARAM>(&header));
+}
+
+}  // namespace platform::windows

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "platform/windows/window.h"
+
+namespace platform::windows {
+
+class TabRow;
+
+// Class "SysTabControl32": a row of tabs, whole labels always; where they do not all fit, two
+// arrows scroll the row.
+class TabControl : public Window {
+  public:
+    TabControl(Station& station, const Birth& birth);
+
+    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void CarryOut(const MSG& message) override;
+    void Place(const QRect& place) override;
+
+  private:
+    LRESULT Insert(WPARAM index, LPARAM item);
+    LRESULT Select(WPARAM index);
+    LRESULT Adjust(LPARAM rectangle) const;
+    void Take(int index);
+    LRESULT Notify(UINT code) const;
+
+    bool below_;  // the tabs stand below the display area
+    TabRow* row_;
+};
+
+}  // namespace platform::windows

@@ -1,0 +1,276 @@
+#include "platform/windows/tree_control.h"
+
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTreeWidget>
+
+#include "platform/windows/message_queue.h"
+#include "platform/windows/window_table.h"
+
+namespace platform::windows {
+
+class TreeItem : public QTreeWidgetItem {
+  public:
+    explicit TreeItem(std::uintptr_t number) : number_(number) {}
+
+    HTREEITEM handle() const {
+        return reinterpret_cast<HTREEITEM>(number_);  // NOLINT(performance-no-int-to-ptr)
+    }
+    int children = 0;
+    int image = 0;
+    LPARAM parameter = 0;
+    bool answered = false;  // asked in this pass, whether or not the program has stored its answer
+
+  private:
+    std::uintptr_t number_;
+};
+
+namespace {
+
+bool ComesBefore(const QTreeWidgetItem& one, const QString& text) {
+    const int apartFromCase = QString::compare(one.text(0), text, Qt::CaseInsensitive);
+    return apartFromCase != 0 ? apartFromCase < 0 : one.text(0) < text;
+}
+
+int PlaceFor(const QTreeWidgetItem& parent, const QString& text) {
+    int place = 0;
+    while (place < parent.childCount() && ComesBefore(*parent.child(place), text)) {
+        ++place;
+    }
+    return place;
+}
+
+int PlaceAfter(const QTreeWidgetItem& parent, const QTreeWidgetItem* sibling) {
+    const int place =
+        sibling == nullptr ? -1 : parent.indexOfChild(const_cast<QTreeWidgetItem*>(sibling));
+    return place < 0 ? parent.childCount() : place + 1;
+}
+
+QStyle::StandardPixmap PixmapFor(int image) {
+    return image == kDeviceIcon ? QStyle::SP_DriveHDIcon : QStyle::SP_DirIcon;
+}
+
+template <typename Record>
+Record* RecordAt(LPARAM argument) {
+    return reinterpret_cast<Record*>(argument);  // NOLINT(performance-no-int-to-ptr)
+}
+
+HTREEITEM ItemAt(LPARAM argument) {
+    return reinterpret_cast<HTREEITEM>(argument);  // NOLINT(performance-no-int-to-ptr)
+}
+
+}  // namespace
+
+TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station, birth) {
+    auto tree = std::make_unique<QTreeWidget>(birth.surface);
+    tree_ = tree.get();
+    tree_->setHeaderHidden(true);
+    tree_->header()->setStretchLastSection(false);
+    tree_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    tree_->setRootIsDecorated(false);
+    tree_->setIndentation(15);
+    tree_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    tree_->setTabKeyNavigation(false);
+    tree_->verticalScrollBar()->setContextMenuPolicy(Qt::PreventContextMenu);
+    tree_->horizontalScrollBar()->setContextMenuPolicy(Qt::PreventContextMenu);
+    QObject::connect(tree_, &QTreeWidget::itemExpanded, tree_, [this] { QueueAsking(); });
+    QObject::connect(tree_, &QTreeWidget::itemCollapsed, tree_, [this] { QueueAsking(); });
+    QObject::connect(tree_->verticalScrollBar(), &QScrollBar::valueChanged, tree_,
+                     [this] { QueueAsking(); });
+    Adopt(std::move(tree), birth);
+}
+
+LRESULT TreeControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case TVM_INSERTITEM:
+            return Insert(lParam);
+        case TVM_EXPAND:
+            return wParam == TVE_EXPAND ? Expand(lParam) : 0;
+        case TVM_GETITEM:
+            return Get(lParam);
+        case TVM_SETITEM:
+            return Set(lParam);
+        case TVM_GETNEXTITEM:
+            return Next(wParam, lParam);
+        default:
+            return Window::Answer(message, wParam, lParam);
+    }
+}
+
+void TreeControl::CarryOut(const MSG& message) {
+    if (message.message == kAskForRows) {
+        PrepareToPaint();
+    }
+}
+
+void TreeControl::PrepareToPaint() {
+    if (AskInView()) {
+        askingQueued_ = false;
+        tree_->viewport()->setUpdatesEnabled(true);
+    }
+}
+
+LRESULT TreeControl::Insert(LPARAM record) {
+    const auto* const insertion = RecordAt<const TVINSERTSTRUCT>(record);
+    QTreeWidgetItem* const parent = insertion == nullptr ? nullptr : ParentFor(insertion->hParent);
+    if (parent == nullptr) {
+        return 0;
+    }
+    auto item = std::make_unique<TreeItem>(++last_);
+    Take(*item, insertion->item);
+    int place = 0;
+    if (insertion->hInsertAfter == TVI_SORT) {
+        place = PlaceFor(*parent, item->text(0));
+    } else if (insertion->hInsertAfter != TVI_FIRST) {
+        place = PlaceAfter(*parent, Find(insertion->hInsertAfter));
+    }
+    TreeItem* const inserted = item.get();
+    items_.emplace(last_, inserted);
+    parent->insertChild(place, item.release());
+    QueueAsking();
+    return reinterpret_cast<LRESULT>(inserted->handle());
+}
+
+LRESULT TreeControl::Expand(LPARAM item) {
+    TreeItem* const found = Find(ItemAt(item));
+    if (found == nullptr) {
+        return 0;
+    }
+    if (found->children == I_CHILDRENCALLBACK && !Ask(*found)) {
+        return 0;
+    }
+    if (found->childCount() == 0) {
+        return 0;
+    }
+    found->setExpanded(true);
+    PrepareToPaint();
+    return 1;
+}
+
+LRESULT TreeControl::Get(LPARAM record) const {
+    auto* const wanted = RecordAt<TVITEM>(record);
+    const TreeItem* const item = wanted == nullptr ? nullptr : Find(wanted->hItem);
+    if (item == nullptr) {
+        return FALSE;
+    }
+    if ((wanted->mask & TVIF_TEXT) != 0 && wanted->cchTextMax > 0) {
+        CopyText(item->text(0), static_cast<WPARAM>(wanted->cchTextMax),
+                 reinterpret_cast<LPARAM>(wanted->pszText));
+    }
+    if ((wanted->mask & (TVIF_IMAGE | TVIF_SELECTEDIMAGE)) != 0) {
+        wanted->iImage = wanted->iSelectedImage = item->image;
+    }
+    if ((wanted->mask & TVIF_CHILDREN) != 0) {
+        wanted->cChildren = item->children;
+    }
+    if ((wanted->mask & TVIF_PARAM) != 0) {
+        wanted->lParam = item->parameter;
+    }
+    return TRUE;
+}
+
+LRESULT TreeControl::Set(LPARAM record) {
+    const auto* const given = RecordAt<const TVITEM>(record);
+    TreeItem* const item = given == nullptr ? nullptr : Find(given->hItem);
+    if (item == nullptr) {
+        return FALSE;
+    }
+    Take(*item, *given);
+    return TRUE;
+}
+
+LRESULT TreeControl::Next(WPARAM relation, LPARAM item) const {
+    const QTreeWidgetItem* found = nullptr;
+    if (relation == TVGN_CARET) {
+        const QList<QTreeWidgetItem*> selected = tree_->selectedItems();
+        found = selected.isEmpty() ? nullptr : selected.first();
+    } else if (relation == TVGN_PARENT) {
+        const TreeItem* const child = Find(ItemAt(item));
+        found = child == nullptr ? nullptr : child->parent();
+    }
+    return found == nullptr
+               ? 0
+               : reinterpret_cast<LRESULT>(static_cast<const TreeItem*>(found)->handle());
+}
+
+TreeItem* TreeControl::Find(HTREEITEM item) const {
+    const auto found = items_.find(reinterpret_cast<std::uintptr_t>(item));
+    return found == items_.end() ? nullptr : found->second;
+}
+
+QTreeWidgetItem* TreeControl::ParentFor(HTREEITEM item) const {
+    return item == nullptr || item == TVI_ROOT ? tree_->invisibleRootItem() : Find(item);
+}
+
+void TreeControl::Take(TreeItem& item, const TVITEM& record) {
+    if ((record.mask & TVIF_TEXT) != 0) {
+        item.setText(0, TextOf(reinterpret_cast<LPARAM>(record.pszText)));
+    }
+    if ((record.mask & TVIF_IMAGE) != 0) {
+        item.image = record.iImage;
+        item.setIcon(0, tree_->style()->standardIcon(PixmapFor(record.iImage)));
+    }
+    if ((record.mask & TVIF_PARAM) != 0) {
+        item.parameter = record.lParam;
+    }
+    if ((record.mask & TVIF_CHILDREN) != 0) {
+        item.children = record.cChildren;
+        item.setChildIndicatorPolicy(record.cChildren > 0 ? QTreeWidgetItem::ShowIndicator
+                                                          : QTreeWidgetItem::DontShowIndicator);
+    }
+}
+
+// Rows may have come into view.
+void TreeControl::QueueAsking() {
+    if (!askingQueued_) {
+        askingQueued_ = true;
+        tree_->viewport()->setUpdatesEnabled(false);
+        QueueToSelf(kAskForRows, 0, 0);
+    }
+}
+
+TreeItem* TreeControl::UnaskedInView() const {
+    const int height = tree_->viewport()->height();
+    for (QTreeWidgetItem* row = tree_->itemAt(0, 0);
+         row != nullptr && tree_->visualItemRect(row).top() < height; row = tree_->itemBelow(row)) {
+        auto* const item = static_cast<TreeItem*>(row);
+        if (item->children == I_CHILDRENCALLBACK && !item->answered) {
+            return item;
+        }
+    }
+    return nullptr;
+}
+
+// Asks the program for the children of an item. False when the control has gone meanwhile.
+bool TreeControl::Ask(TreeItem& item) {
+    const WindowTable& windows = station().windows;
+    const HWND self = handle();
+    item.answered = true;
+    NMTVDISPINFO question = {};
+    question.hdr = {self, static_cast<DWORD_PTR>(id()), TVN_GETDISPINFO};
+    question.item.mask = TVIF_CHILDREN;
+    question.item.hItem = item.handle();
+    question.item.lParam = item.parameter;
+    windows.Send(parent(), WM_NOTIFY, question.hdr.idFrom, reinterpret_cast<LPARAM>(&question));
+    return windows.Find(self) != nullptr;
+}
+
+// Asks for all rows in view, those too that the answers bring there. False when the control has
+// gone meanwhile.
+bool TreeControl::AskInView() {
+    if (!tree_->isVisible()) {
+        return true;
+    }
+    for (auto& [number, item] : items_) {
+        item->answered = false;
+    }
+    while (TreeItem* const item = UnaskedInView()) {
+        if (!Ask(*item)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace platform::windows

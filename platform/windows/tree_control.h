@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QIcon>
+#include <cstdint>
+#include <map>
+#include <span>
+
+#include "platform/windows/window.h"
+
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace platform::windows {
+
+class TreeItem;
+
+// Class "SysTreeView32". Of a row whose children are not known the program is asked when the row
+// comes into view, in a pass of its own: until it is over nothing of the tree is painted.
+class TreeControl : public Window {
+  public:
+    TreeControl(Station& station, const Birth& birth);
+
+    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void CarryOut(const MSG& message) override;
+    void PrepareToPaint() override;
+
+  private:
+    LRESULT Insert(LPARAM record);
+    LRESULT Expand(LPARAM item);
+    LRESULT Get(LPARAM record) const;
+    LRESULT Set(LPARAM record);
+    LRESULT Next(WPARAM relation, LPARAM item) const;
+    TreeItem* Find(HTREEITEM item) const;
+    QTreeWidgetItem* ParentFor(HTREEITEM item) const;
+    void Take(TreeItem& item, const TVITEM& record);
+    void QueueAsking();
+    TreeItem* UnaskedInView() const;
+    bool Ask(TreeItem& item);
+    bool AskInView();
+
+    QTreeWidget* tree_;
+    std::map<std::uintptr_t, TreeItem*> items_;  // the tree's own
+    std::uintptr_t last_ = 0;
+    bool askingQueued_ = false;
+};
+
+// The system's small icons, by their index in the image list.
+inline constexpr int kFolderIcon = 0;
+inline constexpr int kDeviceIcon = 1;
+
+}  // namespace platform::windows

@@ -1,0 +1,70 @@
+#include "shell/interactive_run.h"
+
+#include "core/application.h"
+#include "core/settings_record.h"
+#include "core/window_system.h"
+#include "screens/screens.h"
+#include "settings/settings_file.h"
+#include "shell/windows.h"
+
+namespace {
+
+// The process-wide pointers own the objects of the run: each one is set before its object makes
+// anything, because whatever is made reads the pointers.
+template <typename Object>
+Object& Make(Object*& pointer) {
+    pointer = new Object;
+    return *pointer;
+}
+
+template <typename Object>
+void Delete(Object*& pointer) {
+    delete pointer;
+    pointer = nullptr;
+}
+
+// The settings come last because they go into controls that must be there.
+void CreateAll() {
+    Make(g_MenuBar);
+    Make(g_MainWindow).Create();
+    Make(g_TabBar).Create();
+    Make(g_DisplayWindow).Create();
+    Make(g_Screens).CreateScreens();
+    LoadSettings(Make(g_Settings));
+}
+
+// WM_QUIT ends nothing: only the commands that have saved the settings do.
+void ServeMessages() {
+    while (g_Running) {
+        MSG message{};
+        if (GetMessageW(&message, nullptr, 0, 0) != 0) {
+            TranslateMessage(&message);
+            DispatchMessageW(&message);
+        }
+    }
+}
+
+// Children go before their parents.
+void DestroyAll() {
+    Delete(g_Settings);
+    g_Screens->DestroyScreens();
+    Delete(g_Screens);
+    g_DisplayWindow->Destroy();
+    Delete(g_DisplayWindow);
+    g_TabBar->Destroy();
+    Delete(g_TabBar);
+    g_MenuBar->Destroy();
+    Delete(g_MenuBar);
+    g_MainWindow->Destroy();
+    Delete(g_MainWindow);
+}
+
+}  // namespace
+
+void RunInteractive() {
+    CreateAll();
+    ServeMessages();
+    DestroyAll();
+    g_Instance = nullptr;
+    g_Running = false;
+}

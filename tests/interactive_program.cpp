@@ -1,0 +1,110 @@
+#include "tests/interactive_program.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdio>
+
+#include "core/application.h"
+#include "core/win_main.h"
+#include "platform/directory_store.h"
+#include "platform/forwarding_store.h"
+#include "screens/screens.h"
+#include "shell/windows.h"
+#include "tests/failing_windows.h"
+
+namespace {
+
+// Keeps the restarts that would end the process, and has no room for files if it is told so.
+class TestedStore : public platform::ForwardingStore {
+  public:
+    TestedStore(platform::DeviceStore& inner, std::vector<std::string>& calls, const bool& full)
+        : ForwardingStore(inner), calls_(calls), full_(full) {}
+
+    std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override {
+        return full_ && mode[0] == u'w' ? std::fopen("/dev/full", "wb")
+                                        : inner()._wfopen(path, mode);
+    }
+
+    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
+                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
+        EXPECT_EQ(code, IOCTL_HAL_REBOOT);
+        calls_.emplace_back("restart");
+        return 1;
+    }
+
+  private:
+    std::vector<std::string>& calls_;
+    const bool& full_;
+};
+
+}  // namespace
+
+InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) {
+    device.Make({"App/"});
+    device.Make(entries);
+}
+
+int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
+    const platform::Descriptor directory(
+        open(device.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    std::string error;
+    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                   platform::Registry::Open(directory.get(), error));
+    TestedStore tested(store, windows.calls, full);
+    const platform::StoreInUse storeInUse(tested);
+    FailingWindows faulty(windows, failing, result);
+    const platform::WindowsInUse windowsInUse(faulty);
+    windows.steps.assign(steps.begin(), steps.end());
+    std::u16string noWords;
+    int instance = 0;
+    testing::internal::CaptureStderr();
+    const int ended = WinMain(&instance, nullptr, noWords.data(), 0);
+    notes = testing::internal::GetCapturedStderr();
+    calls = faulty.calls();
+    EXPECT_EQ(store.Finish(), "");
+    return ended;
+}
+
+FakeWindow& InteractiveProgram::Control(UINT screen, UINT item) {
+    return windows.At(g_Screens->GetScreenItems(screen).ItemAt(item));
+}
+
+void InteractiveProgram::Choose(WORD command) {
+    windows.Post(g_MainWindow->Window(), WM_COMMAND, command);
+}
+
+LRESULT InteractiveProgram::Notify(UINT code) {
+    header_ = {g_TabBar->Window(), 0, code};
+    const MSG message = {
+        g_MainWindow->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header_), 0, {}};
+    return windows.DispatchMessageW(&message);
+}
+
+LRESULT InteractiveProgram::ChooseTab(int index) {
+    const auto tabs = windows.windows.find(g_TabBar->Window());
+    if (tabs == windows.windows.end()) {
+        return 0;
+    }
+    const LRESULT refused = Notify(TCN_SELCHANGING);
+    tabs->second.position = index;
+    const LRESULT changed = Notify(TCN_SELCHANGE);
+    return refused == changed ? changed : 0;
+}
+
+void InChild(const std::string& name, const std::function<void()>& body) {
+    // What is thrown must not go on as a second run of the tests behind this one.
+    const auto carryOut = [&]() noexcept { body(); };
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        carryOut();
+        std::fflush(nullptr);
+        _exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << name;
+}

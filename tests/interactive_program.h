@@ -1,0 +1,49 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "tests/fake_windows.h"
+#include "tests/temporary_device.h"
+
+// The interactive program on a device and with windows of its own. The process-wide state must be
+// zero when it runs, as at process start.
+class InteractiveProgram {
+  public:
+    using Steps = std::vector<std::function<void()>>;
+
+    // `entries` are those of TemporaryDevice::Make. The program's executable lies in "\App".
+    explicit InteractiveProgram(const std::vector<std::string>& entries = {});
+
+    // Runs WinMain to its end and returns its result. Each step is carried out when the program
+    // waits; then the main window's OK ends it. `failing`: the number of the call to the window
+    // system that fails, and `result` what a message gives that fails; 0 for none. Restarts are
+    // kept in windows.calls.
+    int Run(const Steps& steps = {}, int failing = 0, LRESULT result = 0);
+
+    // A control of the running program.
+    FakeWindow& Control(UINT screen, UINT item);
+    // Sends the main window a menu command.
+    void Choose(WORD command);
+    // Taps a tab. Returns what both notifications gave, 0 when they gave different results or there
+    // are no tabs.
+    LRESULT ChooseTab(int index);
+
+    std::string SettingsFile() const { return ReadFile(device.files() + "/App/settings.dat"); }
+
+    TemporaryDevice device;
+    FakeWindows windows;
+    bool full = false;  // the device has no room for a file
+    std::string notes;  // on standard error
+    int calls = 0;      // to the window system, in the last run
+
+  private:
+    LRESULT Notify(UINT code);
+
+    NMHDR header_{};
+};
+
+// Carries out `body` in a process of its own, whose process-wide state is that of this one, and
+// expects that it ends with all expectations met. `name` says which one did not.
+void InChild(const std::string& name, const std::function<void()>& body);

@@ -1,0 +1,210 @@
+#include "shell/window_procedure.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "core/application.h"
+#include "engine/apply_sequence.h"
+#include "screens/screens.h"
+#include "shell/resources.h"
+#include "shell/windows.h"
+#include "tests/interactive_program.h"
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TEST(WindowProcedure, EveryMessageHasItsResult) {
+    constexpr LRESULT kDefault = FakeWindows::kDefaultResult;
+    NMHDR other = {nullptr, 0, static_cast<UINT>(-12)};
+    const struct {
+        UINT message;
+        WPARAM wParam;
+        LPARAM lParam;
+        LRESULT result;
+    } cases[] = {
+        {WM_LBUTTONUP, 0, 0, 1},
+        {WM_VSCROLL, SB_ENDSCROLL, 0, 1},
+        {WM_COMMAND, 50001, 0, 1},
+        {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, 1},
+        {WM_COMMAND, kCommandAbout, 0, 1},
+        {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), kDefault},
+        {WM_NOTIFY, 0, 0, kDefault},
+        {WM_LBUTTONDOWN, 0, 0, kDefault},
+        {WM_CREATE, 0, 0, kDefault},
+        {WM_SIZE, 0, 0, kDefault},
+        {WM_CLOSE, 0, 0, kDefault},
+        {WM_DESTROY, 0, 0, kDefault},
+        {WM_HSCROLL, 0, 0, kDefault},
+    };
+    InteractiveProgram program;
+    program.Run({[&] {
+        for (const auto& expected : cases) {
+            program.windows.calls.clear();
+            const HWND window = g_DisplayWindow->Window();
+            EXPECT_EQ(MainWindowProc(window, expected.message, expected.wParam, expected.lParam),
+                      expected.result);
+            const std::string passedOn =
+                "DefWindowProcW DisplayWindow " + std::to_string(expected.message);
+            EXPECT_EQ(std::ranges::count(program.windows.calls, passedOn),
+                      expected.result == kDefault ? 1 : 0)
+                << passedOn;
+        }
+        EXPECT_TRUE(g_Running);
+        EXPECT_EQ(program.windows.boxes, Texts{});
+    }});
+}
+
+TEST(WindowProcedure, ScrollCodesMoveThePage) {
+    const struct {
+        WORD code;
+        WORD thumb;
+        int position;
+        int highest;
+        UINT page;
+        int newPosition;
+        const char* moved;  // nothing: the page stays where it is
+    } cases[] = {
+        {SB_LINEUP, 0, 0, 155, 3, 0, ""},
+        {SB_LINEUP, 0, 1, 155, 3, 0, "3"},
+        {SB_LINEUP, 0, 30, 155, 3, 27, "3"},
+        {SB_LINEDOWN, 0, 0, 155, 3, 3, "-3"},
+        {SB_LINEDOWN, 0, 152, 155, 3, 155, "-3"},
+        {SB_LINEDOWN, 0, 153, 155, 3, 153, ""},
+        {SB_LINEDOWN, 0, 154, 155, 0, 155, "-3"},
+        {SB_LINEDOWN, 0, 0, -217, 3, 0, ""},
+        {SB_PAGEUP, 0, 30, 155, 3, 27, "3"},
+        {SB_PAGEUP, 0, 0, 155, 3, 0, "3"},
+        {SB_PAGEDOWN, 0, 30, 155, 7, 37, "-7"},
+        {SB_THUMBPOSITION, 100, 30, 155, 3, 100, "-70"},
+        {SB_THUMBPOSITION, 0xFFFF, 30, 155, 3, 155, "-65505"},
+        {SB_THUMBTRACK, 100, 30, 155, 3, 30, ""},
+        {SB_TOP, 0, 30, 155, 3, 0, "30"},
+        {SB_BOTTOM, 0, 30, 155, 3, 155, "-125"},
+        {SB_ENDSCROLL, 0, 30, 155, 3, 30, ""},
+        {99, 0, 30, 155, 3, 30, ""},
+    };
+    InteractiveProgram program;
+    program.Run({[&] {
+        FakeWindow& page = program.windows.At(g_DisplayWindow->Window());
+        for (const auto& expected : cases) {
+            page.scroll = {28, SIF_ALL, 0, expected.highest, expected.page, expected.position, 0};
+            program.windows.calls.clear();
+            MainWindowProc(g_DisplayWindow->Window(), WM_VSCROLL,
+                           MAKELONG(expected.code, expected.thumb), 0);
+            Texts calls = {"SetScrollInfo DisplayWindow"};
+            if (*expected.moved != '\0') {
+                calls.insert(calls.begin(),
+                             std::string("ScrollWindowEx DisplayWindow ") + expected.moved);
+            }
+            EXPECT_EQ(program.windows.calls, calls) << expected.code << ' ' << expected.position;
+            EXPECT_EQ(page.scroll.nPos, expected.newPosition) << expected.code;
+        }
+    }});
+}
+
+TEST(WindowProcedure, ATabWithoutScreenIsToldAndChangesNothing) {
+    InteractiveProgram program;
+    program.Run({[&] {
+        for (const int tab : {-1, 6}) {
+            program.windows.boxes.clear();
+            EXPECT_EQ(program.ChooseTab(tab), FakeWindows::kDefaultResult);
+            EXPECT_EQ(program.ChooseTab(0), FakeWindows::kDefaultResult);
+            EXPECT_EQ(program.windows.boxes, (Texts{"[Error] TCN_SELCHANGE Unknown Tab Index",
+                                                    "[Error] TCN_SELCHANGING Unknown Tab Index"}));
+            EXPECT_TRUE(program.Control(0, 0).visible);
+        }
+    }});
+}
+
+TEST(WindowProcedure, EndingCommandsSaveAndEndTheLoop) {
+    for (const WORD command : {kCommandExit, static_cast<WORD>(IDOK)}) {
+        InChild(std::to_string(command), [&] {
+            InteractiveProgram program;
+            program.Run(
+                {[&] { program.Choose(command); }, [&] { ADD_FAILURE() << "the loop went on"; }});
+            EXPECT_EQ(program.SettingsFile(), std::string("\0\0\x80\0", 4));
+        });
+    }
+}
+
+TEST(WindowProcedure, CommandsOfNoRowDoNothing) {
+    InteractiveProgram program;
+    InteractiveProgram::Steps steps;
+    for (const WORD command : {kCommandPowerOff, kCommandSoftReset, kCommandHardReset,
+                               kCommandHelpIndex, kCommandAbout, static_cast<WORD>(IDCANCEL)}) {
+        steps.emplace_back([&program, command] { program.Choose(command); });
+    }
+    steps.emplace_back([&] {
+        EXPECT_TRUE(g_Running);
+        EXPECT_EQ(program.SettingsFile(), "");
+    });
+    program.Run(steps);
+    EXPECT_EQ(program.windows.boxes, Texts{});
+}
+
+struct ApplyCase {
+    WORD command;
+    bool ticked;  // "Disable window animation", which the device has switched on
+    Texts ends;   // the boxes and what else closes the run
+};
+
+TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
+    const std::string freed = "box [Cleaning Finished] 5 Bytes Cleaned";
+    const std::string required =
+        "box [Restart Required] Some settings will not take effect until the device has been "
+        "restarted";
+    const ApplyCase cases[] = {
+        {kCommandApplyAllowRestart, false, {freed}},
+        {kCommandApplyAllowRestart, true, {freed, "restart"}},
+        {kCommandApplyDeferRestart, false, {freed}},
+        {kCommandApplyDeferRestart, true, {freed, required}},
+    };
+    for (const ApplyCase& expected : cases) {
+        InChild(std::to_string(expected.command) + (expected.ticked ? " ticked" : ""), [&] {
+            InteractiveProgram program({"Temp/a=12345"});
+            WriteFile(program.device.path() + "/registry.reg",
+                      "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\System\\GWE]\n\"Animate\"=dword:00000001\n"
+                      "[HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\n\"AniType\"=dword:00000006\n");
+            const auto apply = [&] {
+                program.Control(0, 6).check = 1;
+                program.Control(5, 7).check = expected.ticked ? 1 : 0;
+                program.windows.calls.clear();
+                program.Choose(expected.command);
+            };
+            const auto look = [&] {
+                EXPECT_EQ(program.windows.calls, expected.ends);
+                EXPECT_EQ(BytesCleaned, 0u);
+                const bool saved = expected.ends.back() == "restart";
+                EXPECT_EQ(program.SettingsFile(), saved ? std::string("\x04\0\x80\0", 4) : "");
+                EXPECT_EQ(program.device.Listing().back(), "Temp/");
+            };
+            program.Run({apply, look});
+        });
+    }
+}
+
+TEST(Resources, MenuAndIconAreFoundByTheirNumbers) {
+    EXPECT_EQ(FindMenuResource(102), nullptr);
+    EXPECT_EQ(FindIconResource(101), nullptr);
+    std::u16string menu;
+    for (const MenuPopup& popup : FindMenuResource(101)->popups) {
+        menu += popup.text;
+        for (const MenuItem& item : popup.items) {
+            menu.append(u",").append(item.text).push_back(static_cast<WCHAR>(item.command));
+        }
+        menu += u';';
+    }
+    EXPECT_EQ(menu, std::u16string(u"Fennelbright,Exit\x9C44;Apply,Allow Restart\x9C46,"
+                                   "Defer Restart\x9C47;Power,Off\x9C48,Soft Reset\x9C49,"
+                                   "Hard Reset\x9C4D;Help,Index\xE142,About\x9C4B;"));
+    const IconResource* icon = FindIconResource(102);
+    EXPECT_EQ(icon->width, 16);
+    EXPECT_EQ(icon->height, 16);
+    EXPECT_EQ(icon->pixels.size(), 256u);
+}
+
+}  // namespace

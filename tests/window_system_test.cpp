@@ -1,0 +1,222 @@
+// The rules for all windows, through the program's operations and a user's mouse and keys.
+
+#include <QAbstractButton>
+#include <QDialog>
+#include <QMenuBar>
+#include <QTimer>
+#include <csignal>
+#include <functional>
+
+#include "core/window_system.h"
+#include "tests/display_fixture.h"
+
+namespace {
+
+TEST_F(DisplayTest, EveryOperationFailsOnAHandleThatNamesNothing) {
+    const HWND dead = Add(TEXT("EDIT"), WS_BORDER, {0, 0, 50, 18}, 7);
+    EXPECT_NE(DestroyWindow(dead), 0);
+    RECT rectangle = {1, 2, 3, 4};
+    SCROLLINFO info = {28, SIF_ALL, 0, 0, 0, 0, 0};
+    SHMENUBARINFO bar = {36, dead, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
+    const MSG message = {dead, WM_COMMAND, 0, 0, 0, {0, 0}};
+    for (const HWND window : {HWND{nullptr}, dead, reinterpret_cast<HWND>(DWORD_PTR{0x7777})}) {
+        EXPECT_EQ(DestroyWindow(window), 0);
+        EXPECT_EQ(ShowWindow(window, SW_SHOWNORMAL), 0);
+        EXPECT_EQ(UpdateWindow(window), 0);
+        EXPECT_EQ(GetClientRect(window, &rectangle), 0);
+        EXPECT_EQ(GetWindowRect(window, &rectangle), 0);
+        EXPECT_EQ(MoveWindow(window, 0, 0, 1, 1, FALSE), 0);
+        EXPECT_EQ(SetWindowTextW(window, TEXT("text")), 0);
+        EXPECT_EQ(SendMessageW(window, WM_SETTEXT, 0, 0), 0);
+        EXPECT_EQ(SendDlgItemMessageW(window, 7, WM_SETTEXT, 0, 0), 0);
+        EXPECT_EQ(DefWindowProcW(window, WM_COMMAND, 0, 0), 0);
+        EXPECT_EQ(GetScrollInfo(window, SB_VERT, &info), 0);
+        EXPECT_EQ(SetScrollInfo(window, SB_VERT, &info, TRUE), 0);
+        EXPECT_EQ(ScrollWindowEx(window, 0, 1, nullptr, nullptr, nullptr, nullptr, 1), 0);
+        bar.hwndParent = window;
+        EXPECT_EQ(SHCreateMenuBar(&bar), 0);
+        const SHINITDLGINFO dialog = {SHIDIM_FLAGS, window, SHIDIF_SIZEDLG};
+        EXPECT_EQ(SHInitDialog(&dialog), 0);
+        EXPECT_EQ(CreateWindowExW(0, TEXT("EDIT"), TEXT(""), WS_CHILD, 0, 0, 9, 9, window, nullptr,
+                                  nullptr, nullptr),
+                  nullptr);
+        SetFocus(window);
+    }
+    EXPECT_EQ(rectangle.bottom, 4);
+    EXPECT_EQ(DispatchMessageW(&message), 0);
+    EXPECT_NE(Add(TEXT("EDIT"), 0, {0, 0, 50, 18}, 7), dead);
+}
+
+TEST_F(DisplayTest, ClassesAreKnownOnceAndNotForgottenWhileAWindowLives) {
+    WNDCLASS record{};
+    record.lpszClassName = TEXT("Second");
+    EXPECT_EQ(RegisterClassW(&record), 0);
+    record.lpfnWndProc = DefWindowProcW;
+    EXPECT_EQ(UnregisterClassW(TEXT("Second"), nullptr), 0);
+    EXPECT_NE(RegisterClassW(&record), 0);
+    EXPECT_EQ(RegisterClassW(&record), 0);
+    EXPECT_EQ(UnregisterClassW(TEXT("Kept"), nullptr), 0);
+    EXPECT_NE(UnregisterClassW(TEXT("second"), nullptr), 0);
+    EXPECT_EQ(CreateWindowExW(0, TEXT("Second"), TEXT(""), WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
+                              nullptr, nullptr),
+              nullptr);
+}
+
+TEST_F(DisplayTest, WindowsStandWhereTheyWerePut) {
+    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 154, 212, 244}, 50012);
+    const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 50027);
+    const struct {
+        HWND window;
+        RECT bounds;
+        LONG clientWidth;
+    } rows[] = {
+        {main_, {0, 26, 240, 320}, 240},
+        {page_, {4, 30, 236, 269}, 219},
+        {list, {6, 184, 216, 274}, 210},
+        {combo, {150, 110, 220, 130}, 70},
+    };
+    for (const auto& row : rows) {
+        const RECT bounds = BoundsOf(row.window);
+        RECT client{};
+        GetClientRect(row.window, &client);
+        EXPECT_EQ(bounds.left, row.bounds.left);
+        EXPECT_EQ(bounds.top, row.bounds.top);
+        EXPECT_EQ(bounds.right, row.bounds.right);
+        EXPECT_EQ(bounds.bottom, row.bounds.bottom);
+        EXPECT_EQ(client.right, row.clientWidth);
+    }
+}
+
+TEST_F(DisplayTest, AWindowMayEndInItsOwnHandler) {
+    Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    g_hook = [](const Told& told) -> LRESULT {
+        if (LOWORD(told.wParam) == 6) {
+            EXPECT_NE(DestroyWindow(told.window), 0);
+        }
+        return 1;
+    };
+    Click(Control(6));
+    Click(Control(6));
+    Click(*Control(6).parentWidget(), QPoint(200, 200));
+    Dispatch();
+    EXPECT_EQ(TakeTold().size(), 1U) << "a dead window was told";
+    EXPECT_EQ(GetClientRect(page_, nullptr), 0);
+}
+
+TEST_F(DisplayTest, TheStylusOnABackgroundIsTold) {
+    Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
+    Click(*Control(5).parentWidget(), QPoint(100, 90));
+    Dispatch();
+    const std::vector<Told> told = TakeTold();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].window, page_);
+    EXPECT_EQ(told[0].message, WM_LBUTTONUP);
+    EXPECT_EQ(told[0].lParam, static_cast<LPARAM>(MAKELONG(100, 90)));
+}
+
+class BoxTest : public DisplayTest {
+  protected:
+    // Shows a box; `step` is what the user does once it is up.
+    static int Show(UINT type, std::function<void(QDialog&)> step) {
+        QTimer::singleShot(0, qApp, [step = std::move(step)] {
+            auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+            ASSERT_NE(box, nullptr);
+            step(*box);
+        });
+        return MessageBoxW(nullptr, TEXT("Text"), TEXT("Caption"), type);
+    }
+
+    static void Press(QDialog& box, int answer) {
+        Click(*box.findChild<QWidget*>(QStringLiteral("answer%1").arg(answer)));
+    }
+};
+
+TEST_F(BoxTest, BoxesAreAnsweredByTheirUser) {
+    const struct {
+        UINT type;
+        int pressed;  // 0: the box is closed
+        int answer;
+    } rows[] = {{MB_OK, IDOK, IDOK},
+                {MB_OK, 0, IDOK},
+                {MB_YESNO, IDYES, IDYES},
+                {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
+                {MB_YESNO, 0, IDNO}};
+    for (const auto& row : rows) {
+        const int answer = Show(row.type, [&](QDialog& box) {
+            EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
+            row.pressed == 0 ? static_cast<void>(box.close()) : Press(box, row.pressed);
+        });
+        EXPECT_EQ(answer, row.answer) << row.type << ' ' << row.pressed;
+    }
+}
+
+TEST_F(BoxTest, NothingIsDispatchedWhileABoxIsUp) {
+    Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    Show(MB_OK, [](QDialog& box) {
+        qobject_cast<QAbstractButton*>(&Control(6))->click();
+        Press(box, IDOK);
+    });
+    EXPECT_TRUE(TakeTold().empty());
+    Dispatch();
+    EXPECT_EQ(TakeTold().size(), 1U);
+}
+
+TEST_F(BoxTest, ClosingTheWindowAnswersTheBoxAndEndsTheProgramOnce) {
+    EXPECT_EQ(Show(MB_YESNO, [](QDialog& /*box*/) { Host().close(); }), IDNO);
+    Host().close();
+    Dispatch();
+    const std::vector<Told> told = TakeTold();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].window, main_);
+    EXPECT_EQ(told[0].wParam, WPARAM{IDOK});
+    EXPECT_TRUE(Host().isVisible());
+}
+
+TEST_F(BoxTest, ASignalDoesTheSame) {
+    for (const int signal : {SIGTERM, SIGINT}) {
+        EXPECT_EQ(Show(MB_OK, [signal](QDialog& /*box*/) { std::raise(signal); }), IDOK);
+    }
+    Dispatch();
+    EXPECT_EQ(TakeTold().size(), 1U);
+}
+
+TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
+    auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
+    const HWND box = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Box"), WS_VISIBLE,
+                                     CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
+                                     nullptr, nullptr, nullptr, nullptr);
+    Click(ok);
+    Dispatch();
+    DestroyWindow(box);
+    Click(ok);
+    Dispatch();
+    const std::vector<Told> told = TakeTold();
+    ASSERT_EQ(told.size(), 2U);
+    EXPECT_EQ(told[0].window, box);
+    EXPECT_EQ(told[1].window, main_);
+    EXPECT_EQ(told[1].wParam, WPARAM{IDOK});
+}
+
+TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
+    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
+    ASSERT_NE(SHCreateMenuBar(&info), 0);
+    EXPECT_EQ(BoundsOf(info.hwndMB).top, 294);
+    EXPECT_EQ(BoundsOf(info.hwndMB).bottom, 320);
+    QTest::keyClick(&Host(), Qt::Key_F10);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Right);
+    QWidget* const popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    EXPECT_EQ(popup->y() + popup->height(), Host().mapToGlobal(QPoint(0, 294)).y());
+    QTest::keyClick(popup, Qt::Key_Down);
+    QTest::keyClick(popup, Qt::Key_Return);
+    Dispatch();
+    const std::vector<Told> told = TakeTold();
+    ASSERT_EQ(told.size(), 1U);
+    EXPECT_EQ(told[0].window, main_);
+    EXPECT_EQ(told[0].wParam, WPARAM{kCommandApplyDeferRestart});
+    EXPECT_EQ(told[0].lParam, 0);
+    info.nToolBarId = 7;
+    EXPECT_EQ(SHCreateMenuBar(&info), 0);
+}
+
+}  // namespace
