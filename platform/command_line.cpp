@@ -2,8 +2,8 @@
 
 #include <getopt.h>
 
-#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <string_view>
 #include <system_error>
 
@@ -94,10 +94,10 @@ void SetTask(CommandLine& line, CommandLine::Task task) {
     }
 }
 
-const char* TakeScale(std::string_view value, CommandLine& line) {
-    const auto [end, error] =
-        std::from_chars(value.data(), value.data() + value.size(), line.scale);
-    const bool whole = error == std::errc() && end == value.data() + value.size();
+const char* TakeScale(const char* value, CommandLine& line) {
+    char* end = nullptr;
+    line.scale = std::strtod(value, &end);
+    const bool whole = end != value && *end == '\0';
     return whole && line.scale >= 1 && line.scale <= kLargestScale ? nullptr
                                                                    : "the scale is not from 1 to 8";
 }
