@@ -34,6 +34,9 @@ IDLE_RATIO = 2.0
 PEAK_KIB = 8 * 1024
 PEAK_KIB_A_LEVEL = 12
 LIVE_SHORTCUT_CALLS = 12
+FIRST_PAGE_RATIO = 2.5
+TAB_CHANGE_LIMIT = 1000 / 60  # milliseconds: one frame
+TAB_CHANGES = 120
 REGISTRY_READ_RATIO = 4.0
 REGISTRY_WRITE_RATIO = 8.0
 PEAK_DRIFT_KIB = 256  # pages that a run happens to touch or not
@@ -122,10 +125,13 @@ class Workplace:
         self.program = str(build / "fennelbright")
         self.walk_tree = str(build / "bench/walk_tree")
         self.registry_work = str(build / "bench/registry_work")
+        self.first_page = str(build / "bench/first_page")
+        self.empty_window = str(build / "bench/empty_window")
         self.measure = str(build / "bench/measure")
         self.empty = str(build / "bench/empty")
         self.directory = tmpfs
-        for needed in (self.program, self.walk_tree, self.registry_work, self.measure, self.empty):
+        for needed in (self.program, self.walk_tree, self.registry_work, self.first_page,
+                       self.empty_window, self.measure, self.empty):
             if not os.access(needed, os.X_OK):
                 refuse(f"{needed} is missing: build with FENNELBRIGHT_BENCHMARKS=ON")
 
@@ -400,6 +406,24 @@ def measure_registry(place, table, runs):
                   writes == 1 and left == REGISTRY_KEYS - DEAD_KEYS)
 
 
+def measure_windows(place, table, runs):
+    table.head("Windows", f"Milliseconds, median of {runs} alternating runs, on a display that nobody"
+               " sees.")
+    os.environ["QT_QPA_PLATFORM"] = "offscreen"
+    with place.device() as device:
+        ours, theirs = [], []
+        for _ in range(runs):
+            ours.append(place.cost([place.first_page, device.path]).wall)
+            theirs.append(place.cost([place.empty_window]).wall)
+        compare(table, "start to the first page", "", 0, "a program with one empty window",
+                ours, theirs, FIRST_PAGE_RATIO)
+        changed = subprocess.run([place.first_page, device.path, str(TAB_CHANGES)], check=True,
+                                 capture_output=True, text=True)
+        figure = int(changed.stdout) / 1000
+        table.row("a tab change", "", 0, f"{figure:.2f}", f"mean of {TAB_CHANGES}",
+                  f"less than {TAB_CHANGE_LIMIT:.1f}", figure < TAB_CHANGE_LIMIT)
+
+
 def allow_deep_trees():
     _, most = resource.getrlimit(resource.RLIMIT_NOFILE)
     resource.setrlimit(resource.RLIMIT_NOFILE, (most, most))
@@ -430,6 +454,7 @@ def main():
     measure_idle(place, table, arguments.idle_runs)
     count_shortcuts(place, table)
     measure_registry(place, table, 3 * arguments.runs)
+    measure_windows(place, table, 3 * arguments.runs)
     measure_walks(place, table, arguments.runs)
     print(f"\nGoals missed: {table.missed}.")
     return 1 if table.missed else 0

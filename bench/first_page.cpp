@@ -1,0 +1,104 @@
+// Runs the program on a device until its first page is painted, and ends the process there; or
+// changes tabs then and says what one change takes, in microseconds:
+//
+//     first_page DEVICE
+//     first_page DEVICE TAB_CHANGES
+
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QEvent>
+#include <QTest>
+#include <QTimer>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "core/win_main.h"
+#include "platform/device_directory.h"
+#include "platform/directory_store.h"
+#include "platform/display.h"
+
+extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+
+namespace {
+
+// Watches the paintings of the whole process. One that has ended is told in the next turn of the
+// toolkit's loop.
+class PaintWatcher : public QObject {
+  public:
+    explicit PaintWatcher(int tabChanges) : left_(tabChanges) {}
+
+    bool eventFilter(QObject* object, QEvent* event) override {
+        if (event->type() == QEvent::Paint && object->isWidgetType() && !pending_) {
+            pending_ = true;
+            QTimer::singleShot(0, this, [this] { Painted(); });
+        }
+        return false;
+    }
+
+  private:
+    // The last check box of a page is painted with the rest of the page.
+    static QWidget* Host() {
+        for (QWidget* const window : QApplication::topLevelWidgets()) {
+            if (window->isVisible() &&
+                window->findChild<QWidget*>(QStringLiteral("captionOk")) != nullptr) {
+                return window;
+            }
+        }
+        return nullptr;
+    }
+
+    void Painted() {
+        pending_ = false;
+        QWidget* const host = Host();
+        if (host == nullptr) {
+            return;
+        }
+        if (changes_ == 0) {
+            clock_.start();
+        }
+        if (changes_ == left_) {
+            if (left_ > 0) {
+                std::printf("%lld\n", static_cast<long long>(clock_.nsecsElapsed() / 1000 / left_));
+                std::fflush(stdout);
+            }
+            std::_Exit(0);
+        }
+        ++changes_;
+        QTest::keyClick(host, Qt::Key_Tab, Qt::ControlModifier);
+    }
+
+    int left_;
+    int changes_ = 0;
+    bool pending_ = false;
+    QElapsedTimer clock_;
+};
+
+}  // namespace
+
+int main(int count, char** words) {
+    if (count != 2 && count != 3) {
+        std::fputs("Usage: first_page DEVICE [TAB_CHANGES]\n", stderr);
+        return 64;
+    }
+    platform::DeviceDirectory device;
+    std::string reason = platform::OpenDeviceDirectory(words[1], device);
+    auto registry =
+        reason.empty() ? platform::Registry::Open(device.directory.get(), reason) : nullptr;
+    if (registry == nullptr) {
+        std::fprintf(stderr, "first_page: %s: %s\n", words[1], reason.c_str());
+        return 66;
+    }
+    platform::DirectoryStore store(std::move(device.files),
+                                   u"\\Program Files\\Fennelbright\\Fennelbright.exe",
+                                   std::move(registry));
+    const platform::StoreInUse storeInUse(store);
+    const platform::DisplayNeeds needs = platform::NeedsFor(words[1], 1);
+    const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
+    const platform::WindowsInUse windowsInUse(*windows);
+    PaintWatcher watcher(count == 3 ? std::atoi(words[2]) : 0);
+    qApp->installEventFilter(&watcher);
+    std::u16string line;
+    return WinMain(nullptr, nullptr, line.data(), 0);
+}
