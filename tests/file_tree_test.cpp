@@ -68,6 +68,14 @@ TEST(DeleteTree, PathsThatAreNoDirectoryDeleteNothing) {
     }
 }
 
+TEST(DeleteTree, WhatCannotGoStaysAndIsNotCounted) {
+    const Device device(Words("T/a=1 T/b/locked=22 T/c/d=333"));
+    chmod((device.files() + "/T/b/locked").c_str(), 0444);
+    DeleteTree(u"\\T\\", true, true);
+    EXPECT_EQ(device.Listing(), Made("T/b/locked=22"));
+    EXPECT_EQ(BytesCleaned, 4U);
+}
+
 // 1023 characters are the longest path of an entry; what is longer is passed over, never cut.
 TEST(DeleteTree, LongestPathsAreDeletedAndLongerOnesPassedOver) {
     std::string directory = "T/";
@@ -158,11 +166,11 @@ TEST(MoveTree, MovesWhatItCanAndLosesNothing) {
     }
 }
 
-// Each walk again and again, with its first, second, ... operation failing.
+// Each walk again and again, with its first, second, ... operation failing, until none does.
 TEST(MoveTree, LosesNothingWhenAnyOperationFails) {
     for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
-        for (int failing = 1, calls = 1; failing <= calls; ++failing) {
+        for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
             const Device device(Words(move.before), failing);
             const Entries before = Contents(device);
             MoveTree(move.from, move.to);
@@ -173,7 +181,7 @@ TEST(MoveTree, LosesNothingWhenAnyOperationFails) {
 }
 
 TEST(DeleteTree, CountsOnlyWhatWentWhenAnyOperationFails) {
-    for (int failing = 1, calls = 1; failing <= calls; ++failing) {
+    for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
         const Device device(Words("T/a=1 T/b/c=22 T/b/d/e=333 T/f=4444 keep=k"), failing);
         DeleteTree(u"\\T\\", true, true);
         std::size_t left = 0;
