@@ -1,10 +1,8 @@
 #include "tests/apply_device.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "core/application.h"
 #include "core/options.h"
@@ -12,8 +10,6 @@
 #include "engine/apply_sequence.h"
 #include "platform/directory_store.h"
 #include "platform/host_text.h"
-#include "platform/no_windows.h"
-#include "platform/window_system.h"
 #include "settings/settings_file.h"
 #include "tests/failing_store.h"
 
@@ -25,71 +21,45 @@ namespace {
 
 constexpr const WCHAR* kModule = TEXT("\\App\\Fennelbright.exe");
 
-class CollectedBoxes : public platform::NoWindows {
-  public:
-    explicit CollectedBoxes(std::vector<std::string>& boxes) : boxes_(boxes) {}
-
-    int MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
-                    UINT /*type*/) override {
-        boxes_.push_back('[' + platform::ReadableText(caption) + "] " +
-                         platform::ReadableText(text));
-        return IDOK;
-    }
-
-  private:
-    std::vector<std::string>& boxes_;
-};
-
 // Counts the restarts that would end the process.
 class RestartingStore : public FailingStore {
   public:
-    RestartingStore(platform::DeviceStore& inner, int failing, int& restarts)
-        : FailingStore(inner, failing), restarts_(restarts) {}
+    using FailingStore::FailingStore;
 
     BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
                          DWORD /*outputSize*/, DWORD* /*returned*/) override {
-        restarts_ += code == IOCTL_HAL_REBOOT ? 1 : 0;
+        restarts += code == IOCTL_HAL_REBOOT ? 1 : 0;
         return 1;
     }
 
-  private:
-    int& restarts_;
+    int restarts = 0;
 };
-
-void PutValues(const ApplyInput& input, CSettings& settings) {
-    for (const Option& option : AllOptions()) {
-        for (const auto& [bit, text] : input.texts) {
-            if (bit == option.bit) {
-                settings.*option.text = NewSettingsText();
-                std::copy_n(text, wcslen(text), (settings.*option.text).get());
-            }
-        }
-        for (const auto& [bit, position] : input.positions) {
-            if (bit == option.bit) {
-                settings.*option.position = position;
-            }
-        }
-    }
-}
 
 void WriteSettingsOf(const ApplyInput& input) {
     CSettings settings;
-    PutValues(input, settings);
+    for (const Option& option : AllOptions()) {
+        if (option.text != nullptr && input.text != nullptr) {
+            settings.*option.text = NewSettingsText();
+            std::copy_n(input.text, wcslen(input.text), (settings.*option.text).get());
+        }
+        if (option.position != nullptr) {
+            settings.*option.position = input.position;
+        }
+    }
     std::FILE* const file = OpenSettingsForWriting();
     ASSERT_NE(file, nullptr);
     WriteSettings(file, input.mask, settings);
     ASSERT_EQ(std::fclose(file), 0);
 }
 
-void Apply(bool allowRestart) {
-    CSettings settings;
-    g_Settings = &settings;
-    g_Silent = true;
-    ApplySettings(allowRestart);
-    g_Settings = nullptr;
-}
-
 }  // namespace
+
+int CollectedBoxes::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
+                                UINT type) {
+    boxes.push_back('[' + platform::ReadableText(caption) + "] " + platform::ReadableText(text) +
+                    (type == MB_OK ? "" : "?"));
+    return IDOK;
+}
 
 ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
     TemporaryDevice device;
@@ -98,26 +68,27 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
     if (!input.registry.empty()) {
         WriteFile(device.path() + "/registry.reg", input.registry);
     }
-    const platform::Descriptor directory(
-        open(device.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::string error;
-    auto registry = platform::Registry::Open(directory.get(), error);
-    EXPECT_NE(registry, nullptr) << error;
-    platform::DirectoryStore store(device.OpenFiles(), kModule, std::move(registry));
+    platform::DirectoryStore store(device.OpenFiles(), kModule, device.OpenRegistry());
     {
         const platform::StoreInUse inUse(store);
         WriteSettingsOf(input);
     }
     ApplyResult result;
-    RestartingStore faulty(store, failing, result.restarts);
-    CollectedBoxes windows(result.boxes);
+    RestartingStore faulty(store, failing);
+    CollectedBoxes windows;
     const platform::StoreInUse storeInUse(faulty);
     const platform::WindowsInUse windowsInUse(windows);
     BytesCleaned = 0;
     testing::internal::CaptureStderr();
-    Apply(input.allowRestart);
+    CSettings settings;
+    g_Settings = &settings;
+    g_Silent = true;
+    ApplySettings(input.allowRestart);
+    g_Settings = nullptr;
     result.notes = testing::internal::GetCapturedStderr();
     EXPECT_EQ(store.Finish(), "");
+    result.boxes = windows.boxes;
+    result.restarts = faulty.restarts;
     result.bytesCleaned = BytesCleaned;
     result.registry = ReadFile(device.path() + "/registry.reg");
     result.files = device.Listing();

@@ -2,25 +2,33 @@
 
 #include <cstdint>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "core/plain_types.h"
+#include "platform/no_windows.h"
 #include "tests/temporary_device.h"
+
+// Keeps the boxes that it was asked to show, "[caption] text", and "?" behind one with a choice.
+class CollectedBoxes : public platform::NoWindows {
+  public:
+    int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
+
+    std::vector<std::string> boxes;
+};
 
 // What one silent run starts from.
 struct ApplyInput {
     std::vector<std::string> files;  // in the notation of TemporaryDevice::Make
     std::string registry;            // the text of registry.reg; empty: no such file
     std::uint32_t mask = 0;
-    std::vector<std::pair<std::uint32_t, const WCHAR*>> texts = {};  // by option
-    std::vector<std::pair<std::uint32_t, std::int32_t>> positions = {};
+    const WCHAR* text = nullptr;  // of every option that has one; null: none is stored
+    std::int32_t position = 0;    // the same
     bool allowRestart = false;
 };
 
 // What it leaves behind. The program's own directory "App", with settings.dat in it, is left out.
 struct ApplyResult {
-    std::vector<std::string> boxes;  // "[caption] text"
+    std::vector<std::string> boxes;
     std::vector<std::string> files;  // in the notation of TemporaryDevice::Listing
     std::string registry;
     std::uint32_t bytesCleaned = 0;

@@ -9,11 +9,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
-#include <memory>
-#include <ostream>
-#include <string>
-#include <vector>
 
 #include "platform/file_store.h"
 #include "platform/host_text.h"
@@ -23,43 +18,32 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
 using Paths = std::vector<std::u16string>;
 
-struct Wrapper {
-    const char* name;
-    std::function<std::unique_ptr<platform::DeviceStore>(platform::DeviceStore&)> wrap;
-};
+using Wrap = std::unique_ptr<platform::DeviceStore> (*)(platform::DeviceStore&);
 
-void PrintTo(const Wrapper& wrapper, std::ostream* out) {
-    *out << wrapper.name;
+std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
+    static std::FILE* const report = std::fopen("/dev/null", "w");
+    return std::make_unique<platform::RecordingStore>(store, report);
+}
+std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
+    return std::make_unique<platform::ForwardingStore>(store);
+}
+std::unique_ptr<platform::DeviceStore> FailNever(platform::DeviceStore& store) {
+    return std::make_unique<FailingStore>(store, 0);
 }
 
-const Wrapper kWrappers[] = {
-    {"Real",
-     [](platform::DeviceStore& store) {
-         return std::make_unique<platform::ForwardingStore>(store);
-     }},
-    {"Recording",
-     [](platform::DeviceStore& store) {
-         static std::FILE* const report = std::fopen("/dev/null", "w");
-         return std::make_unique<platform::RecordingStore>(store, report);
-     }},
-    {"FailingNever",
-     [](platform::DeviceStore& store) { return std::make_unique<FailingStore>(store, 0); }},
-};
-
-class DeviceStoreTest : public testing::TestWithParam<Wrapper> {
+class DeviceStoreTest : public testing::TestWithParam<Wrap> {
   protected:
     void Open() {
         real_ = std::make_unique<platform::FileStore>(device_.OpenFiles(), u"\\Program.exe");
-        store_ = GetParam().wrap(*real_);
+        store_ = GetParam()(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(*store_);
     }
 
-    // Names that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
-    static Names Search(const std::u16string& pattern) {
-        Names names;
+    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
+    static Entries Search(const std::u16string& pattern) {
+        Entries names;
         WIN32_FIND_DATA data;
         const HANDLE find = FindFirstFileW(pattern.c_str(), &data);
         for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
@@ -84,54 +68,32 @@ class DeviceStoreTest : public testing::TestWithParam<Wrapper> {
     std::unique_ptr<platform::StoreInUse> inUse_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::ValuesIn(kWrappers),
-                         [](const auto& each) { return each.param.name; });
+INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::Values(Forward, Record, FailNever));
 
 TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",
                   "ff/sub/deep=", "ff/st*r=", "empty/"});
     Open();
-    const struct {
-        std::u16string pattern;
-        Names names;
-    } cases[] = {
-        {u"\\ff\\*", {".hid", "a.lnk", "b.LNK", "c.lnk.bak", "noext", "st<F02A>r", "sub\\"}},
-        {u"\\ff\\*.*", {".hid", "a.lnk", "b.LNK", "c.lnk.bak", "noext", "st<F02A>r", "sub\\"}},
-        {u"\\FF\\*.lnk", {"a.lnk", "b.LNK"}},
-        {u"\\FF\\A.LNK", {"a.lnk"}},
-        {u"\\\\ff\\\\a.lnk", {"a.lnk"}},
-        {u"ff\\\\*.bak", {"c.lnk.bak"}},
-        {u"\\ff", {"ff\\"}},
-        {u"\\ff\\", {"ff\\"}},
-        {u"\\", {"\\"}},
-        {u"\\*", {"empty\\", "ff\\"}},
-        {u"\\ff\\st\uF02Ar", {"st<F02A>r"}},
-        {u"", {}},
-        {u"\\ff\\a.lnk\\", {}},
-        {u"\\ff\\none*", {}},
-        {u"\\none\\*", {}},
-        {u"\\empty\\*", {}},
-        {u"\\f*\\a.lnk", {}},
-        {u"\\ff\\sub\\..\\a.lnk", {}},
-        {u"\\ff\\.\\a.lnk", {}},
-        {u"\\ff/a.lnk", {}},
-        {u"\\ff\\a.lnk\\*", {}},
-    };
-    for (const auto& expected : cases) {
-        EXPECT_EQ(Search(expected.pattern), expected.names)
-            << platform::ReadableText(expected.pattern);
+    const std::string all = ".hid a.lnk b.LNK c.lnk.bak noext st<F02A>r sub\\";
+    const std::pair<std::u16string, std::string> cases[] = {{u"\\ff\\*", all},
+                                                            {u"\\ff\\*.*", all},
+                                                            {u"\\FF\\*.lnk", "a.lnk b.LNK"},
+                                                            {u"\\FF\\A.LNK", "a.lnk"},
+                                                            {u"\\\\ff\\\\a.lnk", "a.lnk"},
+                                                            {u"ff\\\\*.bak", "c.lnk.bak"},
+                                                            {u"\\ff", "ff\\"},
+                                                            {u"\\ff\\", "ff\\"},
+                                                            {u"\\", "\\"},
+                                                            {u"\\*", "empty\\ ff\\"},
+                                                            {u"\\ff\\st\uF02Ar", "st<F02A>r"}};
+    for (const auto& [pattern, found] : cases) {
+        EXPECT_EQ(Search(pattern), Words(found)) << platform::ReadableText(pattern);
     }
-}
-
-TEST_P(DeviceStoreTest, ExactNameWinsElseTheFirstInByteOrder) {
-    device_.Make({"Temp/one=", "temp/two=", "x/tEMP=", "x/TeMP="});
-    Open();
-    EXPECT_EQ(Search(u"\\temp\\*"), Names{"two"});
-    EXPECT_EQ(Search(u"\\Temp\\*"), Names{"one"});
-    EXPECT_EQ(Search(u"\\TEMP\\*"), Names{"one"});
-    EXPECT_EQ(Search(u"\\x\\temp"), Names{"TeMP"});
-    EXPECT_NE(DeleteFileW(u"\\X\\TEMP"), 0);
-    EXPECT_EQ(Search(u"\\x\\*"), Names{"tEMP"});
+    for (const std::u16string pattern :
+         {u"", u"\\ff\\a.lnk\\", u"\\ff\\none*", u"\\none\\*", u"\\empty\\*", u"\\f*\\a.lnk",
+          u"\\ff\\sub\\..\\a.lnk", u"\\ff\\.\\a.lnk", u"\\ff/a.lnk", u"\\ff\\a.lnk\\*"}) {
+        EXPECT_EQ(Search(pattern), Entries()) << platform::ReadableText(pattern);
+    }
 }
 
 TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
@@ -140,6 +102,7 @@ TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
     chmod(HostPath("locked").c_str(), 0444);
     const bool hidden = setxattr(HostPath("hidden").c_str(), "user.DOSATTRIB", "0x6", 3, 0) == 0;
     Open();
+    constexpr DWORD kHidden = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
     const struct {
         std::u16string path;
         DWORD attributes, high, low;
@@ -147,13 +110,11 @@ TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
         {u"\\big", FILE_ATTRIBUTE_NORMAL, 3, 7},
         {u"\\locked", FILE_ATTRIBUTE_READONLY, 0, 3},
         {u"\\plain", FILE_ATTRIBUTE_DIRECTORY, 0, 0},
-        {u"\\hidden",
-         FILE_ATTRIBUTE_DIRECTORY | (hidden ? FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM : 0), 0,
-         0},
+        {u"\\hidden", FILE_ATTRIBUTE_DIRECTORY | (hidden ? kHidden : 0), 0, 0},
     };
     for (const auto& expected : cases) {
         // A single entry and one of a list are told alike.
-        for (const std::u16string& pattern : Paths{expected.path, expected.path + u"*"}) {
+        for (const std::u16string& pattern : {expected.path, expected.path + u"*"}) {
             WIN32_FIND_DATA data{};
             FindClose(FindFirstFileW(pattern.c_str(), &data));
             EXPECT_EQ(data.dwFileAttributes, expected.attributes);
@@ -176,8 +137,9 @@ TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
 }
 
 TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
-    device_.Make({"d/a=1", "d/locked=2", "d/link>../outside", "d/loop>loop", "d/pipe|", "d/sub/",
-                  "d/full/x=3", "outside/keep=4"});
+    device_.Make(
+        Words("d/a=1 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
+              "d/full/x=3 outside/keep=4"));
     chmod(HostPath("d/locked").c_str(), 0444);
     Open();
     const Paths kept = {u"\\d\\locked",     u"\\d\\sub", u"\\d\\none", u"\\d\\a\\",
@@ -193,7 +155,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
     EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
     EXPECT_EQ(device_.Listing(),
-              (Names{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
+              (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
 }
 
 TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
@@ -213,35 +175,34 @@ TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
         EXPECT_EQ(MoveFileW(path.c_str(), u"\\got"), 0);
     }
     EXPECT_EQ(CreateDirectoryW(u"\\link\\new", nullptr), 0);
-    EXPECT_EQ(Search(u"\\link\\*"), Names{});
-    EXPECT_EQ(outside.Listing(), (Names{"dir/", "dir/secret=s", "secret=s"}));
+    EXPECT_EQ(Search(u"\\link\\*"), Entries{});
+    EXPECT_EQ(outside.Listing(), (Entries{"dir/", "dir/secret=s", "secret=s"}));
 }
 
 TEST_P(DeviceStoreTest, MovesNeverReplace) {
-    device_.Make({"a/x=1", "a/Y=2", "b/X=3", "b/y=4", "a/d/in=5", "c/", "a/link>x", "file=6"});
+    device_.Make(Words("a/x=1 a/Y=2 b/X=3 b/y=4 a/d/in=5 c/ a/link>x file=6 e/h=7 f/"));
+    ASSERT_EQ(link(HostPath("e/h").c_str(), HostPath("f/h").c_str()), 0);
     Open();
-    const struct {
-        std::u16string from, to;
-        bool moved;
-    } cases[] = {
-        {u"\\a\\x", u"\\b\\x", false},     // taken in another case
-        {u"\\a\\Y", u"\\b\\y", false},     // taken
-        {u"\\a\\x", u"\\none\\x", false},  // nowhere to go
-        {u"\\a\\x", u"\\file\\x", false}, {u"\\a\\none", u"\\c\\none", false},
-        {u"\\a\\x", u"\\c\\x\\", false},  // a file is no directory
-        {u"\\a\\x", u"\\c\\a:b", false},  // no name
-        {u"\\a\\x", u"", false},          {u"\\", u"\\c\\root", false},
-        {u"\\a\\d", u"\\a\\d\\e", false},  // into itself
-        {u"\\a\\x", u"\\A\\X", true},      // onto itself, however spelt
-        {u"\\a\\d", u"\\\\a\\D\\", true}, {u"\\A\\X", u"\\c\\New", true},
-        {u"\\a\\d", u"\\c\\d", true},     {u"\\a\\link", u"\\c\\link", true},
-    };
-    for (const auto& move : cases) {
-        EXPECT_EQ(MoveFileW(move.from.c_str(), move.to.c_str()) != 0, move.moved)
-            << platform::ReadableText(move.from) << " to " << platform::ReadableText(move.to);
+    // Names that are taken, in another case and by a hard link to the same file; places that are
+    // not there, names that are none, and a directory's own inside.
+    const std::pair<const WCHAR*, const WCHAR*> refused[] = {
+        {u"\\a\\x", u"\\b\\x"},    {u"\\a\\Y", u"\\b\\y"},    {u"\\e\\h", u"\\f\\h"},
+        {u"\\a\\x", u"\\none\\x"}, {u"\\a\\x", u"\\file\\x"}, {u"\\a\\none", u"\\c\\none"},
+        {u"\\a\\x", u"\\c\\x\\"},  {u"\\a\\x", u"\\c\\a:b"},  {u"\\a\\x", u""},
+        {u"\\", u"\\c\\root"},     {u"\\a\\d", u"\\a\\d\\e"}};
+    for (const auto& [from, to] : refused) {
+        EXPECT_EQ(MoveFileW(from, to), 0) << platform::ReadableText(to);
     }
-    EXPECT_EQ(device_.Listing(), (Names{"a/", "a/Y=2", "b/", "b/X=3", "b/y=4", "c/", "c/New=1",
-                                        "c/d/", "c/d/in=5", "c/link>x", "file=6"}));
+    const std::pair<const WCHAR*, const WCHAR*> moved[] = {{u"\\a\\x", u"\\A\\X"},
+                                                           {u"\\a\\d", u"\\\\a\\D\\"},
+                                                           {u"\\A\\X", u"\\c\\New"},
+                                                           {u"\\a\\d", u"\\c\\d"},
+                                                           {u"\\a\\link", u"\\c\\link"}};
+    for (const auto& [from, to] : moved) {
+        EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
+    }
+    EXPECT_EQ(device_.Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
+                                       "e/ e/h=7 f/ f/h=7 file=6"));
 }
 
 TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
@@ -257,44 +218,31 @@ TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
     EXPECT_NE(CreateDirectoryW(u"\\to\\d", nullptr), 0);
     EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\D"), 0);
     FindClose(find);
-    EXPECT_EQ(device_.Listing(), (Names{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
-}
-
-TEST_P(DeviceStoreTest, HardLinksAreEntriesOfTheirOwn) {
-    device_.Make({"a/x=1", "b/"});
-    ASSERT_EQ(link(HostPath("a/x").c_str(), HostPath("b/x").c_str()), 0);
-    Open();
-    EXPECT_EQ(MoveFileW(u"\\a\\x", u"\\b\\x"), 0);
-    EXPECT_EQ(device_.Listing(), (Names{"a/", "a/x=1", "b/", "b/x=1"}));
+    EXPECT_EQ(device_.Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
 }
 
 TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
     device_.Make({"Dir/"});
     Open();
-    EXPECT_EQ(CreateDirectoryW(u"\\dIR", nullptr), 0);
-    EXPECT_EQ(CreateDirectoryW(u"\\none\\x", nullptr), 0);
-    EXPECT_EQ(CreateDirectoryW(u"\\Dir\\a?b", nullptr), 0);
-    EXPECT_EQ(CreateDirectoryW(u"\\", nullptr), 0);
     EXPECT_NE(CreateDirectoryW(u"\\DIR\\M\u00DCll\\", nullptr), 0);
-    EXPECT_EQ(CreateDirectoryW(u"\\dir\\m\u00FCLL", nullptr), 0);
-    EXPECT_EQ(device_.Listing(), (Names{"Dir/", "Dir/M\xC3\x9Cll/"}));
+    for (const WCHAR* const path :
+         {u"\\dIR", u"\\none\\x", u"\\Dir\\a?b", u"\\", u"\\dir\\m\u00FCLL"}) {
+        EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(device_.Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
 }
 
 TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
     device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
     chmod(HostPath("locked").c_str(), 0444);
     Open();
-    for (const std::u16string& path :
-         Paths{u"\\dir", u"\\pipe", u"\\link", u"\\none", u"\\", u""}) {
-        for (const WCHAR* const mode : {u"r", u"rb"}) {
-            EXPECT_EQ(_wfopen(path.c_str(), mode), nullptr) << platform::ReadableText(path);
-        }
+    const std::pair<const WCHAR*, const WCHAR*> refused[] = {
+        {u"\\dir", u"r"},   {u"\\pipe", u"rb"},   {u"\\link", u"rb"},    {u"\\none", u"r"},
+        {u"\\", u"rb"},     {u"", u"rb"},         {u"\\dir", u"wb"},     {u"\\pipe", u"wb"},
+        {u"\\link", u"wb"}, {u"\\locked", u"wb"}, {u"\\no\\dir", u"wb"}, {u"\\a", u"a"}};
+    for (const auto& [path, mode] : refused) {
+        EXPECT_EQ(_wfopen(path, mode), nullptr) << platform::ReadableText(path);
     }
-    for (const std::u16string& path :
-         Paths{u"\\dir", u"\\pipe", u"\\link", u"\\locked", u"\\no\\dir"}) {
-        EXPECT_EQ(_wfopen(path.c_str(), u"wb"), nullptr) << platform::ReadableText(path);
-    }
-    EXPECT_EQ(_wfopen(u"\\a", u"a"), nullptr);
     std::FILE* const file = _wfopen(u"\\A", u"rb");
     ASSERT_NE(file, nullptr);
     char text[8] = {};
@@ -317,7 +265,7 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
         EXPECT_FALSE(Exists(u"\\d\\New"));
         EXPECT_EQ(std::fclose(file), 0);
     }
-    EXPECT_EQ(device_.Listing(), (Names{"d/", "d/New=after", "d/Old=after"}));
+    EXPECT_EQ(device_.Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
     struct stat published {};
     ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
     EXPECT_EQ(published.st_mode & 0777, 0640U);
@@ -328,26 +276,22 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
 TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     device_.Make({".fennelbright-new-0123456789abcdef=half", "sub/", ".fennelbright-new-x=mine"});
     Open();
-    EXPECT_EQ(device_.Listing(), (Names{".fennelbright-new-x=mine", "sub/"}));
+    EXPECT_EQ(device_.Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
     WriteFile(HostPath(".fennelbright-new-00000000000000ff"), "half");
-    EXPECT_EQ(Search(u"\\*"), (Names{".fennelbright-new-x", "sub\\"}));
+    EXPECT_EQ(Search(u"\\*"), (Entries{".fennelbright-new-x", "sub\\"}));
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
 }
 
-TEST_P(DeviceStoreTest, EntriesThatVanishOrAppearDoNotEndAWalk) {
-    std::vector<std::string> entries;
+TEST_P(DeviceStoreTest, EntriesThatVanishDoNotEndAWalk) {
     for (int index = 0; index < 500; ++index) {
-        entries.push_back("d/file" + std::to_string(index) + '=');
+        device_.Make({"d/file" + std::to_string(index) + '='});
     }
-    device_.Make(entries);
     Open();
     WIN32_FIND_DATA data;
     const HANDLE find = FindFirstFileW(u"\\d\\*", &data);
-    ASSERT_NE(find, INVALID_HANDLE_VALUE);
     std::filesystem::remove_all(HostPath("d"));
     int found = 1;
-    while (FindNextFileW(find, &data) != 0) {
-        ++found;
+    for (; FindNextFileW(find, &data) != 0; ++found) {
     }
     FindClose(find);
     EXPECT_LT(found, 500);

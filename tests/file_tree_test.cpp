@@ -5,9 +5,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <filesystem>
-#include <string>
-#include <vector>
 
 #include "engine/apply_sequence.h"
 #include "platform/file_store.h"
@@ -17,181 +14,134 @@
 
 namespace {
 
-using Entries = std::vector<std::string>;
+// A device with these entries in use. Its n-th operation that can fail does so, none for 0.
+class Device : public TemporaryDevice {
+  public:
+    explicit Device(const Entries& entries, int failing = 0)
+        : real_(OpenFiles(), u""), store_(real_, failing), inUse_(store_) {
+        Make(entries);
+        BytesCleaned = 0;
+    }
+    int calls() const { return store_.calls(); }
 
-Entries Delete(const Entries& before, const std::u16string& directory, bool recurse,
-               bool removeDirectories) {
+  private:
+    platform::FileStore real_;
+    FailingStore store_;
+    platform::StoreInUse inUse_;
+};
+
+Entries Made(const std::string& entries) {
     const TemporaryDevice device;
-    device.Make(before);
-    platform::FileStore store(device.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
-    BytesCleaned = 0;
-    DeleteTree(directory.c_str(), recurse, removeDirectories);
+    device.Make(Words(entries));
     return device.Listing();
 }
 
 TEST(DeleteTree, DeletesWhatItsFlagsSayAndCountsIt) {
-    const Entries tree = {"T/a=0123456789", "T/b/c=01234", "T/b/e/f=012", "Tx=keep", "keep=k"};
+    const std::string tree = "T/a=0123456789 T/b/c=01234 T/b/e/f=012 Tx=keep keep=k";
     const struct {
-        std::u16string directory;
+        const WCHAR* directory;
         bool recurse, removeDirectories;
-        Entries after;
+        std::string after;
         std::uint32_t bytes;
     } cases[] = {
-        {u"\\T\\", false, true, {"T/", "T/b/", "T/b/c=01234", "T/b/e/", "T/b/e/f=012"}, 10},
-        {u"\\T\\", true, false, {"T/", "T/b/", "T/b/e/"}, 18},
-        {u"\\T\\", true, true, {"T/"}, 18},
-        {u"t\\\\", true, true, {"T/"}, 18},
-        {u"\\T\\b\\e\\", true, true, {"T/", "T/a=0123456789", "T/b/", "T/b/c=01234", "T/b/e/"}, 3},
+        {u"\\T\\", false, true, "T/b/c=01234 T/b/e/f=012", 10},
+        {u"\\T\\", true, false, "T/b/e/", 18},
+        {u"\\T\\", true, true, "T/", 18},
+        {u"t\\\\", true, true, "T/", 18},
+        {u"\\T\\b\\e\\", true, true, "T/a=0123456789 T/b/c=01234 T/b/e/", 3},
     };
     for (const auto& expected : cases) {
-        Entries after = expected.after;
-        after.insert(after.end(), {"Tx=keep", "keep=k"});
-        EXPECT_EQ(Delete(tree, expected.directory, expected.recurse, expected.removeDirectories),
-                  after);
+        const Device device(Words(tree));
+        DeleteTree(expected.directory, expected.recurse, expected.removeDirectories);
+        EXPECT_EQ(device.Listing(), Made(expected.after + " Tx=keep keep=k"));
         EXPECT_EQ(BytesCleaned, expected.bytes);
     }
 }
 
 TEST(DeleteTree, PathsThatAreNoDirectoryDeleteNothing) {
-    const TemporaryDevice device;
-    device.Make({"Foo/in=1", "FooFoo/in=2", "FooBar/in=3", "FooFooFoo=4", "file=5", "link>Foo"});
+    const Device device(Words("Foo/in=1 FooFoo/in=2 FooBar/in=3 FooFooFoo=4 file=5 link>Foo"));
     const Entries before = device.Listing();
-    for (const std::u16string& path :
-         std::vector<std::u16string>{u"", u"\\Foo", u"Foo", u"\\none\\", u"\\file\\", u"\\link\\",
-                                     u"\\F*\\", u"\\Fo?\\", u"\\Foo\\..\\", u"\\.\\", u"/Foo\\"}) {
-        platform::FileStore store(device.OpenFiles(), u"");
-        const platform::StoreInUse inUse(store);
+    for (const std::u16string path : {u"", u"\\Foo", u"Foo", u"\\none\\", u"\\file\\", u"\\link\\",
+                                      u"\\F*\\", u"\\Fo?\\", u"\\Foo\\..\\", u"\\.\\", u"/Foo\\"}) {
         DeleteTree(path.c_str(), true, true);
         EXPECT_EQ(device.Listing(), before) << platform::ReadableText(path);
     }
 }
 
 TEST(DeleteTree, WhatCannotGoStaysAndIsNotCounted) {
-    const TemporaryDevice device;
-    device.Make({"T/a=1", "T/b/locked=22", "T/c/d=333"});
+    const Device device(Words("T/a=1 T/b/locked=22 T/c/d=333"));
     chmod((device.files() + "/T/b/locked").c_str(), 0444);
-    platform::FileStore store(device.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
-    BytesCleaned = 0;
     DeleteTree(u"\\T\\", true, true);
-    EXPECT_EQ(device.Listing(), (Entries{"T/", "T/b/", "T/b/locked=22"}));
+    EXPECT_EQ(device.Listing(), Made("T/b/locked=22"));
     EXPECT_EQ(BytesCleaned, 4U);
 }
 
 // 1023 characters are the longest path of an entry; what is longer is passed over, never cut.
 TEST(DeleteTree, LongestPathsAreDeletedAndLongerOnesPassedOver) {
-    const TemporaryDevice device;
-    std::string directory;
+    std::string directory = "T/";
     for (int level = 0; level < 10; ++level) {
         directory += std::string(99, static_cast<char>('a' + level)) + '/';
     }
     // "\T\" and ten levels of 100 characters leave 20 of the 1023.
-    const std::string fits(20, 'f');
-    const std::string tooLong(21, 'g');
-    device.Make({"T/" + directory + fits + "=1", "T/" + directory + tooLong + "=2"});
-    platform::FileStore store(device.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
+    const std::string tooLong = directory + std::string(21, 'g') + "=2";
+    const Device device({directory + std::string(20, 'f') + "=1", tooLong});
     DeleteTree(u"\\T\\", true, false);
-    const Entries after = device.Listing();
-    ASSERT_EQ(after.size(), 12U);
-    EXPECT_TRUE(after.back().ends_with(tooLong + "=2"));
+    EXPECT_EQ(device.Listing(), Made(tooLong));
 }
 
 TEST(DeleteTree, TreesAsDeepAsAPathGoWhole) {
-    const TemporaryDevice device;
     std::string deep = "T/";
     for (int level = 0; level < 500; ++level) {
         deep += "d/";
     }
-    device.Make({deep + "f=1"});
     rlimit limit{};
     getrlimit(RLIMIT_NOFILE, &limit);
     limit.rlim_cur = limit.rlim_max;
     setrlimit(RLIMIT_NOFILE, &limit);
-    platform::FileStore store(device.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
+    const Device device({deep + "f=1"});
     DeleteTree(u"\\T\\", true, true);
     EXPECT_EQ(device.Listing(), Entries{"T/"});
 }
 
-struct Move {
+const struct {
     const char* name;
-    Entries before;
-    std::u16string source, destination;
-    Entries after;
-};
-
-const Move kMoves[] = {
-    {"a tree",
-     {"A/f=1", "A/s/g=2", "A/s/e/", "B/"},
-     u"\\A",
-     u"\\B\\",
-     {"A/", "B/", "B/f=1", "B/s/", "B/s/e/", "B/s/g=2"}},
-    {"an empty source", {"A/", "B/"}, u"\\A", u"\\B\\", {"A/", "B/"}},
-    {"a missing source", {"B/"}, u"\\A", u"\\B\\", {"B/"}},
-    {"a missing destination", {"A/f=1"}, u"\\A", u"\\B\\", {"A/", "A/f=1"}},
-    {"a file as destination", {"A/f=1", "B=2"}, u"\\A", u"\\B\\", {"A/", "A/f=1", "B=2"}},
-    {"a pattern", {"A/f=1", "B/"}, u"\\A*", u"\\B\\", {"A/", "A/f=1", "B/"}},
-    {"the empty source", {"A/f=1", "B/"}, u"", u"\\B\\", {"A/", "A/f=1", "B/"}},
-    {"the empty destination", {"A/f=1"}, u"\\A", u"", {"A/", "A/f=1"}},
-    {"onto itself", {"A/f=1", "A/s/g=2"}, u"\\A", u"\\A\\", {"A/", "A/f=1", "A/s/", "A/s/g=2"}},
-    {"onto itself with an empty part", {"A/s/"}, u"\\A\\", u"\\A\\", {"A/", "A/s/"}},
-    {"onto itself in another spelling",
-     {"A b/f=1", "A b/s/"},
-     u"\\\\a B\\",
-     u"A b\\\\",
-     {"A b/", "A b/f=1", "A b/s/"}},
-    {"into a part of itself",
-     {"A/f=1", "A/s/g=2", "A/t/h=3"},
-     u"\\A",
-     u"\\A\\s\\",
-     {"A/", "A/s/", "A/s/f=1", "A/s/g=2", "A/s/t/", "A/s/t/h=3"}},
-    {"deep into itself",
-     {"A/f=1", "A/s/g=2", "A/s/d/h=3"},
-     u"\\A",
-     u"\\a\\S\\D\\",
-     {"A/", "A/s/", "A/s/d/", "A/s/d/f=1", "A/s/d/h=3", "A/s/g=2"}},
-    {"out of the destination",
-     {"A/B/f=1", "A/B/s/g=2"},
-     u"\\A\\B",
-     u"\\A\\",
-     {"A/", "A/B/", "A/f=1", "A/s/", "A/s/g=2"}},
-    {"a part named as the source itself",
-     {"A/B/b/f=1", "A/B/g=2"},
-     u"\\A\\B",
-     u"\\A\\",
-     {"A/", "A/B/", "A/B/b/", "A/B/b/f=1", "A/g=2"}},
-    {"names that are taken",
-     {"A/f=1", "A/g=2", "A/s/h=3", "A/s/i=4", "B/F=x", "B/S/H=y"},
-     u"\\A",
-     u"\\B\\",
-     {"A/", "A/f=1", "A/s/", "A/s/h=3", "B/", "B/F=x", "B/S/", "B/S/H=y", "B/S/i=4", "B/g=2"}},
-    {"a directory onto a file and a file onto a directory",
-     {"A/d/f=1", "A/g=2", "B/d=x", "B/g/y=z"},
-     u"\\A",
-     u"\\B\\",
-     {"A/", "A/d/", "A/d/f=1", "A/g=2", "B/", "B/d=x", "B/g/", "B/g/y=z"}},
-    {"through a link", {"A/f=1", "B/", "L>B"}, u"\\A", u"\\L\\", {"A/", "A/f=1", "B/", "L>B"}},
-    {"links and pipes as they are",
-     {"A/l>/etc", "A/p|", "B/"},
-     u"\\A",
-     u"\\B\\",
-     {"A/", "B/", "B/l>/etc", "B/p|"}},
-    {"the same names in two cases",
-     {"A/x=1", "A/X=2", "B/"},
-     u"\\A",
-     u"\\B\\",
-     {}},  // which of them goes is the file system's order: only that none is lost counts
-    {"the root", {"A/f=1", "g=2"}, u"\\", u"\\A\\", {"A/", "A/f=1", "A/g=2"}},
+    const char* before;
+    const WCHAR* from;
+    const WCHAR* to;
+    const char* after;  // null where only that nothing is lost counts
+} kMoves[] = {
+    {"a tree", "A/f=1 A/s/g=2 A/s/e/ B/", u"\\A", u"\\B\\", "A/ B/f=1 B/s/g=2 B/s/e/"},
+    {"an empty source", "A/ B/", u"\\A", u"\\B\\", "A/ B/"},
+    {"a missing source", "B/", u"\\A", u"\\B\\", "B/"},
+    {"a missing destination", "A/f=1", u"\\A", u"\\B\\", "A/f=1"},
+    {"a file as destination", "A/f=1 B=2", u"\\A", u"\\B\\", "A/f=1 B=2"},
+    {"a pattern", "A/f=1 B/", u"\\A*", u"\\B\\", "A/f=1 B/"},
+    {"the empty source", "A/f=1 B/", u"", u"\\B\\", "A/f=1 B/"},
+    {"the empty destination", "A/f=1", u"\\A", u"", "A/f=1"},
+    {"onto itself", "A/f=1 A/s/g=2", u"\\A", u"\\A\\", "A/f=1 A/s/g=2"},
+    {"onto itself with an empty part", "A/s/", u"\\A\\", u"\\A\\", "A/s/"},
+    {"onto itself respelt", "Ab/f=1 Ab/s/", u"\\\\aB\\", u"Ab\\\\", "Ab/f=1 Ab/s/"},
+    {"into a part of itself", "A/f=1 A/s/g=2 A/t/h=3", u"\\A", u"\\A\\s\\",
+     "A/s/f=1 A/s/g=2 A/s/t/h=3"},
+    {"deep into itself", "A/f=1 A/s/g=2 A/s/d/h=3", u"\\A", u"\\a\\S\\D\\",
+     "A/s/d/f=1 A/s/d/h=3 A/s/g=2"},
+    {"out of the destination", "A/B/f=1 A/B/s/g=2", u"\\A\\B", u"\\A\\", "A/B/ A/f=1 A/s/g=2"},
+    {"a part named as the source", "A/B/b/f=1 A/B/g=2", u"\\A\\B", u"\\A\\", "A/B/b/f=1 A/g=2"},
+    {"names that are taken", "A/f=1 A/g=2 A/s/h=3 A/s/i=4 B/F=x B/S/H=y", u"\\A", u"\\B\\",
+     "A/f=1 A/s/h=3 B/F=x B/S/H=y B/S/i=4 B/g=2"},
+    {"names of the other kind", "A/d/f=1 A/g=2 B/d=x B/g/y=z", u"\\A", u"\\B\\",
+     "A/d/f=1 A/g=2 B/d=x B/g/y=z"},
+    {"through a link", "A/f=1 B/ L>B", u"\\A", u"\\L\\", "A/f=1 B/ L>B"},
+    {"links and pipes as they are", "A/l>/etc A/p| B/", u"\\A", u"\\B\\", "A/ B/l>/etc B/p|"},
+    {"the same names in two cases", "A/x=1 A/X=2 B/", u"\\A", u"\\B\\", nullptr},
+    {"the root", "A/f=1 g=2", u"\\", u"\\A\\", "A/f=1 A/g=2"},
 };
 
 // The content of all files, which no move may change.
-Entries Contents(const Entries& listing) {
+Entries Contents(const TemporaryDevice& device) {
     Entries contents;
-    for (const std::string& entry : listing) {
-        const std::size_t mark = entry.find('=');
-        if (mark != std::string::npos) {
+    for (const std::string& entry : device.Listing()) {
+        if (const std::size_t mark = entry.find('='); mark != std::string::npos) {
             contents.push_back(entry.substr(mark));
         }
     }
@@ -200,60 +150,47 @@ Entries Contents(const Entries& listing) {
 }
 
 TEST(MoveTree, MovesWhatItCanAndLosesNothing) {
-    for (const Move& move : kMoves) {
+    for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
-        const TemporaryDevice device;
-        device.Make(move.before);
-        const Entries before = device.Listing();
-        platform::FileStore store(device.OpenFiles(), u"");
-        const platform::StoreInUse inUse(store);
-        BytesCleaned = 0;
-        MoveTree(move.source.c_str(), move.destination.c_str());
-        EXPECT_EQ(Contents(device.Listing()), Contents(before));
-        if (!move.after.empty()) {
-            EXPECT_EQ(device.Listing(), move.after);
-        }
+        const Device device(Words(move.before));
+        const Entries before = Contents(device);
+        MoveTree(move.from, move.to);
+        EXPECT_EQ(Contents(device), before);
         const Entries moved = device.Listing();
-        MoveTree(move.destination.c_str(), move.destination.c_str());
+        if (move.after != nullptr) {
+            EXPECT_EQ(moved, Made(move.after));
+        }
+        MoveTree(move.to, move.to);
         EXPECT_EQ(device.Listing(), moved);
         EXPECT_EQ(BytesCleaned, 0U);
     }
 }
 
-// Each walk again and again, with its first, second, ... operation failing.
+// Each walk again and again, with its first, second, ... operation failing, until none does.
 TEST(MoveTree, LosesNothingWhenAnyOperationFails) {
-    for (const Move& move : kMoves) {
+    for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
-        for (int failing = 1, calls = 1; failing <= calls; ++failing) {
-            const TemporaryDevice device;
-            device.Make(move.before);
-            const Entries before = device.Listing();
-            platform::FileStore real(device.OpenFiles(), u"");
-            FailingStore store(real, failing);
-            const platform::StoreInUse inUse(store);
-            MoveTree(move.source.c_str(), move.destination.c_str());
-            EXPECT_EQ(Contents(device.Listing()), Contents(before)) << "call " << failing;
-            calls = store.calls();
+        for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
+            const Device device(Words(move.before), failing);
+            const Entries before = Contents(device);
+            MoveTree(move.from, move.to);
+            EXPECT_EQ(Contents(device), before) << "call " << failing;
+            calls = device.calls();
         }
     }
 }
 
 TEST(DeleteTree, CountsOnlyWhatWentWhenAnyOperationFails) {
-    for (int failing = 1, calls = 1; failing <= calls; ++failing) {
-        const TemporaryDevice device;
-        device.Make({"T/a=1", "T/b/c=22", "T/b/d/e=333", "T/f=4444", "keep=k"});
-        platform::FileStore real(device.OpenFiles(), u"");
-        FailingStore store(real, failing);
-        const platform::StoreInUse inUse(store);
-        BytesCleaned = 0;
+    for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
+        const Device device(Words("T/a=1 T/b/c=22 T/b/d/e=333 T/f=4444 keep=k"), failing);
         DeleteTree(u"\\T\\", true, true);
         std::size_t left = 0;
-        for (const std::string& content : Contents(device.Listing())) {
+        for (const std::string& content : Contents(device)) {
             left += content.size() - 1;
         }
         EXPECT_EQ(BytesCleaned + left, 11U) << "call " << failing;
         EXPECT_EQ(device.Listing().back(), "keep=k");
-        calls = store.calls();
+        calls = device.calls();
     }
 }
 

@@ -2,33 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "core/application.h"
 #include "core/options.h"
 #include "core/wide_text.h"
 #include "platform/file_store.h"
-#include "platform/host_text.h"
-#include "platform/no_windows.h"
-#include "platform/window_system.h"
-#include "tests/temporary_device.h"
+#include "tests/apply_device.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-// A window system that keeps the boxes it was asked to show.
-class BoxCollector : public platform::NoWindows {
-  public:
-    int MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) override {
-        boxes.push_back(platform::ReadableText(caption) + ": " + platform::ReadableText(text) +
-                        (type == MB_OK ? "" : "?"));
-        return IDOK;
-    }
-
-    std::vector<std::string> boxes;
-};
 
 class SettingsFileTest : public testing::Test {
   protected:
@@ -46,7 +28,7 @@ class SettingsFileTest : public testing::Test {
     void Put(const std::string& content) { device_.Make({"P/settings.dat=" + content}); }
 
     TemporaryDevice device_;
-    BoxCollector windows_;
+    CollectedBoxes windows_;
 };
 
 std::string Wide(const std::u16string& text) {
@@ -76,24 +58,19 @@ std::string WholeFile() {
     return file + Number(1) + Number(2) + Number(0) + Number(7);
 }
 
-TEST_F(SettingsFileTest, TextsAndPositionsStandInTheirOwnOrder) {
-    Put("\x01\x08\0\0\x02\0\0\0\x5C\0\x41\0\x01\0\0\0"s);
-    CSettings few;
-    EXPECT_EQ(Load(few), 0x801);
-    EXPECT_EQ(std::u16string(few.UserDir1.get()), u"\\A");
-    EXPECT_EQ(few.IeCacheLimitIndex, 1);
-    EXPECT_EQ(few.UserDir2, nullptr);
+std::u16string TextOf(const SettingsText& text) {
+    return text == nullptr ? u"-" : text.get();
+}
 
+TEST_F(SettingsFileTest, TextsAndPositionsStandInTheirOwnOrder) {
     Put(WholeFile() + "what is behind is not read");
     CSettings all;
     EXPECT_EQ(Load(all), static_cast<std::int32_t>(kAll));
-    const SettingsText* const texts[] = {&all.UserDir1,   &all.UserDir2,      &all.CustomExtension,
-                                         &all.IeCacheDir, &all.AvantGoDir,    &all.FavoritesDir,
-                                         &all.FontsDir,   &all.MyDocumentsDir};
     WCHAR digit = u'1';
-    for (const SettingsText* const text : texts) {
-        ASSERT_NE(*text, nullptr);
-        EXPECT_EQ(std::u16string(text->get()), u"\\Dir "s + digit++ + u"\\");
+    for (const SettingsText* const text :
+         {&all.UserDir1, &all.UserDir2, &all.CustomExtension, &all.IeCacheDir, &all.AvantGoDir,
+          &all.FavoritesDir, &all.FontsDir, &all.MyDocumentsDir}) {
+        EXPECT_EQ(TextOf(*text), u"\\Dir "s + digit++ + u"\\");
     }
     EXPECT_EQ(all.IeCacheLimitIndex, 1);
     EXPECT_EQ(all.IeHistoryLimitIndex, 2);
@@ -133,78 +110,63 @@ TEST_F(SettingsFileTest, AFileThatIsCutAnywhereGivesWholeTextsOrNone) {
 }
 
 TEST_F(SettingsFileTest, OddContent) {
+    const std::u16string longest(1023, u'x');
     const struct {
-        const char* name;
         std::string content;
-        std::int32_t mask;
-        std::u16string first;  // "-" for null
-        std::u16string second;
+        std::uint32_t mask;
+        std::u16string first, second;  // "-" for null
     } cases[] = {
-        {"nothing ticked", Number(0), 0, u"-", u"-"},
-        {"only set bits", std::string(200, '\xFF'), kNoMask, u"-", u"-"},
-        {"bits without an option", Number(0xFE000001) + Record(u"\\a\\"),
-         static_cast<std::int32_t>(0xFE000001), u"\\a\\", u"-"},
-        {"an empty text", Number(3) + Record(u"") + Record(u"\\b\\"), 3, u"", u"\\b\\"},
-        {"the longest text", Number(3) + Record(std::u16string(1023, u'x')) + Record(u"b"), 3,
-         std::u16string(1023, u'x'), u"b"},
-        {"a count that is too large", Number(3) + Record(std::u16string(1024, u'x')) + Record(u"b"),
-         3, u"-", u"-"},
-        {"an absurd count", Number(3) + Number(0xFFFFFFFF) + std::string(9000, 'x'), 3, u"-", u"-"},
-        {"a NUL in a text", Number(3) + Record(u"\\a\0b\\"s) + Record(u"c"), 3, u"\\a", u"c"},
-    };
-    const auto textOf = [](const SettingsText& text) {
-        return text == nullptr ? u"-"s : std::u16string(text.get());
+        {Number(0), 0, u"-", u"-"},
+        {std::string(200, '\xFF'), static_cast<std::uint32_t>(kNoMask), u"-", u"-"},
+        {Number(0xFE000001) + Record(u"\\a\\"), 0xFE000001, u"\\a\\", u"-"},
+        {Number(3) + Record(u"") + Record(u"\\b\\"), 3, u"", u"\\b\\"},
+        {Number(3) + Record(longest) + Record(u"b"), 3, longest, u"b"},
+        {Number(3) + Record(longest + u"x") + Record(u"b"), 3, u"-", u"-"},
+        {Number(3) + Number(0xFFFFFFFF) + std::string(9000, 'x'), 3, u"-", u"-"},
+        {Number(3) + Record(u"\\a\0b\\"s) + Record(u"c"), 3, u"\\a", u"c"},
     };
     for (const auto& expected : cases) {
-        SCOPED_TRACE(expected.name);
         Put(expected.content);
         CSettings settings;
-        EXPECT_EQ(Load(settings), expected.mask);
-        EXPECT_EQ(textOf(settings.UserDir1), expected.first);
-        EXPECT_EQ(textOf(settings.UserDir2), expected.second);
+        EXPECT_EQ(static_cast<std::uint32_t>(Load(settings)), expected.mask);
+        EXPECT_EQ(TextOf(settings.UserDir1), expected.first);
+        EXPECT_EQ(TextOf(settings.UserDir2), expected.second);
     }
     EXPECT_TRUE(windows_.boxes.empty());
 }
 
 TEST_F(SettingsFileTest, WithoutAFileThereIsNoMask) {
-    const std::vector<std::string> inItsPlace[] = {
-        {}, {"P/"}, {"P/settings.dat/"}, {"P/settings.dat|"}, {"P/settings.dat>../real", "real="}};
-    for (const auto& entries : inItsPlace) {
+    for (const char* const inItsPlace :
+         {"P/", "P/settings.dat/", "P/settings.dat|", "P/settings.dat>../real real="}) {
         const TemporaryDevice device;
-        device.Make(entries);
+        device.Make(Words(inItsPlace));
         platform::FileStore store(device.OpenFiles(), u"\\P\\Fennelbright.exe");
         const platform::StoreInUse inUse(store);
         CSettings settings;
-        const auto before = device.Listing();
+        const Entries before = device.Listing();
         EXPECT_EQ(LoadSettings(settings), kNoMask);
         EXPECT_EQ(device.Listing(), before);
     }
 }
 
 TEST_F(SettingsFileTest, ThePathIsTheModulesLessSixteenCharacters) {
-    device_.Make(
-        {"P/settings.dat=\x04\0\0\0"s, "P/Q/settings.dat=\x08\0\0\0"s, "settings.dat=\x10\0\0\0"s});
-    const struct {
-        std::u16string module;
-        std::int32_t mask;
-        std::size_t boxes;
-    } cases[] = {
-        {u"\\P\\Fennelbright.exe", 0x04, 0},
-        {u"\\P\\Q\\sixteen-char.exe", 0x08, 0},
-        {u"\\P\\Q\\name14char.exe", 0x04, 0},  // two characters too many go
-        {u"0123456789abcdef", 0x10, 0},
-        {u"\\P\\short.exe", kNoMask, 1},
-        {u"", kNoMask, 1},
-        {std::u16string(2000, u'x'), kNoMask, 1},
+    device_.Make({"P/settings.dat=" + Number(4), "P/Q/settings.dat=" + Number(8),
+                  "settings.dat=" + Number(16)});
+    const std::pair<std::u16string, std::int32_t> cases[] = {
+        {u"\\P\\Fennelbright.exe", 4},
+        {u"\\P\\Q\\sixteen-char.exe", 8},
+        {u"\\P\\Q\\name14char.exe", 4},  // two characters too many go
+        {u"0123456789abcdef", 16},
+        {u"\\P\\short.exe", kNoMask},
+        {u"", kNoMask},
+        {std::u16string(2000, u'x'), kNoMask},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [module, mask] : cases) {
         windows_.boxes.clear();
         CSettings settings;
-        EXPECT_EQ(Load(settings, expected.module), expected.mask);
-        EXPECT_EQ(windows_.boxes.size(), expected.boxes);
-        for (const std::string& box : windows_.boxes) {
-            EXPECT_EQ(box, "Error!!!: Failed retrieving application directory");
-        }
+        EXPECT_EQ(Load(settings, module), mask);
+        EXPECT_EQ(windows_.boxes, Entries(mask == kNoMask ? 1 : 0,
+                                          "[Error!!!] Failed retrieving application directory"));
     }
 }
 

@@ -9,27 +9,20 @@
 
 namespace {
 
-using Strings = std::vector<std::string>;
-
 // Cleans a Start menu with one shortcut on a device with these entries, "*" alone for the
 // shortcut's own directory, and tells whether the shortcut is still there.
-bool Stays(const std::string& target, Strings entries) {
+bool Stays(const std::string& target, Entries entries) {
     entries.push_back("Windows/Start Menu/x.lnk=9#" + target);
     const ApplyResult result =
         ApplySilently({std::move(entries), kQuietTweaks, OPT_CLEAN_START_MENU});
-    return std::count_if(result.files.begin(), result.files.end(), [](const std::string& entry) {
-               return entry.starts_with("Windows/Start Menu/x.lnk");
-           }) == 1;
+    return std::any_of(result.files.begin(), result.files.end(), [](const std::string& entry) {
+        return entry.starts_with("Windows/Start Menu/x.lnk");
+    });
 }
-
-struct TargetCase {
-    const char* target;
-    const char* entry;  // the one that keeps the shortcut
-};
 
 // Texts of shortcuts as they are met on handhelds. Each stays because of one entry, and goes
 // without it.
-constexpr TargetCase kTargets[] = {
+constexpr std::pair<const char*, const char*> kTargets[] = {
     {"\\windows\\solitare.exe", "windows/solitare.exe="},
     {"\\windows\\iexplore.exe -home", "windows/iexplore.exe="},
     {"\\Windows\\MyApp.exe parameter1 parameter2", "Windows/MyApp.exe="},
@@ -72,9 +65,9 @@ constexpr TargetCase kTargets[] = {
 };
 
 TEST(ShortcutCleaningTest, KeepsWhatLeadsSomewhere) {
-    for (const TargetCase& test : kTargets) {
-        EXPECT_TRUE(Stays(test.target, {test.entry})) << test.target;
-        EXPECT_FALSE(Stays(test.target, {})) << test.target;
+    for (const auto& [target, entry] : kTargets) {
+        EXPECT_TRUE(Stays(target, {entry})) << target;
+        EXPECT_FALSE(Stays(target, {})) << target;
     }
 }
 
@@ -96,10 +89,7 @@ TEST(ShortcutCleaningTest, FindsNothingByPatternOrRoot) {
 }
 
 TEST(ShortcutCleaningTest, TellsAPathByItsExtension) {
-    const struct {
-        const WCHAR* quoted;
-        const char* path;
-    } cases[] = {
+    const std::pair<const WCHAR*, const char*> cases[] = {
         {u"\"\\Windows\\x.exe\"", "\\Windows\\x.exe"},
         {u"\"\\Windows\\x.exe\" /a", "\\Windows\\x.exe"},
         {u"\"\\Windows\\page.html\"", "\\Windows\\page.htm"},
@@ -113,46 +103,40 @@ TEST(ShortcutCleaningTest, TellsAPathByItsExtension) {
         {u"\"", ""},
         {u"", ""},
     };
-    for (const auto& test : cases) {
-        EXPECT_EQ(platform::ReadableText(PathByExtension(test.quoted)), test.path);
+    for (const auto& [quoted, path] : cases) {
+        EXPECT_EQ(platform::ReadableText(PathByExtension(quoted)), path);
     }
 }
 
 TEST(ShortcutCleaningTest, CleansTheWholeMenuAndCountsWhatWent) {
-    const Strings before = {
-        "Windows/Start Menu/dead.lnk=5#\\gone",
-        "Windows/Start Menu/Programs/dead.txt=5#\\gone",
-        "Windows/Start Menu/Programs/Games/dead=5#\\gone",
-        "Windows/Start Menu/Programs/text.txt=hello",
-        "Windows/Start Menu/Programs/live.lnk=8#\\Windows",
-        "Windows/Start Menu/Programs/link.lnk>text.txt",
-        "Windows/Start Menu/empty/",
-        "Windows/elsewhere.lnk=5#\\gone",
-    };
-    const ApplyResult result = ApplySilently({before, kQuietTweaks, OPT_CLEAN_START_MENU});
-    EXPECT_EQ(result.files,
-              (Strings{"Windows/", "Windows/Start Menu/", "Windows/Start Menu/Programs/",
-                       "Windows/Start Menu/Programs/Games/",
-                       "Windows/Start Menu/Programs/link.lnk>text.txt",
-                       "Windows/Start Menu/Programs/live.lnk=8#\\Windows",
-                       "Windows/Start Menu/Programs/text.txt=hello", "Windows/Start Menu/empty/",
-                       "Windows/elsewhere.lnk=5#\\gone"}));
+    const std::string menu = "Windows/Start Menu/";
+    Entries stay = {"Windows/", menu};
+    for (const char* const path :
+         {"Programs/", "Programs/Games/", "Programs/link.lnk>text.txt",
+          "Programs/live.lnk=8#\\Windows", "Programs/text.txt=hello", "empty/"}) {
+        stay.push_back(menu + path);
+    }
+    stay.push_back("Windows/elsewhere.lnk=5#\\gone");
+    Entries files = stay;
+    for (const char* const path : {"dead.lnk", "Programs/dead.txt", "Programs/Games/dead"}) {
+        files.push_back(menu + path + "=5#\\gone");
+    }
+    const ApplyResult result = ApplySilently({files, kQuietTweaks, OPT_CLEAN_START_MENU});
+    EXPECT_EQ(result.files, stay);
     EXPECT_EQ(result.bytesCleaned, 21U);
-    EXPECT_EQ(result.boxes, Strings());
-    const ApplyResult unticked = ApplySilently({before, kQuietTweaks, 0});
-    EXPECT_EQ(unticked.bytesCleaned, 0U);
+    EXPECT_EQ(result.boxes, Entries());
+    EXPECT_EQ(ApplySilently({files, kQuietTweaks, 0}).bytesCleaned, 0U);
 }
 
 // A look that fails tells of a missing target, whatever the reason; a reading that fails does not.
 TEST(ShortcutCleaningTest, NeverDeletesWhatItCannotRead) {
-    const Strings files = {"Windows/Start Menu/live.lnk=6#\\a.exe", "a.exe="};
+    const Entries files = {"Windows/Start Menu/live.lnk=6#\\a.exe", "a.exe="};
+    const ApplyInput input{files, kQuietTweaks, OPT_CLEAN_START_MENU};
     int calls = 0;
-    ApplySilently({files, kQuietTweaks, OPT_CLEAN_START_MENU}, 0, &calls);
+    ApplySilently(input, 0, &calls);
     int lost = 0;
     for (int failing = 1; failing <= calls; ++failing) {
-        const ApplyResult result =
-            ApplySilently({files, kQuietTweaks, OPT_CLEAN_START_MENU}, failing);
-        lost += result.bytesCleaned > 0 ? 1 : 0;
+        lost += ApplySilently(input, failing).bytesCleaned > 0 ? 1 : 0;
     }
     EXPECT_EQ(lost, 1);  // the one look for the target
 }

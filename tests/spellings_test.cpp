@@ -1,10 +1,8 @@
 #include "platform/spellings.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 
 #include <chrono>
-#include <string>
 #include <thread>
 
 #include "platform/descriptor.h"
@@ -12,17 +10,13 @@
 
 namespace {
 
-std::string Numbered(std::string name, int number) {
-    name += std::to_string(number);
-    return name;
-}
-
-std::u16string Wide(const std::string& ascii) {
-    return {ascii.begin(), ascii.end()};
-}
-
 std::string Found(const std::optional<platform::HostName>& name) {
     return name ? std::string(name->view()) : "none";
+}
+
+std::u16string Numbered(std::u16string name, int number) {
+    const std::string digits = std::to_string(number);
+    return name.append(digits.begin(), digits.end());
 }
 
 TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
@@ -30,12 +24,15 @@ TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
     device.Make({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
     const platform::Descriptor files = device.OpenFiles();
     platform::Spellings spellings;
+    const std::pair<const WCHAR*, const char*> cases[] = {{u"aBc", "aBc"},
+                                                          {u"Abc", "ABC"},
+                                                          {u"\u00E4.TXT", "\xC3\x84.txt"},
+                                                          {u"abcd", "none"},
+                                                          {u"..", "none"}};
     for (int round = 0; round < 3; ++round) {
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"aBc")), "aBc");
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"Abc")), "ABC");
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"\u00E4.TXT")), "\xC3\x84.txt");
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"abcd")), "none");
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"..")), "none");
+        for (const auto& [name, found] : cases) {
+            EXPECT_EQ(Found(spellings.Find(files.get(), name)), found);
+        }
         EXPECT_EQ(Found(spellings.Find(-1, u"abc")), "none");
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
     }
@@ -50,8 +47,8 @@ TEST(SpellingsTest, SeesWhatWasMadeAfterALookInVain) {
         if (number % 6 == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
         }
-        const std::string name = Numbered("x", number);
-        const std::u16string wanted = Wide(Numbered("X", number));
+        const std::string name = "x" + std::to_string(number);
+        const std::u16string wanted = Numbered(u"X", number);
         EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");
         EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");
         WriteFile(device.files() + "/" + name, "");
@@ -63,11 +60,11 @@ TEST(NameFilterTest, DeniesNothingThatItHolds) {
     platform::NameFilter filter;
     int held = 0;
     for (int number = 0; number < 4000; ++number) {
-        filter.Add(Wide(Numbered("Name", number)));
-        EXPECT_TRUE(filter.MayHold(Wide(Numbered("NAME", number))));
+        filter.Add(Numbered(u"Name", number));
+        EXPECT_TRUE(filter.MayHold(Numbered(u"NAME", number)));
     }
     for (int number = 0; number < 1000; ++number) {
-        held += filter.MayHold(Wide(Numbered("other", number))) ? 1 : 0;
+        held += filter.MayHold(Numbered(u"other", number)) ? 1 : 0;
     }
     EXPECT_LT(held, 200);
 }

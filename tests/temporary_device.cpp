@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 
 namespace fs = std::filesystem;
 
@@ -16,6 +17,7 @@ TemporaryDevice::TemporaryDevice(const std::string& parent) {
     path_ = (parent.empty() ? fs::temp_directory_path().string() : parent) + "/device-XXXXXX";
     EXPECT_NE(mkdtemp(path_.data()), nullptr);
     fs::create_directory(files());
+    directory_ = platform::Descriptor(open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
 }
 
 TemporaryDevice::~TemporaryDevice() {
@@ -25,6 +27,13 @@ TemporaryDevice::~TemporaryDevice() {
 
 platform::Descriptor TemporaryDevice::OpenFiles() const {
     return platform::Descriptor(open(files().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry() const {
+    std::string error;
+    auto registry = platform::Registry::Open(directory_.get(), error);
+    EXPECT_EQ(registry == nullptr, !error.empty()) << error;
+    return registry;
 }
 
 void TemporaryDevice::Make(const std::vector<std::string>& entries) const {
@@ -64,6 +73,11 @@ std::vector<std::string> TemporaryDevice::Listing() const {
     }
     std::sort(listing.begin(), listing.end());
     return listing;
+}
+
+Entries Words(const std::string& text) {
+    std::istringstream words(text);
+    return {std::istream_iterator<std::string>(words), {}};
 }
 
 std::string ReadFile(const std::string& path) {

@@ -1,11 +1,12 @@
 #pragma once
 
-#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/descriptor.h"
+#include "platform/registry.h"
 
 // A device directory of a test's own, removed with the object.
 class TemporaryDevice {
@@ -19,6 +20,7 @@ class TemporaryDevice {
     const std::string& path() const { return path_; }       // of the device directory
     std::string files() const { return path_ + "/files"; }  // of its file tree
     platform::Descriptor OpenFiles() const;
+    std::unique_ptr<platform::Registry> OpenRegistry() const;  // of registry.reg in path()
 
     // Makes what `entries` list, host paths below files(): "a/b/" a directory, "a/b=text" a file,
     // "a/b>target" a symbolic link, "a/b|" a pipe. Parents are made as needed.
@@ -29,7 +31,13 @@ class TemporaryDevice {
 
   private:
     std::string path_;
+    platform::Descriptor directory_;
 };
+
+using Entries = std::vector<std::string>;
+
+// The parts of a text between its spaces.
+Entries Words(const std::string& text);
 
 // The whole content of a file; empty when it cannot be read.
 std::string ReadFile(const std::string& path);

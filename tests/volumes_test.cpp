@@ -12,8 +12,6 @@
 #include <cerrno>
 #include <cstdarg>
 #include <fstream>
-#include <string>
-#include <vector>
 
 #include "engine/file_tree.h"
 #include "platform/file_store.h"
@@ -50,8 +48,6 @@ extern "C" int renameat2(int fromDirectory, const char* from, int toDirectory, c
 }
 
 namespace {
-
-using Entries = std::vector<std::string>;
 
 // Mounts of this process alone. As an ordinary user it becomes root of a user namespace first.
 bool EnterMountNamespace() {
@@ -92,10 +88,23 @@ class VolumesTest : public testing::TestWithParam<bool> {
         mounted_.push_back(target);
     }
 
-    void Move(const std::u16string& source, const std::u16string& destination) {
+    void Move(const WCHAR* source, const WCHAR* destination) {
         platform::FileStore store(device_.OpenFiles(), u"");
         const platform::StoreInUse inUse(store);
-        MoveTree(source.c_str(), destination.c_str());
+        MoveTree(source, destination);
+    }
+
+    // The results of closing these files, each with this content.
+    std::vector<int> Write(const std::vector<const WCHAR*>& paths, const std::string& content) {
+        platform::FileStore store(device_.OpenFiles(), u"");
+        const platform::StoreInUse inUse(store);
+        std::vector<int> results;
+        for (const WCHAR* const path : paths) {
+            std::FILE* const file = _wfopen(path, u"wb");
+            std::fputs(content.c_str(), file);
+            results.push_back(std::fclose(file));
+        }
+        return results;
     }
 
     std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
@@ -118,21 +127,18 @@ TEST_P(VolumesTest, FilesMoveToAnotherVolumeAndBack) {
     const bool hasAttribute = setxattr(HostPath("A/s/g").c_str(), "user.note", "n", 1, 0) == 0;
     Move(u"\\A", u"\\card\\B\\");
     // A link is not a file, and stays.
-    EXPECT_EQ(device_.Listing(), (Entries{"A/", "A/link>f", "Card/", "Card/B/", "Card/B/f=1",
-                                          "Card/B/s/", "Card/B/s/g=22"}));
+    EXPECT_EQ(device_.Listing(),
+              Words("A/ A/link>f Card/ Card/B/ Card/B/f=1 Card/B/s/ Card/B/s/g=22"));
     struct stat moved {};
     ASSERT_EQ(stat(HostPath("Card/B/s/g").c_str(), &moved), 0);
     EXPECT_EQ(moved.st_mtim.tv_sec, 2000);
     EXPECT_EQ(moved.st_mtim.tv_nsec, 5);
     char value = 0;
-    if (hasAttribute) {
-        EXPECT_EQ(getxattr(HostPath("Card/B/s/g").c_str(), "user.note", &value, 1), 1);
-    }
+    EXPECT_EQ(getxattr(HostPath("Card/B/s/g").c_str(), "user.note", &value, 1) == 1, hasAttribute);
     ASSERT_EQ(stat(HostPath("Card/B/f").c_str(), &moved), 0);
     EXPECT_EQ(moved.st_mode & 0777, 0440U);
     Move(u"\\Card\\B\\", u"\\A");
-    EXPECT_EQ(device_.Listing(),
-              (Entries{"A/", "A/f=1", "A/link>f", "A/s/", "A/s/g=22", "Card/", "Card/B/"}));
+    EXPECT_EQ(device_.Listing(), Words("A/ A/f=1 A/link>f A/s/ A/s/g=22 Card/ Card/B/"));
 }
 
 TEST_P(VolumesTest, AFullVolumeLosesNothing) {
@@ -148,67 +154,51 @@ TEST_P(VolumesTest, AFullVolumeLosesNothing) {
 }
 
 TEST_P(VolumesTest, TakenNamesOnAnotherVolumeAreKept) {
-    device_.Make({"A/f=new", "A/g=2", "Card/F=old"});
+    device_.Make(Words("A/f=new A/g=2 Card/F=old"));
     Move(u"\\A", u"\\Card\\");
-    EXPECT_EQ(device_.Listing(), (Entries{"A/", "A/f=new", "Card/", "Card/F=old", "Card/g=2"}));
+    EXPECT_EQ(device_.Listing(), Words("A/ A/f=new Card/ Card/F=old Card/g=2"));
 }
 
 TEST_P(VolumesTest, AFullDiskLeavesTheOldContent) {
     device_.Make({"Card/file=old", "Card/filler=" + std::string(400000, 'x')});
-    platform::FileStore store(device_.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
-    for (const WCHAR* const path : {u"\\Card\\file", u"\\Card\\new"}) {
-        std::FILE* const file = _wfopen(path, u"wb");
-        ASSERT_NE(file, nullptr);
-        const std::string content(300000, 'y');
-        std::fwrite(content.data(), 1, content.size(), file);
-        EXPECT_NE(std::fclose(file), 0);
-    }
+    EXPECT_EQ(Write({u"\\Card\\file", u"\\Card\\new"}, std::string(300000, 'y')),
+              (std::vector<int>{EOF, EOF}));
     EXPECT_EQ(ReadFile(HostPath("Card/file")), "old");
     EXPECT_EQ(device_.Listing().size(), 3U);
 }
 
 TEST_P(VolumesTest, StreamsReplaceAndMakeFilesOnAnyVolume) {
     device_.Make({"Card/d/file=old"});
-    platform::FileStore store(device_.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
-    for (const WCHAR* const path : {u"\\Card\\D\\FILE", u"\\Card\\new", u"\\new"}) {
-        std::FILE* const file = _wfopen(path, u"wb");
-        ASSERT_NE(file, nullptr);
-        std::fputs("content", file);
-        EXPECT_EQ(std::fclose(file), 0);
-    }
-    EXPECT_EQ(device_.Listing(), (Entries{"Card/", "Card/d/", "Card/d/file=content",
-                                          "Card/new=content", "new=content"}));
+    EXPECT_EQ(Write({u"\\Card\\D\\FILE", u"\\Card\\new", u"\\new"}, "x"), std::vector<int>(3));
+    EXPECT_EQ(device_.Listing(), Words("Card/ Card/d/ Card/d/file=x Card/new=x new=x"));
 }
 
 TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
     Mount("T/d/mounted", "");
-    device_.Make({"T/d/mounted/keep=1", "T/d/f=2", "Card/g=3"});
+    device_.Make(Words("T/d/mounted/keep=1 T/d/f=2 Card/g=3"));
     platform::FileStore store(device_.OpenFiles(), u"");
     const platform::StoreInUse inUse(store);
-    DeleteTree(u"\\T\\", true, true);
-    DeleteTree(u"\\T\\d\\mounted\\", true, true);
-    DeleteTree(u"\\Card\\", true, true);
-    EXPECT_EQ(device_.Listing(),
-              (Entries{"Card/", "T/", "T/d/", "T/d/mounted/", "T/d/mounted/keep=1"}));
+    for (const WCHAR* const path : {u"\\T\\", u"\\T\\d\\mounted\\", u"\\Card\\"}) {
+        DeleteTree(path, true, true);
+    }
+    EXPECT_EQ(device_.Listing(), Words("Card/ T/ T/d/ T/d/mounted/ T/d/mounted/keep=1"));
 }
 
 TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
     g_renamingFlagsKnown = false;
-    device_.Make({"A/f=1", "A/s/g=2", "A/x=new", "B/X=old", "Card/c/h=3"});
+    device_.Make(Words("A/f=1 A/s/g=2 A/x=new B/X=old Card/c/h=3"));
     Move(u"\\A", u"\\B\\");
     Move(u"\\Card\\c", u"\\Card\\");
     g_renamingFlagsKnown = true;
-    EXPECT_EQ(device_.Listing(), (Entries{"A/", "A/x=new", "B/", "B/X=old", "B/f=1", "B/s/",
-                                          "B/s/g=2", "Card/", "Card/c/", "Card/h=3"}));
+    EXPECT_EQ(device_.Listing(), Words("A/ A/x=new B/ B/X=old B/f=1 B/s/ B/s/g=2 Card/ Card/c/ "
+                                       "Card/h=3"));
 }
 
 TEST_P(VolumesTest, WhatWasLeftUnpublishedOnAVolumeGoes) {
     const std::string left = ".fennelbright-new-0123456789abcdef";
-    device_.Make({"Card/" + left + "=half", "Card/sub/" + left + "=not ours"});
+    device_.Make({"Card/" + left + "=half", "Card/sub/" + left + "=other"});
     const platform::FileStore store(device_.OpenFiles(), u"");
-    EXPECT_EQ(device_.Listing(), (Entries{"Card/", "Card/sub/", "Card/sub/" + left + "=not ours"}));
+    EXPECT_EQ(device_.Listing(), (Entries{"Card/", "Card/sub/", "Card/sub/" + left + "=other"}));
 }
 
 }  // namespace

@@ -11,19 +11,13 @@
 namespace {
 
 TEST(FormatText, FitsWholeOrLeavesNothing) {
-    const struct {
-        std::size_t capacity;
-        bool fits;
-        std::u16string text;
-    } cases[] = {{7, true, u"\\ab\\cd"}, {6, false, u""}, {1, false, u""}, {0, false, u"#"}};
-    for (const auto& expected : cases) {
+    for (const std::size_t capacity : {7, 6, 1, 0}) {
         WCHAR buffer[] = u"########";
-        EXPECT_EQ(FormatText(std::span(buffer, expected.capacity), TEXT("%s\\%s"),
-                             {TEXT("\\ab"), TEXT("cd")}),
-                  expected.fits);
-        EXPECT_EQ(std::u16string(buffer).substr(0, expected.text.size() + (expected.fits ? 1 : 0)),
-                  expected.text);
-        EXPECT_EQ(buffer[expected.capacity], u'#');
+        EXPECT_EQ(FormatText(std::span(buffer, capacity), TEXT("%s\\%s"), {u"\\ab", u"cd"}),
+                  capacity == 7);
+        const std::u16string text = buffer;
+        EXPECT_EQ(text, capacity == 7 ? u"\\ab\\cd" : capacity == 0 ? u"########" : u"");
+        EXPECT_EQ(buffer[capacity], u'#');
     }
 }
 
@@ -38,14 +32,11 @@ TEST(FormatText, PutsNumbersAndKeepsWhatIsNoPlaceholder) {
 }
 
 TEST(RunMode, TheFirstCharacterDecides) {
-    const struct {
-        const WCHAR* commandLine;
-        bool silent;
-    } cases[] = {{TEXT(""), false},       {TEXT("silent"), true},   {TEXT("silent\""), true},
-                 {TEXT("Silent"), false}, {TEXT(" silent"), false}, {TEXT("/silent"), false},
-                 {TEXT("install"), true}, {TEXT("nx"), true},       {TEXT("xn"), false}};
-    for (const auto& expected : cases) {
-        EXPECT_EQ(IsSilentCommandLine(expected.commandLine), expected.silent);
+    for (const WCHAR* const line : {u"silent", u"silent\"", u"install", u"nx"}) {
+        EXPECT_TRUE(IsSilentCommandLine(line));
+    }
+    for (const WCHAR* const line : {u"", u"Silent", u" silent", u"/silent", u"xn"}) {
+        EXPECT_FALSE(IsSilentCommandLine(line));
     }
 }
 
