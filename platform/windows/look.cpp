@@ -8,7 +8,6 @@
 #include <QStyleOption>
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace platform::windows {
 
@@ -89,7 +88,9 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    QApplication::setStyle(std::make_unique<HandheldStyle>().release());  // the application's own
+    // The application's own from here on.
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
+    QApplication::setStyle(new HandheldStyle);
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
