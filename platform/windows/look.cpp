@@ -88,14 +88,13 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    // The application's own from here on.
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks)
-    QApplication::setStyle(new HandheldStyle);
+    QApplication::setStyle(new HandheldStyle);  // the application's own
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
     QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
     application.setQuitOnLastWindowClosed(false);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the style is the application's
 }
 
 QColor BackgroundColor(HBRUSH brush) {
