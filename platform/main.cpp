@@ -110,10 +110,14 @@ int RunReported(platform::DeviceStore& store, platform::DisplayWindows* windows,
 // The windows of the interactive run. Null, with a line on standard error, when there is no display
 // for them.
 std::unique_ptr<platform::DisplayWindows> OpenWindows(const CommandLine& line) {
-    std::string reason = "\"silent\" runs without them";
+    std::string reason = "--no-display keeps them away; \"silent\" runs without them";
     std::unique_ptr<platform::DisplayWindows> windows;
-    if (!line.noDisplay && platform::DisplayIsThere()) {
-        windows = platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
+    if (!line.noDisplay) {
+        reason = "none answers under DISPLAY or WAYLAND_DISPLAY; \"silent\" runs without one";
+        if (platform::DisplayIsThere()) {
+            windows =
+                platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
+        }
     }
     if (windows == nullptr) {
         Complain("no display for the program's windows", reason);

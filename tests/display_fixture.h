@@ -36,11 +36,12 @@ RECT BoundsOf(HWND window);
 // The window system on a display that nobody sees, with a main window and a page that scrolls on
 // it. Their procedure keeps what it is told.
 class DisplayTest : public testing::Test {
-  protected:
-    static constexpr RECT kPage = {4, 4, 236, 243};
-
+  public:
     DisplayTest();
     ~DisplayTest() override;
+
+  protected:
+    static constexpr RECT kPage = {4, 4, 236, 243};
 
     // Makes a control on the page.
     HWND Add(const WCHAR* className, DWORD style, const RECT& place, int id,

@@ -2,6 +2,7 @@
 
 #include <QLineEdit>
 
+#include "core/wide_text.h"
 #include "platform/windows/window_table.h"
 
 namespace platform::windows {
@@ -9,6 +10,8 @@ namespace platform::windows {
 EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
     auto line = std::make_unique<QLineEdit>(birth.text, birth.surface);
     line_ = line.get();
+    // More than the program can take in would be cut without a word.
+    line_->setMaxLength(static_cast<int>(kTextCapacity) - 1);
     line_->setFrame((birth.style & WS_BORDER) != 0);
     QObject::connect(line_, &QLineEdit::textEdited, line_, [this] {
         QueueCommand(EN_UPDATE);

@@ -8,7 +8,6 @@
 #include <QStyleOption>
 #include <algorithm>
 #include <array>
-#include <memory>
 
 namespace platform::windows {
 
@@ -89,12 +88,13 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    QApplication::setStyle(std::make_unique<HandheldStyle>().release());  // the application's own
+    QApplication::setStyle(new HandheldStyle);  // the application's own
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
     QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
     application.setQuitOnLastWindowClosed(false);
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the style is the application's
 }
 
 QColor BackgroundColor(HBRUSH brush) {

@@ -23,7 +23,7 @@ class Box : public QDialog {
   public:
     Box(QWidget* over, const QString& text, const QString& caption, UINT type)
         : QDialog(over, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-          safeAnswer_((type & kButtonsMask) == MB_YESNO ? IDNO : IDOK) {
+          safeAnswer_(SafeAnswer(type)) {
         setWindowTitle(caption);
         setAccessibleDescription(text);
         setModal(true);
@@ -76,6 +76,10 @@ class Box : public QDialog {
 };
 
 }  // namespace
+
+int SafeAnswer(UINT type) {
+    return (type & kButtonsMask) == MB_YESNO ? IDNO : IDOK;
+}
 
 int MessageBoxes::Show(QWidget* over, const QString& text, const QString& caption, UINT type) {
     Box box(over != nullptr && over->isVisible() ? over : nullptr, text, caption, type);

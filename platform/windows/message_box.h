@@ -9,6 +9,9 @@ class QDialog;
 
 namespace platform::windows {
 
+// What a box is answered with when nobody does: OK, or No where Yes and No are offered.
+int SafeAnswer(UINT type);
+
 // Shows message boxes, one at a time.
 class MessageBoxes {
   public:
@@ -16,7 +19,7 @@ class MessageBoxes {
     // is returned.
     int Show(QWidget* over, const QString& text, const QString& caption, UINT type);
 
-    // Answers the open box, if there is one: OK, or No where Yes and No are offered.
+    // Gives the open box its safe answer, if there is one.
     void AnswerOpen();
 
   private:

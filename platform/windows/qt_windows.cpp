@@ -179,9 +179,7 @@ void QtWindows::Open(const Window& window) {
     if (fronts_.IsTopLevel(window)) {
         fronts_.Raise(window);
         host_.show();
-        if (!signals_) {
-            signals_.emplace([this] { EndRun(); });
-        }
+        HeedSignals();
     } else if (window.widget().parentWidget() == &host_) {
         window.widget().raise();
     }
@@ -316,6 +314,10 @@ LRESULT QtWindows::SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM
 }
 
 int QtWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) {
+    HeedSignals();
+    if (ending_) {
+        return SafeAnswer(type);  // nobody is there any more to give one
+    }
     return boxes_.Show(&host_, QString::fromUtf16(text), QString::fromUtf16(caption), type);
 }
 
@@ -437,13 +439,19 @@ void QtWindows::QueueTabStep(int step) {
 }
 
 // The program ends as it does by its own button, once its work is done.
+void QtWindows::HeedSignals() {
+    if (!signals_) {
+        signals_.emplace([this] { EndRun(); });
+    }
+}
+
 void QtWindows::EndRun() {
     boxes_.AnswerOpen();
     const HWND main = fronts_.Main();
     if (!ending_ && main != nullptr) {
         queue_.Post(main, WM_COMMAND, IDOK, 0);
-        ending_ = true;
     }
+    ending_ = true;
 }
 
 }  // namespace platform::windows

@@ -62,6 +62,8 @@ class QtWindows : public DisplayWindows {
     void Open(const Window& window);
     bool CanBeTold(const MSG& message) const;
     void QueueTabStep(int step);
+    void HeedSignals();
+    // Ends the run as OK does, after running work; from then on every box is answered at once.
     void EndRun();
 
     const MenuResource* (*findMenu_)(UINT id);

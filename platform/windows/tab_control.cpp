@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QTabBar>
+#include <QToolButton>
 #include <QWheelEvent>
 #include <algorithm>
 #include <functional>
@@ -29,6 +30,9 @@ class TabRow : public QTabBar {
         setElideMode(Qt::ElideNone);
         setUsesScrollButtons(true);
         setFocusPolicy(Qt::NoFocus);
+        for (QToolButton* const arrow : findChildren<QToolButton*>()) {
+            arrow->setFocusPolicy(Qt::NoFocus);
+        }
     }
 
   protected:

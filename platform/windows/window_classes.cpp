@@ -50,7 +50,7 @@ const ControlClass* FindControl(const QString& name) {
 QString AccessibleName(const Station& station, const Birth& birth) {
     const std::vector<Window*> siblings = station.windows.ChildrenOf(birth.parent);
     for (auto sibling = siblings.rbegin(); sibling != siblings.rend(); ++sibling) {
-        const QString label = (*sibling)->LabelForNext();
+        QString label = (*sibling)->LabelForNext();
         if (!label.isEmpty()) {
             return label;
         }
