@@ -47,7 +47,7 @@ TEST(SpellingsTest, SeesWhatWasMadeAfterALookInVain) {
         if (number % 6 == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
         }
-        const std::string name = "x" + std::to_string(number);
+        const std::string name = std::string(1, 'x') + std::to_string(number);
         const std::u16string wanted = Numbered(u"X", number);
         EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");
         EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");

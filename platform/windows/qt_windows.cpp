@@ -80,7 +80,8 @@ QtWindows::QtWindows(const DisplayNeeds& needs)
              .closePressed = [this] { EndRun(); },
              .tabKeyPressed = [this](int step) { QueueTabStep(step); }}),
       station_{windows_, queue_, host_},
-      fronts_(windows_, host_) {
+      fronts_(windows_, host_),
+      closeWatch_(host_, [this] { EndRun(); }) {
     new QuitWatch(*application_, queue_);  // the application's own
     if (const IconResource* const icon = needs.findIcon(kIconResource)) {
         host_.setWindowIcon(IconOf(*icon));

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "platform/display_windows.h"
+#include "platform/windows/close_watch.h"
 #include "platform/windows/front_windows.h"
 #include "platform/windows/host_window.h"
 #include "platform/windows/message_box.h"
@@ -75,6 +76,7 @@ class QtWindows : public DisplayWindows {
     WindowClasses classes_;
     FrontWindows fronts_;
     MessageBoxes boxes_;
+    CloseWatch closeWatch_;
     std::optional<TerminateSignals> signals_;
     bool ending_ = false;
 };
