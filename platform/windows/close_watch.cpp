@@ -26,9 +26,11 @@ xcb_atom_t Atom(xcb_connection_t* display, std::string_view name) {
 
 CloseWatch::CloseWatch(const QWidget& window, std::function<void()> asked)
     : window_(window), asked_(std::move(asked)) {
-    if (const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        protocols_ = Atom(x11->connection(), "WM_PROTOCOLS");
-        deletion_ = Atom(x11->connection(), "WM_DELETE_WINDOW");
+    const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    xcb_connection_t* const display = x11 == nullptr ? nullptr : x11->connection();
+    if (display != nullptr && QGuiApplication::platformName() == QLatin1String("xcb")) {
+        protocols_ = Atom(display, "WM_PROTOCOLS");
+        deletion_ = Atom(display, "WM_DELETE_WINDOW");
         qApp->installNativeEventFilter(this);
     }
 }
