@@ -60,6 +60,7 @@ std::optional<std::u16string> ArgumentsFor(std::u16string_view program,
 
 int RunHostAgain(const std::vector<std::string>& words) {
     std::vector<char*> arguments;
+    arguments.reserve(words.size() + 1);
     for (const std::string& word : words) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
