@@ -88,7 +88,8 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    QApplication::setStyle(new HandheldStyle);  // the application's own
+    // The style becomes the application's own.
+    QApplication::setStyle(new HandheldStyle);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
