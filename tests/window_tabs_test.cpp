@@ -1,6 +1,9 @@
 // Tab control and tree.
 
 #include <QTabBar>
+#include <QToolButton>
+#include <algorithm>
+#include <array>
 #include <string>
 
 #include "core/window_system.h"
@@ -69,21 +72,50 @@ TEST_F(TabTest, ARefusedChangeIsNone) {
     EXPECT_EQ(Send(tabs_, TCM_GETCURSEL), 0);
 }
 
-TEST_F(TabTest, TheChosenTabIsInViewWithItsWholeLabel) {
+// The tabs in view. None is cut, and each has room for its label.
+std::vector<int> TabsInView(const QTabBar& row) {
+    const QRect view = row.parentWidget()->rect();
+    std::vector<int> shown;
+    for (int index = 0; index < row.count(); ++index) {
+        const QRect place = row.tabRect(index).translated(row.pos());
+        EXPECT_EQ(view.intersects(place), view.contains(place));
+        EXPECT_GE(place.width(), row.fontMetrics().horizontalAdvance(row.tabText(index)));
+        if (view.intersects(place)) {
+            shown.push_back(index);
+        }
+    }
+    return shown;
+}
+
+TEST_F(TabTest, WholeTabsAreInViewAndTheChosenOneAmongThem) {
     for (int index = 1; index <= count_; ++index) {
         QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
         Dispatch();
         const auto chosen = static_cast<int>(Send(tabs_, TCM_GETCURSEL));
         ASSERT_EQ(chosen, index % count_);
-        const QRect place = Row().tabRect(chosen);
-        EXPECT_GE(place.left(), 0);
-        EXPECT_LE(place.right(), 240 - 2 * 14);
-        EXPECT_GE(place.width(), Row().fontMetrics().horizontalAdvance(Row().tabText(chosen)));
+        const std::vector<int> shown = TabsInView(Row());
+        EXPECT_EQ(std::ranges::count(shown, chosen), 1) << chosen;
         EXPECT_EQ(CodesTold().size(), 2U);
     }
     QTest::keyClick(&Host(), Qt::Key_Backtab, Qt::ControlModifier | Qt::ShiftModifier);
     Dispatch();
     EXPECT_EQ(Send(tabs_, TCM_GETCURSEL), count_ - 1);
+}
+
+TEST_F(TabTest, ArrowsMoveTheRowAlone) {
+    const auto arrows = Row().parentWidget()->parentWidget()->findChildren<QToolButton*>(
+        QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(arrows.size(), 2);
+    EXPECT_EQ(TabsInView(Row()).front(), 0);
+    for (int tap = 0; tap < count_; ++tap) {
+        Click(*arrows[1]);
+    }
+    EXPECT_EQ(TabsInView(Row()).back(), count_ - 1);
+    EXPECT_FALSE(arrows[1]->isEnabled());
+    Click(*arrows[0]);
+    EXPECT_EQ(TabsInView(Row()).back(), count_ - 2);
+    Dispatch();
+    EXPECT_TRUE(CodesTold().empty());
 }
 
 TEST_F(TabTest, InsertionsAndTheDisplayArea) {
@@ -93,10 +125,8 @@ TEST_F(TabTest, InsertionsAndTheDisplayArea) {
     EXPECT_EQ(Send(tabs_, TCM_INSERTITEM, 0), -1);
     RECT area = {0, 0, 240, 268};
     Send(tabs_, TCM_ADJUSTRECT, 0, &area);
-    EXPECT_EQ(area.left, 4);
-    EXPECT_EQ(area.top, 4);
-    EXPECT_EQ(area.right, 236);
-    EXPECT_EQ(area.bottom, 243);
+    EXPECT_EQ((std::array{area.left, area.top, area.right, area.bottom}),
+              (std::array{4, 4, 236, 243}));
 }
 
 TEST_F(TabTest, AControlMayEndInItsOwnNotification) {

@@ -1,14 +1,9 @@
 #include "platform/windows/tab_control.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
-#include <QTabBar>
-#include <QToolButton>
-#include <QWheelEvent>
 #include <algorithm>
-#include <functional>
 
 #include "platform/windows/message_queue.h"
+#include "platform/windows/tab_row.h"
 #include "platform/windows/window_table.h"
 
 namespace platform::windows {
@@ -20,45 +15,12 @@ constexpr int kRowHeight = 21;
 
 }  // namespace
 
-// A row that never changes the tab by itself: it tells which one was tapped.
-class TabRow : public QTabBar {
-  public:
-    TabRow(QWidget* parent, std::function<void(int index)> tapped)
-        : QTabBar(parent), tapped_(std::move(tapped)) {
-        setDrawBase(false);
-        setExpanding(false);
-        setElideMode(Qt::ElideNone);
-        setUsesScrollButtons(true);
-        setFocusPolicy(Qt::NoFocus);
-        for (QToolButton* const arrow : findChildren<QToolButton*>()) {
-            arrow->setFocusPolicy(Qt::NoFocus);
-        }
-    }
-
-  protected:
-    void mousePressEvent(QMouseEvent* event) override {
-        const int index = tabAt(event->position().toPoint());
-        if (event->button() == Qt::LeftButton && index >= 0) {
-            tapped_(index);
-        }
-    }
-    void mouseMoveEvent(QMouseEvent* event) override { event->accept(); }
-    void mouseReleaseEvent(QMouseEvent* event) override { event->accept(); }
-    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
-    void wheelEvent(QWheelEvent* event) override { event->accept(); }
-    void keyPressEvent(QKeyEvent* event) override { event->ignore(); }
-
-  private:
-    std::function<void(int index)> tapped_;
-};
-
 TabControl::TabControl(Station& station, const Birth& birth)
     : Window(station, birth), below_((birth.style & TCS_BOTTOM) != 0) {
     auto pane = std::make_unique<QWidget>(birth.surface);
     pane->setAutoFillBackground(true);
-    row_ = new TabRow(pane.get(),
+    row_ = new TabRow(pane.get(), below_,
                       [this](int index) { QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0); });
-    row_->setShape(below_ ? QTabBar::RoundedSouth : QTabBar::RoundedNorth);
     Adopt(std::move(pane), birth);
 }
 
@@ -67,7 +29,7 @@ LRESULT TabControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
         case TCM_INSERTITEM:
             return Insert(wParam, lParam);
         case TCM_GETCURSEL:
-            return row_->currentIndex();
+            return row_->current();
         case TCM_SETCURSEL:
             return Select(wParam);
         case TCM_ADJUSTRECT:
@@ -81,7 +43,7 @@ void TabControl::CarryOut(const MSG& message) {
     if (message.message == kTabTaken) {
         Take(static_cast<int>(message.wParam));
     } else if (message.message == kTabStep && row_->count() > 0) {
-        const int next = row_->currentIndex() + static_cast<int>(message.lParam);
+        const int next = row_->current() + static_cast<int>(message.lParam);
         Take((next + row_->count()) % row_->count());
     }
 }
@@ -99,15 +61,15 @@ LRESULT TabControl::Insert(WPARAM index, LPARAM item) {
     }
     const bool hasText = (tab->mask & TCIF_TEXT) != 0 && tab->pszText != nullptr;
     const int place = std::min(static_cast<int>(index), row_->count());
-    return row_->insertTab(place, hasText ? QString::fromUtf16(tab->pszText) : QString());
+    return row_->Insert(place, hasText ? QString::fromUtf16(tab->pszText) : QString());
 }
 
 LRESULT TabControl::Select(WPARAM index) {
-    const int before = row_->currentIndex();
+    const int before = row_->current();
     if (index >= static_cast<WPARAM>(row_->count())) {
         return -1;
     }
-    row_->setCurrentIndex(static_cast<int>(index));
+    row_->Choose(static_cast<int>(index));
     return before;
 }
 
@@ -127,14 +89,14 @@ LRESULT TabControl::Adjust(LPARAM rectangle) const {
 void TabControl::Take(int index) {
     const WindowTable& windows = station().windows;
     const HWND self = handle();
-    if (index == row_->currentIndex() || index >= row_->count()) {
+    if (index == row_->current() || index >= row_->count()) {
         return;
     }
     const LRESULT refused = Notify(TCN_SELCHANGING);
     if (windows.Find(self) == nullptr || refused != 0) {
         return;
     }
-    row_->setCurrentIndex(index);
+    row_->Choose(index);
     Notify(TCN_SELCHANGE);
 }
 

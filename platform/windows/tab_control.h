@@ -6,8 +6,7 @@ namespace platform::windows {
 
 class TabRow;
 
-// Class "SysTabControl32": a row of tabs, whole labels always; where they do not all fit, two
-// arrows scroll the row.
+// Class "SysTabControl32": a display area and its row of tabs.
 class TabControl : public Window {
   public:
     TabControl(Station& station, const Birth& birth);
