@@ -10,28 +10,17 @@
 #include "core/options.h"
 #include "settings/settings_file.h"
 #include "tests/interactive_program.h"
+#include "tests/settings_bytes.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-std::string Number(std::uint32_t number) {
-    return {static_cast<char>(number), static_cast<char>(number >> 8),
-            static_cast<char>(number >> 16), static_cast<char>(number >> 24)};
-}
-
-std::string Record(const std::string& text) {
-    std::string record = Number(static_cast<std::uint32_t>(text.size()));
-    for (const char character : text) {
-        record += {character, '\0'};
-    }
-    return record;
-}
-
 // All options: eight texts, four positions.
 std::string Everything() {
     std::string bytes = Number(0x1FFFFFF);
-    for (const char* text : {"\\1", "\\22", "log", "", "\\5", "\\6\\", "\\7 7", "\\"}) {
+    for (const WCHAR* const text :
+         {u"\\1", u"\\22", u"log", u"", u"\\5", u"\\6\\", u"\\7 7", u"\\"}) {
         bytes += Record(text);
     }
     return bytes + Number(2) + Number(1) + Number(0) + Number(2);
@@ -40,7 +29,7 @@ std::string Everything() {
 // What a run that is ended at once reads and writes.
 TEST(ControlSettings, WhatIsReadComesBack) {
     const std::string worked = "\x01\x08\0\0\x02\0\0\0\\\0A\0\x01\0\0\0"s;
-    const std::string longText = Number(OPT_MOVE_FONTS) + Record(std::string(1023, 'x'));
+    const std::string longText = Number(OPT_MOVE_FONTS) + Record(std::u16string(1023, u'\xFFFD'));
     const struct {
         const char* name;
         std::string before;
@@ -53,9 +42,10 @@ TEST(ControlSettings, WhatIsReadComesBack) {
         {"longest text", longText, longText},
         {"bits of no option", Number(0xFE000004), Number(4)},
         {"all bits", Number(0xFFFFFFFF) + Everything().substr(4), Everything()},
-        {"empty text", Number(OPT_CLEAN_USER2) + Record(""), Number(OPT_CLEAN_USER2) + Record("")},
+        {"empty text", Number(OPT_CLEAN_USER2) + Record(u""),
+         Number(OPT_CLEAN_USER2) + Record(u"")},
         {"cut in a text", Number(OPT_CLEAN_USER1) + "\x02\0\0\0\\\0"s,
-         Number(OPT_CLEAN_USER1) + Record("")},
+         Number(OPT_CLEAN_USER1) + Record(u"")},
         {"position of no choice", Number(OPT_LIMIT_IE_CACHE) + Number(7),
          Number(OPT_LIMIT_IE_CACHE) + Number(0)},
     };
@@ -127,7 +117,7 @@ TEST(ControlSettings, OnlyWhatIsTickedIsCaptured) {
 // A file that cannot be replaced stays, and the program ends all the same.
 void ExpectOldFileStays(const std::string& why,
                         const std::function<void(InteractiveProgram&)>& make) {
-    const std::string old = Number(OPT_CLEAN_USER1) + Record("\\old");
+    const std::string old = Number(OPT_CLEAN_USER1) + Record(u"\\old");
     InChild(why, [&] {
         InteractiveProgram program({"App/settings.dat=" + old});
         program.Run({[&] {

@@ -24,13 +24,15 @@ LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return g_hook == nullptr ? 0 : g_hook(Told(g_told.back()));
 }
 
+}  // namespace
+
+extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+
 std::unique_ptr<platform::DisplayWindows> OpenUnseen() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const platform::DisplayNeeds needs = {"A device", 1, FindMenuResource, FindIconResource};
     return std::unique_ptr<platform::DisplayWindows>(FennelbrightMakeWindows(&needs));
 }
-
-}  // namespace
 
 QWidget& Host() {
     for (QWidget* const window : QApplication::topLevelWidgets()) {
@@ -52,10 +54,10 @@ void Click(QWidget& widget, QPoint at) {
     QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
 }
 
-RECT BoundsOf(HWND window) {
+QRect BoundsOf(HWND window) {
     RECT bounds{};
     EXPECT_NE(GetWindowRect(window, &bounds), 0);
-    return bounds;
+    return {QPoint(bounds.left, bounds.top), QPoint(bounds.right - 1, bounds.bottom - 1)};
 }
 
 DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {

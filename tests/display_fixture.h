@@ -10,7 +10,8 @@
 
 #include "platform/display_windows.h"
 
-extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+// The window system on a display that nobody sees.
+std::unique_ptr<platform::DisplayWindows> OpenUnseen();
 
 // What a window's procedure was told.
 struct Told {
@@ -31,10 +32,10 @@ QWidget& Control(int id);
 void Click(QWidget& widget, QPoint at = {});
 
 // Where a window stands on the screen.
-RECT BoundsOf(HWND window);
+QRect BoundsOf(HWND window);
 
-// The window system on a display that nobody sees, with a main window and a page that scrolls on
-// it. Their procedure keeps what it is told.
+// The unseen window system with a main window and a page that scrolls on it. Their procedure keeps
+// what it is told.
 class DisplayTest : public testing::Test {
   public:
     DisplayTest();

@@ -1,7 +1,5 @@
 // The whole program on a display that nobody sees, with a user's mouse and keys.
 
-#include <fcntl.h>
-
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDialog>
@@ -13,6 +11,8 @@
 #include <QTimer>
 #include <QWheelEvent>
 #include <functional>
+#include <random>
+#include <string>
 #include <vector>
 
 #include "core/application.h"
@@ -68,14 +68,9 @@ struct Ended {
 
 // Runs the program on a device; the n-th call to the window system fails, 0 for none.
 Ended RunDisplayed(const TemporaryDevice& device, const Steps& steps, int failing = 0) {
-    const platform::Descriptor directory(
-        open(device.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::string error;
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                                   platform::Registry::Open(directory.get(), error));
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::DisplayNeeds needs = {"A device", 1, FindMenuResource, FindIconResource};
-    const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
+                                   device.OpenRegistry());
+    const std::unique_ptr<platform::DisplayWindows> windows = OpenUnseen();
     FailingWindows faulty(*windows, failing, -1);
     const platform::StoreInUse storeInUse(store);
     const platform::WindowsInUse windowsInUse(faulty);
@@ -118,16 +113,26 @@ QWidget& Page() {
     return *Control(50001).parentWidget();
 }
 
-void ExpectCatalogue(int scrolled) {
+QScrollBar& Bar() {
+    return *Page().parentWidget()->findChild<QScrollBar*>(QString(), Qt::FindDirectChildrenOnly);
+}
+
+QWidget& WidgetOf(const CatalogueControl& control) {
+    for (auto* const label : Page().findChildren<QLabel*>()) {
+        if (control.id == 0 && label->text() == QString::fromUtf16(control.text)) {
+            return *label;
+        }
+    }
+    return Control(control.id);
+}
+
+void ExpectCatalogue() {
     int screen = 0;
     for (const CatalogueScreen& each : Catalogue()) {
         for (const CatalogueControl& control : each.controls) {
-            if (control.id == 0) {
-                continue;
-            }
-            const QWidget& widget = Control(control.id);
+            const QWidget& widget = WidgetOf(control);
             const bool combo = qobject_cast<const QComboBox*>(&widget) != nullptr;
-            EXPECT_EQ(widget.geometry(), QRect(control.x, control.y - scrolled, control.width,
+            EXPECT_EQ(widget.geometry(), QRect(control.x, control.y - Bar().value(), control.width,
                                                combo ? 20 : control.height))
                 << control.id;
             EXPECT_EQ(widget.isVisible(), screen == ShownScreen()) << control.id;
@@ -139,17 +144,19 @@ void ExpectCatalogue(int scrolled) {
     }
 }
 
-int Scrolled() {
-    return Page()
-        .parentWidget()
-        ->findChild<QScrollBar*>(QString(), Qt::FindDirectChildrenOnly)
-        ->value();
-}
-
 void Turn(int units) {
     QWheelEvent wheel(QPointF(215, 5), Page().mapToGlobal(QPointF(215, 5)), {}, {0, units},
                       Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(&Page(), &wheel);
+}
+
+// Arrows, the thumb and what is beside it, as the places have it.
+void DragOnBar(int from, int to) {
+    QTest::mousePress(&Bar(), Qt::LeftButton, Qt::NoModifier, QPoint(6, from));
+    QMouseEvent move(QEvent::MouseMove, QPointF(6, to), Bar().mapToGlobal(QPointF(6, to)),
+                     Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(&Bar(), &move);
+    QTest::mouseRelease(&Bar(), Qt::LeftButton, Qt::NoModifier, QPoint(6, to));
 }
 
 void NextTab() {
@@ -157,22 +164,44 @@ void NextTab() {
 }
 
 TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::mt19937 random(seed);
+    const auto number = [&](int count) {
+        return static_cast<int>(random() % static_cast<unsigned>(count));
+    };
     const TemporaryDevice device;
     device.Make({"App/"});
-    Steps steps;
-    for (int visit = 0; visit < 12; ++visit) {
-        steps.emplace_back([] { ExpectCatalogue(Scrolled()); });
-        for (const int units : {-120, -50, -1200, 70}) {
-            steps.emplace_back([units] { Turn(units); });
-            steps.emplace_back([] { ExpectCatalogue(Scrolled()); });
-        }
-        steps.emplace_back(NextTab);
-        steps.emplace_back([visit] {
-            EXPECT_EQ(ShownScreen(), (visit + 1) % 6);
-            EXPECT_EQ(Scrolled(), 0);
+    int shown = 0;
+    int scrolled = 0;
+    Steps steps = {ExpectCatalogue};
+    for (int round = 0; round < 400; ++round) {
+        steps.emplace_back([&] {
+            switch (number(8)) {
+                case 0:
+                    shown = (shown + 1) % 6;
+                    return NextTab();
+                case 1:
+                    return Turn(number(600) - 300);
+                default:
+                    return DragOnBar(number(Bar().height()), number(Bar().height()));
+            }
+        });
+        steps.emplace_back([&] {
+            ExpectCatalogue();
+            EXPECT_EQ(ShownScreen(), shown);
+            scrolled += Bar().value() > 0 ? 1 : 0;
         });
     }
     EXPECT_EQ(RunDisplayed(device, steps).boxes, 0);
+    EXPECT_GT(scrolled, 0);
+}
+
+TEST(DisplayedProgram, AChosenTabShowsItsPageFromTheTop) {
+    const TemporaryDevice device;
+    device.Make({"App/"});
+    RunDisplayed(device, {[] { Turn(-1200); }, [] { EXPECT_GT(Bar().value(), 0); }, NextTab,
+                          [] { EXPECT_EQ(Bar().value(), 0); }});
 }
 
 TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsSaved) {

@@ -181,10 +181,6 @@ BOOL FakeWindows::MoveWindow(HWND window, int x, int y, int width, int height, B
     return 1;
 }
 
-HWND FakeWindows::SetFocus(HWND /*window*/) {
-    return nullptr;
-}
-
 BOOL FakeWindows::SetWindowTextW(HWND window, const WCHAR* text) {
     FakeWindow* const found = Living(window);
     if (found != nullptr) {
@@ -213,10 +209,6 @@ BOOL FakeWindows::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highe
     *message = queue_.front();
     queue_.pop_front();
     return message->message != WM_QUIT;
-}
-
-BOOL FakeWindows::TranslateMessage(const MSG* /*message*/) {
-    return 0;
 }
 
 LRESULT FakeWindows::DispatchMessageW(const MSG* message) {
@@ -362,21 +354,6 @@ BOOL FakeWindows::SHCreateMenuBar(SHMENUBARINFO* info) {
     bar.parent = info->hwndParent;
     info->hwndMB = Add(std::move(bar));
     return 1;
-}
-
-HWND FakeWindows::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DLGTEMPLATE* /*dialog*/,
-                                             HWND /*parent*/, DLGPROC /*procedure*/,
-                                             LPARAM /*parameter*/) {
-    return nullptr;
-}
-
-BOOL FakeWindows::SHInitDialog(const SHINITDLGINFO* /*info*/) {
-    return 0;
-}
-
-DWORD_PTR FakeWindows::SHGetFileInfo(const WCHAR* /*path*/, DWORD /*attributes*/,
-                                     SHFILEINFO* /*info*/, UINT /*size*/, UINT /*flags*/) {
-    return 0;
 }
 
 // NOLINTEND(performance-no-int-to-ptr)

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/window_system.h"
+#include "platform/no_windows.h"
 
 // What the fake keeps of one window. Its bounds count from its parent's client area.
 struct FakeWindow {
@@ -29,7 +29,7 @@ struct FakeWindow {
 
 // A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
 // is done by the steps below.
-class FakeWindows : public platform::WindowSystem {
+class FakeWindows : public platform::NoWindows {
   public:
     static constexpr LRESULT kDefaultResult = 77;  // what DefWindowProcW returns
 
@@ -60,10 +60,8 @@ class FakeWindows : public platform::WindowSystem {
     BOOL GetClientRect(HWND window, RECT* rectangle) override;
     BOOL GetWindowRect(HWND window, RECT* rectangle) override;
     BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override;
-    HWND SetFocus(HWND window) override;
     BOOL SetWindowTextW(HWND window, const WCHAR* text) override;
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override;
-    BOOL TranslateMessage(const MSG* message) override;
     LRESULT DispatchMessageW(const MSG* message) override;
     LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
     LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
@@ -75,11 +73,6 @@ class FakeWindows : public platform::WindowSystem {
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
                        HRGN updateRegion, RECT* update, UINT flags) override;
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override;
-    HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
-                                    DLGPROC procedure, LPARAM parameter) override;
-    BOOL SHInitDialog(const SHINITDLGINFO* info) override;
-    DWORD_PTR SHGetFileInfo(const WCHAR* path, DWORD attributes, SHFILEINFO* info, UINT size,
-                            UINT flags) override;
 
   private:
     // Keeps the call and returns whether it is to succeed.

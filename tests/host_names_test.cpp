@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
 #include <string>
 
 namespace platform {
@@ -41,25 +40,6 @@ TEST(HostNames, NamesAsLongAsTheHandheldHasThemAreItsOwn) {
     }
     ExpectPair(host, std::u16string(255, u'\u6587'));
     EXPECT_TRUE(DeviceNameOf(host + "x").view().empty());
-}
-
-TEST(HostNames, RandomBytesKeepTheirNamesApart) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    for (int round = 0; round < 20000; ++round) {
-        std::string bytes(1 + random() % 12, ' ');
-        for (char& byte : bytes) {
-            byte = static_cast<char>(random() % 4 == 0 ? 0xEF : random() % 256);
-            byte = byte == '\0' || byte == '/' ? '\x80' : byte;
-        }
-        if (bytes == "." || bytes == "..") {
-            continue;
-        }
-        HostName host;
-        ASSERT_TRUE(HostNameOf(DeviceNameOf(bytes).view(), host));
-        ASSERT_EQ(host.view(), bytes);
-    }
 }
 
 TEST(HostNames, NamesThatNoHostEntryCanHaveNameNothing) {

@@ -1,6 +1,5 @@
 #include "tests/interactive_program.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -48,11 +47,8 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
 }
 
 int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
-    const platform::Descriptor directory(
-        open(device.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::string error;
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                                   platform::Registry::Open(directory.get(), error));
+                                   device.OpenRegistry());
     TestedStore tested(store, windows.calls, full);
     const platform::StoreInUse storeInUse(tested);
     FailingWindows faulty(windows, failing, result);

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -16,26 +17,26 @@ namespace {
 using namespace std::string_literals;
 using Texts = std::vector<std::string>;
 
-// The calls that make and destroy windows, those of the controls as one with their number.
+// The calls that make, place and destroy windows, those of the controls as one with their number.
 Texts Creations(const Texts& calls) {
+    const std::set<std::string> operations = {"UnregisterClassW", "RegisterClassW",
+                                              "CreateWindowExW",  "SHCreateMenuBar",
+                                              "MoveWindow",       "DestroyWindow"};
+    const std::set<std::string> windows = {"Marlowtide Fennelbright", "SysTabControl32",
+                                           "DisplayWindow"};
     Texts kept;
     int controls = 0;
     for (const std::string& call : calls) {
-        const bool makes = call.starts_with("CreateWindowExW");
-        const std::string name = call.substr(call.find(' ') + 1);
-        const bool control =
-            name != "SysTabControl32" && name != "DisplayWindow" && !name.starts_with("Marlowtide");
-        if (!makes && !call.starts_with("DestroyWindow") && call.find("Class") > 12) {
-            if (!call.starts_with("SHCreate") && !call.starts_with("MoveWindow")) {
-                continue;
-            }
-        } else if (control) {
+        const std::size_t space = call.find(' ');
+        if (!operations.contains(call.substr(0, space))) {
+            continue;
+        }
+        if (!windows.contains(call.substr(space + 1))) {
             ++controls;
             continue;
         }
         if (controls != 0) {
-            kept.push_back(std::to_string(controls) + " controls");
-            controls = 0;
+            kept.push_back(std::to_string(std::exchange(controls, 0)) + " controls");
         }
         kept.push_back(call);
     }

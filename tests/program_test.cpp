@@ -8,6 +8,7 @@
 
 #include "tests/apply_device.h"
 #include "tests/run_program.h"
+#include "tests/settings_bytes.h"
 
 namespace {
 
@@ -16,14 +17,6 @@ using namespace std::string_literals;
 // A settings.dat beside the program at its usual place.
 std::string SettingsEntry(const std::string& content) {
     return "Program Files/Fennelbright/settings.dat=" + content;
-}
-
-std::string TextRecord(const std::string& text) {
-    std::string record = {static_cast<char>(text.size()), '\0', '\0', '\0'};
-    for (const char character : text) {
-        record += {character, '\0'};
-    }
-    return record;
 }
 
 const std::string kFixedDirectories = "\x1C\0\0\0"s;
@@ -159,8 +152,8 @@ TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
 }
 
 TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
-    const std::string whole = "\x03\0\0\0"s + TextRecord("\\Work\\Cache\\") + TextRecord("\\W2\\");
-    const std::size_t firstEnd = 4 + TextRecord("\\Work\\Cache\\").size();
+    const std::string whole = "\x03\0\0\0"s + Record(u"\\Work\\Cache\\") + Record(u"\\W2\\");
+    const std::size_t firstEnd = 4 + Record(u"\\Work\\Cache\\").size();
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         const TemporaryDevice device;
         device.Make({"Work/keep=1", "Work/Cache/a=2", "W2/b=3", "c=4",

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <random>
 #include <string>
 #include <vector>
 
@@ -174,43 +173,6 @@ TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
             g_Screens->ControlCallback(id);
         }
         EXPECT_EQ(program.windows.boxes, std::vector<std::string>{});
-    }});
-}
-
-// What the scroll bar sends when its user asks for `code`; nothing while it is disabled.
-void Scroll(InteractiveProgram& program, WORD code, std::mt19937& random) {
-    const HWND page = g_DisplayWindow->Window();
-    const SCROLLINFO& info = program.windows.At(page).scroll;
-    if (info.nMax <= info.nMin) {
-        return;
-    }
-    if ((code == SB_LINEUP || code == SB_PAGEUP) && info.nPos - 3 < info.nMin) {
-        code = SB_TOP;
-    } else if ((code == SB_LINEDOWN || code == SB_PAGEDOWN) && info.nPos + 3 > info.nMax) {
-        code = SB_BOTTOM;
-    }
-    const auto thumb = static_cast<WORD>(random() % static_cast<unsigned>(info.nMax + 1));
-    const MSG message = {page, WM_VSCROLL, MAKELONG(code, thumb), 0, 0, {}};
-    EXPECT_EQ(program.windows.DispatchMessageW(&message), 1);
-}
-
-TEST(Screens, NoSequenceOfScrollingAndTabsMovesAControlFromItsPlace) {
-    const unsigned seed = std::random_device{}();
-    SCOPED_TRACE("seed " + std::to_string(seed));
-    std::mt19937 random(seed);
-    InteractiveProgram program;
-    program.Run({[&] {
-        UINT shown = 0;
-        for (int round = 0; round < 2000 && !testing::Test::HasFailure(); ++round) {
-            if (random() % 8 == 0) {
-                shown = static_cast<UINT>(random() % kScreenCount);
-                program.ChooseTab(static_cast<int>(shown));
-                EXPECT_EQ(program.windows.At(g_DisplayWindow->Window()).scroll.nPos, 0);
-            } else {
-                Scroll(program, static_cast<WORD>(random() % 10), random);
-            }
-            ExpectAsInCatalogue(program, shown);
-        }
     }});
 }
 

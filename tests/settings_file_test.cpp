@@ -7,6 +7,7 @@
 #include "core/wide_text.h"
 #include "platform/file_store.h"
 #include "tests/apply_device.h"
+#include "tests/settings_bytes.h"
 
 namespace {
 
@@ -30,23 +31,6 @@ class SettingsFileTest : public testing::Test {
     TemporaryDevice device_;
     CollectedBoxes windows_;
 };
-
-std::string Wide(const std::u16string& text) {
-    std::string bytes;
-    for (const char16_t unit : text) {
-        bytes += static_cast<char>(unit);
-        bytes += static_cast<char>(unit >> 8);
-    }
-    return bytes;
-}
-
-std::string Number(std::uint32_t number) {
-    return Wide({static_cast<char16_t>(number), static_cast<char16_t>(number >> 16)});
-}
-
-std::string Record(const std::u16string& text) {
-    return Number(static_cast<std::uint32_t>(text.size())) + Wide(text);
-}
 
 constexpr std::uint32_t kAll = 0x1FFFFFF;
 
@@ -167,24 +151,6 @@ TEST_F(SettingsFileTest, ThePathIsTheModulesLessSixteenCharacters) {
         EXPECT_EQ(Load(settings, module), mask);
         EXPECT_EQ(windows_.boxes, Entries(mask == kNoMask ? 1 : 0,
                                           "[Error!!!] Failed retrieving application directory"));
-    }
-}
-
-TEST_F(SettingsFileTest, WhatIsWrittenIsReadBack) {
-    for (const std::string& content :
-         {WholeFile(), Number(0), Number(OPT_NO_WINDOW_ANIMATION),
-          Number(1) + Record(std::u16string(1023, u'\xFFFD')), Number(1) + Record(u"")}) {
-        Put(content);
-        CSettings settings;
-        const auto mask = static_cast<std::uint32_t>(Load(settings));
-        platform::FileStore store(device_.OpenFiles(), u"\\P\\Fennelbright.exe");
-        const platform::StoreInUse inUse(store);
-        std::FILE* const file = OpenSettingsForWriting();
-        ASSERT_NE(file, nullptr);
-        WriteSettings(file, mask, settings);
-        EXPECT_EQ(std::fclose(file), 0);
-        EXPECT_EQ(ReadFile(device_.files() + "/P/settings.dat"), content);
-        EXPECT_EQ(settings.UserDir1, nullptr);
     }
 }
 
