@@ -13,7 +13,6 @@
 #include "platform/file_store.h"
 #include "platform/host_text.h"
 #include "platform/recording_store.h"
-#include "tests/failing_store.h"
 #include "tests/temporary_device.h"
 
 namespace {
@@ -28,9 +27,6 @@ std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
 }
 std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
     return std::make_unique<platform::ForwardingStore>(store);
-}
-std::unique_ptr<platform::DeviceStore> FailNever(platform::DeviceStore& store) {
-    return std::make_unique<FailingStore>(store, 0);
 }
 
 class DeviceStoreTest : public testing::TestWithParam<Wrap> {
@@ -68,7 +64,7 @@ class DeviceStoreTest : public testing::TestWithParam<Wrap> {
     std::unique_ptr<platform::StoreInUse> inUse_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::Values(Forward, Record, FailNever));
+INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::Values(Forward, Record));
 
 TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",

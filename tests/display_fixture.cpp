@@ -6,7 +6,7 @@ LRESULT (*g_hook)(const Told& told) = nullptr;
 
 namespace {
 
-std::vector<Told> g_told;
+AllTold g_told;
 bool g_turningLoop = false;
 
 bool IsKept(UINT message) {
@@ -103,7 +103,7 @@ void DisplayTest::Dispatch() {
     }
 }
 
-std::vector<Told> DisplayTest::TakeTold() {
+AllTold DisplayTest::TakeTold() {
     return std::exchange(g_told, {});
 }
 
@@ -111,7 +111,7 @@ LRESULT DisplayTest::Send(HWND window, UINT message, WPARAM wParam, const void* 
     return SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(lParam));
 }
 
-std::vector<WORD> CodesOf(const std::vector<Told>& told) {
+std::vector<WORD> CodesOf(const AllTold& told) {
     std::vector<WORD> codes;
     for (const Told& each : told) {
         if (each.message == WM_COMMAND) {

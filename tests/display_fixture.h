@@ -19,8 +19,12 @@ struct Told {
     UINT message;
     WPARAM wParam;
     LPARAM lParam;
-    UINT code;  // of WM_NOTIFY
+    UINT code = 0;  // of WM_NOTIFY
+
+    bool operator==(const Told&) const = default;
 };
+
+using AllTold = std::vector<Told>;
 
 // The window on the desktop.
 QWidget& Host();
@@ -53,7 +57,7 @@ class DisplayTest : public testing::Test {
 
     // What was told since the last call, of these messages alone: WM_COMMAND, WM_NOTIFY,
     // WM_VSCROLL, WM_HSCROLL and the stylus.
-    static std::vector<Told> TakeTold();
+    static AllTold TakeTold();
 
     static LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, const void* lParam = nullptr);
     static LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -74,4 +78,4 @@ class DisplayTest : public testing::Test {
 extern LRESULT (*g_hook)(const Told& told);
 
 // The notification codes of the WM_COMMAND among them, in their order.
-std::vector<WORD> CodesOf(const std::vector<Told>& told);
+std::vector<WORD> CodesOf(const AllTold& told);

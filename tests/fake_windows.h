@@ -1,5 +1,8 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
@@ -7,7 +10,12 @@
 #include <string>
 #include <vector>
 
+#include "core/application.h"
+#include "core/wide_text.h"
+#include "platform/host_text.h"
 #include "platform/no_windows.h"
+
+// NOLINTBEGIN(performance-no-int-to-ptr)
 
 // What the fake keeps of one window. Its bounds count from its parent's client area.
 struct FakeWindow {
@@ -43,47 +51,354 @@ class FakeWindows : public platform::NoWindows {
     // one the OK on the main window's caption is pressed.
     std::deque<std::function<void()>> steps;
 
-    void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam = 0);
+    void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam = 0) {
+        queue_.push_back({window, message, wParam, lParam, 0, {}});
+    }
 
     // The only window of this class; null when there is none.
-    HWND Find(const std::u16string& className) const;
+    HWND Find(const std::u16string& className) const {
+        const auto found = std::ranges::find_if(
+            windows, [&](const auto& window) { return window.second.className == className; });
+        return found == windows.end() ? nullptr : found->first;
+    }
+
     FakeWindow& At(HWND window) { return windows.at(window); }
 
-    WORD RegisterClassW(const WNDCLASS* windowClass) override;
-    BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override;
+    WORD RegisterClassW(const WNDCLASS* windowClass) override {
+        EXPECT_EQ(windowClass->style, CS_HREDRAW | CS_VREDRAW);
+        EXPECT_EQ(windowClass->hInstance, g_Instance);
+        EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
+        return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
+               classes_.emplace(windowClass->lpszClassName, windowClass->lpfnWndProc).second;
+    }
+
+    BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override {
+        EXPECT_EQ(instance, g_Instance);
+        Goes("UnregisterClassW " + platform::ReadableText(className));
+        return classes_.erase(className) != 0;
+    }
+
     HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
                          DWORD style, int x, int y, int width, int height, HWND parent, HMENU menu,
-                         HINSTANCE instance, void* parameter) override;
-    BOOL DestroyWindow(HWND window) override;
-    BOOL ShowWindow(HWND window, int command) override;
-    BOOL UpdateWindow(HWND window) override;
-    BOOL GetClientRect(HWND window, RECT* rectangle) override;
-    BOOL GetWindowRect(HWND window, RECT* rectangle) override;
-    BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override;
-    BOOL SetWindowTextW(HWND window, const WCHAR* text) override;
-    BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override;
-    LRESULT DispatchMessageW(const MSG* message) override;
-    LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
-    LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
+                         HINSTANCE instance, void* parameter) override {
+        EXPECT_EQ(instance, g_Instance);
+        EXPECT_EQ(parameter, nullptr);
+        FakeWindow window;
+        window.className = className;
+        window.text = text;
+        window.style = style;
+        window.extendedStyle = extendedStyle;
+        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
+                                           : RECT{x, y, x + width, y + height};
+        window.parent = parent;
+        window.id = reinterpret_cast<DWORD_PTR>(menu);
+        window.visible = (style & WS_VISIBLE) != 0;
+        const auto known = classes_.find(className);
+        window.procedure = known == classes_.end() ? nullptr : known->second;
+        const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
+        const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
+                          (known != classes_.end() || kControlClasses.contains(className)) &&
+                          ((style & WS_CHILD) == 0 || Living(parent) != nullptr);
+        return goes ? Add(std::move(window)) : nullptr;
+    }
+
+    BOOL DestroyWindow(HWND window) override {
+        if (!Goes("DestroyWindow", window)) {
+            return 0;
+        }
+        std::vector<HWND> doomed = {window};
+        for (std::size_t index = 0; index < doomed.size(); ++index) {
+            for (const auto& [handle, other] : windows) {
+                if (other.parent == doomed[index]) {
+                    doomed.push_back(handle);
+                }
+            }
+            windows.erase(doomed[index]);
+        }
+        return 1;
+    }
+
+    BOOL ShowWindow(HWND window, int command) override {
+        if (!Goes("ShowWindow", window, ' ' + std::to_string(command))) {
+            return 0;
+        }
+        return std::exchange(At(window).visible, command == SW_SHOWNORMAL);
+    }
+
+    BOOL UpdateWindow(HWND window) override { return Goes("UpdateWindow", window); }
+
+    BOOL GetClientRect(HWND window, RECT* rectangle) override {
+        const FakeWindow* const found = Living(window);
+        if (found == nullptr) {
+            return 0;
+        }
+        const int bar = (found->style & WS_VSCROLL) != 0 ? kScrollBarWidth : 0;
+        *rectangle = {0, 0, found->bounds.right - found->bounds.left - bar,
+                      found->bounds.bottom - found->bounds.top};
+        return 1;
+    }
+
+    BOOL GetWindowRect(HWND window, RECT* rectangle) override {
+        const FakeWindow* const found = Living(window);
+        if (found != nullptr) {
+            *rectangle = found->bounds;  // only asked of windows that stand on the screen
+        }
+        return found != nullptr;
+    }
+
+    BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override {
+        EXPECT_EQ(repaint, FALSE);
+        if (!Goes("MoveWindow", window)) {
+            return 0;
+        }
+        At(window).bounds = {x, y, x + width, y + height};
+        return 1;
+    }
+
+    BOOL SetWindowTextW(HWND window, const WCHAR* text) override {
+        FakeWindow* const found = Living(window);
+        if (found != nullptr) {
+            found->text = text;
+        }
+        return found != nullptr;
+    }
+
+    BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
+        EXPECT_TRUE(window == nullptr && lowest == 0 && highest == 0);
+        if (queue_.empty() && !steps.empty()) {
+            const std::function<void()> step = std::move(steps.front());
+            steps.pop_front();
+            step();
+        }
+        if (queue_.empty() && steps.empty()) {
+            const auto shown = std::ranges::find_if(
+                windows, [](const auto& other) { return other.second.procedure != nullptr; });
+            // Nothing is left that could ask for the end.
+            g_Running = g_Running && shown != windows.end();
+            Post(g_Running ? shown->first : nullptr, WM_COMMAND, IDOK);
+        }
+        if (queue_.empty()) {
+            return 0;
+        }
+        *message = queue_.front();
+        queue_.pop_front();
+        return message->message != WM_QUIT;
+    }
+
+    LRESULT DispatchMessageW(const MSG* message) override {
+        const FakeWindow* const target = Living(message->hwnd);
+        return target == nullptr || target->procedure == nullptr
+                   ? 0
+                   : target->procedure(message->hwnd, message->message, message->wParam,
+                                       message->lParam);
+    }
+
+    LRESULT DefWindowProcW(HWND window, UINT message, WPARAM /*wParam*/,
+                           LPARAM /*lParam*/) override {
+        Goes("DefWindowProcW", window, ' ' + std::to_string(message));
+        return kDefaultResult;
+    }
+
+    LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
+        FakeWindow* const target = Living(window);
+        if (target == nullptr) {
+            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : 0;
+        }
+        return target->procedure != nullptr ? target->procedure(window, message, wParam, lParam)
+                                            : Answer(window, *target, message, wParam, lParam);
+    }
+
     LRESULT SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
-                                LPARAM lParam) override;
-    int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
-    BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override;
-    int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override;
+                                LPARAM lParam) override {
+        const auto found = std::ranges::find_if(windows, [&](const auto& window) {
+            return window.second.parent == parent && window.second.id == static_cast<DWORD_PTR>(id);
+        });
+        return found == windows.end() ? 0 : SendMessageW(found->first, message, wParam, lParam);
+    }
+
+    int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override {
+        EXPECT_EQ(owner, nullptr);
+        EXPECT_EQ(type, MB_OK);
+        boxes.push_back('[' + platform::ReadableText(caption) + "] " +
+                        platform::ReadableText(text));
+        calls.push_back("box " + boxes.back());
+        return IDOK;
+    }
+
+    BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {
+        EXPECT_EQ(bar, SB_VERT);
+        EXPECT_EQ(info->cbSize, 28u);
+        const FakeWindow* const found = Living(window);
+        if (found == nullptr) {
+            return 0;
+        }
+        const UINT mask = info->fMask;
+        *info = found->scroll;
+        info->fMask = mask;
+        return 1;
+    }
+
+    int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override {
+        EXPECT_EQ(bar, SB_VERT);
+        EXPECT_EQ(info->cbSize, 28u);
+        EXPECT_EQ(redraw, TRUE);
+        if (!Goes("SetScrollInfo", window)) {
+            return 0;
+        }
+        SCROLLINFO& kept = At(window).scroll;
+        kept = *info;
+        kept.nPos = std::clamp(info->nPos, info->nMin, std::max(info->nMin, info->nMax));
+        return kept.nPos;
+    }
+
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
-                       HRGN updateRegion, RECT* update, UINT flags) override;
-    BOOL SHCreateMenuBar(SHMENUBARINFO* info) override;
+                       HRGN updateRegion, RECT* update, UINT flags) override {
+        EXPECT_TRUE(dx == 0 && scroll == nullptr && clip != nullptr && updateRegion == nullptr &&
+                    update == nullptr && flags == SW_SCROLLCHILDREN);
+        if (!Goes("ScrollWindowEx", window, ' ' + std::to_string(dy))) {
+            return 0;
+        }
+        for (auto& [handle, child] : windows) {
+            if (child.parent == window) {
+                child.bounds.top += dy;
+                child.bounds.bottom += dy;
+            }
+        }
+        return 2;
+    }
+
+    BOOL SHCreateMenuBar(SHMENUBARINFO* info) override {
+        EXPECT_EQ(info->cbSize, 36u);
+        EXPECT_EQ(info->dwFlags, SHCMBF_HMENU);
+        EXPECT_EQ(info->nToolBarId, 101u);
+        EXPECT_EQ(info->hInstRes, g_Instance);
+        if (!Goes("SHCreateMenuBar", info->hwndParent)) {
+            return 0;
+        }
+        FakeWindow bar;
+        bar.className = u"menu bar";
+        bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
+        bar.parent = info->hwndParent;
+        info->hwndMB = Add(std::move(bar));
+        return 1;
+    }
 
   private:
+    static constexpr int kCaptionHeight = 26;
+    static constexpr int kBarHeight = 26;
+    static constexpr int kScrollBarWidth = 13;
+    static constexpr int kScreenWidth = 240;
+    static constexpr int kScreenHeight = 320;
+
+    const std::set<std::u16string> kControlClasses = {
+        u"BUTTON",         u"EDIT", u"COMBOBOX", u"LISTBOX", u"STATIC", u"msctls_trackbar32",
+        u"SysTabControl32"};
+
     // Keeps the call and returns whether it is to succeed.
-    bool Goes(const std::string& call);
+    bool Goes(const std::string& call) {
+        calls.push_back(call);
+        return !failing.contains(call);
+    }
+
     // The same for a call that does something to a window.
-    bool Goes(const std::string& operation, HWND window, const std::string& rest = "");
-    FakeWindow* Living(HWND window);
-    HWND Add(FakeWindow window);
-    LRESULT Answer(HWND handle, FakeWindow& control, UINT message, WPARAM wParam, LPARAM lParam);
+    bool Goes(const std::string& operation, HWND window, const std::string& rest = "") {
+        const FakeWindow* const target = Living(window);
+        if (target == nullptr) {
+            Goes(operation + " nothing" + rest);
+            return false;
+        }
+        const std::string id = target->id == 0 ? "" : ' ' + std::to_string(target->id);
+        return Goes(operation + ' ' + platform::ReadableText(target->className.c_str()) + id +
+                    rest);
+    }
+
+    FakeWindow* Living(HWND window) {
+        const auto found = windows.find(window);
+        if (found != windows.end()) {
+            return &found->second;
+        }
+        strayHandles += window == nullptr ? 0 : 1;
+        return nullptr;
+    }
+
+    HWND Add(FakeWindow window) {
+        const auto handle = reinterpret_cast<HWND>(++lastHandle_);
+        windows.emplace(handle, std::move(window));
+        return handle;
+    }
+
+    LRESULT Answer(HWND handle, FakeWindow& control, UINT message, WPARAM wParam, LPARAM lParam) {
+        const auto number = static_cast<int>(static_cast<LPARAM>(wParam));
+        switch (message) {
+            case BM_GETCHECK:
+                return control.check;
+            case BM_SETCHECK:
+                control.check = number;
+                return 0;
+            case WM_GETTEXT:
+                return CopyText(control.text, wParam, lParam);
+            case WM_SETTEXT:
+                control.text = TextOf(lParam);
+                return SendMessageW(control.parent, WM_COMMAND,
+                                    MAKELONG(static_cast<WORD>(control.id), EN_CHANGE),
+                                    reinterpret_cast<LPARAM>(handle));
+            case CB_ADDSTRING:
+                control.entries.emplace_back(TextOf(lParam));
+                return static_cast<LRESULT>(control.entries.size()) - 1;
+            case CB_SETCURSEL:
+                if (number < 0 || number >= static_cast<int>(control.entries.size())) {
+                    return CB_ERR;
+                }
+                return control.position = number;
+            case CB_GETCURSEL:
+            case TBM_GETPOS:
+            case TCM_GETCURSEL:
+                return control.position;
+            case TBM_SETRANGE:
+                control.highest = HIWORD(static_cast<DWORD_PTR>(lParam));
+                return 0;
+            case TBM_SETPOS:
+                control.position = std::clamp(static_cast<int>(lParam), 0, control.highest);
+                return 0;
+            case TCM_INSERTITEM:
+                return Goes("TCM_INSERTITEM " + std::to_string(wParam)) ? InsertTab(control, lParam)
+                                                                        : -1;
+            case TCM_ADJUSTRECT: {
+                auto* area = reinterpret_cast<RECT*>(lParam);
+                *area = {area->left + 4, area->top + 4, area->right - 4, area->bottom - 25};
+                return 0;
+            }
+            default:
+                ADD_FAILURE() << "unexpected message " << message;
+                return 0;
+        }
+    }
+
+    static const WCHAR* TextOf(LPARAM lParam) { return reinterpret_cast<const WCHAR*>(lParam); }
+
+    static LRESULT CopyText(const std::u16string& text, WPARAM room, LPARAM lParam) {
+        if (room == 0) {
+            return 0;
+        }
+        auto* buffer = reinterpret_cast<WCHAR*>(lParam);
+        const std::size_t count = std::min<std::size_t>(text.size(), room - 1);
+        std::copy_n(text.data(), count, buffer);
+        buffer[count] = 0;
+        return static_cast<LRESULT>(count);
+    }
+
+    static LRESULT InsertTab(FakeWindow& control, LPARAM lParam) {
+        const auto* item = reinterpret_cast<const TCITEM*>(lParam);
+        EXPECT_EQ(item->mask, TCIF_TEXT);
+        EXPECT_EQ(item->iImage, -1);
+        control.entries.emplace_back(item->pszText);
+        control.position = std::max(control.position, 0);
+        return static_cast<LRESULT>(control.entries.size()) - 1;
+    }
 
     std::map<std::u16string, WNDPROC> classes_;
     std::deque<MSG> queue_;
     DWORD_PTR lastHandle_ = 0x1000;
 };
+
+// NOLINTEND(performance-no-int-to-ptr)

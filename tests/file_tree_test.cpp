@@ -149,13 +149,11 @@ Entries Contents(const TemporaryDevice& device) {
     return contents;
 }
 
-TEST(MoveTree, MovesWhatItCanAndLosesNothing) {
+TEST(MoveTree, MovesWhatItCan) {
     for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
         const Device device(Words(move.before));
-        const Entries before = Contents(device);
         MoveTree(move.from, move.to);
-        EXPECT_EQ(Contents(device), before);
         const Entries moved = device.Listing();
         if (move.after != nullptr) {
             EXPECT_EQ(moved, Made(move.after));
@@ -166,11 +164,11 @@ TEST(MoveTree, MovesWhatItCanAndLosesNothing) {
     }
 }
 
-// Each walk again and again, with its first, second, ... operation failing, until none does.
-TEST(MoveTree, LosesNothingWhenAnyOperationFails) {
+// Each walk again and again, with none and with its first, second, ... operation failing.
+TEST(MoveTree, LosesNothingWhateverFails) {
     for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
-        for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
+        for (int failing = 0, calls = 1; failing <= calls; ++failing) {
             const Device device(Words(move.before), failing);
             const Entries before = Contents(device);
             MoveTree(move.from, move.to);

@@ -40,12 +40,10 @@ TEST_F(DisplayTest, ButtonsTellTheirParentOfClicksAlone) {
     EXPECT_EQ(Send(box, BM_GETCHECK), 0);
     EXPECT_TRUE(TakeTold().empty()) << "told before the program asked for messages";
     Dispatch();
-    const std::vector<Told> told = TakeTold();
-    ASSERT_EQ(told.size(), 2U);
-    EXPECT_EQ(told.front().window, page_);
-    EXPECT_EQ(told.front().wParam, MAKELONG(5, BN_CLICKED));
-    EXPECT_EQ(told.front().lParam, reinterpret_cast<LPARAM>(box));
-    EXPECT_EQ(told.back().wParam, MAKELONG(6, BN_CLICKED));
+    EXPECT_EQ(
+        TakeTold(),
+        (AllTold{{page_, WM_COMMAND, MAKELONG(5, BN_CLICKED), reinterpret_cast<LPARAM>(box)},
+                 {page_, WM_COMMAND, MAKELONG(6, BN_CLICKED), reinterpret_cast<LPARAM>(push)}}));
 }
 
 TEST_F(DisplayTest, EditBoxesTellOfEveryChange) {
@@ -61,6 +59,23 @@ TEST_F(DisplayTest, EditBoxesTellOfEveryChange) {
     Codes codes = CodesOf(TakeTold());
     std::erase(codes, EN_SETFOCUS);
     EXPECT_EQ(codes, (Codes{EN_UPDATE, EN_CHANGE}));
+}
+
+TEST_F(DisplayTest, TextsGoThroughTheClipboard) {
+    Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5, TEXT("\\Temp"));
+    const HWND other = Add(TEXT("EDIT"), WS_BORDER, {2, 22, 162, 40}, 6, TEXT("x"));
+    for (const auto& [id, key] : {std::pair{5, Qt::Key_A},
+                                  {5, Qt::Key_C},
+                                  {6, Qt::Key_End},
+                                  {6, Qt::Key_V},
+                                  {6, Qt::Key_A},
+                                  {6, Qt::Key_X},
+                                  {6, Qt::Key_V},
+                                  {6, Qt::Key_V}}) {
+        const bool plain = key == Qt::Key_End;
+        QTest::keyClick(&Control(id), key, plain ? Qt::NoModifier : Qt::ControlModifier);
+    }
+    EXPECT_EQ(TextOf(other), u"x\\Tempx\\Temp");
 }
 
 TEST_F(DisplayTest, TextsAreCopiedWithinTheirRoom) {
@@ -166,7 +181,7 @@ TEST_F(DisplayTest, SlidersStayInTheirRange) {
     QTest::keyClick(&Control(5), Qt::Key_Right);
     EXPECT_EQ(Send(slider, TBM_GETPOS), 2);
     Dispatch();
-    const std::vector<Told> told = TakeTold();
+    const AllTold told = TakeTold();
     ASSERT_EQ(told.size(), 1U);
     EXPECT_EQ(told[0].message, WM_HSCROLL);
 }

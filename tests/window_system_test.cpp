@@ -103,11 +103,7 @@ TEST_F(DisplayTest, TheStylusOnABackgroundIsTold) {
     Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
     Click(*Control(5).parentWidget(), QPoint(100, 90));
     Dispatch();
-    const std::vector<Told> told = TakeTold();
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told[0].window, page_);
-    EXPECT_EQ(told[0].message, WM_LBUTTONUP);
-    EXPECT_EQ(told[0].lParam, static_cast<LPARAM>(MAKELONG(100, 90)));
+    EXPECT_EQ(TakeTold(), (AllTold{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
 }
 
 class BoxTest : public DisplayTest {
@@ -161,10 +157,7 @@ TEST_F(BoxTest, ClosingTheWindowAnswersTheBoxAndEndsTheProgramOnce) {
     EXPECT_EQ(Show(MB_YESNO, [](QDialog& /*box*/) { Host().close(); }), IDNO);
     Host().close();
     Dispatch();
-    const std::vector<Told> told = TakeTold();
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told[0].window, main_);
-    EXPECT_EQ(told[0].wParam, WPARAM{IDOK});
+    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, IDOK, 0}}));
     EXPECT_TRUE(Host().isVisible());
 }
 
@@ -186,11 +179,7 @@ TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     DestroyWindow(box);
     Click(ok);
     Dispatch();
-    const std::vector<Told> told = TakeTold();
-    ASSERT_EQ(told.size(), 2U);
-    EXPECT_EQ(told[0].window, box);
-    EXPECT_EQ(told[1].window, main_);
-    EXPECT_EQ(told[1].wParam, WPARAM{IDOK});
+    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, {main_, WM_COMMAND, IDOK, 0}}));
 }
 
 TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
@@ -205,11 +194,7 @@ TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
     QTest::keyClick(popup, Qt::Key_Down);
     QTest::keyClick(popup, Qt::Key_Return);
     Dispatch();
-    const std::vector<Told> told = TakeTold();
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told[0].window, main_);
-    EXPECT_EQ(told[0].wParam, WPARAM{kCommandApplyDeferRestart});
-    EXPECT_EQ(told[0].lParam, 0);
+    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, kCommandApplyDeferRestart, 0}}));
     info.nToolBarId = 7;
     EXPECT_EQ(SHCreateMenuBar(&info), 0);
 }
