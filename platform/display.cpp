@@ -122,6 +122,7 @@ std::unique_ptr<DisplayWindows> OpenDisplayWindows(const DisplayNeeds& needs, st
         reason = dlerror();
         return nullptr;
     }
+    reason = "it answers, but this user cannot open it; \"silent\" runs without one";
     return std::unique_ptr<DisplayWindows>(reinterpret_cast<MakeDisplayWindows*>(make)(&needs));
 }
 

@@ -7,15 +7,15 @@
 
 namespace platform {
 
-// Whether the desktop has a display that can be opened. Loads nothing.
+// Whether the desktop has a display that answers. Loads nothing.
 bool DisplayIsThere();
 
 // What the windows are handed, for a device directory and a scale (0: fitting for the desktop).
 DisplayNeeds NeedsFor(const std::string& device, double scale);
 
 // Loads the module of the windows, which is searched for beside the executable and in the library
-// folder that belongs to it, and opens them on the display, which must be there. Null, with the
-// reason, when that fails. Once in a process.
+// folder that belongs to it, and opens them on the display. Null, with the reason, when that fails.
+// Once in a process.
 std::unique_ptr<DisplayWindows> OpenDisplayWindows(const DisplayNeeds& needs, std::string& reason);
 
 }  // namespace platform

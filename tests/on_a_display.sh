@@ -1,15 +1,29 @@
 #!/usr/bin/env bash
-# The program on a real display, with a user's mouse: on_a_display.sh FENNELBRIGHT
+# The program on a real display, with a user's mouse and keys: on_a_display.sh FENNELBRIGHT CLOSE_REQUEST
 set -euo pipefail
 program=$1
+close_request=$2
 scratch=$(mktemp -d)
+device=$scratch/device
+settings="$device/files/Program Files/Fennelbright/settings.dat"
 display_process=
-trap '[ -z "$display_process" ] || kill "$display_process"; rm -rf "$scratch"' EXIT
+trap '[ -z "$display_process" ] || { kill "$display_process"; wait "$display_process"; }; rm -rf "$scratch"' EXIT
 
 fail() { echo "$*"; exit 1; }
 
+mask() { od -An -tx4 -N4 "$settings"; }
+
+# Starts the program and waits for its window.
+start() {
+  "$program" --device "$device" --scale 2 &
+  running=$!
+  window=$(xdotool search --sync --onlyvisible --name "$device" | tail -n 1)
+}
+
+ended() { wait "$running" || fail "the program did not end well: $*"; }
+
 mkfifo "$scratch/number"
-Xvfb -displayfd 3 -screen 0 1280x900x24 3>"$scratch/number" 2>/dev/null &
+Xvfb -noreset -displayfd 3 -screen 0 1280x900x24 3>"$scratch/number" 2>/dev/null &
 display_process=$!
 read -r number <"$scratch/number"
 export DISPLAY=:$number
@@ -19,22 +33,26 @@ unset WAYLAND_DISPLAY QT_QPA_PLATFORM
 echo 'leak:libdbus' >"$scratch/known-leaks"
 export LSAN_OPTIONS=suppressions=$scratch/known-leaks
 
-"$program" --new-device "$scratch/device" >/dev/null
-settings="$scratch/device/files/Program Files/Fennelbright/settings.dat"
-before=$(od -An -tx4 -N4 "$settings")
+"$program" --new-device "$device" >/dev/null
+before=$(mask)
 
-"$program" --device "$scratch/device" --scale 2 &
-running=$!
-window=$(xdotool search --sync --onlyvisible --name "$scratch/device" | tail -n 1)
+start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1
-wait "$running" || fail "the program did not end well"
-after=$(od -An -tx4 -N4 "$settings")
+ended "by its OK"
+after=$(mask)
 [ $((0x${before// /} ^ 0x${after// /})) -eq 1 ] || fail "the tick is not in the settings: $before, then$after"
 
-"$program" --device "$scratch/device" --scale 1 &
-running=$!
-xdotool search --sync --onlyvisible --name "$scratch/device" >/dev/null
+start
 kill -TERM "$running"
-wait "$running" || fail "the program did not end well when it was asked to"
-[ "$(od -An -tx4 -N4 "$settings")" = "$after" ] || fail "the settings have changed"
+ended "when it was asked to"
+[ "$(mask)" = "$after" ] || fail "the settings have changed"
+
+# A box that is up is answered, and the work goes on to its end.
+start
+xdotool mousemove --window "$window" 30 82 click 1
+xdotool key F10 Right Up Return
+xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+"$close_request" "$window"
+ended "when its window was closed below a box"
+[ "$(mask)" = "$before" ] || fail "the settings are not those of the closed window"

@@ -2,8 +2,12 @@
 
 #include "platform/display_windows.h"
 #include "platform/windows/qt_windows.h"
+#include "platform/windows/toolkit.h"
 
 extern "C" __attribute__((visibility("default"))) platform::DisplayWindows* FennelbrightMakeWindows(
     const platform::DisplayNeeds* needs) {
-    return new platform::windows::QtWindows(*needs);
+    auto application = platform::windows::StartToolkit(needs->scale);
+    return application == nullptr
+               ? nullptr
+               : new platform::windows::QtWindows(*needs, std::move(application));
 }

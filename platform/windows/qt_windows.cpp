@@ -8,7 +8,6 @@
 #include "platform/windows/look.h"
 #include "platform/windows/menu_bar.h"
 #include "platform/windows/tab_control.h"
-#include "platform/windows/toolkit.h"
 #include "platform/windows/tree_control.h"
 
 namespace platform::windows {
@@ -72,9 +71,9 @@ class QuitWatch : public QObject {
 
 }  // namespace
 
-QtWindows::QtWindows(const DisplayNeeds& needs)
+QtWindows::QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> application)
     : findMenu_(needs.findMenu),
-      application_(StartToolkit(needs.scale)),
+      application_(std::move(application)),
       host_(QString::fromUtf8(needs.title),
             {.okPressed = [this] { queue_.Post(fronts_.Front(), WM_COMMAND, IDOK, 0); },
              .closePressed = [this] { EndRun(); },

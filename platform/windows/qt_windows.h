@@ -19,7 +19,7 @@ namespace platform::windows {
 // The window system over the toolkit.
 class QtWindows : public DisplayWindows {
   public:
-    explicit QtWindows(const DisplayNeeds& needs);
+    QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> application);
     ~QtWindows() override;
 
     void AnswerDesktop() override;
