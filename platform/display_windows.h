@@ -22,8 +22,8 @@ struct DisplayNeeds {
     const IconResource* (*findIcon)(UINT id);
 };
 
-// The one function of the module: makes the window system, which becomes the caller's. Null where no
-// display can be opened. Once in a process.
+// The one function of the module: makes the window system, which becomes the caller's. Null where
+// no display can be opened. Once in a process.
 using MakeDisplayWindows = DisplayWindows*(const DisplayNeeds* needs);
 inline constexpr char kMakeDisplayWindows[] = "FennelbrightMakeWindows";
 inline constexpr char kDisplayModule[] = "fennelbright-windows.so";

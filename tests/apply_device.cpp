@@ -21,20 +21,6 @@ namespace {
 
 constexpr const WCHAR* kModule = TEXT("\\App\\Fennelbright.exe");
 
-// Counts the restarts that would end the process.
-class RestartingStore : public FailingStore {
-  public:
-    using FailingStore::FailingStore;
-
-    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
-                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
-        restarts += code == IOCTL_HAL_REBOOT ? 1 : 0;
-        return 1;
-    }
-
-    int restarts = 0;
-};
-
 void WriteSettingsOf(const ApplyInput& input) {
     CSettings settings;
     for (const Option& option : AllOptions()) {
@@ -74,7 +60,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
         WriteSettingsOf(input);
     }
     ApplyResult result;
-    RestartingStore faulty(store, failing);
+    FailingStore faulty(store, failing);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(faulty);
     const platform::WindowsInUse windowsInUse(windows);
@@ -88,7 +74,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
     result.notes = testing::internal::GetCapturedStderr();
     EXPECT_EQ(store.Finish(), "");
     result.boxes = windows.boxes;
-    result.restarts = faulty.restarts;
+    result.restarts = faulty.restarts();
     result.bytesCleaned = BytesCleaned;
     result.registry = ReadFile(device.path() + "/registry.reg");
     result.files = device.Listing();

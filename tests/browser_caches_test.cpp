@@ -117,31 +117,25 @@ TEST(BrowserCachesTest, WritesTheChosenLimit) {
     const struct {
         std::uint32_t option;
         const char* key;
-        const char* missing;
-        std::vector<std::pair<std::int32_t, const char*>> written;  // by position
+        const char* name;
+        const char* written[3];  // by position
     } cases[] = {
-        {OPT_LIMIT_IE_CACHE,
-         "Content",
-         "[Error] Unable to locate Internet Explorer cache limit",
-         {{0, "00000400"}, {1, "00000800"}, {2, "00000c00"}, {-1, "00000800"}}},
-        {OPT_LIMIT_IE_HISTORY,
-         "History",
-         "[Error] Unable to locate Internet Explorer history limit",
-         {{0, "00000100"}, {1, "00000200"}, {2, "00000400"}, {3, "00000200"}}},
-        {OPT_LIMIT_IE_COOKIES,
-         "Cookies",
-         "[Error] Unable to locate Internet Explorer cookie limit",
-         {{0, "00000100"}, {1, "00000200"}, {2, "00000400"}, {2147483647, "00000200"}}},
+        {OPT_LIMIT_IE_CACHE, "Content", "cache", {"00000400", "00000800", "00000c00"}},
+        {OPT_LIMIT_IE_HISTORY, "History", "history", {"00000100", "00000200", "00000400"}},
+        {OPT_LIMIT_IE_COOKIES, "Cookies", "cookie", {"00000100", "00000200", "00000400"}},
     };
     for (const auto& test : cases) {
-        for (const auto& [position, written] : test.written) {
+        for (const std::int32_t position : {0, 1, 2, 3, -1, 2147483647}) {
+            const char* const written = test.written[position < 0 || position > 2 ? 1 : position];
             const ApplyResult result =
                 ApplySilently({{}, Limits("", ""), test.option, nullptr, position});
             EXPECT_EQ(result.registry, Limits(test.key, written)) << test.key << position;
             EXPECT_EQ(result.boxes, Entries());
         }
         const ApplyResult missing = ApplySilently({{}, kQuietTweaks, test.option});
-        EXPECT_EQ(missing.boxes, Entries{test.missing});
+        EXPECT_EQ(missing.boxes,
+                  Entries{std::string("[Error] Unable to locate Internet Explorer ") + test.name +
+                          " limit"});
         EXPECT_EQ(missing.registry, kQuietTweaks);
     }
 }

@@ -3,7 +3,8 @@
 #include "platform/file_store.h"
 #include "platform/forwarding_store.h"
 
-// Lets the n-th call come back with failure, without having done anything; all others go on.
+// Lets the n-th call come back with failure, without having done anything; all others go on but for
+// the restarts, which would end the process and are counted.
 class FailingStore : public platform::ForwardingStore {
   public:
     // `failing` counts from 1; 0 lets every call through.
@@ -11,6 +12,13 @@ class FailingStore : public platform::ForwardingStore {
         : ForwardingStore(inner), failing_(failing) {}
 
     int calls() const { return calls_; }
+    int restarts() const { return restarts_; }
+
+    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
+                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
+        restarts_ += code == IOCTL_HAL_REBOOT ? 1 : 0;
+        return 1;
+    }
 
   protected:
     platform::DeviceStore& inner() override {
@@ -22,4 +30,5 @@ class FailingStore : public platform::ForwardingStore {
     platform::FileStore nothing_{platform::Descriptor(), std::u16string(5000, u'x')};
     int failing_;
     int calls_ = 0;
+    int restarts_ = 0;
 };

@@ -6,8 +6,8 @@ close_request=$2
 scratch=$(mktemp -d)
 device=$scratch/device
 settings="$device/files/Program Files/Fennelbright/settings.dat"
-display_process=
-trap '[ -z "$display_process" ] || { kill "$display_process"; wait "$display_process"; }; rm -rf "$scratch"' EXIT
+displays=()
+trap 'kill "${displays[@]}"; wait "${displays[@]}"; rm -rf "$scratch"' EXIT
 
 fail() { echo "$*"; exit 1; }
 
@@ -22,12 +22,17 @@ start() {
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
 
+# Starts a display; the words are the server's.
+open_display() {
+  Xvfb -noreset -displayfd 3 -screen 0 1280x900x24 "$@" 3>"$scratch/number" 2>/dev/null &
+  displays+=($!)
+  read -r number <"$scratch/number"
+  export DISPLAY=:$number
+}
+
 mkfifo "$scratch/number"
-Xvfb -noreset -displayfd 3 -screen 0 1280x900x24 3>"$scratch/number" 2>/dev/null &
-display_process=$!
-read -r number <"$scratch/number"
-export DISPLAY=:$number
-unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM XAUTHORITY
+export HOME=$scratch
 
 # What a library of the toolkit never gives back is not the program's.
 echo 'leak:libdbus' >"$scratch/known-leaks"
@@ -36,6 +41,17 @@ export LSAN_OPTIONS=suppressions=$scratch/known-leaks
 "$program" --new-device "$device" >/dev/null
 before=$(mask)
 
+# A display that lets nobody in without its key is none, and a box is a line there.
+printf '\xff\xff\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10%016d' 0 >"$scratch/key"
+open_display -auth "$scratch/key"
+code=0
+"$program" --device "$device" 2>"$scratch/errors" || code=$?
+[ "$code" -eq 69 ] || fail "a display without its key gave $code"
+grep -q "cannot open it" "$scratch/errors" || fail "$(<"$scratch/errors")"
+"$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
+grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
+
+open_display
 start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1

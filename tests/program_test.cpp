@@ -2,14 +2,10 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <csignal>
-#include <cstddef>
 #include <cstdlib>
 #include <filesystem>
 
@@ -25,21 +21,14 @@ struct Outcome {
     std::string errors;
 };
 
-// What stands around the program.
-struct Surroundings {
-    std::string home{};         // the user's home directory; empty: as it is
-    std::string display{};      // empty: none
-    bool closedOutput = false;  // nobody reads its standard output
-};
-
-[[noreturn]] void BecomeProgram(const std::vector<std::string>& words, const Surroundings& around,
+[[noreturn]] void BecomeProgram(const std::vector<std::string>& words, const std::string& home,
                                 int output, int errors) {
     dup2(output, STDOUT_FILENO);
     dup2(errors, STDERR_FILENO);
-    if (!around.home.empty()) {
-        setenv("HOME", around.home.c_str(), 1);
+    if (!home.empty()) {
+        setenv("HOME", home.c_str(), 1);
     }
-    setenv("DISPLAY", around.display.c_str(), 1);
+    unsetenv("DISPLAY");
     unsetenv("WAYLAND_DISPLAY");
     unsetenv("QT_QPA_PLATFORM");
     std::vector<char*> arguments = {const_cast<char*>("fennelbright")};
@@ -59,18 +48,20 @@ int OpenBrokenPipe() {
     return ends[1];
 }
 
-// Runs the built program with these words.
-Outcome RunProgram(const std::vector<std::string>& words, const Surroundings& around = {}) {
+// Runs the built program with these words, without a display, and with `home` as the user's home
+// directory if it is not empty. With `closedOutput` nobody reads its standard output.
+Outcome RunProgram(const std::vector<std::string>& words, const std::string& home = "",
+                   bool closedOutput = false) {
     const TemporaryDevice scratch;
     const std::string outputPath = scratch.path() + "/output";
     const std::string errorsPath = scratch.path() + "/errors";
     constexpr int flags = O_CREAT | O_WRONLY | O_CLOEXEC;
-    const platform::Descriptor output(around.closedOutput ? OpenBrokenPipe()
-                                                          : open(outputPath.c_str(), flags, 0600));
+    const platform::Descriptor output(closedOutput ? OpenBrokenPipe()
+                                                   : open(outputPath.c_str(), flags, 0600));
     const platform::Descriptor errors(open(errorsPath.c_str(), flags, 0600));
     const pid_t child = fork();
     if (child == 0) {
-        BecomeProgram(words, around, output.get(), errors.get());
+        BecomeProgram(words, home, output.get(), errors.get());
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
@@ -140,7 +131,7 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         EXPECT_NE(said.find(expected.says), std::string::npos);
         EXPECT_FALSE(outcome.errors.starts_with('['));
     }
-    EXPECT_EQ(RunProgram({"--device", taken, "silent"}, {.home = taken + "/."}).exitCode, 66);
+    EXPECT_EQ(RunProgram({"--device", taken, "silent"}, taken + "/.").exitCode, 66);
     EXPECT_EQ(device.Listing(), before);
 }
 
@@ -241,8 +232,7 @@ TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
 TEST(Program, AReportThatNobodyReadsDoesNotStopTheWork) {
     const TemporaryDevice device;
     device.Make({"Temp/a=1", "Temp/b=2", SettingsEntry(kRootTemp)});
-    const Outcome outcome =
-        RunProgram({"--device", device.path(), "--report", "silent"}, {.closedOutput = true});
+    const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"}, "", true);
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.errors.find("the report is not complete"), std::string::npos);
     EXPECT_EQ(device.Listing().size(), 4U);
@@ -256,46 +246,6 @@ TEST(Program, ABoxIsOneLineAndWaitsForNobody) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "[Error!!!] Failed retrieving application directory\n");
     EXPECT_EQ(device.Listing(), (Entries{"Temp/", "Temp/keep=1"}));
-}
-
-// A display that answers and lets nobody in.
-class ShutDisplay {
-  public:
-    ShutDisplay() {
-        const std::string path = "/tmp/.X11-unix/X" + std::to_string(kNumber);
-        sockaddr_un address{AF_UNIX, {}};
-        path.copy(address.sun_path + 1, path.size());
-        const auto size = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + 1 + path.size());
-        EXPECT_EQ(bind(door_.get(), reinterpret_cast<const sockaddr*>(&address), size), 0);
-        EXPECT_EQ(listen(door_.get(), 9), 0);
-        child_ = fork();
-        while (child_ == 0) {
-            close(accept(door_.get(), nullptr, nullptr));
-        }
-    }
-    ~ShutDisplay() {
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
-    }
-    std::string name() const { return ':' + std::to_string(kNumber); }
-
-  private:
-    static constexpr int kNumber = 47113;
-    platform::Descriptor door_{socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0)};
-    pid_t child_ = -1;
-};
-
-TEST(Program, ADisplayThatLetsNobodyInIsNone) {
-    const TemporaryDevice device;
-    device.Make({"App/"});
-    const ShutDisplay display;
-    const Outcome windows = RunProgram({"--device", device.path()}, {.display = display.name()});
-    EXPECT_EQ(windows.exitCode, 69);
-    EXPECT_NE(windows.errors.find("cannot open it"), std::string::npos) << windows.errors;
-    const Outcome box = RunProgram({"--device", device.path(), "--module", "\\x.exe", "silent"},
-                                   {.display = display.name()});
-    EXPECT_EQ(box.exitCode, 0);
-    EXPECT_EQ(box.errors, "[Error!!!] Failed retrieving application directory\n");
 }
 
 TEST(Program, ADeviceWithOnlyARegistryHasNoFiles) {
