@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <functional>
 
+#include "platform/windows/text_order.h"
+
 namespace platform::windows {
 
 namespace {
@@ -65,11 +67,6 @@ class RowDelegate : public QStyledItemDelegate {
   private:
     const ListView& list_;
 };
-
-bool ComesBefore(const QString& one, const QString& other) {
-    const int apartFromCase = QString::compare(one, other, Qt::CaseInsensitive);
-    return apartFromCase != 0 ? apartFromCase < 0 : one < other;
-}
 
 void ShowBars(QListWidget& list, DWORD style) {
     const bool always = (style & LBS_DISABLENOSCROLL) != 0;
@@ -146,11 +143,8 @@ void ListBoxControl::FocusChanged(bool gained, Qt::FocusReason reason) {
 }
 
 LRESULT ListBoxControl::Add(const QString& text) {
-    int low = 0;
-    int high = sorted_ ? list_->count() : 0;
-    if (!sorted_) {
-        low = high = list_->count();
-    }
+    int low = sorted_ ? 0 : list_->count();
+    int high = list_->count();
     while (low < high) {
         const int middle = low + (high - low) / 2;
         if (ComesBefore(list_->item(middle)->text(), text)) {

@@ -6,6 +6,7 @@
 #include <QTreeWidget>
 
 #include "platform/windows/message_queue.h"
+#include "platform/windows/text_order.h"
 #include "platform/windows/window_table.h"
 
 namespace platform::windows {
@@ -28,14 +29,9 @@ class TreeItem : public QTreeWidgetItem {
 
 namespace {
 
-bool ComesBefore(const QTreeWidgetItem& one, const QString& text) {
-    const int apartFromCase = QString::compare(one.text(0), text, Qt::CaseInsensitive);
-    return apartFromCase != 0 ? apartFromCase < 0 : one.text(0) < text;
-}
-
 int PlaceFor(const QTreeWidgetItem& parent, const QString& text) {
     int place = 0;
-    while (place < parent.childCount() && ComesBefore(*parent.child(place), text)) {
+    while (place < parent.childCount() && ComesBefore(parent.child(place)->text(0), text)) {
         ++place;
     }
     return place;
