@@ -1,6 +1,6 @@
 #pragma once
 
-#include <memory>
+#include <optional>
 
 #include "platform/console_windows.h"
 #include "platform/display.h"
@@ -8,7 +8,9 @@
 namespace platform {
 
 // The window system of a run without windows of its own. Its boxes appear on the display if there
-// is one, which is opened for the first of them; else they go out as lines.
+// is one, each from a process of its own: the toolkit ends its process when the display breaks off,
+// which must not end the run. Where no box can appear, and once a signal has asked the run to end,
+// they go out as lines.
 class BoxesOnDemand : public ConsoleWindows {
   public:
     BoxesOnDemand(const DisplayNeeds& needs, std::FILE* lines)
@@ -17,9 +19,11 @@ class BoxesOnDemand : public ConsoleWindows {
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
 
   private:
+    // Nothing when the box could not appear or has vanished.
+    std::optional<int> ShowOnDisplay(const WCHAR* text, const WCHAR* caption, UINT type) const;
+
     DisplayNeeds needs_;
-    bool tried_ = false;
-    std::unique_ptr<DisplayWindows> windows_;
+    bool hasFailed_ = false;
 };
 
 }  // namespace platform

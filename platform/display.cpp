@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 #include <netdb.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <sys/un.h>
 #include <unistd.h>
 
@@ -12,6 +13,7 @@
 #include <cstring>
 #include <string_view>
 
+#include "platform/console_windows.h"
 #include "platform/descriptor.h"
 
 namespace platform {
@@ -91,13 +93,22 @@ std::string FolderOfExecutable() {
     return std::string(whole.substr(0, whole.rfind('/')));
 }
 
+bool IsFile(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
 // Whatever the environment says of folders, these two are tried.
 void* LoadModule() {
     const std::string folder = FolderOfExecutable();
     const std::string beside = folder + '/' + kDisplayModule;
     const std::string library = folder + kLibraryFolder + kDisplayModule;
-    return dlopen(access(beside.c_str(), F_OK) == 0 ? beside.c_str() : library.c_str(),
+    return dlopen(IsFile(beside) ? beside.c_str() : library.c_str(),
                   RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+}
+
+int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
+    return ConsoleWindows(stderr).MessageBoxW(nullptr, text, caption, type);
 }
 
 }  // namespace
@@ -111,18 +122,19 @@ bool DisplayIsThere() {
     return XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere();
 }
 
-DisplayNeeds NeedsFor(const std::string& device, double scale) {
-    return {device.c_str(), scale, FindMenuResource, FindIconResource};
+DisplayNeeds NeedsFor(const char* device, double scale) {
+    return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
 }
 
 std::unique_ptr<DisplayWindows> OpenDisplayWindows(const DisplayNeeds& needs, std::string& reason) {
     void* const module = LoadModule();
     void* const make = module == nullptr ? nullptr : dlsym(module, kMakeDisplayWindows);
     if (make == nullptr) {
-        reason = dlerror();
+        const char* const failure = dlerror();
+        reason = failure == nullptr ? std::string(kDisplayModule) + " is empty" : failure;
         return nullptr;
     }
-    reason = "it answers, but this user cannot open it; \"silent\" runs without one";
+    reason = "it cannot be opened; \"silent\" runs without one";
     return std::unique_ptr<DisplayWindows>(reinterpret_cast<MakeDisplayWindows*>(make)(&needs));
 }
 

@@ -10,8 +10,9 @@ namespace platform {
 // Whether the desktop has a display that answers. Loads nothing.
 bool DisplayIsThere();
 
-// What the windows are handed, for a device directory and a scale (0: fitting for the desktop).
-DisplayNeeds NeedsFor(const std::string& device, double scale);
+// What the windows are handed, for a device directory, whose text must outlive it, and a scale (0:
+// fitting for the desktop).
+DisplayNeeds NeedsFor(const char* device, double scale);
 
 // Loads the module of the windows, which is searched for beside the executable and in the library
 // folder that belongs to it, and opens them on the display. Null, with the reason, when that fails.

@@ -20,6 +20,8 @@ struct DisplayNeeds {
     double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
     const MenuResource* (*findMenu)(UINT id);
     const IconResource* (*findIcon)(UINT id);
+    // Tells what a box says that nobody can see any more, and returns its answer.
+    int (*answerUnseen)(const WCHAR* text, const WCHAR* caption, UINT type);
 };
 
 // The one function of the module: makes the window system, which becomes the caller's. Null where

@@ -93,7 +93,7 @@ int RunProgram(platform::DeviceStore& store, platform::DisplayWindows* windows, 
         platform::ConsoleWindows console(stderr);
         return RunWith(store, console, line);
     }
-    platform::BoxesOnDemand boxes(platform::NeedsFor(line.device, line.scale), stderr);
+    platform::BoxesOnDemand boxes(platform::NeedsFor(line.device.c_str(), line.scale), stderr);
     return RunWith(store, boxes, line);
 }
 
@@ -115,8 +115,8 @@ std::unique_ptr<platform::DisplayWindows> OpenWindows(const CommandLine& line) {
     if (!line.noDisplay) {
         reason = "none answers under DISPLAY or WAYLAND_DISPLAY; \"silent\" runs without one";
         if (platform::DisplayIsThere()) {
-            windows =
-                platform::OpenDisplayWindows(platform::NeedsFor(line.device, line.scale), reason);
+            windows = platform::OpenDisplayWindows(
+                platform::NeedsFor(line.device.c_str(), line.scale), reason);
         }
     }
     if (windows == nullptr) {

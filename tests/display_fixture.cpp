@@ -1,6 +1,7 @@
 #include "tests/display_fixture.h"
 
 #include "core/window_system.h"
+#include "platform/display.h"
 
 LRESULT (*g_hook)(const Told& told) = nullptr;
 
@@ -30,7 +31,7 @@ extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::Dis
 
 std::unique_ptr<platform::DisplayWindows> OpenUnseen() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::DisplayNeeds needs = {"A device", 1, FindMenuResource, FindIconResource};
+    const platform::DisplayNeeds needs = platform::NeedsFor("A device", 1);
     return std::unique_ptr<platform::DisplayWindows>(FennelbrightMakeWindows(&needs));
 }
 

@@ -10,6 +10,12 @@ namespace {
 
 constexpr DWORD kKindMask = 0xF;
 
+// With the toolkit, arrow keys wander from button to button, and on into a combo box, whose choice
+// they change.
+bool IsArrow(const QKeyEvent& event) {
+    return event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
+}
+
 // A button that Enter pushes while it has the keyboard.
 class PushButton : public QPushButton {
   public:
@@ -19,9 +25,9 @@ class PushButton : public QPushButton {
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
             click();
-            return;
+        } else {
+            IsArrow(*event) ? event->ignore() : QPushButton::keyPressEvent(event);
         }
-        QPushButton::keyPressEvent(event);
     }
 };
 
@@ -32,6 +38,9 @@ class CheckBox : public QCheckBox {
 
   protected:
     bool hitButton(const QPoint& at) const override { return rect().contains(at); }
+    void keyPressEvent(QKeyEvent* event) override {
+        IsArrow(*event) ? event->ignore() : QCheckBox::keyPressEvent(event);
+    }
 };
 
 std::unique_ptr<QAbstractButton> NewButton(const Birth& birth) {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/windows/toolkit.h"
+
 namespace platform::windows {
 
 namespace {
@@ -26,9 +28,7 @@ xcb_atom_t Atom(xcb_connection_t* display, std::string_view name) {
 
 CloseWatch::CloseWatch(const QWidget& window, std::function<void()> asked)
     : window_(window), asked_(std::move(asked)) {
-    const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* const display = x11 == nullptr ? nullptr : x11->connection();
-    if (display != nullptr && QGuiApplication::platformName() == QLatin1String("xcb")) {
+    if (xcb_connection_t* const display = XConnection()) {
         protocols_ = Atom(display, "WM_PROTOCOLS");
         deletion_ = Atom(display, "WM_DELETE_WINDOW");
         qApp->installNativeEventFilter(this);

@@ -2,6 +2,7 @@
 
 #include <QAbstractItemView>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QWheelEvent>
 #include <functional>
 
@@ -31,6 +32,11 @@ class ComboBox : public QComboBox {
   protected:
     // The page is what the wheel scrolls.
     void wheelEvent(QWheelEvent* event) override { event->ignore(); }
+
+    // Ctrl+Tab is no character to search an entry by.
+    void keyPressEvent(QKeyEvent* event) override {
+        event->key() == Qt::Key_Tab ? event->ignore() : QComboBox::keyPressEvent(event);
+    }
 
   private:
     std::function<void(WORD code)> told_;

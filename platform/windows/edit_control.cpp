@@ -1,14 +1,53 @@
 #include "platform/windows/edit_control.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
+#include <algorithm>
 
 #include "core/wide_text.h"
 #include "platform/windows/window_table.h"
 
 namespace platform::windows {
 
+namespace {
+
+class Line : public QLineEdit {
+  public:
+    Line(const QString& text, QWidget* parent) : QLineEdit(text, parent) {
+        connect(this, &QLineEdit::textEdited, this, &Line::DropControls);
+    }
+
+  protected:
+    // The toolkit would replace what is selected by nothing.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (!event->matches(QKeySequence::Paste) ||
+            !QGuiApplication::clipboard()->text().isEmpty()) {
+            QLineEdit::keyPressEvent(event);
+        }
+    }
+
+  private:
+    // A pasted text may hold line ends, or even a zero at which it would end: the program must get
+    // what its user sees.
+    void DropControls(const QString& text) {
+        const auto isControl = [](QChar unit) { return unit.category() == QChar::Other_Control; };
+        const auto before = text.left(cursorPosition());
+        const auto dropped = std::count_if(before.begin(), before.end(), isControl);
+        QString kept = text;
+        kept.removeIf(isControl);
+        if (kept != text) {
+            setText(kept);
+            setCursorPosition(static_cast<int>(before.size() - dropped));
+        }
+    }
+};
+
+}  // namespace
+
 EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto line = std::make_unique<QLineEdit>(birth.text, birth.surface);
+    auto line = std::make_unique<Line>(birth.text, birth.surface);
     line_ = line.get();
     // More than the program can take in would be cut without a word.
     line_->setMaxLength(static_cast<int>(kTextCapacity) - 1);

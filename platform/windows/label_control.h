@@ -13,6 +13,7 @@ class LabelControl : public Window {
 
     void SetText(const QString& text) override;
     QString LabelForNext() const override { return Text(); }
+    QString LabelForLater() const override { return Text(); }
 
   private:
     QLabel* label_;

@@ -1,5 +1,6 @@
 #include "platform/windows/menu_bar.h"
 
+#include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
 #include <QShowEvent>
@@ -20,6 +21,15 @@ class UpwardMenu : public QMenu {
         QMenu::showEvent(event);
     }
 
+    // The key that leads to the menus leads back.
+    void keyPressEvent(QKeyEvent* event) override {
+        QMenu::keyPressEvent(event);
+        if (event->key() == Qt::Key_F10) {
+            close();
+            bar_.setActiveAction(nullptr);
+        }
+    }
+
   private:
     QMenuBar& bar_;
 };
@@ -31,9 +41,9 @@ MenuBar::MenuBar(Station& station, const Birth& birth, const MenuResource& menu)
     auto bar = std::make_unique<QMenuBar>(birth.surface);
     bar->setNativeMenuBar(false);
     for (const MenuPopup& popup : menu.popups) {
-        auto* const items = new UpwardMenu(QString::fromUtf16(popup.text), *bar);  // the bar's own
+        auto* const items = new UpwardMenu(TextOf(popup.text), *bar);  // the bar's own
         for (const MenuItem& item : popup.items) {
-            items->addAction(QString::fromUtf16(item.text))->setData(item.command);
+            items->addAction(TextOf(item.text))->setData(item.command);
         }
         bar->addMenu(items);
     }

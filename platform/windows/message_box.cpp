@@ -7,6 +7,7 @@
 #include <QStyle>
 #include <QVBoxLayout>
 
+#include "platform/safe_answer.h"
 #include "platform/windows/look.h"
 
 namespace platform::windows {
@@ -77,15 +78,14 @@ class Box : public QDialog {
 
 }  // namespace
 
-int SafeAnswer(UINT type) {
-    return (type & kButtonsMask) == MB_YESNO ? IDNO : IDOK;
-}
-
 int MessageBoxes::Show(QWidget* over, const QString& text, const QString& caption, UINT type) {
     Box box(over != nullptr && over->isVisible() ? over : nullptr, text, caption, type);
     open_ = &box;
     const int answer = box.exec();
     open_ = nullptr;
+    if (over != nullptr) {
+        over->activateWindow();  // without a window manager nobody else gives the keyboard back
+    }
     return answer;
 }
 

@@ -9,9 +9,6 @@ class QDialog;
 
 namespace platform::windows {
 
-// What a box is answered with when nobody does: OK, or No where Yes and No are offered.
-int SafeAnswer(UINT type);
-
 // Shows message boxes, one at a time.
 class MessageBoxes {
   public:

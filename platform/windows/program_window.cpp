@@ -33,8 +33,12 @@ class Pane : public QWidget {
     void mouseReleaseEvent(QMouseEvent* event) override { TellStylus(WM_LBUTTONUP, *event); }
 
     void wheelEvent(QWheelEvent* event) override {
-        const int turned = event->angleDelta().y();
-        told_(kScrollBy, 0, -static_cast<LPARAM>(turned) * kPixelsPerNotch / kWheelUnitsPerNotch);
+        turned_ += event->angleDelta().y();
+        const int pixels = turned_ * kPixelsPerNotch / kWheelUnitsPerNotch;
+        turned_ -= pixels * kWheelUnitsPerNotch / kPixelsPerNotch;
+        if (pixels != 0) {
+            told_(kScrollBy, 0, -static_cast<LPARAM>(pixels));
+        }
     }
 
   private:
@@ -49,6 +53,7 @@ class Pane : public QWidget {
 
     QColor background_;
     Told told_;
+    int turned_ = 0;  // of the wheel, not yet told: fine wheels turn by less than a pixel
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include "platform/windows/look.h"
 #include "platform/windows/menu_bar.h"
 #include "platform/windows/tab_control.h"
+#include "platform/windows/toolkit.h"
 #include "platform/windows/tree_control.h"
 
 namespace platform::windows {
@@ -36,6 +37,14 @@ RECT DialogPlace(const DLGTEMPLATE& dialog, const QFontMetrics& metrics) {
     const int height = dialog.cy * metrics.height() / 8;
     return {kWorkArea.left, kWorkArea.top, std::min(kWorkArea.left + width, kWorkArea.right),
             std::min(kWorkArea.top + height, kWorkArea.bottom)};
+}
+
+// The toolkit would hand the keyboard on to a neighbour of what is hidden, as its user does by Tab.
+void GiveUpKeyboard(const QWidget& hidden) {
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus != nullptr && (focus == &hidden || hidden.isAncestorOf(focus))) {
+        focus->clearFocus();
+    }
 }
 
 QIcon IconOf(const IconResource& icon) {
@@ -73,6 +82,7 @@ class QuitWatch : public QObject {
 
 QtWindows::QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> application)
     : findMenu_(needs.findMenu),
+      answerUnseen_(needs.answerUnseen),
       application_(std::move(application)),
       host_(QString::fromUtf8(needs.title),
             {.okPressed = [this] { queue_.Post(fronts_.Front(), WM_COMMAND, IDOK, 0); },
@@ -83,13 +93,19 @@ QtWindows::QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> ap
       closeWatch_(host_, [this] { EndRun(); }) {
     new QuitWatch(*application_, queue_);  // the application's own
     if (const IconResource* const icon = needs.findIcon(kIconResource)) {
-        host_.setWindowIcon(IconOf(*icon));
+        QApplication::setWindowIcon(IconOf(*icon));
     }
 }
 
 QtWindows::~QtWindows() = default;
 
 void QtWindows::AnswerDesktop() {
+    if (DisplayIsLost()) {
+        return;  // the work goes on to its end
+    }
+    if (QGuiApplication::overrideCursor() == nullptr) {
+        QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    }
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);
 }
@@ -109,7 +125,7 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
     if (className == nullptr || (above == nullptr && parent != nullptr)) {
         return nullptr;
     }
-    const QString name = QString::fromUtf16(className);
+    const QString name = TextOf(className);
     const WindowClasses::Class* const made = classes_.Find(name);
     const bool onScreen = above == nullptr || (made != nullptr && (style & WS_POPUP) != 0);
     const Birth birth = {
@@ -117,7 +133,7 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
         .parent = parent,
         .id = above == nullptr ? 0 : static_cast<int>(reinterpret_cast<std::intptr_t>(menu)),
         .style = style,
-        .text = QString::fromUtf16(text),
+        .text = TextOf(text),
         .place =
             above == nullptr ? TopLevelPlace(x, y, width, height) : PlaceOf(x, y, width, height),
         .surface = onScreen ? &host_ : &above->surface()};
@@ -167,6 +183,7 @@ BOOL QtWindows::ShowWindow(HWND window, int command) {
         Open(*found);
         return visible;
     }
+    GiveUpKeyboard(found->widget());
     found->widget().hide();
     if (fronts_.IsTopLevel(*found)) {
         fronts_.Hide(*found);
@@ -258,6 +275,11 @@ BOOL QtWindows::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/, UINT
                 return next.message != WM_QUIT;
             }
         }
+        if (DisplayIsLost() && !ending_ && fronts_.Main() != nullptr) {
+            EndRun();
+            continue;
+        }
+        QGuiApplication::restoreOverrideCursor();
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 }
@@ -315,10 +337,11 @@ LRESULT QtWindows::SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM
 
 int QtWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) {
     HeedSignals();
-    if (ending_) {
-        return SafeAnswer(type);  // nobody is there any more to give one
+    if (ending_ || DisplayIsLost()) {
+        return answerUnseen_(text, caption, type);
     }
-    return boxes_.Show(&host_, QString::fromUtf16(text), QString::fromUtf16(caption), type);
+    QGuiApplication::restoreOverrideCursor();
+    return boxes_.Show(&host_, TextOf(text), TextOf(caption), type);
 }
 
 BOOL QtWindows::GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
@@ -422,7 +445,7 @@ DWORD_PTR QtWindows::SHGetFileInfo(const WCHAR* path, DWORD /*attributes*/, SHFI
     if (path == nullptr || info == nullptr || (flags & wanted) != wanted) {
         return 0;
     }
-    info->iIcon = QString::fromUtf16(path) == u"\\" ? kDeviceIcon : kFolderIcon;
+    info->iIcon = TextOf(path) == u"\\" ? kDeviceIcon : kFolderIcon;
     return kSmallIcons;
 }
 

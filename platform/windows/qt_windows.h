@@ -68,6 +68,7 @@ class QtWindows : public DisplayWindows {
     void EndRun();
 
     const MenuResource* (*findMenu_)(UINT id);
+    int (*answerUnseen_)(const WCHAR* text, const WCHAR* caption, UINT type);
     std::unique_ptr<QApplication> application_;
     MessageQueue queue_;
     HostWindow host_;

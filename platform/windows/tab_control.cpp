@@ -59,9 +59,9 @@ LRESULT TabControl::Insert(WPARAM index, LPARAM item) {
     if (tab == nullptr || static_cast<int>(index) < 0) {
         return -1;
     }
-    const bool hasText = (tab->mask & TCIF_TEXT) != 0 && tab->pszText != nullptr;
+    const bool hasText = (tab->mask & TCIF_TEXT) != 0;
     const int place = std::min(static_cast<int>(index), row_->count());
-    return row_->Insert(place, hasText ? QString::fromUtf16(tab->pszText) : QString());
+    return row_->Insert(place, hasText ? TextOf(tab->pszText) : QString());
 }
 
 LRESULT TabControl::Select(WPARAM index) {

@@ -6,7 +6,7 @@
 
 namespace platform::windows {
 
-// Brings the signals that ask a process to end (SIGTERM, SIGINT) to the toolkit's loop.
+// Brings the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) to the toolkit's loop.
 class TerminateSignals {
   public:
     // From now on a signal calls `asked`, below the toolkit. One object at a time.

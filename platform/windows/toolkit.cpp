@@ -5,7 +5,7 @@
 #include <QDir>
 #include <QLibraryInfo>
 #include <algorithm>
-#include <optional>
+#include <cstdio>
 
 #include "platform/windows/look.h"
 
@@ -36,16 +36,41 @@ class XDesktop {
     xcb_connection_t* connection_;
 };
 
-bool HasWayland() {
-    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
-    return qEnvironmentVariableIsSet("WAYLAND_DISPLAY") &&
-           !plugins.entryList({QStringLiteral("libqwayland*")}).isEmpty();
+bool CanOpen(const QByteArray& kind, int xDesktopHeight) {
+    if (kind == "xcb") {
+        return xDesktopHeight > 0;
+    }
+    return !kind.startsWith("wayland") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
-// Leaves a sixth of the desktop for the window's frame and the desktop's own bars.
+// The first kind of display that can be opened of those that the user has chosen, or of all that
+// desktops have; empty when there is none.
+QByteArray OpenableKind(int xDesktopHeight) {
+    const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
+    const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
+    for (const QByteArray& each : (chosen.isEmpty() ? "xcb;wayland" : chosen).split(';')) {
+        const QByteArray kind = each.split(':').front();
+        const QString plugin = QStringLiteral("libq%1*").arg(QString::fromUtf8(kind));
+        if (CanOpen(kind, xDesktopHeight) && !plugins.entryList({plugin}).isEmpty()) {
+            return each;
+        }
+    }
+    return {};
+}
+
+// The largest whole number that leaves a tenth of the desktop to its own bars and the frame.
 double FittingScale(int desktopHeight) {
-    return desktopHeight == 0 ? kUnknownDesktopScale
-                              : std::clamp(desktopHeight * 5 / 6 / kScreenHeight, 1, kLargestScale);
+    return desktopHeight == 0
+               ? kUnknownDesktopScale
+               : std::clamp(desktopHeight * 9 / 10 / kScreenHeight, 1, kLargestScale);
+}
+
+// What the toolkit notes while it starts, such as folders of the session that it misses, is
+// nobody's business here, but for the reason of its own end.
+void PassOnFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
+    if (type == QtFatalMsg) {
+        std::fprintf(stderr, "fennelbright: %s\n", qUtf8Printable(text));
+    }
 }
 
 }  // namespace
@@ -53,27 +78,40 @@ double FittingScale(int desktopHeight) {
 // Geometry and type are scaled by the toolkit itself, so that text is sharp at every scale and a
 // measure of the handheld is a measure of the toolkit.
 std::unique_ptr<QApplication> StartToolkit(double scale) {
-    const QByteArray kind = qgetenv("QT_QPA_PLATFORM").split(':').front();
-    const bool forX = kind.isEmpty() || kind == "xcb";
-    const bool forWayland = kind.isEmpty() || kind.startsWith("wayland");
-    std::optional<XDesktop> desktop;
-    const int height = forX ? desktop.emplace().Height() : 0;
-    if ((forX || forWayland) && height == 0 && !(forWayland && HasWayland())) {
+    const XDesktop desktop;
+    const QByteArray kind = OpenableKind(desktop.Height());
+    if (kind.isEmpty()) {
         return nullptr;
     }
     static int count = 1;
     static char name[] = "fennelbright";
     static char* words[] = {name, nullptr};
+    const double factor = scale > 0 ? scale : FittingScale(kind == "xcb" ? desktop.Height() : 0);
+    qputenv("QT_QPA_PLATFORM", kind);
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
-    qputenv("QT_SCALE_FACTOR", QByteArray::number(scale > 0 ? scale : FittingScale(height)));
+    qputenv("QT_SCALE_FACTOR", QByteArray::number(factor));
+    qunsetenv("QT_SCREEN_SCALE_FACTORS");
     qputenv("QT_FONT_DPI", "96");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs);
     QGuiApplication::setDesktopSettingsAware(false);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(
         Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QtMessageHandler before = qInstallMessageHandler(PassOnFatal);
     auto application = std::make_unique<QApplication>(count, words);
+    qInstallMessageHandler(before);
     ApplyLook(*application);
     return application;
+}
+
+xcb_connection_t* XConnection() {
+    const auto* const x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
+    const bool used = x11 != nullptr && QGuiApplication::platformName() == QLatin1String("xcb");
+    return used ? x11->connection() : nullptr;
+}
+
+bool DisplayIsLost() {
+    xcb_connection_t* const connection = XConnection();
+    return connection != nullptr && xcb_connection_has_error(connection) != 0;
 }
 
 }  // namespace platform::windows

@@ -52,6 +52,9 @@ Window::~Window() {
 
 void Window::Adopt(std::unique_ptr<QWidget> widget, const Birth& birth) {
     widget_ = std::move(widget);
+    if (widget_->focusPolicy() == Qt::WheelFocus) {
+        widget_->setFocusPolicy(Qt::StrongFocus);  // the wheel is the page's
+    }
     widget_->setProperty(kHandleProperty, QVariant::fromValue(handle_));
     if (id_ != 0) {
         widget_->setObjectName(QString::number(id_));

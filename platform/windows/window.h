@@ -65,8 +65,10 @@ class Window {
     virtual void SetText(const QString& text) { text_ = text; }
     virtual void Place(const QRect& place) { widget_->setGeometry(place); }
 
-    // The text by which the control that is created next is known to the user; empty if none.
+    // The text by which the user knows the control that is created next, and one that is created
+    // later; empty if none.
     virtual QString LabelForNext() const { return {}; }
+    virtual QString LabelForLater() const { return {}; }
 
     // The keyboard has come to the window or left it. Called by the toolkit: it may only queue.
     virtual void FocusChanged(bool gained, Qt::FocusReason reason);
@@ -101,10 +103,14 @@ HWND HandleOf(const QWidget& widget);
 // Copies a text as WM_GETTEXT does and returns how many characters it has put there.
 LRESULT CopyText(const QString& text, WPARAM room, LPARAM buffer);
 
-// The text of a message's argument; empty for null.
+// The program's text, each unit of it as it is; empty for null.
+inline QString TextOf(const WCHAR* text) {
+    return text == nullptr ? QString() : QString(reinterpret_cast<const QChar*>(text));
+}
+
+// The text of a message's argument.
 inline QString TextOf(LPARAM argument) {
-    // NOLINTNEXTLINE(performance-no-int-to-ptr)
-    return QString::fromUtf16(reinterpret_cast<const char16_t*>(argument));
+    return TextOf(reinterpret_cast<const WCHAR*>(argument));  // NOLINT(performance-no-int-to-ptr)
 }
 
 }  // namespace platform::windows

@@ -46,16 +46,16 @@ const ControlClass* FindControl(const QString& name) {
     return found == kControls.end() ? nullptr : found;
 }
 
-// The name of what a window is for: its own text, else the label before it.
+// The name of what a window is for: the tick or the label right before it, else the last label,
+// else its own text.
 QString AccessibleName(const Station& station, const Birth& birth) {
     const std::vector<Window*> siblings = station.windows.ChildrenOf(birth.parent);
-    for (auto sibling = siblings.rbegin(); sibling != siblings.rend(); ++sibling) {
-        QString label = (*sibling)->LabelForNext();
-        if (!label.isEmpty()) {
-            return label;
-        }
+    QString label = siblings.empty() ? QString() : siblings.back()->LabelForNext();
+    for (auto sibling = siblings.rbegin(); label.isEmpty() && sibling != siblings.rend();
+         ++sibling) {
+        label = (*sibling)->LabelForLater();
     }
-    return birth.text;
+    return label.isEmpty() ? birth.text : label;
 }
 
 }  // namespace
@@ -64,13 +64,13 @@ bool WindowClasses::Register(const WNDCLASS& record) {
     if (record.lpszClassName == nullptr || record.lpfnWndProc == nullptr) {
         return false;
     }
-    const QString name = QString::fromUtf16(record.lpszClassName);
+    const QString name = TextOf(record.lpszClassName);
     const Entry entry = {{record.lpfnWndProc, record.hbrBackground}, {}};
     return FindControl(name) == nullptr && classes_.emplace(name.toCaseFolded(), entry).second;
 }
 
 bool WindowClasses::Unregister(const WCHAR* name, const WindowTable& windows) {
-    const auto found = classes_.find(QString::fromUtf16(name).toCaseFolded());
+    const auto found = classes_.find(TextOf(name).toCaseFolded());
     if (found == classes_.end()) {
         return false;
     }
