@@ -121,10 +121,13 @@ void ExpectCatalogue() {
     }
 }
 
-void Turn(int units) {
-    QWheelEvent wheel(QPointF(215, 5), Page().mapToGlobal(QPointF(215, 5)), {}, {0, units},
-                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&Page(), &wheel);
+// Turns the wheel over a place of the page.
+void Turn(QPoint at, int units) {
+    QWidget* const child = Page().childAt(at);
+    QWidget& below = child == nullptr ? Page() : *child;
+    QWheelEvent wheel(QPointF(5, 5), below.mapToGlobal(QPointF(5, 5)), {}, {0, units}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&below, &wheel);
 }
 
 // Arrows, the thumb and what is beside it, as the places have it.
@@ -156,7 +159,7 @@ TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
         const int choice = number(8);
         steps.emplace_back([choice, number] {
             choice == 0   ? NextTab()
-            : choice == 1 ? Turn(number(600) - 300)
+            : choice == 1 ? Turn(QPoint(number(219), number(239)), number(600) - 300)
                           : DragOnBar(number(Bar().height()), number(Bar().height()));
         });
         shown = (shown + (choice == 0 ? 1 : 0)) % 6;
@@ -193,7 +196,10 @@ TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsDoneAndSaved) {
                    [] { Click(Control(50007), QPoint(190, 9)); },
                    NextTab,
                    [] { Click(Control(50026)); },
-                   [] { QTest::keyClick(&Control(50027), Qt::Key_Down); }};
+                   [] { Turn(Control(50027).geometry().center(), -120); },
+                   [] { QTest::keyClick(&Control(50027), Qt::Key_Down); },
+                   [] { QTest::keyClick(&Control(50027), Qt::Key_Tab, Qt::ControlModifier); },
+                   [] { EXPECT_EQ(ShownScreen(), 2); }};
     AddMenu(steps, {Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
     AddMenu(steps, {Qt::Key_F10, Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(RunDisplayed(device, steps),

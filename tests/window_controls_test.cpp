@@ -1,10 +1,10 @@
 // What the controls answer, and what they tell of their user.
 
 #include <QAbstractButton>
+#include <QClipboard>
 #include <QListWidget>
 #include <QScrollBar>
 #include <algorithm>
-#include <array>
 #include <string>
 
 #include "core/window_system.h"
@@ -15,8 +15,8 @@ namespace {
 using Codes = std::vector<WORD>;
 
 std::u16string TextOf(HWND window) {
-    WCHAR buffer[64] = {};
-    SendMessageW(window, WM_GETTEXT, 64, reinterpret_cast<LPARAM>(buffer));
+    WCHAR buffer[1100] = {};
+    SendMessageW(window, WM_GETTEXT, 1100, reinterpret_cast<LPARAM>(buffer));
     return buffer;
 }
 
@@ -76,6 +76,17 @@ TEST_F(DisplayTest, TextsGoThroughTheClipboard) {
         QTest::keyClick(&Control(id), key, plain ? Qt::NoModifier : Qt::ControlModifier);
     }
     EXPECT_EQ(TextOf(other), u"x\\Tempx\\Temp");
+    // What is pasted is what is shown; nothing pasted changes nothing.
+    const std::pair<QString, std::u16string> pasted[] = {
+        {QString::fromUtf16(u"\\\0Temp\\\r\n\t", 9), u"\\Temp\\"},
+        {QString(), u"\\Temp\\"},
+        {QString(2000, 'x'), std::u16string(1023, u'x')}};
+    for (const auto& [text, shown] : pasted) {
+        QGuiApplication::clipboard()->setText(text);
+        QTest::keyClick(&Control(6), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&Control(6), Qt::Key_V, Qt::ControlModifier);
+        EXPECT_EQ(TextOf(other), shown);
+    }
 }
 
 TEST_F(DisplayTest, TextsAreCopiedWithinTheirRoom) {
@@ -90,10 +101,10 @@ TEST_F(DisplayTest, TextsAreCopiedWithinTheirRoom) {
         EXPECT_EQ(Send(edit, WM_GETTEXT, row.room, buffer), row.copied);
         EXPECT_EQ(buffer, row.text) << row.room;
     }
-    const std::u16string longText(1500, u'x');
-    Send(edit, WM_SETTEXT, 0, longText.c_str());
-    std::array<WCHAR, 1024> buffer{};
-    EXPECT_EQ(Send(edit, WM_GETTEXT, buffer.size(), buffer.data()), 1023);
+    for (const std::u16string text : {u"\xFEFF\\T", u"\xFFFE", u"\xD800"}) {
+        Send(edit, WM_SETTEXT, 0, text.c_str());
+        EXPECT_EQ(TextOf(edit), text);
+    }
 }
 
 TEST_F(DisplayTest, ComboBoxesKeepTheirSelection) {
@@ -189,8 +200,11 @@ TEST_F(DisplayTest, SlidersStayInTheirRange) {
 TEST_F(DisplayTest, ALabelNamesTheControlBehindIt) {
     Add(TEXT("STATIC"), 0, {2, 2, 100, 20}, 4, TEXT("Search Files"));
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {104, 2, 164, 20}, 5, TEXT("Refresh"));
-    Add(TEXT("LISTBOX"), 0x50b0100b, {2, 22, 212, 112}, 6);
-    EXPECT_EQ(Control(6).accessibleName(), QStringLiteral("Search Files"));
+    Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 22, 52, 40}, 6, TEXT("*."));
+    Add(TEXT("EDIT"), WS_BORDER, {58, 22, 90, 40}, 7);
+    Add(TEXT("LISTBOX"), 0x50b0100b, {2, 42, 212, 132}, 8);
+    EXPECT_EQ(Control(7).accessibleName(), QStringLiteral("*."));
+    EXPECT_EQ(Control(8).accessibleName(), QStringLiteral("Search Files"));
 }
 
 }  // namespace

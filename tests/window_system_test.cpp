@@ -8,7 +8,10 @@
 #include <functional>
 
 #include "core/window_system.h"
+#include "platform/answering_store.h"
+#include "platform/file_store.h"
 #include "tests/display_fixture.h"
+#include "tests/temporary_device.h"
 
 namespace {
 
@@ -99,11 +102,32 @@ TEST_F(DisplayTest, AWindowMayEndInItsOwnHandler) {
     EXPECT_EQ(GetClientRect(page_, nullptr), 0);
 }
 
+TEST_F(DisplayTest, WhatADeadControlHasSaidIsNotTold) {
+    const HWND push = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    Click(Control(6));
+    DestroyWindow(push);
+    Dispatch();
+    EXPECT_TRUE(TakeTold().empty());
+}
+
+TEST_F(DisplayTest, TheDesktopIsAnsweredWhileTheProgramWorks) {
+    const TemporaryDevice device;
+    platform::FileStore files(device.OpenFiles(), u"");
+    platform::AnsweringStore store(files, windows());
+    bool answered = false;
+    QTimer::singleShot(0, qApp, [&] { answered = true; });
+    store.DeleteFileW(u"\\none");
+    EXPECT_TRUE(answered);
+}
+
 TEST_F(DisplayTest, TheStylusOnABackgroundIsTold) {
     Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
     Click(*Control(5).parentWidget(), QPoint(100, 90));
     Dispatch();
     EXPECT_EQ(TakeTold(), (AllTold{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
+    QTest::mouseClick(Control(5).parentWidget(), Qt::RightButton, Qt::NoModifier, QPoint(100, 90));
+    Dispatch();
+    EXPECT_TRUE(TakeTold().empty());
 }
 
 class BoxTest : public DisplayTest {
@@ -163,23 +187,29 @@ TEST_F(BoxTest, ClosingTheWindowAnswersTheBoxAndEndsTheProgramOnce) {
 
 TEST_F(BoxTest, AfterASignalNoBoxWaits) {
     EXPECT_EQ(Show(MB_OK, [](QDialog& /*box*/) { std::raise(SIGTERM); }), IDOK);
+    testing::internal::CaptureStderr();
     EXPECT_EQ(MessageBoxW(nullptr, TEXT("Text"), TEXT("Caption"), MB_YESNO), IDNO);
-    std::raise(SIGINT);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "[Caption] Text\n");
+    std::raise(SIGHUP);
     Dispatch();
     EXPECT_EQ(TakeTold().size(), 1U);
 }
 
 TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
+    Add(TEXT("STATIC"), 0, {0, 0, 50, 18}, 5);
     auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
     const HWND box = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Box"), WS_VISIBLE,
                                      CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
                                      nullptr, nullptr, nullptr, nullptr);
     Click(ok);
+    Host().close();
+    EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
     Dispatch();
     DestroyWindow(box);
     Click(ok);
     Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, {main_, WM_COMMAND, IDOK, 0}}));
+    const Told ended = {main_, WM_COMMAND, IDOK, 0};
+    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
 TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {

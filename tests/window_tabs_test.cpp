@@ -2,6 +2,7 @@
 
 #include <QTabBar>
 #include <QToolButton>
+#include <QTreeWidget>
 #include <algorithm>
 #include <array>
 #include <string>
@@ -187,6 +188,7 @@ TEST_F(TreeTest, ItemsAreSortedFoundAndRead) {
     const HTREEITEM root = Insert(TVI_ROOT, u"\\", 1);
     const HTREEITEM windows = Insert(root, u"Windows", 0);
     const HTREEITEM temp = Insert(root, u"temp", 0);
+    EXPECT_EQ(dynamic_cast<QTreeWidget&>(Control(5)).topLevelItem(0)->child(0)->text(0), "temp");
     EXPECT_EQ(Send(tree_, TVM_GETNEXTITEM, TVGN_PARENT, temp), reinterpret_cast<LRESULT>(root));
     EXPECT_EQ(Send(tree_, TVM_GETNEXTITEM, TVGN_PARENT, root), 0);
     EXPECT_EQ(Send(tree_, TVM_GETNEXTITEM, TVGN_CARET), 0);
