@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over all sources; takes longer than all tests together.
+# Runs clang-tidy over all sources.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 

@@ -22,3 +22,4 @@ printf '\nfennelbright --device DEVICE --report silent\n'
 "$program" --device "$device" --report silent
 printf '\nWhat is left\n'
 show_device
+printf '\nThe windows open on a device that stays: %s --new-device DIR; %s --device DIR\n' "$program" "$program"

@@ -17,6 +17,9 @@ for preset in release sanitized; do
   ctest --preset "$preset"
 done
 
+step "clang-tidy"
+scripts/lint.sh
+
 step "Fuzz targets, a short run each"
 cmake --preset fuzzing >/dev/null
 cmake --build --preset fuzzing
