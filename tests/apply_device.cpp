@@ -40,8 +40,8 @@ void WriteSettingsOf(const ApplyInput& input) {
 
 }  // namespace
 
-int CollectedBoxes::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
-                                UINT type) {
+int CollectedBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
+    EXPECT_EQ(owner, nullptr);
     boxes.push_back('[' + platform::ReadableText(caption) + "] " + platform::ReadableText(text) +
                     (type == MB_OK ? "" : "?"));
     return IDOK;

@@ -7,6 +7,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSlider>
 #include <QTabBar>
 #include <QTimer>
 #include <QWheelEvent>
@@ -165,6 +166,7 @@ TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
         shown = (shown + (choice == 0 ? 1 : 0)) % 6;
         steps.emplace_back([choice, shown, &scrolled] {
             ExpectCatalogue();
+            EXPECT_EQ(dynamic_cast<QSlider&>(Control(50049)).value(), 0) << "by the wheel";
             EXPECT_EQ(ShownScreen(), shown);
             EXPECT_TRUE(choice != 0 || Bar().value() == 0) << "the new page is not at its top";
             scrolled += Bar().value() > 0 ? 1 : 0;
@@ -194,6 +196,8 @@ TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsDoneAndSaved) {
                    [] { Click(Control(50002)); },
                    [] { QTest::keyClicks(&Control(50002), QStringLiteral("\\a")); },
                    [] { Click(Control(50007), QPoint(190, 9)); },
+                   [] { Turn(QPoint(215, 5), -120); },
+                   [] { EXPECT_GT(Bar().value(), 0); },
                    NextTab,
                    [] { Click(Control(50026)); },
                    [] { Turn(Control(50027).geometry().center(), -120); },

@@ -13,7 +13,7 @@
 #include "core/application.h"
 #include "core/wide_text.h"
 #include "platform/host_text.h"
-#include "platform/no_windows.h"
+#include "tests/apply_device.h"
 
 // NOLINTBEGIN(performance-no-int-to-ptr)
 
@@ -37,12 +37,11 @@ struct FakeWindow {
 
 // A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
 // is done by the steps below.
-class FakeWindows : public platform::NoWindows {
+class FakeWindows : public CollectedBoxes {
   public:
     static constexpr LRESULT kDefaultResult = 77;  // what DefWindowProcW returns
 
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
-    std::vector<std::string> boxes;  // "[caption] text"
     std::set<std::string> failing;   // calls, spelt as above, that come back with failure
     int strayHandles = 0;            // uses of a handle that is neither null nor a living window's
     std::map<HWND, FakeWindow> windows;
@@ -214,15 +213,6 @@ class FakeWindows : public platform::NoWindows {
             return window.second.parent == parent && window.second.id == static_cast<DWORD_PTR>(id);
         });
         return found == windows.end() ? 0 : SendMessageW(found->first, message, wParam, lParam);
-    }
-
-    int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override {
-        EXPECT_EQ(owner, nullptr);
-        EXPECT_EQ(type, MB_OK);
-        boxes.push_back('[' + platform::ReadableText(caption) + "] " +
-                        platform::ReadableText(text));
-        calls.push_back("box " + boxes.back());
-        return IDOK;
     }
 
     BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {

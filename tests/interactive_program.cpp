@@ -9,33 +9,25 @@
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/directory_store.h"
-#include "platform/forwarding_store.h"
 #include "screens/screens.h"
 #include "shell/windows.h"
+#include "tests/failing_store.h"
 #include "tests/failing_windows.h"
 
 namespace {
 
-// Keeps the restarts that would end the process, and has no room for files if it is told so.
-class TestedStore : public platform::ForwardingStore {
+// Has no room for files if it is told so.
+class TestedStore : public FailingStore {
   public:
-    TestedStore(platform::DeviceStore& inner, std::vector<std::string>& calls, const bool& full)
-        : ForwardingStore(inner), calls_(calls), full_(full) {}
+    TestedStore(platform::DeviceStore& store, const bool& full)
+        : FailingStore(store, 0), full_(full) {}
 
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override {
         return full_ && mode[0] == u'w' ? std::fopen("/dev/full", "wb")
                                         : inner()._wfopen(path, mode);
     }
 
-    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
-                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
-        EXPECT_EQ(code, IOCTL_HAL_REBOOT);
-        calls_.emplace_back("restart");
-        return 1;
-    }
-
   private:
-    std::vector<std::string>& calls_;
     const bool& full_;
 };
 
@@ -49,7 +41,7 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
 int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    device.OpenRegistry());
-    TestedStore tested(store, windows.calls, full);
+    TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
     FailingWindows faulty(windows, failing, result);
     const platform::WindowsInUse windowsInUse(faulty);
@@ -60,6 +52,7 @@ int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
     const int ended = WinMain(&instance, nullptr, noWords.data(), 0);
     notes = testing::internal::GetCapturedStderr();
     calls = faulty.calls();
+    restarts = tested.restarts();
     EXPECT_EQ(store.Finish(), "");
     return ended;
 }

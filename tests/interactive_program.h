@@ -18,8 +18,7 @@ class InteractiveProgram {
 
     // Runs WinMain to its end and returns its result. Each step is carried out when the program
     // waits; then the main window's OK ends it. `failing`: the number of the call to the window
-    // system that fails, and `result` what a message gives that fails; 0 for none. Restarts are
-    // kept in windows.calls.
+    // system that fails, and `result` what a message gives that fails; 0 for none.
     int Run(const Steps& steps = {}, int failing = 0, LRESULT result = 0);
 
     // A control of the running program.
@@ -37,6 +36,7 @@ class InteractiveProgram {
     bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
     int calls = 0;      // to the window system, in the last run
+    int restarts = 0;   // the same
 
   private:
     LRESULT Notify(UINT code);
