@@ -6,6 +6,7 @@
 
 #include <cerrno>
 #include <csignal>
+#include <iterator>
 
 namespace platform {
 
@@ -61,8 +62,12 @@ int BoxesOnDemand::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* capti
 
 std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* caption,
                                                 UINT type) const {
-    std::fflush(nullptr);  // else both processes would write what waits
+    std::fflush(nullptr);           // else both processes would write what waits
+    std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, a process takes its answer along
     const pid_t box = fork();
+    if (box == -1) {
+        return std::nullopt;
+    }
     if (box == 0) {
         prctl(PR_SET_PDEATHSIG, SIGTERM);
         std::string reason;
@@ -72,9 +77,9 @@ std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* 
     }
     const EndSignals answering(box);
     int status = 0;
-    while (box > 0 && waitpid(box, &status, 0) == -1 && errno == EINTR) {
+    while (waitpid(box, &status, 0) == -1 && errno == EINTR) {
     }
-    const int code = box > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     return code > kAnswered ? std::optional(code - kAnswered) : std::nullopt;
 }
 
