@@ -84,7 +84,7 @@ TEST(BrowserCachesTest, EndsAPathWhereItsValueEnds) {
     for (const std::string data :
          {"hex(1):5c,00,43,00", "hex(1):5c,00,43,00,00,00,58,00", "hex:5c,00,43,00,00,00",
           "dword:0043005c", "hex(2):5c,00,43,00,00,00"}) {
-        const std::string registry = kHeader + WithCache(data) + history;
+        const std::string registry = (kHeader + WithCache(data)).append(history);
         EXPECT_EQ(ApplySilently({kCache, registry, kForget | kMove, u"\\N\\"}).files, kEmptied)
             << data;
     }
@@ -107,8 +107,9 @@ TEST(BrowserCachesTest, CutsNoLongPath) {
 std::string Limits(const std::string& changed, const std::string& value) {
     std::string registry = kQuietTweaks;
     for (const std::string key : {"Content", "Cookies", "History"}) {
-        registry += kBrowserKey + "Internet Settings\\5.0\\Cache\\" + key +
-                    "]\n\"CacheLimit\"=dword:" + (key == changed ? value : "00000007") + "\n";
+        registry.append(kBrowserKey).append("Internet Settings\\5.0\\Cache\\").append(key);
+        registry.append("]\n\"CacheLimit\"=dword:").append(key == changed ? value : "00000007");
+        registry += '\n';
     }
     return registry;
 }

@@ -302,7 +302,7 @@ TEST(RegistryText, EightBitFilesKeepWhatTheyCanAndRefuseTheRest) {
         RegistryText text = MustParse(file);
         const KeyIndex key = text.FindKey(u"HKEY_USERS");
         EXPECT_EQ(text.SetValue(key, u"v", REG_SZ, TextBytes(wide)), SetResult::kChanged);
-        EXPECT_EQ(text.Serialize(), file + "\"v\"=" + ansi + "\n");
+        EXPECT_EQ(text.Serialize(), (file + "\"v\"=").append(ansi) + "\n");
         EXPECT_EQ(Read(MustParse(text.Serialize()), u"HKEY_USERS", u"v")->bytes, TextBytes(wide));
         EXPECT_EQ(text.SetValue(key, u"w", REG_SZ, Bytes("odd")), SetResult::kUnfit);
         EXPECT_EQ(text.SetValue(key, u"\u0416", REG_SZ, {}), SetResult::kUnfit);

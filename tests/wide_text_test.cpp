@@ -11,7 +11,7 @@
 namespace {
 
 TEST(FormatText, FitsWholeOrLeavesNothing) {
-    for (const std::size_t capacity : {7, 6, 1, 0}) {
+    for (const std::size_t capacity : {7U, 6U, 1U, 0U}) {
         WCHAR buffer[] = u"########";
         EXPECT_EQ(FormatText(std::span(buffer, capacity), TEXT("%s\\%s"), {u"\\ab", u"cd"}),
                   capacity == 7);

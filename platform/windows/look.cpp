@@ -88,14 +88,14 @@ void ApplyLook(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);
-    // The style becomes the application's own.
-    QApplication::setStyle(new HandheldStyle);  // NOLINT(clang-analyzer-cplusplus.NewDeleteLeaks)
+    // NOLINTBEGIN(clang-analyzer-cplusplus.NewDeleteLeaks): the style becomes the application's own
+    QApplication::setStyle(new HandheldStyle);
     QApplication::setPalette(LightPalette());
     QApplication::setFont(font);
     QApplication::setEffectEnabled(Qt::UI_AnimateMenu, false);
     QApplication::setEffectEnabled(Qt::UI_AnimateCombo, false);
     application.setQuitOnLastWindowClosed(false);
-    // NOLINTNEXTLINE(clang-analyzer-cplusplus.NewDeleteLeaks): the style is the application's
+    // NOLINTEND(clang-analyzer-cplusplus.NewDeleteLeaks)
 }
 
 QColor BackgroundColor(HBRUSH brush) {
