@@ -5,8 +5,8 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
-#include <iterator>
+
+#include "platform/end_signals.h"
 
 namespace platform {
 
@@ -23,31 +23,6 @@ void AnswerBox(int /*signal*/) {
     kill(g_box, SIGTERM);
 }
 
-// While it lives, the signals that ask a process to end answer the box.
-class EndSignals {
-  public:
-    explicit EndSignals(pid_t box) {
-        g_box = box;
-        struct sigaction action = {};
-        action.sa_handler = AnswerBox;
-        action.sa_flags = SA_RESTART;
-        for (std::size_t index = 0; index < std::size(kSignals); ++index) {
-            sigaction(kSignals[index], &action, &before_[index]);
-        }
-    }
-    ~EndSignals() {
-        for (std::size_t index = 0; index < std::size(kSignals); ++index) {
-            sigaction(kSignals[index], &before_[index], nullptr);
-        }
-    }
-    EndSignals(const EndSignals&) = delete;
-    EndSignals& operator=(const EndSignals&) = delete;
-
-  private:
-    static constexpr int kSignals[] = {SIGTERM, SIGINT, SIGHUP};
-    struct sigaction before_[std::size(kSignals)] = {};
-};
-
 }  // namespace
 
 int BoxesOnDemand::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
@@ -60,26 +35,37 @@ int BoxesOnDemand::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* capti
     return ConsoleWindows::MessageBoxW(owner, text, caption, type);
 }
 
+// The process of a box, which goes when the run does.
+void BoxesOnDemand::ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* caption,
+                                   UINT type) const {
+    const sigset_t endSignals = EndSignals();
+    sigprocmask(SIG_UNBLOCK, &endSignals, nullptr);
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    std::string reason;
+    const auto windows = getppid() == run ? OpenDisplayWindows(needs_, reason) : nullptr;
+    _exit(windows == nullptr ? 0 : kAnswered + windows->MessageBoxW(nullptr, text, caption, type));
+}
+
 std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* caption,
                                                 UINT type) const {
-    std::fflush(nullptr);           // else both processes would write what waits
-    std::signal(SIGCHLD, SIG_DFL);  // where it is ignored, a process takes its answer along
+    std::fflush(nullptr);  // else both processes would write what waits
+    const pid_t run = getpid();
+    const sigset_t endSignals = EndSignals();
+    sigprocmask(SIG_BLOCK, &endSignals, nullptr);
     const pid_t box = fork();
-    if (box == -1) {
-        return std::nullopt;
-    }
     if (box == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGTERM);
-        std::string reason;
-        const auto windows = OpenDisplayWindows(needs_, reason);
-        _exit(windows == nullptr ? 0
-                                 : kAnswered + windows->MessageBoxW(nullptr, text, caption, type));
+        ShowBoxAndExit(run, text, caption, type);
     }
-    const EndSignals answering(box);
+    if (box > 0) {
+        g_box = box;
+        HandleEndSignals(AnswerBox);
+    }
+    sigprocmask(SIG_UNBLOCK, &endSignals, nullptr);
     int status = 0;
-    while (waitpid(box, &status, 0) == -1 && errno == EINTR) {
+    while (box > 0 && waitpid(box, &status, 0) == -1 && errno == EINTR) {
     }
-    const int code = WIFEXITED(status) ? WEXITSTATUS(status) : 0;
+    HandleEndSignals(SIG_DFL);
+    const int code = box > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     return code > kAnswered ? std::optional(code - kAnswered) : std::nullopt;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <optional>
 
 #include "platform/console_windows.h"
@@ -19,6 +21,8 @@ class BoxesOnDemand : public ConsoleWindows {
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
 
   private:
+    [[noreturn]] void ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* caption,
+                                     UINT type) const;
     // Nothing when the box could not appear or has vanished.
     std::optional<int> ShowOnDisplay(const WCHAR* text, const WCHAR* caption, UINT type) const;
 

@@ -114,8 +114,11 @@ int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
 }  // namespace
 
 bool DisplayIsThere() {
-    const std::string toolkits = Environment("QT_QPA_PLATFORM");
-    const std::string_view chosen = std::string_view(toolkits).substr(0, toolkits.find(':'));
+    const std::string kinds = Environment("QT_QPA_PLATFORM");
+    const std::string_view chosen = std::string_view(kinds).substr(0, kinds.find_first_of(":;"));
+    if (chosen == "offscreen" || chosen.starts_with("minimal")) {
+        return false;  // nobody sees them
+    }
     if (!chosen.empty() && chosen != "xcb" && !chosen.starts_with("wayland")) {
         return true;
     }

@@ -1,7 +1,9 @@
 // The host's entry: starts the program on a device directory.
 
+#include <fcntl.h>
 #include <sys/resource.h>
 #include <sysexits.h>
+#include <unistd.h>
 
 #include <csignal>
 #include <cstdio>
@@ -200,11 +202,23 @@ int Boot(const CommandLine& line) {
     return result < 0 ? EX_OSERR : result;
 }
 
+// A file that took the place of a closed stream would get what is meant for the stream.
+void OccupyStandardStreams() {
+    int stream = open("/dev/null", O_RDWR);
+    while (stream >= 0 && stream <= STDERR_FILENO) {
+        stream = open("/dev/null", O_RDWR);
+    }
+    close(stream);
+}
+
 }  // namespace
 
 int main(int count, char** words) {
+    OccupyStandardStreams();
     // A reader of the report who goes away must not end the work half done.
     std::signal(SIGPIPE, SIG_IGN);
+    // Where it is ignored, a process takes along how it has ended.
+    std::signal(SIGCHLD, SIG_DFL);
     std::optional<CommandLine> line = platform::ParseCommandLine(count, words);
     if (!line) {
         return EX_USAGE;

@@ -4,7 +4,6 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <algorithm>
 
 #include "core/wide_text.h"
 #include "platform/windows/window_table.h"
@@ -13,6 +12,17 @@ namespace platform::windows {
 
 namespace {
 
+// A pasted text may hold line ends, or even a zero at which it would end, and may end at the limit
+// in half a character.
+QString WithoutControls(QString text) {
+    text.removeIf([](QChar unit) { return unit.category() == QChar::Other_Control; });
+    if (!text.isEmpty() && text.back().isHighSurrogate()) {
+        text.chop(1);
+    }
+    return text;
+}
+
+// What its user sees is what the program gets.
 class Line : public QLineEdit {
   public:
     Line(const QString& text, QWidget* parent) : QLineEdit(text, parent) {
@@ -23,23 +33,19 @@ class Line : public QLineEdit {
     // The toolkit would replace what is selected by nothing.
     void keyPressEvent(QKeyEvent* event) override {
         if (!event->matches(QKeySequence::Paste) ||
-            !QGuiApplication::clipboard()->text().isEmpty()) {
+            !WithoutControls(QGuiApplication::clipboard()->text()).isEmpty()) {
             QLineEdit::keyPressEvent(event);
         }
     }
 
   private:
-    // A pasted text may hold line ends, or even a zero at which it would end: the program must get
-    // what its user sees.
     void DropControls(const QString& text) {
-        const auto isControl = [](QChar unit) { return unit.category() == QChar::Other_Control; };
-        const auto before = text.left(cursorPosition());
-        const auto dropped = std::count_if(before.begin(), before.end(), isControl);
-        QString kept = text;
-        kept.removeIf(isControl);
+        const QString kept = WithoutControls(text);
         if (kept != text) {
-            setText(kept);
-            setCursorPosition(static_cast<int>(before.size() - dropped));
+            const auto place = WithoutControls(text.left(cursorPosition())).size();
+            selectAll();
+            insert(kept);
+            setCursorPosition(static_cast<int>(place));
         }
     }
 };

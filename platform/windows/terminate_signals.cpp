@@ -4,8 +4,9 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <csignal>
 #include <utility>
+
+#include "platform/end_signals.h"
 
 namespace platform::windows {
 
@@ -21,15 +22,6 @@ void Note(int /*signal*/) {
     errno = kept;
 }
 
-void HandleWith(void (*handler)(int)) {
-    struct sigaction action = {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
-        sigaction(signal, &action, nullptr);
-    }
-}
-
 }  // namespace
 
 TerminateSignals::TerminateSignals(std::function<void()> asked) : asked_(std::move(asked)) {
@@ -43,12 +35,12 @@ TerminateSignals::TerminateSignals(std::function<void()> asked) : asked_(std::mo
         }
         asked_();
     });
-    HandleWith(Note);
+    HandleEndSignals(Note);
 }
 
 TerminateSignals::~TerminateSignals() {
     if (notifier_ != nullptr) {
-        HandleWith(SIG_DFL);
+        HandleEndSignals(SIG_DFL);
         notifier_.reset();
         close(g_pipe[0]);
         close(g_pipe[1]);

@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QLibraryInfo>
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 
 #include "platform/windows/look.h"
@@ -20,19 +21,25 @@ constexpr int kLargestScale = 5;
 // when its last user leaves.
 class XDesktop {
   public:
-    XDesktop() : connection_(xcb_connect(nullptr, nullptr)) {}
+    XDesktop() : connection_(xcb_connect(nullptr, &screen_)) {}
     ~XDesktop() { xcb_disconnect(connection_); }
     XDesktop(const XDesktop&) = delete;
     XDesktop& operator=(const XDesktop&) = delete;
 
     // In pixels; 0 where there is no desktop, or none that lets this user in.
     int Height() const {
-        return xcb_connection_has_error(connection_) != 0
-                   ? 0
-                   : xcb_setup_roots_iterator(xcb_get_setup(connection_)).data->height_in_pixels;
+        if (xcb_connection_has_error(connection_) != 0) {
+            return 0;
+        }
+        auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
+        for (int index = 0; index < screen_; ++index) {
+            xcb_screen_next(&screens);
+        }
+        return screens.data->height_in_pixels;
     }
 
   private:
+    int screen_ = 0;
     xcb_connection_t* connection_;
 };
 
@@ -49,10 +56,14 @@ QByteArray OpenableKind(int xDesktopHeight) {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
     for (const QByteArray& each : (chosen.isEmpty() ? "xcb;wayland" : chosen).split(';')) {
-        const QByteArray kind = each.split(':').front();
-        const QString plugin = QStringLiteral("libq%1*").arg(QString::fromUtf8(kind));
-        if (CanOpen(kind, xDesktopHeight) && !plugins.entryList({plugin}).isEmpty()) {
-            return each;
+        const QByteArray kind = each.split(':').front().toLower();
+        const bool isName = std::all_of(kind.begin(), kind.end(), [](char letter) {
+            return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '-';
+        });
+        const QString plugin = QStringLiteral("libq") + QString::fromUtf8(kind);
+        if (isName && CanOpen(kind, xDesktopHeight) &&
+            !plugins.entryList({plugin + ".so", plugin + "-*.so"}).isEmpty()) {
+            return each.toLower();
         }
     }
     return {};
