@@ -64,6 +64,17 @@ kill -TERM "$running"
 ended "when it was asked to"
 [ "$(mask)" = "$after" ] || fail "the settings have changed"
 
+# What is tapped before a chosen page is shown does not go to the page that is left.
+start
+kill -STOP "$running"
+xdotool mousemove --window "$window" 370 568 click 1 mousemove --window "$window" 24 82 click 1
+kill -CONT "$running"
+while kill -0 "$running" 2>/dev/null; do
+  xdotool mousemove --window "$window" 440 26 click 1 2>/dev/null || true
+done
+ended "behind a tab"
+[ "$(mask)" = "$after" ] || fail "the tap went astray: $(mask)"
+
 # A box that is up is answered, and the work goes on to its end.
 start
 xdotool mousemove --window "$window" 30 82 click 1
@@ -71,7 +82,8 @@ xdotool key F10 Right Up Return
 xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
 "$close_request" "$window"
 ended "when its window was closed below a box"
-[ "$(mask)" = "$before" ] || fail "the settings are not those of the closed window"
+[ $((0x${after// /} ^ 0x$(mask | tr -d ' '))) -eq 1 ] ||
+  fail "the settings are not those of the closed window"
 
 # The boxes of a silent run wait for their user. When the display breaks off, they are lines.
 rm "$device/registry.reg"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
 
 #include "core/window_system.h"
@@ -23,6 +24,13 @@ class MessageQueue {
   public:
     void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         messages_.push_back({window, message, wParam, lParam, 0, {0, 0}});
+    }
+
+    // Whether the user has chosen another tab and the program has not heard of it yet.
+    bool HoldsTabChange() const {
+        return std::any_of(messages_.begin(), messages_.end(), [](const MSG& message) {
+            return message.message == kTabTaken || message.message == kTabStep;
+        });
     }
 
     // Takes the oldest message; false when there is none.

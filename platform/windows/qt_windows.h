@@ -8,6 +8,7 @@
 #include "platform/windows/close_watch.h"
 #include "platform/windows/front_windows.h"
 #include "platform/windows/host_window.h"
+#include "platform/windows/input_gate.h"
 #include "platform/windows/message_box.h"
 #include "platform/windows/message_queue.h"
 #include "platform/windows/terminate_signals.h"
@@ -71,6 +72,7 @@ class QtWindows : public DisplayWindows {
     int (*answerUnseen_)(const WCHAR* text, const WCHAR* caption, UINT type);
     std::unique_ptr<QApplication> application_;
     MessageQueue queue_;
+    InputGate gate_{queue_};
     HostWindow host_;
     WindowTable windows_;
     Station station_;
