@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QListWidget>
 #include <QScrollBar>
+#include <QWheelEvent>
 #include <algorithm>
 #include <string>
 
@@ -189,6 +190,10 @@ TEST_F(DisplayTest, SlidersStayInTheirRange) {
     }
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
+    QWheelEvent wheel(QPointF(5, 5), {}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&Control(5), &wheel);
+    EXPECT_EQ(Send(slider, TBM_GETPOS), 1) << "the wheel is the page's";
     QTest::keyClick(&Control(5), Qt::Key_Right);
     EXPECT_EQ(Send(slider, TBM_GETPOS), 2);
     Dispatch();
