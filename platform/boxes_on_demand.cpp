@@ -50,6 +50,7 @@ std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* 
                                                 UINT type) const {
     std::fflush(nullptr);  // else both processes would write what waits
     const pid_t run = getpid();
+    // A signal waits until there is a box that it can be handed to.
     const sigset_t endSignals = EndSignals();
     sigprocmask(SIG_BLOCK, &endSignals, nullptr);
     const pid_t box = fork();

@@ -75,6 +75,17 @@ done
 ended "behind a tab"
 [ "$(mask)" = "$after" ] || fail "the tap went astray: $(mask)"
 
+# A signal that the program was started to ignore ends nothing.
+trap '' HUP
+start
+trap - HUP
+kill -HUP "$running"
+xdotool mousemove --window "$window" 30 82 click 1
+xdotool mousemove --window "$window" 440 26 click 1
+ended "after a signal to ignore"
+[ "$(mask)" = "$before" ] || fail "the tick behind an ignored signal is lost: $(mask)"
+after=$before
+
 # A box that is up is answered, and the work goes on to its end.
 start
 xdotool mousemove --window "$window" 30 82 click 1
