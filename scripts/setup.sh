@@ -2,7 +2,7 @@
 # Installs what is missing on a Debian machine. With "tests": also what only the tests need.
 set -euo pipefail
 
-packages=(g++ cmake ninja-build libutf8proc-dev
+packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
 if [ "${1:-}" = tests ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev python3 xvfb xdotool)
