@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstdio>
 
+#include "core/error_codes.h"
 #include "core/plain_types.h"
 #include "core/registry_operations.h"
 
@@ -13,6 +14,11 @@
 // without regard to case. A path with a component "." or "..", with "/", with a wildcard anywhere
 // but in a search's last component, or the empty path names nothing. Doubled and trailing
 // backslashes are accepted, the latter on directories only.
+//
+// An operation that fails leaves its reason for GetLastError; one that succeeds leaves it alone.
+// "Not there" is ERROR_FILE_NOT_FOUND, or ERROR_PATH_NOT_FOUND where a directory on the way is
+// missing or is none; a path that names nothing by its spelling is not there either. Every other
+// code means that nobody knows what is there.
 
 inline constexpr DWORD FILE_ATTRIBUTE_READONLY = 0x1;
 inline constexpr DWORD FILE_ATTRIBUTE_HIDDEN = 0x2;
@@ -32,40 +38,49 @@ struct WIN32_FIND_DATA {
     WCHAR cFileName[MAX_PATH];  // terminated, at most 255 characters, never "." or ".."
 };
 
+// Why the last operation that failed has failed.
+DWORD GetLastError();
+
 // Looks for the entries that `pattern` names and puts the first one into `data`. The last component
 // may hold the wildcards "*" and "?"; "*" and "*.*" match every entry. A pattern without a wildcard
 // names one entry, the directory itself where it ends in a backslash; "\" names the root, whose
 // `cFileName` is empty. Returns a handle for FindNextFileW that the caller closes with FindClose,
-// or INVALID_HANDLE_VALUE when nothing matches or the directory cannot be read.
+// or INVALID_HANDLE_VALUE when nothing matches, which is "not there", or the directory cannot be
+// read.
 HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data);
 
-// Puts the next entry into `data` and returns nonzero; zero at the end and for a handle that is not
-// open. Entries may be deleted, moved and made during the walk.
+// Puts the next entry into `data` and returns nonzero. Zero with ERROR_NO_MORE_FILES at the end,
+// with ERROR_INVALID_HANDLE for a handle that is not open, and with another code where the
+// directory cannot be read on. Entries may be deleted, moved and made during the walk.
 BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data);
 
 // Ends a search. Nonzero when the handle was open; any other value does no harm.
 BOOL FindClose(HANDLE find);
 
 // Deletes one file, or an entry that is neither file nor directory. Nonzero only when it is gone:
-// zero when nothing has that name, for a directory and for a read-only file.
+// zero when nothing has that name, and with ERROR_ACCESS_DENIED for a directory and for a read-only
+// file.
 BOOL DeleteFileW(const WCHAR* path);
 
-// Removes one empty directory. Nonzero only when it is gone.
+// Removes one empty directory. Nonzero only when it is gone; ERROR_DIR_NOT_EMPTY where something is
+// in it.
 BOOL RemoveDirectoryW(const WCHAR* path);
 
-// Makes one directory; its parent must be there. Zero when the name is taken, in whatever case,
-// which does no harm. `security` is null.
+// Makes one directory; its parent must be there. Zero with ERROR_ALREADY_EXISTS when the name is
+// taken, in whatever case, which does no harm. `security` is null.
 BOOL CreateDirectoryW(const WCHAR* path, void* security);
 
 // Moves an entry to a path that names nothing yet, in whatever case. Nonzero only when it has left
 // the old path (or both paths name the same entry, and nothing was to be done); on zero it is still
-// there. A file may go to another volume, a directory may not.
+// there: with ERROR_ALREADY_EXISTS when the new name is taken. A file may go to another volume, a
+// directory may not. ERROR_NO_SYSTEM_RESOURCES, which making a directory may give as well: the
+// registry could not be stored after the move, so nothing moves.
 BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath);
 
 // Opens a file in the mode "r", "rb" or "wb" for the C library's stream functions; the caller
 // closes it with fclose. Null when it cannot be opened; nothing but a regular file can. A file
 // opened with "wb" has its new content from the moment when fclose returns 0, and its old one until
-// then.
+// then; an fclose that fails sets errno and the reason for GetLastError.
 std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode);
 
 // Puts the path of the running executable, terminated, into `buffer` of `limit` characters and

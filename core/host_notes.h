@@ -2,12 +2,33 @@
 
 #include "core/plain_types.h"
 
-// Notes for whoever looks after the device. They are told outside of it: nothing of them is shown
-// to its user, and nothing waits for an answer.
+// What the program tells the host that no operation of the platform says. Nothing of it is shown to
+// the device's user, and nothing waits for an answer. Where a reason belongs to a note, it is the
+// one that GetLastError gives.
 
-// Something that should hold a path, `what`, holds none that can be used, but `content`, and is
-// left as it is.
+// The step of the Apply sequence that begins now; 0 after the last one.
+void NoteStep(int number);
+
+// Something that should hold a path, `what`, holds none that can be used, but `content`: no file is
+// deleted or moved on it.
 void NotePassedOver(const WCHAR* what, const WCHAR* content);
 
 // What was to be stored as `what` could not be; what was stored there before is still there.
 void NoteNotStored(const WCHAR* what);
+
+// The options could not be read from the file `path`, so that none is ticked.
+void NoteNoSettings(const WCHAR* path);
+
+// `kept` stays, because the look for `target`, without which it would go, has failed.
+void NoteKept(const WCHAR* kept, const WCHAR* target);
+
+// Nothing moves from `source` to `destination`, because one of them could not be reached.
+void NoteNothingMoves(const WCHAR* source, const WCHAR* destination);
+
+// The directory `newPath`, which is to be made next, will stand for the directory `oldPath`: it is
+// never open to more than that one..
+void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath);
+
+// What could be moved from `oldPath` to `newPath` is there now; the new directory, unless it was
+// there before, gets what else the old one had: mode, owner, attributes and times.
+void NoteDirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath);

@@ -2,13 +2,15 @@
 
 #include <cstdint>
 
+#include "core/error_codes.h"
 #include "core/plain_types.h"
 
 // The operations through which the program reaches the device's registry. Names of keys and values
 // match without regard to case and keep the case they were made with. A path of keys has its names
 // between backslashes; leading, trailing and doubled backslashes are accepted. Every operation
-// returns ERROR_SUCCESS or one of the other codes below, ERROR_INVALID_HANDLE for a key that is not
-// open, and ERROR_KEY_DELETED for one that was deleted while it was open.
+// returns ERROR_SUCCESS or another of the codes, ERROR_INVALID_HANDLE for a key that is not open,
+// and ERROR_KEY_DELETED for one that was deleted while it was open. None of them changes what
+// GetLastError gives.
 
 using HKEY = HANDLE;
 
@@ -31,15 +33,6 @@ inline constexpr DWORD REG_MULTI_SZ = 7;
 inline constexpr DWORD REG_QWORD = 11;
 inline constexpr DWORD REG_MUI_SZ = 21;
 
-inline constexpr LONG ERROR_SUCCESS = 0;
-inline constexpr LONG ERROR_FILE_NOT_FOUND = 2;
-inline constexpr LONG ERROR_INVALID_HANDLE = 6;
-inline constexpr LONG ERROR_WRITE_FAULT = 29;
-inline constexpr LONG ERROR_INVALID_PARAMETER = 87;
-inline constexpr LONG ERROR_MORE_DATA = 234;
-inline constexpr LONG ERROR_NO_MORE_ITEMS = 259;
-inline constexpr LONG ERROR_KEY_DELETED = 1018;
-
 // Opens the key at the path `subkey` below `key`, or `key` once more when the path is null or
 // empty, and puts a handle into `result` that the caller closes with RegCloseKey.
 // ERROR_FILE_NOT_FOUND when there is no such key; `result` is null then and after every other
@@ -58,8 +51,8 @@ LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type,
 
 // Makes or replaces a value with exactly the `size` bytes at `data`; a null or empty name is the
 // key's unnamed one. ERROR_INVALID_PARAMETER for a name of more than 255 characters and for what
-// the registry's file has no form for. The value is read back at once; it is kept for good when the
-// key has been closed. `reserved` is 0.
+// the registry's file has no form for. The value is read back at once; it is kept for good before
+// the next change of the file tree, the next box, a restart and the end. `reserved` is 0.
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD size);
 
@@ -72,10 +65,8 @@ LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reser
 
 // Deletes the key at the path `subkey` below `key` with its values and all its subkeys.
 // ERROR_FILE_NOT_FOUND when there is none; an empty path deletes nothing and is
-// ERROR_INVALID_PARAMETER. The deletion is kept for good when `key` has been closed.
+// ERROR_INVALID_PARAMETER. The deletion is kept for good when a changed value is.
 LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
 
-// Closes a handle; a root stays open. What was changed through the handle is stored now:
-// ERROR_WRITE_FAULT when that failed, in which case the changes are kept and stored with the next
-// ones. A handle that is not open, null among them, does no harm.
+// Closes a handle; a root stays open. A handle that is not open, null among them, does no harm.
 LONG RegCloseKey(HKEY key);

@@ -4,6 +4,7 @@
 
 #include "core/application.h"
 #include "core/device_store.h"
+#include "core/host_notes.h"
 #include "core/options.h"
 #include "core/window_system.h"
 #include "engine/application_keys.h"
@@ -16,7 +17,6 @@
 #include "settings/settings_file.h"
 
 std::uint32_t BytesCleaned = 0;
-int g_ApplyStep = 0;
 
 namespace {
 
@@ -48,7 +48,7 @@ void CarryOut(const ApplyStep& step, ApplyRun& run) {
     if (step.runs == StepRuns::WhenTicked && (run.mask & step.option) == 0) {
         return;
     }
-    g_ApplyStep = step.number;
+    NoteStep(step.number);
     step.task(run, step.option);
     run.PathBuffer.fill(0);
     run.ValueBuffer.fill(0);
@@ -76,7 +76,7 @@ bool CarryOutAll(std::uint32_t mask) {
     for (const ApplyStep& step : kSteps) {
         CarryOut(step, run);
     }
-    g_ApplyStep = 0;
+    NoteStep(0);
     if (!g_Silent) {
         TellBytesCleaned(run.ValueBuffer);
     }

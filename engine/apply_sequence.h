@@ -8,9 +8,6 @@
 // Bytes of the files deleted so far. A size is added only after its file has gone.
 extern std::uint32_t BytesCleaned;
 
-// Number of the step of the Apply sequence that is being carried out; 0 outside of one.
-extern int g_ApplyStep;
-
 // What the steps of one run share.
 struct ApplyRun {
     std::uint32_t mask;

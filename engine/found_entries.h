@@ -7,7 +7,11 @@ class FoundEntries {
   public:
     FoundEntries() = default;
     explicit FoundEntries(const WCHAR* pattern) { Open(pattern); }
-    ~FoundEntries() { FindClose(handle_); }
+    ~FoundEntries() {
+        if (handle_ != INVALID_HANDLE_VALUE) {
+            FindClose(handle_);
+        }
+    }
     FoundEntries(const FoundEntries&) = delete;
     FoundEntries& operator=(const FoundEntries&) = delete;
 

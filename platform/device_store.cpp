@@ -16,7 +16,15 @@ StoreInUse::~StoreInUse() {
     g_store = nullptr;
 }
 
+DeviceStore& StoreInUse::Current() {
+    return *g_store;
+}
+
 }  // namespace platform
+
+DWORD GetLastError() {
+    return platform::ErrorCodeOf(g_store->LastFailure());
+}
 
 HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
     return g_store->FindFirstFileW(pattern, data);

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <cstdint>
 #include <cstdio>
+#include <optional>
 
 #include "core/device_store.h"
+#include "platform/failure.h"
 
 namespace platform {
 
@@ -40,6 +43,29 @@ class DeviceStore {
                                WCHAR* className, DWORD* classSize, void* lastWriteTime) = 0;
     virtual LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) = 0;
     virtual LONG RegCloseKey(HKEY key) = 0;
+
+    // Why the last operation on a file, a directory or a shortcut that failed has failed.
+    virtual const Failure& LastFailure() const = 0;
+
+    // The size in bytes of what DeleteFileW deleted last; nothing when it is not known.
+    virtual std::optional<std::uint64_t> DeletedSize() const = 0;
+
+    // How many changes of the registry there were, and how many of them, the first ones, are stored
+    // for good.
+    struct RegistryChanges {
+        std::uint64_t made = 0;
+        std::uint64_t stored = 0;
+    };
+    virtual RegistryChanges ChangesOfRegistry() const = 0;
+
+    // Stores what has changed in the registry. A failure leaves the file as it was, and the changes
+    // to be stored with the next ones.
+    virtual Status StoreRegistry() = 0;
+
+    // What the notes of core/host_notes.h say about moves.
+    virtual void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) = 0;
+    virtual void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) = 0;
+    virtual void NothingMoves(const WCHAR* source, const WCHAR* destination) = 0;
 };
 
 // Makes `store` the one that the program's operations go to, for as long as the object lives. The
@@ -50,6 +76,8 @@ class StoreInUse {
     ~StoreInUse();
     StoreInUse(const StoreInUse&) = delete;
     StoreInUse& operator=(const StoreInUse&) = delete;
+
+    static DeviceStore& Current();  // there has to be one
 };
 
 }  // namespace platform

@@ -17,11 +17,23 @@ namespace {
 constexpr std::uint64_t kBeneath = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
 constexpr std::uint64_t kOnVolume = kBeneath | RESOLVE_NO_XDEV;
 
-Descriptor OpenBeneath(int parent, const char* path, int flags, std::uint64_t resolve) {
+// Without the flag that keeps links from being followed: the resolution refuses them, and says so
+// also where a directory is wanted.
+Result<Descriptor> OpenBeneath(int parent, const char* path, int flags, std::uint64_t resolve) {
     open_how how{};
-    how.flags = static_cast<std::uint64_t>(flags | O_CLOEXEC | O_NOFOLLOW);
+    how.flags = static_cast<std::uint64_t>(flags | O_CLOEXEC);
     how.resolve = resolve;
-    return Descriptor(static_cast<int>(syscall(SYS_openat2, parent, path, &how, sizeof how)));
+    Descriptor opened(static_cast<int>(syscall(SYS_openat2, parent, path, &how, sizeof how)));
+    if (!opened) {
+        return Fail("open", errno);
+    }
+    return opened;
+}
+
+// A name that is missing on the way to an entry.
+tl::unexpected<Failure> MissingOnTheWay(Failure failure) {
+    failure.error = failure.error == ENOENT ? ENOTDIR : failure.error;
+    return tl::unexpected<Failure>(std::move(failure));
 }
 
 int DirectoryFlags(OpenFor purpose) {
@@ -76,38 +88,33 @@ SplitPath SplitAtName(std::u16string_view path) {
     return {path.substr(0, begin), path.substr(begin, end - begin), end < path.size()};
 }
 
-OpenedDirectory DeviceTree::OpenDirectory(std::u16string_view path, OpenFor purpose) const {
+Result<OpenedDirectory> DeviceTree::OpenDirectory(std::u16string_view path, OpenFor purpose) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
-    if (components.empty()) {
-        return {OpenBeneath(root_.get(), ".", DirectoryFlags(purpose), kOnVolume), true};
+    if (!root_) {
+        return Fail("open", ENOTDIR);
     }
-    OpenedDirectory opened{OpenAsSpelt(components, purpose)};
-    if (opened.descriptor || errno != ENOENT) {
-        return opened;
+    Result<Descriptor> opened =
+        components.empty() ? OpenBeneath(root_.get(), ".", DirectoryFlags(purpose), kOnVolume)
+                           : OpenAsSpelt(components, purpose);
+    if (!opened && opened.error().error == ENOENT && !components.empty()) {
+        opened = OpenStepByStep(components, purpose);
     }
-    int parent = root_.get();
-    for (const std::u16string_view& component : components) {
-        const bool isLast = &component == &components.back();
-        opened.descriptor = OpenNamed(parent, parent == root_.get(), component,
-                                      isLast ? purpose : OpenFor::Reaching);
-        if (!opened.descriptor) {
-            break;
-        }
-        parent = opened.descriptor.get();
+    if (!opened) {
+        return MissingOnTheWay(std::move(opened.error()));
     }
-    return opened;
+    return OpenedDirectory{std::move(*opened), components.empty()};
 }
 
-// Mostly one call. Only where the first component is a volume, it takes one more. Sets errno.
-Descriptor DeviceTree::OpenAsSpelt(std::span<const std::u16string_view> components,
-                                   OpenFor purpose) const {
+// Mostly one call. Only where the first component is a volume, it takes one more.
+Result<Descriptor> DeviceTree::OpenAsSpelt(std::span<const std::u16string_view> components,
+                                           OpenFor purpose) const {
     const std::optional<std::string> path = ExactPath(components);
     if (!path) {
-        errno = EINVAL;
-        return Descriptor();
+        return Fail("open", ENOTDIR);
     }
-    Descriptor opened = OpenBeneath(root_.get(), path->c_str(), DirectoryFlags(purpose), kOnVolume);
-    if (opened || errno != EXDEV) {
+    Result<Descriptor> opened =
+        OpenBeneath(root_.get(), path->c_str(), DirectoryFlags(purpose), kOnVolume);
+    if (opened || opened.error().error != EXDEV) {
         return opened;
     }
     const std::size_t slash = path->find('/');
@@ -115,49 +122,78 @@ Descriptor DeviceTree::OpenAsSpelt(std::span<const std::u16string_view> componen
     if (slash == std::string::npos) {
         return OpenSubdirectory(root_.get(), true, volume.c_str(), purpose);
     }
-    const Descriptor mounted =
+    const Result<Descriptor> mounted =
         OpenSubdirectory(root_.get(), true, volume.c_str(), OpenFor::Reaching);
-    return OpenBeneath(mounted.get(), path->c_str() + slash + 1, DirectoryFlags(purpose),
+    if (!mounted) {
+        return tl::unexpected<Failure>(mounted.error());
+    }
+    return OpenBeneath(mounted->get(), path->c_str() + slash + 1, DirectoryFlags(purpose),
                        kOnVolume);
 }
 
-Descriptor DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
-                                 OpenFor purpose) const {
-    HostName host;
-    if (!HostNameOf(name, host)) {
-        return Descriptor();
-    }
-    Descriptor opened = OpenSubdirectory(parent, parentIsRoot, host.c_str(), purpose);
-    if (!opened && errno == ENOENT) {
-        if (const std::optional<HostName> spelling = spellings_.Find(parent, name)) {
-            opened = OpenSubdirectory(parent, parentIsRoot, spelling->c_str(), purpose);
+Result<Descriptor> DeviceTree::OpenStepByStep(std::span<const std::u16string_view> components,
+                                              OpenFor purpose) const {
+    Descriptor parent;
+    for (const std::u16string_view& component : components) {
+        const bool isFirst = &component == &components.front();
+        const bool isLast = &component == &components.back();
+        Result<Descriptor> opened = OpenNamed(isFirst ? root_.get() : parent.get(), isFirst,
+                                              component, isLast ? purpose : OpenFor::Reaching);
+        if (!opened || isLast) {
+            return opened;
         }
+        parent = std::move(*opened);
     }
-    return opened;
+    return Fail("open", ENOENT);
 }
 
-Descriptor DeviceTree::OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
-                                        OpenFor purpose) const {
+Result<Descriptor> DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
+                                         OpenFor purpose) const {
+    HostName host;
+    if (!HostNameOf(name, host)) {
+        return Fail("open", ENOENT);
+    }
+    Result<Descriptor> opened = OpenSubdirectory(parent, parentIsRoot, host.c_str(), purpose);
+    if (opened || opened.error().error != ENOENT) {
+        return opened;
+    }
+    const Result<std::optional<HostName>> spelling = spellings_.Find(parent, name);
+    if (!spelling) {
+        return tl::unexpected<Failure>(spelling.error());
+    }
+    return *spelling ? OpenSubdirectory(parent, parentIsRoot, (*spelling)->c_str(), purpose)
+                     : std::move(opened);
+}
+
+Result<Descriptor> DeviceTree::OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
+                                                OpenFor purpose) const {
     return OpenBeneath(parent, name, DirectoryFlags(purpose), parentIsRoot ? kBeneath : kOnVolume);
 }
 
-Descriptor DeviceTree::OpenVolume(std::u16string_view path) const {
+Result<Descriptor> DeviceTree::OpenVolume(std::u16string_view path) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
     if (components.size() > 1) {
-        Descriptor first = OpenNamed(root_.get(), true, components.front(), OpenFor::Reading);
-        if (first && IsMountPoint(first.get(), "")) {
+        Result<Descriptor> first =
+            OpenNamed(root_.get(), true, components.front(), OpenFor::Reading);
+        if (!first || IsMountPoint(first->get(), "")) {
             return first;
         }
     }
     return OpenBeneath(root_.get(), ".", DirectoryFlags(OpenFor::Reading), kOnVolume);
 }
 
-Descriptor OpenRegularFile(int directory, const char* name) {
+Result<Descriptor> OpenRegularFile(int directory, const char* name) {
     // The name can have been given to something else since it was looked at.
-    Descriptor file = OpenBeneath(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, kOnVolume);
+    Result<Descriptor> file =
+        OpenBeneath(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, kOnVolume);
     struct stat opened {};
-    const bool isRegular = file && fstat(file.get(), &opened) == 0 && S_ISREG(opened.st_mode);
-    return isRegular ? std::move(file) : Descriptor();
+    if (file && fstat(file->get(), &opened) != 0) {
+        return Fail("open", errno);
+    }
+    if (file && !S_ISREG(opened.st_mode)) {
+        return FailBecause("open", "it is no regular file");
+    }
+    return file;
 }
 
 bool IsMountPoint(int directory, const char* name) {
@@ -167,10 +203,10 @@ bool IsMountPoint(int directory, const char* name) {
            (entry.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
 }
 
-std::optional<EntryFacts> FactsOf(int directory, const char* name) {
+Result<EntryFacts> FactsOf(int directory, const char* name) {
     struct stat entry {};
     if (fstatat(directory, name, &entry, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {
-        return std::nullopt;
+        return Fail("look at", errno);
     }
     return EntryFacts{entry.st_mode,
                       S_ISDIR(entry.st_mode) ? 0 : static_cast<std::uint64_t>(entry.st_size)};

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/descriptor.h"
+#include "platform/failure.h"
 #include "platform/host_names.h"
 #include "platform/spellings.h"
 
@@ -28,7 +29,7 @@ struct EntryFacts {
 };
 
 struct OpenedDirectory {
-    Descriptor descriptor;  // none when the path names no directory that can be opened
+    Descriptor descriptor;
     bool isRoot = false;
 };
 
@@ -43,6 +44,8 @@ SplitPath SplitAtName(std::u16string_view path);
 // How a directory is opened: to reach its entries, or to read them as well.
 enum class OpenFor { Reaching, Reading };
 
+// Failures are named as the device has it: ENOTDIR where a directory on the way is not there or is
+// none, ENOENT where the last name is not, ELOOP for a link and EXDEV for a mount on the way.
 class DeviceTree {
   public:
     // `root` is the open root directory; without one, no path names anything.
@@ -52,34 +55,37 @@ class DeviceTree {
 
     // The directory that `path` names; names match as on the handheld. The empty path, which is
     // what stands in front of a bare name, is the root.
-    OpenedDirectory OpenDirectory(std::u16string_view path, OpenFor purpose) const;
+    Result<OpenedDirectory> OpenDirectory(std::u16string_view path, OpenFor purpose) const;
 
     // The subdirectory with exactly this host name.
-    Descriptor OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
-                                OpenFor purpose) const;
+    Result<Descriptor> OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
+                                        OpenFor purpose) const;
 
     // The root directory of the volume that holds what `path` names.
-    Descriptor OpenVolume(std::u16string_view path) const;
+    Result<Descriptor> OpenVolume(std::u16string_view path) const;
 
     Spellings& spellings() const { return spellings_; }
 
   private:
-    Descriptor OpenAsSpelt(std::span<const std::u16string_view> components, OpenFor purpose) const;
-    Descriptor OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
-                         OpenFor purpose) const;
+    Result<Descriptor> OpenAsSpelt(std::span<const std::u16string_view> components,
+                                   OpenFor purpose) const;
+    Result<Descriptor> OpenStepByStep(std::span<const std::u16string_view> components,
+                                      OpenFor purpose) const;
+    Result<Descriptor> OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
+                                 OpenFor purpose) const;
 
     Descriptor root_;
     mutable Spellings spellings_;  // what is known of the tree, not a part of it
 };
 
 // Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
-// reading. None when it is not one any more or cannot be read; waits for nothing.
-Descriptor OpenRegularFile(int directory, const char* name);
+// reading; fails when it is not one any more. Waits for nothing.
+Result<Descriptor> OpenRegularFile(int directory, const char* name);
 
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);
 
-// Nothing when there is no such entry; errno says why.
-std::optional<EntryFacts> FactsOf(int directory, const char* name);
+// ENOENT when there is no such entry.
+Result<EntryFacts> FactsOf(int directory, const char* name);
 
 }  // namespace platform

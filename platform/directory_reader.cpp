@@ -3,21 +3,31 @@
 #include <dirent.h>
 #include <sys/types.h>
 
+#include <cerrno>
 #include <string_view>
 
 #include "platform/host_names.h"
 
 namespace platform {
 
-bool DirectoryReader::FillBlock(int directory) {
+Result<bool> DirectoryReader::FillBlock(int directory) {
     const ssize_t length = getdents64(directory, block_.data(), block_.size());
     position_ = 0;
     length_ = length > 0 ? static_cast<std::size_t>(length) : 0;
+    if (length < 0 && errno != ENOENT) {
+        return Fail("read the directory", errno);
+    }
     return length_ > 0;
 }
 
-bool DirectoryReader::Next(int directory) {
-    while (position_ < length_ || FillBlock(directory)) {
+Result<bool> DirectoryReader::Next(int directory) {
+    for (;;) {
+        if (position_ >= length_) {
+            const Result<bool> filled = FillBlock(directory);
+            if (!filled || !*filled) {
+                return filled;
+            }
+        }
         const auto* const record = reinterpret_cast<const dirent64*>(&block_[position_]);
         position_ += record->d_reclen;
         const std::string_view name = record->d_name;
@@ -26,7 +36,6 @@ bool DirectoryReader::Next(int directory) {
             return true;
         }
     }
-    return false;
 }
 
 }  // namespace platform

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstddef>
 
+#include "platform/failure.h"
+
 namespace platform {
 
 // Reads the entries of an open directory in blocks. "." and ".." are passed over.
@@ -17,13 +19,13 @@ class DirectoryReader {
         unsigned char type;  // DT_DIR, DT_REG, ..., DT_UNKNOWN where the file system does not tell
     };
 
-    // Moves to the next entry of `directory`, always the same open descriptor. Returns false at the
-    // end, and when reading failed.
-    bool Next(int directory);
+    // Moves to the next entry of `directory`, always the same open descriptor. False at the end; a
+    // directory that is removed meanwhile ends there.
+    Result<bool> Next(int directory);
     const Entry& entry() const { return entry_; }
 
   private:
-    bool FillBlock(int directory);
+    Result<bool> FillBlock(int directory);
 
     Names names_;
     Entry entry_{};

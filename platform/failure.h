@@ -4,6 +4,8 @@
 #include <tl/expected.hpp>
 #include <utility>
 
+#include "core/error_codes.h"
+
 namespace platform {
 
 // Why something could not be done: what was tried, on what, and the reason. Low layers fill in what
@@ -12,7 +14,8 @@ struct Failure {
     const char* tried = "";        // what cannot be done: "cannot TRIED" must read well
     std::string object;            // its name or path in readable form; empty where nobody added it
     int error = 0;                 // the system's reason, an errno; 0 where `reason` says it
-    const char* reason = nullptr;  // a reason that no errno stands for; null otherwise
+    const char* reason = nullptr;  // words for it where the system has none that fit; else null
+    LONG code = 0;                 // the platform's code where `error` does not lead to it
 };
 
 // A value, or why there is none. Nothing found is no failure where the value can say it.
@@ -23,10 +26,11 @@ using Result = tl::expected<Value, Failure>;
 using Status = Result<void>;
 
 inline tl::unexpected<Failure> Fail(const char* tried, int error) {
-    return tl::unexpected<Failure>(Failure{tried, {}, error, nullptr});
+    return tl::unexpected<Failure>(Failure{tried, {}, error});
 }
-inline tl::unexpected<Failure> FailBecause(const char* tried, const char* reason) {
-    return tl::unexpected<Failure>(Failure{tried, {}, 0, reason});
+inline tl::unexpected<Failure> FailBecause(const char* tried, const char* reason,
+                                           LONG code = ERROR_GEN_FAILURE) {
+    return tl::unexpected<Failure>(Failure{tried, {}, 0, reason, code});
 }
 
 // The same failure, of this object unless a lower layer has named a more exact one.
@@ -42,5 +46,11 @@ std::string Describe(const Failure& failure);
 
 // The reason alone.
 std::string ReasonOf(const Failure& failure);
+
+// The platform's code for it; never one that stands for success.
+DWORD ErrorCodeOf(const Failure& failure);
+
+// Whether it says that the thing, or a directory on the way to it, is not there.
+bool IsNotThere(const Failure& failure);
 
 }  // namespace platform

@@ -14,6 +14,8 @@ namespace platform {
 
 namespace {
 
+constexpr const char* kReadOnly = "it is read-only";
+
 bool IsSameDirectory(int left, int right) {
     struct stat one {};
     struct stat other {};
@@ -21,51 +23,80 @@ bool IsSameDirectory(int left, int right) {
            one.st_ino == other.st_ino;
 }
 
-// Whether the file may be replaced: it is a regular one that can be written.
-bool IsWritable(int directory, const HostName& name, const EntryFacts& facts) {
-    return facts.isRegularFile() && !facts.isReadOnly() &&
-           faccessat(directory, name.c_str(), W_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
+// Whether a file can be replaced: it is a regular one that can be written.
+Status CheckWritable(int directory, const HostName& name, const EntryFacts& facts) {
+    if (!facts.isRegularFile()) {
+        return FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
+    }
+    if (facts.isReadOnly()) {
+        return FailBecause("write", kReadOnly, ERROR_ACCESS_DENIED);
+    }
+    if (faccessat(directory, name.c_str(), W_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) != 0) {
+        return Fail("write", errno);
+    }
+    return {};
+}
+
+// The same for a place where nothing has the name.
+tl::unexpected<Failure> NotThere(const char* tried) {
+    return Fail(tried, ENOENT);
 }
 
 }  // namespace
 
-FileStore::FileStore(Descriptor root, std::u16string modulePath)
-    : tree_(std::move(root)), modulePath_(std::move(modulePath)) {
-    RemoveUnpublishedFiles(tree_);
+BOOL FileStore::Answer(const Status& done) {
+    if (!done) {
+        lastFailure_ = done.error();
+    }
+    return done ? 1 : 0;
 }
 
 // Whatever walks a directory has it open already, and names the entries in it by the same path.
-bool FileStore::ReachDirectory(std::u16string_view path, Place& place) {
+Status FileStore::ReachDirectory(std::u16string_view path, Place& place) {
     if (const Search* const search = searches_.InDirectory(path)) {
         place.directory = search->directory();
         place.directoryIsRoot = search->directoryIsRoot();
-        return true;
+        return {};
     }
-    place.owned = tree_.OpenDirectory(path, OpenFor::Reaching);
+    Result<OpenedDirectory> opened = tree_.OpenDirectory(path, OpenFor::Reaching);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
+    }
+    place.owned = std::move(*opened);
     place.directory = place.owned.descriptor.get();
     place.directoryIsRoot = place.owned.isRoot;
-    return static_cast<bool>(place.owned.descriptor);
+    return {};
 }
 
 // Tries the exact name first; what it says when that fails for another reason than absence counts.
-bool FileStore::Examine(Place& place, std::u16string_view device) const {
-    std::optional<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
-    if (!facts && errno == ENOENT) {
-        const std::optional<HostName> spelling = tree_.spellings().Find(place.directory, device);
-        if (spelling) {
-            place.name = *spelling;
+Status FileStore::Examine(Place& place, std::u16string_view device) const {
+    Result<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
+    if (!facts && facts.error().error == ENOENT) {
+        const Result<std::optional<HostName>> spelling =
+            tree_.spellings().Find(place.directory, device);
+        if (!spelling) {
+            return tl::unexpected<Failure>(spelling.error());
+        }
+        if (*spelling) {
+            place.name = **spelling;
             facts = FactsOf(place.directory, place.name.c_str());
         }
     }
-    place.facts = facts.value_or(EntryFacts());
-    return facts.has_value();
+    if (!facts) {
+        return tl::unexpected<Failure>(facts.error());
+    }
+    place.facts = *facts;
+    return {};
 }
 
-std::optional<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge knowledge) {
+Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge knowledge) {
     const SplitPath split = SplitAtName(path);
     Place place;
-    if (!HostNameOf(split.name, place.name) || !ReachDirectory(split.directory, place)) {
-        return std::nullopt;
+    if (!HostNameOf(split.name, place.name)) {
+        return NotThere("look at");
+    }
+    if (const Status reached = ReachDirectory(split.directory, place); !reached) {
+        return tl::unexpected<Failure>(reached.error());
     }
     const Search* const search =
         knowledge == Knowledge::OfSearch ? searches_.InDirectory(split.directory) : nullptr;
@@ -73,145 +104,248 @@ std::optional<FileStore::Place> FileStore::Locate(std::u16string_view path, Know
         search != nullptr ? search->FactsIfCurrent(place.name.view()) : std::nullopt;
     if (known) {
         place.facts = *known;
-    } else if (!Examine(place, split.name)) {
-        return std::nullopt;
+    } else if (const Status examined = Examine(place, split.name); !examined) {
+        return tl::unexpected<Failure>(examined.error());
     }
     if (split.directoryOnly && !place.facts.isDirectory()) {
-        return std::nullopt;
+        return Fail("open", ENOTDIR);
     }
     return place;
 }
 
-FileStore::Target FileStore::LocateTarget(std::u16string_view path) {
+Result<FileStore::Target> FileStore::LocateTarget(std::u16string_view path) {
     const SplitPath split = SplitAtName(path);
     Target target{nullptr, split.name, {}};
-    if (HostNameOf(split.name, target.host)) {
-        target.directory = filled_.Get(tree_, split.directory);
+    if (!HostNameOf(split.name, target.host)) {
+        return FailBecause("make", "no entry can have that name", ERROR_INVALID_NAME);
     }
+    const Result<FilledDirectory*> directory = filled_.Get(tree_, split.directory);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
+    }
+    target.directory = *directory;
     return target;
 }
 
 // A directory that the search around it has just come to is open already.
-OpenedDirectory FileStore::OpenForSearch(std::u16string_view path) {
+Result<OpenedDirectory> FileStore::OpenForSearch(std::u16string_view path) {
     const SplitPath split = SplitAtName(path);
     Search* const around = searches_.InDirectory(split.directory);
     HostName name;
     if (around != nullptr && HostNameOf(split.name, name)) {
         if (Descriptor subdirectory = around->TakeSubdirectory(name.view())) {
-            return {std::move(subdirectory)};
+            return OpenedDirectory{std::move(subdirectory), false};
         }
     }
     return tree_.OpenDirectory(path, OpenFor::Reading);
 }
 
-HANDLE FileStore::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
-    OpenedDirectory directory = OpenForSearch(pattern.directory);
-    if (!directory.descriptor) {
-        return INVALID_HANDLE_VALUE;
+Result<HANDLE> FileStore::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
+    Result<OpenedDirectory> directory = OpenForSearch(pattern.directory);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
     }
-    auto search = std::make_unique<Search>(pattern.directory, pattern.name, std::move(directory));
-    return search->Next(tree_, data) ? searches_.Add(std::move(search)) : INVALID_HANDLE_VALUE;
+    auto search = std::make_unique<Search>(pattern.directory, pattern.name, std::move(*directory));
+    const Result<bool> found = search->Next(tree_, data);
+    if (!found) {
+        return tl::unexpected<Failure>(found.error());
+    }
+    if (!*found) {
+        return NotThere("find");
+    }
+    return searches_.Add(std::move(search));
 }
 
-HANDLE FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
+Result<HANDLE> FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
     if (SplitAtName(path).name.empty()) {
         if (path.empty() || tree_.root() < 0) {
-            return INVALID_HANDLE_VALUE;
+            return Fail("look at", ENOTDIR);
         }
         PutFindData({}, EntryFacts{S_IFDIR}, 0, data);
         return searches_.Add(nullptr);
     }
-    const std::optional<Place> place = Locate(path, Knowledge::Fresh);
+    const Result<Place> place = Locate(path, Knowledge::Fresh);
     if (!place) {
-        return INVALID_HANDLE_VALUE;
+        return tl::unexpected<Failure>(place.error());
     }
     DWORD attributes = 0;
     HostName listed = place->name;
     if (place->facts.isDirectory()) {
         listed = ListedName(place->directory, place->name);
-        const Descriptor opened = tree_.OpenSubdirectory(place->directory, place->directoryIsRoot,
-                                                         place->name.c_str(), OpenFor::Reading);
-        attributes = opened ? HiddenAndSystem(opened.get()) : 0;
+        const Result<Descriptor> opened = tree_.OpenSubdirectory(
+            place->directory, place->directoryIsRoot, place->name.c_str(), OpenFor::Reading);
+        attributes = opened ? HiddenAndSystem(opened->get()) : 0;
     }
     PutFindData(DeviceNameOf(listed.view()).view(), place->facts, attributes, data);
     return searches_.Add(nullptr);
 }
 
-HANDLE FileStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+Result<HANDLE> FileStore::FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data) {
     const SplitPath split = SplitAtName(pattern);
     if (!HasWildcard(split.name)) {
-        return FindEntry(pattern, *data);
+        return FindEntry(pattern, data);
     }
-    return split.directoryOnly ? INVALID_HANDLE_VALUE : FindInDirectory(split, *data);
+    return split.directoryOnly ? NotThere("find") : FindInDirectory(split, data);
+}
+
+HANDLE FileStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+    const Result<HANDLE> found = FindFirst(pattern, *data);
+    if (!found) {
+        lastFailure_ = found.error();
+    }
+    return found.value_or(INVALID_HANDLE_VALUE);
+}
+
+Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
+    if (!searches_.IsOpen(find)) {
+        return Fail("go on with the search", EBADF);
+    }
+    Search* const search = searches_.Get(find);
+    const Result<bool> more = search != nullptr ? search->Next(tree_, data) : false;
+    if (!more) {
+        return tl::unexpected<Failure>(more.error());
+    }
+    return *more ? Status() : FailBecause("go on", "there is nothing more", ERROR_NO_MORE_FILES);
 }
 
 BOOL FileStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
-    Search* const search = searches_.Get(find);
-    return search != nullptr && search->Next(tree_, *data) ? 1 : 0;
+    return Answer(FindNext(find, *data));
 }
 
 BOOL FileStore::FindClose(HANDLE find) {
     const bool closed = searches_.Remove(find);
     ForgetFilledDirectories();
-    return closed ? 1 : 0;
+    return Answer(closed ? Status() : Fail("close the search", EBADF));
+}
+
+Status FileStore::Delete(std::u16string_view path) {
+    const Result<Place> place = Locate(path, Knowledge::OfSearch);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (place->facts.isDirectory()) {
+        return Fail("delete", EISDIR);
+    }
+    if (place->facts.isReadOnly()) {
+        return FailBecause("delete", kReadOnly, ERROR_ACCESS_DENIED);
+    }
+    if (const Status ready = BeforeChange(); !ready) {
+        return ready;
+    }
+    if (unlinkat(place->directory, place->name.c_str(), 0) != 0) {
+        return Fail("delete", errno);
+    }
+    deletedSize_ = place->facts.size;
+    return {};
 }
 
 BOOL FileStore::DeleteFileW(const WCHAR* path) {
-    const std::optional<Place> place = Locate(path, Knowledge::OfSearch);
-    return place && !place->facts.isDirectory() && !place->facts.isReadOnly() &&
-                   unlinkat(place->directory, place->name.c_str(), 0) == 0
-               ? 1
-               : 0;
+    return Answer(Delete(path));
+}
+
+Status FileStore::RemoveDirectory(std::u16string_view path) {
+    const Result<Place> place = Locate(path, Knowledge::OfSearch);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (!place->facts.isDirectory()) {
+        return FailBecause("remove", "it is no directory", ERROR_DIRECTORY);
+    }
+    if (const Status ready = BeforeChange(); !ready) {
+        return ready;
+    }
+    if (unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) != 0) {
+        return Fail("remove", errno == EEXIST ? ENOTEMPTY : errno);
+    }
+    return {};
 }
 
 BOOL FileStore::RemoveDirectoryW(const WCHAR* path) {
-    const std::optional<Place> place = Locate(path, Knowledge::OfSearch);
-    return place && unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) == 0 ? 1 : 0;
+    return Answer(RemoveDirectory(path));
+}
+
+Status FileStore::CreateDirectory(std::u16string_view path) {
+    const Result<Target> target = LocateTarget(path);
+    if (!target) {
+        return tl::unexpected<Failure>(target.error());
+    }
+    FilledDirectory& directory = *target->directory;
+    const auto existing = directory.Existing(target->device, target->host);
+    if (!existing) {
+        return tl::unexpected<Failure>(existing.error());
+    }
+    if (*existing) {
+        return Fail("make", EEXIST);
+    }
+    if (const Status ready = BeforeMove(); !ready) {
+        return ready;
+    }
+    if (mkdirat(directory.descriptor.get(), target->host.c_str(), moved_.ModeFor(path)) != 0) {
+        return Fail("make", errno);
+    }
+    moved_.Made(path);
+    directory.names.Add(target->device);
+    return {};
 }
 
 BOOL FileStore::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
-    const Target target = LocateTarget(path);
-    bool made = false;
-    if (target.directory != nullptr && !target.directory->Existing(target.device, target.host)) {
-        made = mkdirat(target.directory->descriptor.get(), target.host.c_str(), 0777) == 0;
-    }
-    if (made) {
-        target.directory->names.Add(target.device);
-    }
+    const BOOL made = Answer(CreateDirectory(path));
     ForgetFilledDirectories();
-    return made ? 1 : 0;
+    return made;
 }
 
 BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
-    const std::optional<Place> source = Locate(oldPath, Knowledge::OfSearch);
-    const bool moved = source && Move(*source, newPath);
+    const Result<Place> source = Locate(oldPath, Knowledge::OfSearch);
+    const BOOL moved =
+        Answer(source ? Move(*source, newPath) : Status(tl::unexpected<Failure>(source.error())));
     ForgetFilledDirectories();
-    return moved ? 1 : 0;
+    return moved;
 }
 
-bool FileStore::Move(const Place& source, std::u16string_view newPath) {
+Status FileStore::Move(const Place& source, std::u16string_view newPath) {
     if (SplitAtName(newPath).directoryOnly && !source.facts.isDirectory()) {
-        return false;
+        return FailBecause("move", "it is no directory", ERROR_DIRECTORY);
     }
-    const Target target = LocateTarget(newPath);
-    if (target.directory == nullptr) {
-        return false;
+    const Result<Target> target = LocateTarget(newPath);
+    if (!target) {
+        return tl::unexpected<Failure>(target.error());
     }
-    const int into = target.directory->descriptor.get();
-    if (const auto existing = target.directory->Existing(target.device, target.host)) {
-        return existing->view() == source.name.view() && IsSameDirectory(source.directory, into);
+    FilledDirectory& directory = *target->directory;
+    const int into = directory.descriptor.get();
+    const auto existing = directory.Existing(target->device, target->host);
+    if (!existing) {
+        return tl::unexpected<Failure>(existing.error());
     }
-    bool moved =
-        RenameWithoutReplacing(source.directory, source.name.c_str(), into, target.host.c_str());
-    if (!moved && source.facts.isRegularFile() && (errno == EXDEV || errno == EINVAL)) {
-        const Descriptor volume = tree_.OpenVolume(newPath);
-        moved = MoveToVolume(source.directory, source.name.c_str(), into, target.host.c_str(),
-                             volume.get());
+    if (*existing) {
+        const bool isItself =
+            (*existing)->view() == source.name.view() && IsSameDirectory(source.directory, into);
+        return isItself ? Status() : Fail("move", EEXIST);
     }
+    if (const Status ready = BeforeMove(); !ready) {
+        return ready;
+    }
+    const Status moved = MoveTo(source, newPath, into, target->host);
     if (moved) {
-        target.directory->names.Add(target.device);
+        directory.names.Add(target->device);
     }
     return moved;
+}
+
+Status FileStore::MoveTo(const Place& source, std::u16string_view newPath, int into,
+                         const HostName& name) {
+    Status moved =
+        RenameWithoutReplacing(source.directory, source.name.c_str(), into, name.c_str());
+    if (moved || moved.error().error != EXDEV) {
+        return moved;
+    }
+    if (!source.facts.isRegularFile()) {
+        return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
+    }
+    const Result<Descriptor> volume = tree_.OpenVolume(newPath);
+    if (!volume) {
+        return tl::unexpected<Failure>(volume.error());
+    }
+    return MoveToVolume(source.directory, source.name.c_str(), into, name.c_str(), volume->get());
 }
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
@@ -223,84 +357,156 @@ void FileStore::ForgetFilledDirectories() {
 
 std::FILE* FileStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
     const std::u16string_view wanted(mode);
+    Result<std::FILE*> opened =
+        FailBecause("open", "the mode is not known", ERROR_INVALID_PARAMETER);
     if (wanted == u"r" || wanted == u"rb") {
-        return OpenForReading(path);
+        opened = OpenForReading(path);
+    } else if (wanted == u"wb") {
+        opened = OpenForWriting(path, Existing::Replaced);
     }
-    return wanted == u"wb" ? OpenForWriting(path, Existing::Replaced) : nullptr;
+    if (!opened) {
+        lastFailure_ = opened.error();
+    }
+    return opened.value_or(nullptr);
 }
 
-Descriptor FileStore::OpenFile(std::u16string_view path, Knowledge knowledge) {
-    const std::optional<Place> place = Locate(path, knowledge);
-    return place && place->facts.isRegularFile()
-               ? OpenRegularFile(place->directory, place->name.c_str())
-               : Descriptor();
+Result<Descriptor> FileStore::OpenFile(std::u16string_view path, Knowledge knowledge) {
+    const Result<Place> place = Locate(path, knowledge);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (!place->facts.isRegularFile()) {
+        return FailBecause("open", "it is no regular file", ERROR_ACCESS_DENIED);
+    }
+    return OpenRegularFile(place->directory, place->name.c_str());
 }
 
-std::FILE* FileStore::OpenForReading(std::u16string_view path) {
-    Descriptor opened = OpenFile(path, Knowledge::Fresh);
-    std::FILE* const file = opened ? fdopen(opened.get(), "rb") : nullptr;
-    if (file != nullptr) {
-        opened.Release();
+Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
+    Result<Descriptor> opened = OpenFile(path, Knowledge::Fresh);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
     }
+    std::FILE* const file = fdopen(opened->get(), "rb");
+    if (file == nullptr) {
+        return Fail("open", errno);
+    }
+    opened->Release();
     return file;
 }
 
-std::FILE* FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
+Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
     const SplitPath split = SplitAtName(path);
     Place place;
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
-        return nullptr;
+        return FailBecause("write", "no file can have that name", ERROR_INVALID_NAME);
     }
-    place.owned = tree_.OpenDirectory(split.directory, OpenFor::Reading);
-    place.directory = place.owned.descriptor.get();
-    if (!place.owned.descriptor) {
-        return nullptr;
+    Result<OpenedDirectory> opened = tree_.OpenDirectory(split.directory, OpenFor::Reading);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
     }
-    std::optional<struct stat> replaced;
-    if (Examine(place, split.name)) {
-        replaced.emplace();
-        if (existing == Existing::Kept || !IsWritable(place.directory, place.name, place.facts) ||
-            fstatat(place.directory, place.name.c_str(), &*replaced, AT_SYMLINK_NOFOLLOW) != 0) {
-            return nullptr;
-        }
-    } else if (errno != ENOENT) {
-        return nullptr;  // nobody knows whether something has the name
+    place.directory = opened->descriptor.get();
+    const Result<std::optional<struct stat>> replaced = Replaced(place, split.name, existing);
+    if (!replaced) {
+        return tl::unexpected<Failure>(replaced.error());
     }
-    return OpenPublishingStream(std::move(place.owned.descriptor), tree_.OpenVolume(path),
-                                place.name, replaced);
+    Result<Descriptor> volume = tree_.OpenVolume(path);
+    if (!volume) {
+        return tl::unexpected<Failure>(volume.error());
+    }
+    if (const Status ready = BeforeChange(); !ready) {
+        return tl::unexpected<Failure>(ready.error());
+    }
+    return OpenPublishingStream(std::move(opened->descriptor), std::move(*volume), place.name,
+                                *replaced, lastFailure_);
+}
+
+// The file that the one to be written takes the place of, if there is one.
+Result<std::optional<struct stat>> FileStore::Replaced(Place& place, std::u16string_view device,
+                                                       Existing existing) const {
+    const Status examined = Examine(place, device);
+    if (!examined && examined.error().error == ENOENT) {
+        return std::optional<struct stat>();
+    }
+    if (!examined) {
+        return tl::unexpected<Failure>(examined.error());
+    }
+    if (existing == Existing::Kept) {
+        return Fail("make", EEXIST);
+    }
+    if (const Status writable = CheckWritable(place.directory, place.name, place.facts);
+        !writable) {
+        return tl::unexpected<Failure>(writable.error());
+    }
+    std::optional<struct stat> status(std::in_place);
+    if (fstatat(place.directory, place.name.c_str(), &*status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return Fail("look at", errno);
+    }
+    return status;
 }
 
 DWORD FileStore::GetModuleFileNameW(HINSTANCE /*module*/, WCHAR* buffer, DWORD limit) {
     if (modulePath_.size() >= limit) {
+        lastFailure_ = Failure{"give", {}, ERANGE, "it does not fit", ERROR_INSUFFICIENT_BUFFER};
         return 0;
     }
     *std::copy(modulePath_.begin(), modulePath_.end(), buffer) = 0;
     return static_cast<DWORD>(modulePath_.size());
 }
 
+Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) {
+    const Result<Descriptor> file = OpenFile(path, Knowledge::OfSearch);
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    Result<std::u16string> target = ReadShortcut(file->get());
+    if (target && (limit <= 0 || target->size() >= static_cast<std::size_t>(limit))) {
+        return FailBecause("read", "its target does not fit", ERROR_INSUFFICIENT_BUFFER);
+    }
+    return target;
+}
+
 BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
-    const Descriptor file = OpenFile(path, Knowledge::OfSearch);
-    const std::optional<std::u16string> target = file ? ReadShortcut(file.get()) : std::nullopt;
-    if (!target || limit <= 0 || target->size() >= static_cast<std::size_t>(limit)) {
+    const Result<std::u16string> target = TargetOf(path, limit);
+    if (!target) {
+        lastFailure_ = target.error();
         return 0;
     }
     *std::copy(target->begin(), target->end(), buffer) = 0;
     return 1;
 }
 
-BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
-    std::FILE* const file = OpenForWriting(path, Existing::Kept);
-    if (file == nullptr) {
-        return 0;
+Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view target) {
+    const Result<std::FILE*> file = OpenForWriting(path, Existing::Kept);
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
     }
     const std::string content = ShortcutContent(target);
-    const bool written = std::fwrite(content.data(), 1, content.size(), file) == content.size();
-    return std::fclose(file) == 0 && written ? 1 : 0;
+    std::fwrite(content.data(), 1, content.size(), *file);
+    if (std::fclose(*file) != 0) {
+        return tl::unexpected<Failure>(lastFailure_);
+    }
+    return {};
+}
+
+BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+    return Answer(CreateShortcut(path, target));
 }
 
 BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
                                 void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
-    return 0;
+    return Answer(FailBecause("control", "the device has no such control", ERROR_NOT_SUPPORTED));
+}
+
+void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
+    moved_.Begin(tree_, oldPath, newPath);
+}
+
+void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) {
+    moved_.End(tree_, oldPath, newPath);
+}
+
+void FileStore::ClearUp() {
+    RemoveUnpublishedFiles(tree_);
 }
 
 LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,

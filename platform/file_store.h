@@ -10,6 +10,7 @@
 #include "platform/device_tree.h"
 #include "platform/filled_directories.h"
 #include "platform/find_table.h"
+#include "platform/moved_directories.h"
 
 namespace platform {
 
@@ -18,9 +19,9 @@ namespace platform {
 class FileStore : public DeviceStore {
   public:
     // `root` is the open root directory of the device's files, none for a device without files.
-    // `modulePath` is where the program's executable lies on the device. Removes what earlier
-    // processes left unfinished.
-    FileStore(Descriptor root, std::u16string modulePath);
+    // `modulePath` is where the program's executable lies on the device.
+    FileStore(Descriptor root, std::u16string modulePath)
+        : tree_(std::move(root)), modulePath_(std::move(modulePath)) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
     BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
@@ -48,6 +49,28 @@ class FileStore : public DeviceStore {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
     LONG RegCloseKey(HKEY key) override;
 
+    const Failure& LastFailure() const override { return lastFailure_; }
+    std::optional<std::uint64_t> DeletedSize() const override { return deletedSize_; }
+    RegistryChanges ChangesOfRegistry() const override { return {}; }
+    Status StoreRegistry() override { return {}; }
+    void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override;
+    void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override;
+    void NothingMoves(const WCHAR* /*source*/, const WCHAR* /*destination*/) override {}
+
+    // Clears up after processes that were killed: removes what they left unpublished and gives the
+    // sources that they had set aside their names back. Only while no other process is at work on
+    // the device.
+    void ClearUp();
+
+  protected:
+    // Asked before anything in the file tree changes, and before an entry is moved or a directory
+    // made; where they fail, nothing is changed.
+    virtual Status BeforeChange() { return {}; }
+    virtual Status BeforeMove() { return {}; }
+
+    // Keeps the reason of a failure. Returns whether there was none, as the platform has it.
+    BOOL Answer(const Status& done);
+
   private:
     // An entry that is there, reached through its open directory.
     struct Place {
@@ -59,7 +82,7 @@ class FileStore : public DeviceStore {
     };
     // A name in a directory that is being filled.
     struct Target {
-        FilledDirectory* directory;  // null: no such directory, or no name that an entry can have
+        FilledDirectory* directory;
         std::u16string_view device;
         HostName host;
     };
@@ -68,23 +91,36 @@ class FileStore : public DeviceStore {
     // What becomes of a file that has the name of the one to be written.
     enum class Existing { Replaced, Kept };
 
-    bool ReachDirectory(std::u16string_view path, Place& place);
-    std::optional<Place> Locate(std::u16string_view path, Knowledge knowledge);
-    bool Examine(Place& place, std::u16string_view device) const;
-    Target LocateTarget(std::u16string_view path);
-    OpenedDirectory OpenForSearch(std::u16string_view path);
-    HANDLE FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data);
-    HANDLE FindEntry(std::u16string_view path, WIN32_FIND_DATA& data);
-    bool Move(const Place& source, std::u16string_view newPath);
+    Status ReachDirectory(std::u16string_view path, Place& place);
+    Result<Place> Locate(std::u16string_view path, Knowledge knowledge);
+    Status Examine(Place& place, std::u16string_view device) const;
+    Result<Target> LocateTarget(std::u16string_view path);
+    Result<OpenedDirectory> OpenForSearch(std::u16string_view path);
+    Result<HANDLE> FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data);
+    Result<HANDLE> FindEntry(std::u16string_view path, WIN32_FIND_DATA& data);
+    Result<HANDLE> FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data);
+    Status FindNext(HANDLE find, WIN32_FIND_DATA& data);
+    Status Delete(std::u16string_view path);
+    Status RemoveDirectory(std::u16string_view path);
+    Status CreateDirectory(std::u16string_view path);
+    Status Move(const Place& source, std::u16string_view newPath);
+    Status MoveTo(const Place& source, std::u16string_view newPath, int into, const HostName& name);
     void ForgetFilledDirectories();
-    Descriptor OpenFile(std::u16string_view path, Knowledge knowledge);
-    std::FILE* OpenForReading(std::u16string_view path);
-    std::FILE* OpenForWriting(std::u16string_view path, Existing existing);
+    Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
+    Result<std::FILE*> OpenForReading(std::u16string_view path);
+    Result<std::FILE*> OpenForWriting(std::u16string_view path, Existing existing);
+    Result<std::optional<struct stat>> Replaced(Place& place, std::u16string_view device,
+                                                Existing existing) const;
+    Result<std::u16string> TargetOf(std::u16string_view path, int limit);
+    Status CreateShortcut(std::u16string_view path, std::u16string_view target);
 
     DeviceTree tree_;
     std::u16string modulePath_;
     FindTable searches_;
     FilledDirectories filled_;
+    MovedDirectories moved_;
+    Failure lastFailure_;
+    std::optional<std::uint64_t> deletedSize_;
 };
 
 }  // namespace platform

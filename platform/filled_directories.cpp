@@ -43,20 +43,38 @@ bool NameSet::MayHold(std::u16string_view name) const {
     return slots_[slot] == hash;
 }
 
-std::optional<HostName> FilledDirectory::Existing(std::u16string_view device,
-                                                  const HostName& host) const {
+Result<std::optional<HostName>> FilledDirectory::Existing(std::u16string_view device,
+                                                          const HostName& host) const {
     if (!names.MayHold(device)) {
-        return std::nullopt;
+        return std::optional<HostName>();
     }
-    if (FactsOf(descriptor.get(), host.c_str())) {
-        return host;
+    const Result<EntryFacts> facts = FactsOf(descriptor.get(), host.c_str());
+    if (facts) {
+        return std::optional(host);
     }
-    const std::optional<HostName> spelling = FindSpelling(descriptor.get(), device);
-    // Where nobody knows, the name counts as taken.
-    return spelling || errno == ENOENT ? spelling : host;
+    return facts.error().error == ENOENT ? FindSpelling(descriptor.get(), device)
+                                         : tl::unexpected<Failure>(facts.error());
 }
 
-FilledDirectory* FilledDirectories::Get(const DeviceTree& tree, std::u16string_view path) {
+namespace {
+
+Status ReadNamesInto(NameSet& names, int directory) {
+    DirectoryReader reader;
+    for (;;) {
+        const Result<bool> more = reader.Next(directory);
+        if (!more) {
+            return tl::unexpected<Failure>(more.error());
+        }
+        if (!*more) {
+            return {};
+        }
+        names.Add(DeviceNameOf(reader.entry().name).view());
+    }
+}
+
+}  // namespace
+
+Result<FilledDirectory*> FilledDirectories::Get(const DeviceTree& tree, std::u16string_view path) {
     // Whatever is not on the way to this directory is finished.
     while (!filled_.empty() && !path.starts_with(filled_.back().path)) {
         filled_.pop_back();
@@ -64,16 +82,15 @@ FilledDirectory* FilledDirectories::Get(const DeviceTree& tree, std::u16string_v
     if (!filled_.empty() && filled_.back().path == path) {
         return &filled_.back();
     }
-    FilledDirectory opened{
-        std::u16string(path), tree.OpenDirectory(path, OpenFor::Reading).descriptor, {}};
-    if (!opened.descriptor) {
-        return nullptr;
+    Result<OpenedDirectory> opened = tree.OpenDirectory(path, OpenFor::Reading);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
     }
-    DirectoryReader reader;
-    while (reader.Next(opened.descriptor.get())) {
-        opened.names.Add(DeviceNameOf(reader.entry().name).view());
+    FilledDirectory directory{std::u16string(path), std::move(opened->descriptor), {}};
+    if (const Status read = ReadNamesInto(directory.names, directory.descriptor.get()); !read) {
+        return tl::unexpected<Failure>(read.error());
     }
-    filled_.push_back(std::move(opened));
+    filled_.push_back(std::move(directory));
     return &filled_.back();
 }
 

@@ -9,15 +9,29 @@
 
 namespace platform {
 
-bool Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
-    subdirectory_.Close();
-    facts_.reset();
-    while (reader_.Next(directory())) {
-        if (Examine(tree, data)) {
-            return true;
+Result<bool> Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
+    for (;;) {
+        subdirectory_.Close();
+        facts_.reset();
+        const Result<bool> more = reader_.Next(directory());
+        if (!more || !*more || Examine(tree, data)) {
+            return more;
         }
     }
-    return false;
+}
+
+// Nothing for an entry that has vanished meanwhile. One that cannot be looked at is listed all the
+// same, as what the directory says it is, so that whoever works on it meets the failure.
+std::optional<EntryFacts> Search::LookAt(const DirectoryReader::Entry& entry) {
+    if (entry.type == DT_DIR) {
+        return facts_ = EntryFacts{S_IFDIR};
+    }
+    const Result<EntryFacts> facts = FactsOf(directory(), entry.name);
+    if (facts) {
+        return facts_ = *facts;
+    }
+    const EntryFacts unknown{static_cast<mode_t>(DTTOIF(entry.type) | S_IWUSR)};
+    return facts.error().error == ENOENT ? std::nullopt : std::optional(unknown);
 }
 
 // Returns false for an entry that does not match, and for one that has vanished meanwhile.
@@ -27,19 +41,20 @@ bool Search::Examine(const DeviceTree& tree, WIN32_FIND_DATA& data) {
     if (name.view().empty() || (pattern_ != u"*" && !MatchesPattern(pattern_, name.view()))) {
         return false;
     }
-    facts_ = entry.type == DT_DIR ? EntryFacts{S_IFDIR} : FactsOf(directory(), entry.name);
-    if (!facts_) {
+    const std::optional<EntryFacts> facts = LookAt(entry);
+    if (!facts) {
         return false;
     }
     DWORD attributes = 0;
-    if (facts_->isDirectory()) {
+    if (facts->isDirectory()) {
         // Whoever is shown a directory mostly walks it next, and its attributes have to be read
         // from it opened in any case.
         subdirectory_ =
-            tree.OpenSubdirectory(directory(), directoryIsRoot(), entry.name, OpenFor::Reading);
+            tree.OpenSubdirectory(directory(), directoryIsRoot(), entry.name, OpenFor::Reading)
+                .value_or(Descriptor());
         attributes = subdirectory_ ? HiddenAndSystem(subdirectory_.get()) : 0;
     }
-    PutFindData(name.view(), *facts_, attributes, data);
+    PutFindData(name.view(), *facts, attributes, data);
     return true;
 }
 

@@ -21,9 +21,8 @@ class Search {
     Search(std::u16string_view path, std::u16string_view pattern, OpenedDirectory directory)
         : path_(path), pattern_(pattern), directory_(std::move(directory)) {}
 
-    // Moves to the next entry that matches and puts it into `data`. Returns false at the end and
-    // when the directory cannot be read on.
-    bool Next(const DeviceTree& tree, WIN32_FIND_DATA& data);
+    // Moves to the next entry that matches and puts it into `data`. False at the end.
+    Result<bool> Next(const DeviceTree& tree, WIN32_FIND_DATA& data);
 
     std::u16string_view path() const { return path_; }
     int directory() const { return directory_.descriptor.get(); }
@@ -37,6 +36,7 @@ class Search {
 
   private:
     bool Examine(const DeviceTree& tree, WIN32_FIND_DATA& data);
+    std::optional<EntryFacts> LookAt(const DirectoryReader::Entry& entry);
 
     std::u16string path_;
     std::u16string pattern_;
@@ -53,6 +53,7 @@ class FindTable {
     HANDLE Add(std::unique_ptr<Search> search);
     bool Remove(HANDLE handle);
 
+    bool IsOpen(HANDLE handle) const { return Find(handle) != open_.end(); }
     Search* Get(HANDLE handle) const;  // null: not open, or of one entry
     Search* InDirectory(
         std::u16string_view path) const;  // the innermost with this spelling, or null

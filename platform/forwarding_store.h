@@ -63,8 +63,22 @@ class ForwardingStore : public DeviceStore {
     }
     LONG RegCloseKey(HKEY key) override { return inner().RegCloseKey(key); }
 
+    const Failure& LastFailure() const override { return inner_.LastFailure(); }
+    std::optional<std::uint64_t> DeletedSize() const override { return inner_.DeletedSize(); }
+    RegistryChanges ChangesOfRegistry() const override { return inner_.ChangesOfRegistry(); }
+    Status StoreRegistry() override { return inner_.StoreRegistry(); }
+    void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override {
+        inner_.DirectoryMoves(oldPath, newPath);
+    }
+    void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override {
+        inner_.DirectoryMoved(oldPath, newPath);
+    }
+    void NothingMoves(const WCHAR* source, const WCHAR* destination) override {
+        inner_.NothingMoves(source, destination);
+    }
+
   protected:
-    // The one that gets the next operation; asked once for each.
+    // The one that gets the next of the platform's operations; asked once for each.
     virtual DeviceStore& inner() { return inner_; }
 
   private:

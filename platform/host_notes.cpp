@@ -1,18 +1,68 @@
 #include "core/host_notes.h"
 
-#include <cstdio>
+#include <string>
 
+#include "platform/device_store.h"
 #include "platform/host_text.h"
+#include "platform/run_log.h"
+
+namespace {
+
+std::string Quoted(const WCHAR* text) {
+    return '"' + platform::ReadableText(text) + '"';
+}
+
+std::string LastReason() {
+    return platform::ReasonOf(platform::StoreInUse::Current().LastFailure());
+}
+
+}  // namespace
+
+void NoteStep(int number) {
+    platform::LogInUse::Current().BeginStep(number);
+}
 
 void NotePassedOver(const WCHAR* what, const WCHAR* content) {
-    const std::string line = "fennelbright: " + platform::ReadableText(what) +
-                             " is passed over: \"" + platform::ReadableText(content) +
-                             "\" is no path that can be used\n";
-    std::fputs(line.c_str(), stderr);
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(what) + " is passed over: " +
+                                            Quoted(content) + " is no path that can be used");
 }
 
 void NoteNotStored(const WCHAR* what) {
-    const std::string line =
-        "fennelbright: " + platform::ReadableText(what) + " cannot be written; the old one stays\n";
-    std::fputs(line.c_str(), stderr);
+    platform::RunLog& log = platform::LogInUse::Current();
+    log.NoteNotStored();
+    log.SayUndone(platform::ReadableText(what) +
+                  " cannot be written, so the old one stays: " + LastReason());
+}
+
+void NoteNoSettings(const WCHAR* path) {
+    const std::u16string_view text(path);
+    const std::size_t end = text.rfind(u'\\');
+    const std::string name = platform::ReadableText(text.substr(end + 1));
+    const std::string place = platform::ReadableText(text.substr(0, end));
+    platform::RunLog& log = platform::LogInUse::Current();
+    if (platform::IsNotThere(platform::StoreInUse::Current().LastFailure())) {
+        log.NoteNoSettings();
+        log.Say("no " + name + " in " + place + ": nothing is ticked");
+    } else {
+        log.SayUndone(name + " in " + place +
+                      " cannot be read, so nothing is done: " + LastReason());
+    }
+}
+
+void NoteKept(const WCHAR* kept, const WCHAR* target) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(kept) +
+                                            " stays: " + platform::ReadableText(target) +
+                                            " cannot be looked for: " + LastReason());
+}
+
+void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
+    platform::StoreInUse::Current().DirectoryMoves(oldPath, newPath);
+}
+
+void NoteDirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) {
+    platform::StoreInUse::Current().DirectoryMoved(oldPath, newPath);
+}
+
+void NoteNothingMoves(const WCHAR* source, const WCHAR* destination) {
+    platform::StoreInUse::Current().NothingMoves(source, destination);
 }

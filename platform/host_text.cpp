@@ -5,6 +5,7 @@
 #include <array>
 #include <cstdio>
 
+#include "platform/host_names.h"
 #include "platform/utf16.h"
 
 namespace platform {
@@ -82,6 +83,22 @@ std::string ReadableText(std::u16string_view text) {
         }
     }
     return readable;
+}
+
+std::string ReadableBytes(std::string_view bytes) {
+    std::u16string text;
+    while (!bytes.empty()) {
+        utf8proc_int32_t character = -1;
+        const auto length =
+            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
+                             static_cast<utf8proc_ssize_t>(bytes.size()), &character);
+        // The units that stand for bytes in names of the device are never seen either.
+        const auto byte = static_cast<unsigned char>(bytes.front());
+        PutCharacter(length > 0 ? character : kEscapeBase + byte,
+                     [&text](char16_t unit) { text += unit; });
+        bytes.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    }
+    return ReadableText(text);
 }
 
 }  // namespace platform

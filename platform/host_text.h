@@ -16,4 +16,7 @@ std::string Utf8Text(std::u16string_view text);
 // not be seen, or that stands for a byte of a host name, as <XXXX> with its hexadecimal digits.
 std::string ReadableText(std::u16string_view text);
 
+// The same for a path of the host; bytes that are no UTF-8 become escapes as well.
+std::string ReadableBytes(std::string_view bytes);
+
 }  // namespace platform

@@ -22,15 +22,20 @@ namespace {
 constexpr std::size_t kCopyBlock = 65536;
 constexpr std::size_t kLargestAttribute = 65536;  // the kernel's own limit
 
-bool CopyContent(int from, int to) {
+Status CopyContent(int from, int to) {
     const auto block = std::make_unique<std::array<char, kCopyBlock>>();
     for (;;) {
         const ssize_t length = read(from, block->data(), block->size());
-        if (length <= 0) {
-            return length == 0;
+        if (length < 0) {
+            return Fail("read", errno);
         }
-        if (!WriteWhole(to, {block->data(), static_cast<std::size_t>(length)})) {
-            return false;
+        if (length == 0) {
+            return {};
+        }
+        if (const Status written =
+                WriteWhole(to, {block->data(), static_cast<std::size_t>(length)});
+            !written) {
+            return written;
         }
     }
 }
@@ -58,57 +63,68 @@ bool RenameOverPlaceholder(int fromDirectory, const char* from, int toDirectory,
     return false;
 }
 
-bool CopyWhole(int from, const struct stat& facts, int to) {
-    if (!CopyContent(from, to)) {
-        return false;
+Status CopyWhole(int from, const struct stat& facts, int to) {
+    if (const Status copied = CopyContent(from, to); !copied) {
+        return copied;
     }
     CopyUserAttributes(from, to);  // while the mode still allows it
     TakeModeAndOwner(to, facts);
     const std::array<timespec, 2> times = {facts.st_atim, facts.st_mtim};
     futimens(to, times.data());
-    return true;
+    return {};
 }
 
 }  // namespace
 
-bool RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory, const char* to) {
+Status RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory,
+                              const char* to) {
     if (renameat2(fromDirectory, from, toDirectory, to, RENAME_NOREPLACE) == 0) {
-        return true;
+        return {};
     }
     if (errno != EINVAL) {
-        return false;
+        return Fail("move", errno);
     }
     // The file system does not know the flag, or a directory would go into itself.
-    const std::optional<EntryFacts> facts = FactsOf(fromDirectory, from);
+    const Result<EntryFacts> facts = FactsOf(fromDirectory, from);
     if (facts && !facts->isDirectory() &&
         RenameOverPlaceholder(fromDirectory, from, toDirectory, to)) {
-        return true;
+        return {};
     }
-    errno = EINVAL;
-    return false;
+    return Fail("move", EINVAL);
 }
 
-bool MoveToVolume(int fromDirectory, const char* from, int toDirectory, const char* to,
-                  int volume) {
-    const Descriptor source = OpenRegularFile(fromDirectory, from);
-    struct stat facts {};
-    if (!source || fstat(source.get(), &facts) != 0) {
-        return false;
+Status MoveToVolume(int fromDirectory, const char* from, int toDirectory, const char* to,
+                    int volume) {
+    const Result<Descriptor> source = OpenRegularFile(fromDirectory, from);
+    if (!source) {
+        return tl::unexpected<Failure>(source.error());
     }
-    const std::unique_ptr<UnpublishedFile> copy = UnpublishedFile::Create(toDirectory, volume);
-    if (copy == nullptr || !CopyWhole(source.get(), facts, copy->descriptor()) ||
-        !copy->PublishNew(toDirectory, to)) {
-        return false;
+    struct stat facts {};
+    if (fstat(source->get(), &facts) != 0) {
+        return Fail("move", errno);
+    }
+    const auto copy = UnpublishedFile::Create(toDirectory, volume);
+    if (!copy) {
+        return tl::unexpected<Failure>(copy.error());
+    }
+    if (const Status copied = CopyWhole(source->get(), facts, (*copy)->descriptor()); !copied) {
+        return copied;
+    }
+    if (const Status published = (*copy)->PublishNew(toDirectory, to); !published) {
+        return published;
     }
     if (fsync(toDirectory) == 0 && IsUnchanged(fromDirectory, from, facts) &&
         unlinkat(fromDirectory, from, 0) == 0) {
-        return true;
+        return {};
     }
     unlinkat(toDirectory, to, 0);
-    return false;
+    return Fail("move", EBUSY);
 }
 
 void CopyUserAttributes(int from, int to) {
+    if (flistxattr(from, nullptr, 0) <= 0) {
+        return;
+    }
     std::vector<char> names(kLargestAttribute);
     std::vector<char> value(kLargestAttribute);
     const ssize_t length = flistxattr(from, names.data(), names.size());
@@ -124,18 +140,18 @@ void CopyUserAttributes(int from, int to) {
     }
 }
 
-bool WriteWhole(int file, std::string_view bytes) {
+Status WriteWhole(int file, std::string_view bytes) {
     while (!bytes.empty()) {
         const ssize_t written = write(file, bytes.data(), bytes.size());
         if (written < 0 && errno == EINTR) {
             continue;
         }
         if (written <= 0) {
-            return false;
+            return Fail("write", written == 0 ? ENOSPC : errno);
         }
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    return true;
+    return {};
 }
 
 }  // namespace platform

@@ -4,8 +4,8 @@
 #include <optional>
 #include <vector>
 
-#include "engine/apply_sequence.h"
 #include "platform/host_text.h"
+#include "platform/run_log.h"
 
 namespace platform {
 
@@ -88,8 +88,9 @@ RecordingStore::RecordingStore(DeviceStore& inner, std::FILE* report)
 }
 
 void RecordingStore::WriteLine(const std::string& line) {
-    const std::string step =
-        g_ApplyStep > 0 ? "step " + std::to_string(g_ApplyStep) + ": " : std::string();
+    const std::string step = LogInUse::Current().step() > 0
+                                 ? "step " + std::to_string(LogInUse::Current().step()) + ": "
+                                 : std::string();
     written_ = std::fputs((step + line + '\n').c_str(), report_) >= 0 && written_;
 }
 

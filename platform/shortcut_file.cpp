@@ -69,20 +69,23 @@ std::optional<std::u16string> ShortcutTarget(std::string_view content) {
     return std::u16string(WithoutBlanks(Until(text.substr(mark + 1), ends)));
 }
 
-std::optional<std::u16string> ReadShortcut(int file) {
+Result<std::u16string> ReadShortcut(int file) {
     std::array<char, kLargestShortcut + 1> content;
     std::size_t size = 0;
-    while (size < content.size()) {
-        const ssize_t count = read(file, content.data() + size, content.size() - size);
+    ssize_t count = 1;
+    while (count != 0 && size < content.size()) {
+        count = read(file, content.data() + size, content.size() - size);
         if (count < 0 && errno != EINTR) {
-            return std::nullopt;
-        }
-        if (count == 0) {
-            return ShortcutTarget({content.data(), size});
+            return Fail("read", errno);
         }
         size += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
-    return std::nullopt;
+    std::optional<std::u16string> target =
+        count == 0 ? ShortcutTarget({content.data(), size}) : std::nullopt;
+    if (!target) {
+        return FailBecause("read", "it is no shortcut", ERROR_BAD_FORMAT);
+    }
+    return std::move(*target);
 }
 
 std::string ShortcutContent(std::u16string_view target) {

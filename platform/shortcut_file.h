@@ -4,6 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/failure.h"
+
 namespace platform {
 
 // The handheld's shortcut files: a number, "#" and the command line that the shortcut starts.
@@ -17,9 +19,8 @@ namespace platform {
 // value when the content is no shortcut's.
 std::optional<std::u16string> ShortcutTarget(std::string_view content);
 
-// The same from an open file. No value either when it cannot be read or is larger than any
-// shortcut.
-std::optional<std::u16string> ReadShortcut(int file);
+// The same from an open file; ERROR_BAD_FORMAT when it holds no shortcut or is larger than any.
+Result<std::u16string> ReadShortcut(int file);
 
 // The content of a shortcut that starts `target`.
 std::string ShortcutContent(std::u16string_view target);

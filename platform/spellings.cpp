@@ -22,23 +22,38 @@ std::int64_t Nanoseconds(const timespec& time) {
     return static_cast<std::int64_t>(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
 }
 
-// Puts what `device` names into `found` and all names into `names`, unless that is null. Returns
-// whether all of the directory was read; an exact name ends the reading.
-bool ReadNames(int directory, std::u16string_view device, NameFilter* names,
-               std::optional<HostName>& found) {
+// What a reading of a directory for one name found.
+struct Reading {
+    std::optional<HostName> found;
+    bool whole = false;  // all of it was read; an exact name ends the reading
+};
+
+// Reads the directory and puts all names into `names`, unless that is null.
+Result<Reading> ReadNames(int directory, std::u16string_view device, NameFilter* names) {
     HostName exact;
+    if (!HostNameOf(device, exact)) {
+        return Reading{};
+    }
     const Descriptor reading(
         openat(directory, ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    if (!reading || !HostNameOf(device, exact)) {
-        return false;
+    if (!reading) {
+        return Fail("read the directory", errno);
     }
+    Reading result;
     DirectoryReader reader;
-    errno = 0;
-    while (reader.Next(reading.get())) {
+    for (;;) {
+        const Result<bool> more = reader.Next(reading.get());
+        if (!more) {
+            return tl::unexpected<Failure>(more.error());
+        }
+        if (!*more) {
+            result.whole = true;
+            return result;
+        }
         const std::string_view candidate = reader.entry().name;
         if (candidate == exact.view()) {
-            found = exact;
-            return false;
+            result.found = exact;
+            return result;
         }
         const DeviceName name = DeviceNameOf(candidate);
         if (names != nullptr) {
@@ -46,21 +61,18 @@ bool ReadNames(int directory, std::u16string_view device, NameFilter* names,
         }
         HostName host;
         if (SameName(name.view(), device) && HostNameOf(name.view(), host) &&
-            (!found || host.view() < found->view())) {
-            found = host;
+            (!result.found || host.view() < result.found->view())) {
+            result.found = host;
         }
     }
-    return errno == 0;
 }
 
 }  // namespace
 
-std::optional<HostName> FindSpelling(int directory, std::u16string_view device) {
-    std::optional<HostName> found;
-    if (ReadNames(directory, device, nullptr, found)) {
-        errno = ENOENT;
-    }
-    return found;
+Result<std::optional<HostName>> FindSpelling(int directory, std::u16string_view device) {
+    return ReadNames(directory, device, nullptr).map([](const Reading& reading) {
+        return reading.found;
+    });
 }
 
 namespace {
@@ -98,7 +110,8 @@ HostName ListedName(int directory, const HostName& name) {
         !IsSameEntry(directory, other.c_str(), name.c_str())) {
         return name;
     }
-    return FindSpelling(directory, device.view()).value_or(name);
+    const Result<std::optional<HostName>> listed = FindSpelling(directory, device.view());
+    return listed ? listed->value_or(name) : name;
 }
 
 // Two bits for each name, from the two halves of its hash.
@@ -155,23 +168,22 @@ Spellings::ReadDirectory& Spellings::NextPlace() {
     return place;
 }
 
-std::optional<HostName> Spellings::Find(int directory, std::u16string_view device) {
+Result<std::optional<HostName>> Spellings::Find(int directory, std::u16string_view device) {
     const std::optional<Version> version = LastingVersion(directory);
     if (!version) {
         return FindSpelling(directory, device);
     }
     if (const ReadDirectory* const known = Known(*version)) {
-        errno = ENOENT;
-        return known->names.MayHold(device) ? FindSpelling(directory, device) : std::nullopt;
+        return known->names.MayHold(device) ? FindSpelling(directory, device)
+                                            : std::optional<HostName>();
     }
     ReadDirectory& place = NextPlace();
-    std::optional<HostName> found;
-    if (ReadNames(directory, device, &place.names, found)) {
+    const Result<Reading> reading = ReadNames(directory, device, &place.names);
+    if (reading && reading->whole) {
         place.version = *version;
         next_ = (next_ + 1) % kMostDirectories;
-        errno = ENOENT;
     }
-    return found;
+    return reading.map([](const Reading& read) { return read.found; });
 }
 
 }  // namespace platform

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/failure.h"
 #include "platform/host_names.h"
 
 namespace platform {
@@ -26,9 +27,8 @@ class NameFilter {
 };
 
 // The host name in `directory` that `device` names: the exact one, or else the first in byte order
-// of those that differ in case alone. Nothing, with errno ENOENT, when there is none; with another
-// errno when the directory cannot be read, so that nobody knows.
-std::optional<HostName> FindSpelling(int directory, std::u16string_view device);
+// of those that differ in case alone; nothing when there is none.
+Result<std::optional<HostName>> FindSpelling(int directory, std::u16string_view device);
 
 // The name under which an entry that is there is listed in `directory`: `name`, unless the file
 // system itself takes no account of case.
@@ -39,7 +39,7 @@ HostName ListedName(int directory, const HostName& name);
 // of each will do. A directory that has changed since is read again.
 class Spellings {
   public:
-    std::optional<HostName> Find(int directory, std::u16string_view device);
+    Result<std::optional<HostName>> Find(int directory, std::u16string_view device);
 
   private:
     // A directory's identity and the time of its last change.

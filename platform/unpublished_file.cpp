@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/file.h>
 
 #include <cerrno>
 #include <string>
@@ -20,27 +19,18 @@ constexpr mode_t kNewFileMode = 0666;
 // The only way by which everyone may give a nameless file a name.
 constexpr char kOpenFiles[] = "/proc/self/fd/";
 
-// Keeps other processes from taking a file for one that was left behind.
-bool Lock(int file) {
-    return flock(file, LOCK_EX | LOCK_NB) == 0;
-}
-
-void RemoveIfLeftBehind(int volume, const char* name) {
-    const std::optional<EntryFacts> facts = FactsOf(volume, name);
-    if (!facts || !facts->isRegularFile()) {
-        return;
-    }
-    const Descriptor file = OpenRegularFile(volume, name);
-    if (file && Lock(file.get())) {
+void RemoveLeftBehind(int volume, const char* name) {
+    const Result<EntryFacts> facts = FactsOf(volume, name);
+    if (facts && facts->isRegularFile()) {
         unlinkat(volume, name, 0);
     }
 }
 
 void RemoveUnpublishedFilesOf(int volume) {
     DirectoryReader reader(DirectoryReader::Names::All);
-    while (reader.Next(volume)) {
+    while (reader.Next(volume).value_or(false)) {
         if (IsReservedName(reader.entry().name)) {
-            RemoveIfLeftBehind(volume, reader.entry().name);
+            RemoveLeftBehind(volume, reader.entry().name);
         }
     }
 }
@@ -51,24 +41,21 @@ bool MayBeDirectory(const DirectoryReader::Entry& entry) {
 
 }  // namespace
 
-std::unique_ptr<UnpublishedFile> UnpublishedFile::Create(int directory, int volume) {
-    Descriptor unnamed;
+Result<std::unique_ptr<UnpublishedFile>> UnpublishedFile::Create(int directory, int volume) {
+    std::optional<HostName> reserved;
+    Descriptor file;
     if (access(kOpenFiles, F_OK) == 0) {
-        unnamed = Descriptor(openat(directory, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode));
+        file = Descriptor(openat(directory, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode));
     }
-    if (unnamed) {
-        return std::unique_ptr<UnpublishedFile>(
-            new UnpublishedFile(std::move(unnamed), volume, std::nullopt));
+    if (!file) {
+        reserved = NewReservedName();
+        file = Descriptor(openat(volume, reserved->c_str(),
+                                 O_CREAT | O_EXCL | O_RDWR | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
     }
-    const HostName reserved = NewReservedName();
-    Descriptor named(openat(volume, reserved.c_str(),
-                            O_CREAT | O_EXCL | O_RDWR | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
-    if (!named) {
-        return nullptr;
+    if (!file) {
+        return Fail("make a file", errno);
     }
-    Lock(named.get());
-    return std::unique_ptr<UnpublishedFile>(
-        new UnpublishedFile(std::move(named), volume, reserved));
+    return std::unique_ptr<UnpublishedFile>(new UnpublishedFile(std::move(file), volume, reserved));
 }
 
 UnpublishedFile::~UnpublishedFile() {
@@ -77,42 +64,50 @@ UnpublishedFile::~UnpublishedFile() {
     }
 }
 
-bool UnpublishedFile::Link(int directory, const char* name) const {
+Status UnpublishedFile::Link(int directory, const char* name) const {
     const std::string path = kOpenFiles + std::to_string(descriptor());
-    return linkat(AT_FDCWD, path.c_str(), directory, name, AT_SYMLINK_FOLLOW) == 0;
+    if (linkat(AT_FDCWD, path.c_str(), directory, name, AT_SYMLINK_FOLLOW) != 0) {
+        return Fail("name the new file", errno);
+    }
+    return {};
 }
 
 // A link cannot replace a file, only a renaming can: so the file needs a name first.
-bool UnpublishedFile::Reserve() {
+Status UnpublishedFile::Reserve() {
     const HostName reserved = NewReservedName();
-    if (!Lock(descriptor()) || !Link(volume_, reserved.c_str())) {
-        return false;
+    const Status linked = Link(volume_, reserved.c_str());
+    if (linked) {
+        reserved_ = reserved;
     }
-    reserved_ = reserved;
-    return true;
+    return linked;
 }
 
-bool UnpublishedFile::PublishNew(int directory, const char* name) {
+Status UnpublishedFile::PublishNew(int directory, const char* name) {
     if (fsync(descriptor()) != 0) {
-        return false;
+        return Fail("store the new file", errno);
     }
     if (!reserved_) {
         return Link(directory, name);
     }
-    if (!RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name)) {
-        return false;
+    const Status renamed = RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name);
+    if (renamed) {
+        reserved_.reset();
     }
-    reserved_.reset();
-    return true;
+    return renamed;
 }
 
-bool UnpublishedFile::PublishInPlace(int directory, const char* name) {
-    if (fsync(descriptor()) != 0 || (!reserved_ && !Reserve()) ||
-        renameat(volume_, reserved_->c_str(), directory, name) != 0) {
-        return false;
+Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
+    if (fsync(descriptor()) != 0) {
+        return Fail("store the new file", errno);
+    }
+    if (const Status named = reserved_ ? Status() : Reserve(); !named) {
+        return named;
+    }
+    if (renameat(volume_, reserved_->c_str(), directory, name) != 0) {
+        return Fail("replace the old file", errno);
     }
     reserved_.reset();
-    return true;
+    return {};
 }
 
 void TakeModeAndOwner(int file, const struct stat& from) {
@@ -122,17 +117,21 @@ void TakeModeAndOwner(int file, const struct stat& from) {
 }
 
 void RemoveUnpublishedFiles(const DeviceTree& tree) {
-    const OpenedDirectory root = tree.OpenDirectory(u"", OpenFor::Reading);
+    const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
+    if (!root) {
+        return;
+    }
+    const int directory = root->descriptor.get();
     DirectoryReader reader(DirectoryReader::Names::All);
-    while (root.descriptor && reader.Next(root.descriptor.get())) {
+    while (reader.Next(directory).value_or(false)) {
         const DirectoryReader::Entry& entry = reader.entry();
         if (IsReservedName(entry.name)) {
-            RemoveIfLeftBehind(root.descriptor.get(), entry.name);
-        } else if (MayBeDirectory(entry) && IsMountPoint(root.descriptor.get(), entry.name)) {
-            const Descriptor volume =
-                tree.OpenSubdirectory(root.descriptor.get(), true, entry.name, OpenFor::Reading);
+            RemoveLeftBehind(directory, entry.name);
+        } else if (MayBeDirectory(entry) && IsMountPoint(directory, entry.name)) {
+            const Result<Descriptor> volume =
+                tree.OpenSubdirectory(directory, true, entry.name, OpenFor::Reading);
             if (volume) {
-                RemoveUnpublishedFilesOf(volume.get());
+                RemoveUnpublishedFilesOf(volume->get());
             }
         }
     }
@@ -145,34 +144,35 @@ struct PublishingStream {
     Descriptor volume;
     HostName name;
     std::optional<struct stat> replaced;
+    Failure& failure;
     std::unique_ptr<UnpublishedFile> file;
-    bool failed = false;
+    Status written;
 };
 
 ssize_t WriteStream(void* cookie, const char* bytes, std::size_t count) {
     auto& stream = *static_cast<PublishingStream*>(cookie);
-    if (!WriteWhole(stream.file->descriptor(), {bytes, count})) {
-        stream.failed = true;
-        return 0;
+    if (stream.written) {
+        stream.written = WriteWhole(stream.file->descriptor(), {bytes, count});
     }
-    return static_cast<ssize_t>(count);
+    return stream.written ? static_cast<ssize_t>(count) : 0;
 }
 
-bool Publish(const PublishingStream& stream) {
-    if (stream.failed) {
-        return false;
+Status Replace(const PublishingStream& stream) {
+    const Result<Descriptor> old = OpenRegularFile(stream.directory.get(), stream.name.c_str());
+    if (old) {
+        CopyUserAttributes(old->get(), stream.file->descriptor());
     }
-    bool published = false;
-    if (stream.replaced) {
-        const Descriptor old = OpenRegularFile(stream.directory.get(), stream.name.c_str());
-        if (old) {
-            CopyUserAttributes(old.get(), stream.file->descriptor());
-        }
-        TakeModeAndOwner(stream.file->descriptor(), *stream.replaced);
-        published = stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
-    } else {
-        published = stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
+    TakeModeAndOwner(stream.file->descriptor(), *stream.replaced);
+    return stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
+}
+
+Status Publish(const PublishingStream& stream) {
+    if (!stream.written) {
+        return stream.written;
     }
+    const Status published =
+        stream.replaced ? Replace(stream)
+                        : stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
     if (published) {
         fsync(stream.directory.get());
     }
@@ -181,29 +181,36 @@ bool Publish(const PublishingStream& stream) {
 
 int CloseStream(void* cookie) {
     const std::unique_ptr<PublishingStream> stream(static_cast<PublishingStream*>(cookie));
-    return Publish(*stream) ? 0 : -1;
+    const Status published = Publish(*stream);
+    if (published) {
+        return 0;
+    }
+    stream->failure = published.error();
+    errno = published.error().error;
+    return -1;
 }
 
 }  // namespace
 
-std::FILE* OpenPublishingStream(Descriptor directory, Descriptor volume, const HostName& name,
-                                const std::optional<struct stat>& replaced) {
-    auto stream = std::make_unique<PublishingStream>();
-    stream->directory = std::move(directory);
-    stream->volume = std::move(volume);
-    stream->name = name;
-    stream->replaced = replaced;
-    stream->file = UnpublishedFile::Create(stream->directory.get(), stream->volume.get());
-    if (stream->file == nullptr) {
-        return nullptr;
+Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
+                                        const HostName& name,
+                                        const std::optional<struct stat>& replaced,
+                                        Failure& failure) {
+    auto file = UnpublishedFile::Create(directory.get(), volume.get());
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
     }
-    std::FILE* const file =
+    auto stream = std::unique_ptr<PublishingStream>(
+        new PublishingStream{std::move(directory), std::move(volume), name, replaced, failure,
+                             std::move(*file), Status()});
+    std::FILE* const opened =
         fopencookie(stream.get(), "w",
                     {.read = nullptr, .write = WriteStream, .seek = nullptr, .close = CloseStream});
-    if (file != nullptr) {
-        static_cast<void>(stream.release());
+    if (opened == nullptr) {
+        return Fail("open", errno);
     }
-    return file;
+    static_cast<void>(stream.release());
+    return opened;
 }
 
 }  // namespace platform

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "platform/descriptor.h"
+#include "platform/failure.h"
 #include "platform/host_names.h"
 
 namespace platform {
@@ -19,25 +20,24 @@ class DeviceTree;
 class UnpublishedFile {
   public:
     // An empty file, readable and writable by its owner, to be published in `directory`; `volume`
-    // is the root of the same volume and stays the caller's to keep open. Null when it cannot be
-    // made.
-    static std::unique_ptr<UnpublishedFile> Create(int directory, int volume);
+    // is the root of the same volume and stays the caller's to keep open.
+    static Result<std::unique_ptr<UnpublishedFile>> Create(int directory, int volume);
     ~UnpublishedFile();
     UnpublishedFile(const UnpublishedFile&) = delete;
     UnpublishedFile& operator=(const UnpublishedFile&) = delete;
 
     int descriptor() const { return descriptor_.get(); }
 
-    // Gives the file its name, with its content safely stored. Returns whether it has it now.
-    bool PublishNew(int directory, const char* name);      // fails where something has that name
-    bool PublishInPlace(int directory, const char* name);  // replaces what has that name
+    // Gives the file its name, with its content safely stored.
+    Status PublishNew(int directory, const char* name);      // fails where something has that name
+    Status PublishInPlace(int directory, const char* name);  // replaces what has that name
 
   private:
     UnpublishedFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
         : descriptor_(std::move(descriptor)), volume_(volume), reserved_(reserved) {}
 
-    bool Link(int directory, const char* name) const;
-    bool Reserve();
+    Status Link(int directory, const char* name) const;
+    Status Reserve();
 
     Descriptor descriptor_;
     int volume_;
@@ -47,13 +47,16 @@ class UnpublishedFile {
 // Gives `file` the mode and, where that is allowed, the owner that `from` tells.
 void TakeModeAndOwner(int file, const struct stat& from);
 
-// Removes the files that earlier processes left unpublished on the device's volumes; those that a
-// running process is still writing stay.
+// Removes the files that earlier processes left unpublished on the device's volumes. Only while no
+// other process is at work on the device.
 void RemoveUnpublishedFiles(const DeviceTree& tree);
 
 // A stream for writing a file that has its new content, and its name, only from the moment when
-// fclose has returned 0. `replaced` is what the name stands for now, if anything.
-std::FILE* OpenPublishingStream(Descriptor directory, Descriptor volume, const HostName& name,
-                                const std::optional<struct stat>& replaced);
+// fclose has returned 0; when that fails, errno and `failure`, which must live as long as the
+// stream, say why. `replaced` is what the name stands for now, if anything.
+Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
+                                        const HostName& name,
+                                        const std::optional<struct stat>& replaced,
+                                        Failure& failure);
 
 }  // namespace platform

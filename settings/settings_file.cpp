@@ -29,9 +29,17 @@ bool BuildSettingsPath(PathText& path) {
     return FormatText(path, TEXT("%s%s"), {directory.data(), kSettingsName});
 }
 
-std::FILE* OpenSettings(const WCHAR* mode) {
+// An unattended run has nobody who would see that there are no options.
+std::FILE* OpenSettingsForReading() {
     PathText path{};
-    return BuildSettingsPath(path) ? _wfopen(path.data(), mode) : nullptr;
+    if (!BuildSettingsPath(path)) {
+        return nullptr;
+    }
+    std::FILE* const file = _wfopen(path.data(), TEXT("rb"));
+    if (file == nullptr && g_Silent) {
+        NoteNoSettings(path.data());
+    }
+    return file;
 }
 
 std::optional<std::uint32_t> ReadNumber(std::FILE* file) {
@@ -105,7 +113,7 @@ void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, boo
 }  // namespace
 
 std::int32_t LoadSettings(CSettings& settings) {
-    std::FILE* const file = OpenSettings(TEXT("rb"));
+    std::FILE* const file = OpenSettingsForReading();
     if (file == nullptr) {
         if (!g_Silent) {
             TickFirstRunDefault();
@@ -139,7 +147,8 @@ void SaveSettings(CSettings& settings) {
 }
 
 std::FILE* OpenSettingsForWriting() {
-    return OpenSettings(TEXT("wb"));
+    PathText path{};
+    return BuildSettingsPath(path) ? _wfopen(path.data(), TEXT("wb")) : nullptr;
 }
 
 void WriteSettings(std::FILE* file, std::uint32_t mask, CSettings& settings) {

@@ -1,18 +1,24 @@
 #pragma once
 
+#include <cerrno>
+
 #include "platform/file_store.h"
 #include "platform/forwarding_store.h"
 
-// Lets the n-th call come back with failure, without having done anything; all others go on but for
-// the restarts, which would end the process and are counted.
+// Lets the n-th call come back with failure and its own reason, without having done anything; all
+// others go on but for the restarts, which would end the process and are counted.
 class FailingStore : public platform::ForwardingStore {
   public:
-    // `failing` counts from 1; 0 lets every call through.
-    FailingStore(platform::DeviceStore& inner, int failing)
-        : ForwardingStore(inner), failing_(failing) {}
+    // `failing` counts from 1; 0 lets every call through. `reason` is an errno.
+    FailingStore(platform::DeviceStore& inner, int failing, int reason = EIO)
+        : ForwardingStore(inner), failing_(failing), reason_{"go on", {}, reason} {}
 
     int calls() const { return calls_; }
     int restarts() const { return restarts_; }
+
+    const platform::Failure& LastFailure() const override {
+        return calls_ == failing_ ? reason_ : ForwardingStore::LastFailure();
+    }
 
     BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
                          DWORD /*outputSize*/, DWORD* /*returned*/) override {
@@ -29,6 +35,7 @@ class FailingStore : public platform::ForwardingStore {
     // Without a file tree, without a registry, and with a path that no buffer holds.
     platform::FileStore nothing_{platform::Descriptor(), std::u16string(5000, u'x')};
     int failing_;
+    platform::Failure reason_;
     int calls_ = 0;
     int restarts_ = 0;
 };

@@ -197,7 +197,7 @@ TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
 TEST_P(VolumesTest, WhatWasLeftUnpublishedOnAVolumeGoes) {
     const std::string left = ".fennelbright-new-0123456789abcdef";
     device_.Make({"Card/" + left + "=half", "Card/sub/" + left + "=other"});
-    const platform::FileStore store(device_.OpenFiles(), u"");
+    platform::FileStore(device_.OpenFiles(), u"").ClearUp();
     EXPECT_EQ(device_.Listing(), (Entries{"Card/", "Card/sub/", "Card/sub/" + left + "=other"}));
 }
 

@@ -1,0 +1,57 @@
+#include "platform/moved_directories.h"
+
+#include <array>
+
+#include "platform/moves.h"
+#include "platform/unpublished_file.h"
+
+namespace platform {
+
+namespace {
+
+constexpr mode_t kUsualMode = 0777;
+
+}  // namespace
+
+void MovedDirectories::Begin(const DeviceTree& tree, std::u16string_view oldPath,
+                             std::u16string_view newPath) {
+    Pair pair;
+    pair.newPath = newPath;
+    const Result<OpenedDirectory> old = tree.OpenDirectory(oldPath, OpenFor::Reaching);
+    pair.known = old && fstat(old->descriptor.get(), &pair.old) == 0;
+    pairs_.push_back(std::move(pair));
+}
+
+mode_t MovedDirectories::ModeFor(std::u16string_view path) const {
+    return pairs_.empty() || pairs_.back().newPath != path ? kUsualMode : S_IRWXU;
+}
+
+void MovedDirectories::Made(std::u16string_view path) {
+    if (!pairs_.empty() && pairs_.back().newPath == path) {
+        pairs_.back().made = true;
+    }
+}
+
+void MovedDirectories::End(const DeviceTree& tree, std::u16string_view oldPath,
+                           std::u16string_view /*newPath*/) {
+    if (pairs_.empty()) {
+        return;
+    }
+    const Pair pair = std::move(pairs_.back());
+    pairs_.pop_back();
+    if (!pair.made || !pair.known) {
+        return;
+    }
+    const Result<OpenedDirectory> old = tree.OpenDirectory(oldPath, OpenFor::Reading);
+    const Result<OpenedDirectory> made = tree.OpenDirectory(pair.newPath, OpenFor::Reading);
+    if (!old || !made) {
+        return;
+    }
+    const int directory = made->descriptor.get();
+    CopyUserAttributes(old->descriptor.get(), directory);
+    TakeModeAndOwner(directory, pair.old);
+    const std::array<timespec, 2> times = {pair.old.st_atim, pair.old.st_mtim};
+    futimens(directory, times.data());
+}
+
+}  // namespace platform
