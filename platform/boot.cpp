@@ -2,11 +2,19 @@
 
 #include <spawn.h>
 #include <sys/wait.h>
+#include <sysexits.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <iterator>
+#include <utility>
 
+#include "platform/device_directory.h"
+#include "platform/file_store.h"
 #include "platform/host_names.h"
+#include "platform/host_text.h"
+#include "platform/run_log.h"
 
 namespace platform {
 
@@ -58,7 +66,41 @@ std::optional<std::u16string> ArgumentsFor(std::u16string_view program,
     return std::u16string(begin == std::u16string_view::npos ? u"" : rest.substr(begin));
 }
 
-int RunHostAgain(const std::vector<std::string>& words) {
+int WorseExitCode(int left, int right) {
+    // Worst first. What is not among them, such as the end by a signal, is worse than all.
+    static constexpr int kWorstFirst[] = {EX_OSERR,   1,          EX_CANTCREAT,   EX_TEMPFAIL,
+                                          EX_DATAERR, EX_NOINPUT, EX_UNAVAILABLE, EX_IOERR,
+                                          EX_CONFIG,  0};
+    const auto rank = [](int code) {
+        const int* const found = std::find(std::begin(kWorstFirst), std::end(kWorstFirst), code);
+        return found == std::end(kWorstFirst) ? -1 : found - std::begin(kWorstFirst);
+    };
+    return rank(left) <= rank(right) ? left : right;
+}
+
+namespace {
+
+// The words of a host that runs one shortcut's command line.
+std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string& arguments) {
+    std::vector<std::string> words = {"fennelbright", "--device", line.device, "--module",
+                                      Utf8Text(line.modulePath)};
+    const std::pair<bool, const char*> switches[] = {
+        {line.report, "--report"}, {line.strict, "--strict"}, {line.noDisplay, "--no-display"}};
+    for (const auto& [isSet, word] : switches) {
+        if (isSet) {
+            words.emplace_back(word);
+        }
+    }
+    if (line.scale > 0) {
+        words.insert(words.end(), {"--scale", std::to_string(line.scale)});
+    }
+    words.emplace_back("--");
+    words.push_back(Utf8Text(arguments));
+    return words;
+}
+
+// Waits for the process. Its exit code; 128 and the number of the signal that ended it.
+Result<int> RunHostAgain(const std::vector<std::string>& words) {
     std::vector<char*> arguments;
     arguments.reserve(words.size() + 1);
     for (const std::string& word : words) {
@@ -67,11 +109,54 @@ int RunHostAgain(const std::vector<std::string>& words) {
     arguments.push_back(nullptr);
     pid_t child = 0;
     int status = 0;
-    if (posix_spawn(&child, "/proc/self/exe", nullptr, nullptr, arguments.data(), environ) != 0 ||
-        waitpid(child, &status, 0) != child) {
-        return -1;
+    const int error =
+        posix_spawn(&child, "/proc/self/exe", nullptr, nullptr, arguments.data(), environ);
+    if (error != 0) {
+        return Fail("start the program", error);
+    }
+    while (waitpid(child, &status, 0) != child) {
+        if (errno != EINTR) {
+            return Fail("wait for the program", errno);
+        }
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog& log) {
+    const std::string name = ReadableText(shortcut.path);
+    if (!shortcut.arguments) {
+        log.Say(name + " is passed over: " +
+                (shortcut.target.empty() ? "it is no shortcut"
+                                         : "it starts " + ReadableText(shortcut.target)));
+        return 0;
+    }
+    const Result<int> ended = RunHostAgain(WordsFor(line, *shortcut.arguments));
+    if (!ended) {
+        log.Say(name + ": " + Describe(ended.error()));
+        return EX_OSERR;
+    }
+    if (*ended != 0) {
+        log.Say(name + " did not end well: exit code " + std::to_string(*ended));
+    }
+    return *ended;
+}
+
+}  // namespace
+
+int BootDevice(const CommandLine& line) {
+    RunLog log(line.device);
+    Result<DeviceDirectory> device = OpenDeviceDirectory(line.device.c_str());
+    if (!device) {
+        log.Say(Describe(device.error()));
+        return EX_NOINPUT;
+    }
+    // Without a lock: that is for the runs themselves.
+    FileStore store(std::move(device->files), line.modulePath);
+    int result = 0;
+    for (const StartupShortcut& shortcut : StartupShortcuts(store, line.modulePath)) {
+        result = WorseExitCode(result, RunShortcut(line, shortcut, log));
+    }
+    return result;
 }
 
 }  // namespace platform

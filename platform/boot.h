@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/command_line.h"
 #include "platform/device_store.h"
 
 namespace platform {
@@ -26,9 +27,12 @@ std::vector<StartupShortcut> StartupShortcuts(DeviceStore& store, std::u16string
 // The path can be in quotes or not; what is behind it, without blanks in front, are the arguments.
 std::optional<std::u16string> ArgumentsFor(std::u16string_view program, std::u16string_view target);
 
-// Starts this host program again, in a process of its own, with these words, and waits for it.
-// Returns its exit code; 128 and the number of the signal where one ended it; -1 when it could not
-// be started.
-int RunHostAgain(const std::vector<std::string>& words);
+// Does what the device does when it starts: runs the program, in a process of its own, for each
+// shortcut of the StartUp folder that names it. Returns the exit code that tells most: the worst
+// one of all runs.
+int BootDevice(const CommandLine& line);
+
+// The one of two exit codes that says more about what went wrong.
+int WorseExitCode(int left, int right);
 
 }  // namespace platform

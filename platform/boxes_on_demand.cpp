@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <limits>
 
 #include "platform/end_signals.h"
 
@@ -41,9 +42,13 @@ void BoxesOnDemand::ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* ca
     const sigset_t endSignals = EndSignals();
     sigprocmask(SIG_UNBLOCK, &endSignals, nullptr);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
-    std::string reason;
-    const auto windows = getppid() == run ? OpenDisplayWindows(needs_, reason) : nullptr;
-    _exit(windows == nullptr ? 0 : kAnswered + windows->MessageBoxW(nullptr, text, caption, type));
+    // Copies of the run's locks would keep the next run away if this one were killed.
+    close_range(STDERR_FILENO + 1, std::numeric_limits<unsigned>::max(), 0);
+    if (getppid() != run) {
+        _exit(0);
+    }
+    const auto windows = OpenDisplayWindows(needs_);
+    _exit(windows ? kAnswered + (*windows)->MessageBoxW(nullptr, text, caption, type) : 0);
 }
 
 std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* caption,

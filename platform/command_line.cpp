@@ -2,10 +2,8 @@
 
 #include <getopt.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <string_view>
-#include <system_error>
+#include <optional>
 
 #include "platform/host_text.h"
 #include "platform/sample_device.h"
@@ -23,7 +21,8 @@ const char kHelp[] =
     "                    \"registry.reg\" its registry\n"
     "  --module PATH     where the program lies on the device; settings.dat is beside it\n"
     "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
-    "  --report          say on standard output what was done\n"
+    "  --report          say on standard output what was done, and what could not be\n"
+    "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
     "  --no-display      open no window; messages go to standard error\n"
     "  --boot            do what the device does when it starts: run the program for each "
     "shortcut\n"
@@ -36,9 +35,12 @@ const char kHelp[] =
     "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
     "windows; without one the program opens its windows on the display.\n"
     "\n"
-    "Exit codes: 0 the program has ended as it does; 64 wrong usage; 65 the registry cannot be\n"
-    "read; 66 no usable device directory; 69 no display for the program's windows; 73 what is to\n"
-    "be made cannot be made.\n";
+    "Exit codes: 0 the program has ended as it does; 1 the display was lost; 64 wrong usage; 65 "
+    "the\n"
+    "registry cannot be read; 66 no usable device directory; 69 no display for the program's\n"
+    "windows; 71 out of memory; 73 what is to be made or stored cannot be; 74 registry or "
+    "settings\n"
+    "are not stored; 75 the device is in use by another run; 78 no settings, with --strict.\n";
 
 namespace {
 
@@ -48,6 +50,7 @@ enum Choice {
     kDevice,
     kModule,
     kReport,
+    kStrict,
     kNoDisplay,
     kScale,
     kBoot,
@@ -62,6 +65,7 @@ constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
     {"module", required_argument, nullptr, kModule},
     {"report", no_argument, nullptr, kReport},
+    {"strict", no_argument, nullptr, kStrict},
     {"no-display", no_argument, nullptr, kNoDisplay},
     {"boot", no_argument, nullptr, kBoot},
     {"scale", required_argument, nullptr, kScale},
@@ -71,20 +75,25 @@ constexpr option kChoices[] = {
     {nullptr, 0, nullptr, 0},
 };
 
-std::optional<CommandLine> Refuse(const char* reason) {
-    std::fprintf(stderr, "fennelbright: %s; see fennelbright --help\n", reason);
-    return std::nullopt;
+constexpr const char* kUnderstand = "understand the command line";
+
+Status Refuse(const char* reason) {
+    return FailBecause(kUnderstand, reason);
 }
 
-// Appends a word to the program's own command line; returns why it cannot be taken, or null.
-const char* TakeWord(const char* value, CommandLine& line) {
+Status RefuseUnless(bool holds, const char* reason) {
+    return holds ? Status() : Refuse(reason);
+}
+
+// Appends a word to the program's own command line.
+Status TakeWord(const char* value, CommandLine& line) {
     const std::optional<std::u16string> word = WideText(value);
     if (!word) {
-        return "a word of the command line is not UTF-8";
+        return Refuse("a word of the command line is not UTF-8");
     }
     line.programLine += line.programLine.empty() ? u"" : u" ";
     line.programLine += *word;
-    return nullptr;
+    return {};
 }
 
 // Who asks for help is not to start anything.
@@ -94,84 +103,101 @@ void SetTask(CommandLine& line, CommandLine::Task task) {
     }
 }
 
-const char* TakeScale(const char* value, CommandLine& line) {
+Status TakeScale(const char* value, CommandLine& line) {
     char* end = nullptr;
     line.scale = std::strtod(value, &end);
     const bool whole = end != value && *end == '\0';
-    return whole && line.scale >= 1 && line.scale <= kLargestScale ? nullptr
-                                                                   : "the scale is not from 1 to 8";
+    return RefuseUnless(whole && line.scale >= 1 && line.scale <= kLargestScale,
+                        "the scale is not from 1 to 8");
 }
 
-// Takes one option; returns why it cannot be taken, or null.
-const char* Take(int choice, const char* value, CommandLine& line) {
+Status TakeDevice(const char* value, CommandLine::Task task, CommandLine& line) {
+    if (!line.device.empty()) {
+        return Refuse("more than one device directory is named");
+    }
+    line.device = value;
+    SetTask(line, task);
+    return RefuseUnless(!line.device.empty(), "the device directory is named by an empty word");
+}
+
+Status TakeModule(const char* value, CommandLine& line) {
+    line.modulePath = WideText(value).value_or(std::u16string());
+    return RefuseUnless(!line.modulePath.empty(), "the path after --module is empty or not UTF-8");
+}
+
+// Options that take no value and only set something.
+Status TakeSwitch(int choice, CommandLine& line) {
+    switch (choice) {
+        case kReport:
+            line.report = true;
+            return {};
+        case kStrict:
+            line.strict = true;
+            return {};
+        case kNoDisplay:
+            line.noDisplay = true;
+            return {};
+        case kBoot:
+            SetTask(line, CommandLine::Task::Boot);
+            return {};
+        case kHelpChoice:
+            line.task = CommandLine::Task::ShowHelp;
+            return {};
+        case kVersion:
+            line.task = CommandLine::Task::ShowVersion;
+            return {};
+        default:
+            return Refuse("nothing was started");
+    }
+}
+
+Status Take(int choice, const char* value, CommandLine& line) {
     switch (choice) {
         case kWord:
             return TakeWord(value, line);
         case kDevice:
+            return TakeDevice(value, line.task, line);
         case kNewDevice:
-            if (!line.device.empty()) {
-                return "more than one device directory is named";
-            }
-            line.device = value;
-            SetTask(line, choice == kDevice ? line.task : CommandLine::Task::MakeSampleDevice);
-            return line.device.empty() ? "the device directory is named by an empty word" : nullptr;
+            return TakeDevice(value, CommandLine::Task::MakeSampleDevice, line);
         case kModule:
-            line.modulePath = WideText(value).value_or(std::u16string());
-            return line.modulePath.empty() ? "the path behind --module is empty or not UTF-8"
-                                           : nullptr;
-        case kReport:
-            line.report = true;
-            return nullptr;
-        case kNoDisplay:
-            line.noDisplay = true;
-            return nullptr;
-        case kBoot:
-            SetTask(line, CommandLine::Task::Boot);
-            return nullptr;
+            return TakeModule(value, line);
         case kScale:
             return TakeScale(value, line);
-        case kHelpChoice:
-            line.task = CommandLine::Task::ShowHelp;
-            return nullptr;
-        case kVersion:
-            line.task = CommandLine::Task::ShowVersion;
-            return nullptr;
         default:
-            return "nothing was started";
+            return TakeSwitch(choice, line);
     }
 }
 
-const char* WhyIncomplete(const CommandLine& line) {
+Status CheckComplete(const CommandLine& line) {
     const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
     if (runs && line.device.empty()) {
-        return "no device directory is named";
+        return Refuse("no device directory is named");
     }
     if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
-        return "a sample device takes no command line";
+        return Refuse("a sample device takes no command line");
     }
     if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
-        return "the shortcuts have the command lines for --boot";
+        return Refuse("the shortcuts have the command lines for --boot");
     }
-    return nullptr;
+    return {};
 }
 
 }  // namespace
 
-std::optional<CommandLine> ParseCommandLine(int count, char** words) {
+Result<CommandLine> ParseCommandLine(int count, char** words) {
     CommandLine line;
     line.modulePath = kDefaultModulePath;
-    for (int choice = 0; (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
-        if (const char* const reason = Take(choice, optarg, line)) {
-            return Refuse(reason);
-        }
+    Status taken;
+    for (int choice = 0;
+         taken && (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
+        taken = Take(choice, optarg, line);
     }
-    for (; optind < count; ++optind) {
-        if (const char* const reason = TakeWord(words[optind], line)) {
-            return Refuse(reason);
-        }
+    for (; taken && optind < count; ++optind) {
+        taken = TakeWord(words[optind], line);
     }
-    if (const char* const reason = WhyIncomplete(line)) {
-        return Refuse(reason);
+    taken = taken ? CheckComplete(line) : taken;
+    if (!taken) {
+        return tl::unexpected<Failure>(taken.error());
     }
     return line;
 }

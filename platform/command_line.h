@@ -1,9 +1,9 @@
 #pragma once
 
-#include <optional>
 #include <string>
 
 #include "core/plain_types.h"
+#include "platform/failure.h"
 
 namespace platform {
 
@@ -16,13 +16,14 @@ struct CommandLine {
     std::u16string modulePath;
     std::u16string programLine;  // the program's own command line
     bool report = false;
+    bool strict = false;
     bool noDisplay = false;
     double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
 };
 
-// Reads the command line. Nothing, with a line on standard error that says why, when it is not one
-// that the program understands.
-std::optional<CommandLine> ParseCommandLine(int count, char** words);
+// Reads the command line. About an option that it does not know, getopt_long writes a line to
+// standard error first.
+Result<CommandLine> ParseCommandLine(int count, char** words);
 
 extern const char kHelp[];
 

@@ -3,12 +3,12 @@
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 
 #include "platform/directory_reader.h"
 
@@ -18,6 +18,7 @@ namespace {
 
 constexpr char kFiles[] = "files";
 constexpr char kRegistry[] = "registry.reg";
+constexpr const char* kUse = "be used as a device directory";
 
 const char* HomeDirectory() {
     const char* const home = std::getenv("HOME");
@@ -34,82 +35,137 @@ bool IsSame(const struct stat& entry, const char* path) {
            entry.st_ino == named.st_ino;
 }
 
-// Why nobody can mean this directory; empty when somebody can.
-std::string WhyRefused(const Descriptor& directory) {
+// Fails for a directory that nobody can mean.
+Status CheckMeant(const Descriptor& directory) {
     struct stat entry {};
     if (fstat(directory.get(), &entry) != 0) {
-        return std::strerror(errno);
+        return Fail(kUse, errno);
     }
     if (IsSame(entry, "/")) {
-        return "it is the root of this machine's file system, not a device directory";
+        return FailBecause(kUse, "it is the root of this machine's file system");
     }
-    return IsSame(entry, HomeDirectory()) ? "it is your home directory, not a device directory"
-                                          : "";
+    if (IsSame(entry, HomeDirectory())) {
+        return FailBecause(kUse, "it is your home directory");
+    }
+    return {};
 }
 
+// Readable where that is allowed, because only such a descriptor can be locked.
 Descriptor OpenFiles(const Descriptor& device) {
     open_how how{};
-    how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-    return Descriptor(
-        static_cast<int>(syscall(SYS_openat2, device.get(), kFiles, &how, sizeof how)));
+    Descriptor files;
+    for (const int access : {O_RDONLY, O_PATH}) {
+        how.flags = static_cast<std::uint64_t>(access | O_DIRECTORY | O_CLOEXEC);
+        files = Descriptor(
+            static_cast<int>(syscall(SYS_openat2, device.get(), kFiles, &how, sizeof how)));
+        if (files || errno != EACCES) {
+            break;
+        }
+    }
+    return files;
 }
 
-// What stands in the way of opening the file tree; empty when it is only missing and the registry
-// is there.
-std::string WhyWithoutFiles(const Descriptor& device, int reason) {
-    if (reason == ENOSYS) {
-        return "this kernel cannot confine a program to a directory (openat2, Linux 5.6)";
+// Whether the device may do without a file tree: it is only missing, and the registry is there.
+Status CheckWithoutFiles(const Descriptor& device, int error) {
+    if (error == ENOSYS) {
+        return FailBecause(
+            kUse, "this kernel cannot confine a program to a directory (openat2, Linux 5.6)");
     }
-    if (reason != ENOENT) {
-        return std::string("its \"files\" cannot be used as a directory: ") + std::strerror(reason);
+    if (error != ENOENT) {
+        return FailOf({"be used as a directory", {}, error}, "its \"files\"");
     }
     struct stat registry {};
-    return fstatat(device.get(), kRegistry, &registry, AT_SYMLINK_NOFOLLOW) == 0
-               ? ""
-               : "it is no device directory: neither \"files\" nor \"registry.reg\" is in it";
+    if (fstatat(device.get(), kRegistry, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
+        return FailBecause(kUse, "neither \"files\" nor \"registry.reg\" is in it");
+    }
+    return {};
 }
 
-bool IsEmpty(const Descriptor& directory) {
+Status CheckEmpty(const Descriptor& directory) {
     DirectoryReader reader(DirectoryReader::Names::All);
-    return !reader.Next(directory.get());
+    const Result<bool> hasEntry = reader.Next(directory.get());
+    if (!hasEntry) {
+        return tl::unexpected<Failure>(hasEntry.error());
+    }
+    return *hasEntry
+               ? FailBecause(kUse, "it is not empty; name a directory that does not exist yet")
+               : Status();
+}
+
+Result<Descriptor> OpenDirectory(const char* path) {
+    Descriptor directory(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!directory) {
+        return Fail(kUse, errno);
+    }
+    if (const Status meant = CheckMeant(directory); !meant) {
+        return tl::unexpected<Failure>(meant.error());
+    }
+    return directory;
+}
+
+// False when somebody else has it.
+Result<bool> Lock(const Descriptor& directory) {
+    if (flock(directory.get(), LOCK_EX | LOCK_NB) == 0) {
+        return true;
+    }
+    if (errno != EWOULDBLOCK) {
+        return Fail("lock it", errno);
+    }
+    return false;
+}
+
+bool IsSameDirectory(const Descriptor& left, const Descriptor& right) {
+    struct stat one {};
+    struct stat other {};
+    return fstat(left.get(), &one) == 0 && fstat(right.get(), &other) == 0 &&
+           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
 }
 
 }  // namespace
 
-std::string OpenDeviceDirectory(const char* path, DeviceDirectory& device) {
-    device.directory = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!device.directory) {
-        return std::strerror(errno);
+Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
+    Result<Descriptor> directory = OpenDirectory(path);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
     }
-    std::string refused = WhyRefused(device.directory);
-    if (!refused.empty()) {
-        return refused;
-    }
+    DeviceDirectory device{std::move(*directory), {}};
     device.files = OpenFiles(device.directory);
-    return device.files ? WhyRefused(device.files) : WhyWithoutFiles(device.directory, errno);
+    const Status usable =
+        device.files ? CheckMeant(device.files) : CheckWithoutFiles(device.directory, errno);
+    if (!usable) {
+        return tl::unexpected<Failure>(usable.error());
+    }
+    return device;
 }
 
-std::string MakeDeviceDirectory(const char* path, DeviceDirectory& device) {
+Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     if (mkdir(path, 0777) != 0 && errno != EEXIST) {
-        return std::strerror(errno);
+        return Fail("be made", errno);
     }
-    device.directory = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!device.directory) {
-        return std::strerror(errno);
+    Result<Descriptor> directory = OpenDirectory(path);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
     }
-    std::string refused = WhyRefused(device.directory);
-    if (!refused.empty()) {
-        return refused;
-    }
-    if (!IsEmpty(device.directory)) {
-        return "it is not empty; name a directory that does not exist yet";
+    DeviceDirectory device{std::move(*directory), {}};
+    if (const Status empty = CheckEmpty(device.directory); !empty) {
+        return tl::unexpected<Failure>(empty.error());
     }
     if (mkdirat(device.directory.get(), kFiles, 0777) != 0) {
-        return std::strerror(errno);
+        return Fail("be made", errno);
     }
     device.files = OpenFiles(device.directory);
-    return device.files ? "" : std::strerror(errno);
+    if (!device.files) {
+        return Fail(kUse, errno);
+    }
+    return device;
+}
+
+// A lock belongs to an opening of a directory, so one directory in both parts is locked once.
+Result<bool> LockDevice(const DeviceDirectory& device) {
+    const Result<bool> locked = Lock(device.directory);
+    const bool once = !device.files || IsSameDirectory(device.directory, device.files);
+    return locked && *locked && !once ? Lock(device.files) : locked;
 }
 
 }  // namespace platform

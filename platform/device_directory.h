@@ -3,6 +3,7 @@
 #include <string>
 
 #include "platform/descriptor.h"
+#include "platform/failure.h"
 
 namespace platform {
 
@@ -12,13 +13,17 @@ struct DeviceDirectory {
     Descriptor files;  // the root of its file tree; none where the device has only a registry
 };
 
-// Opens the device directory `path`. Returns an empty text, or why it is no usable one: it is
-// missing, does not look like a device, or is a directory that nobody means by that.
-std::string OpenDeviceDirectory(const char* path, DeviceDirectory& device);
+// Opens the device directory `path`. Fails when it is missing, does not look like a device, or is a
+// directory that nobody means by that.
+Result<DeviceDirectory> OpenDeviceDirectory(const char* path);
 
 // Makes the directory of a new device with an empty file tree and opens it. `path` must not exist
-// yet or be an empty directory. Returns an empty text, or why that could not be done; then nothing
-// that was there has changed.
-std::string MakeDeviceDirectory(const char* path, DeviceDirectory& device);
+// yet or be an empty directory. After a failure nothing that was there has changed.
+Result<DeviceDirectory> MakeDeviceDirectory(const char* path);
+
+// Takes the locks that keep a second run away, on the file tree and on the directory of the
+// registry, for as long as both are open in any process. False when another run holds one of them;
+// fails where the file system knows no locks.
+Result<bool> LockDevice(const DeviceDirectory& device);
 
 }  // namespace platform

@@ -1,28 +1,93 @@
 #include "platform/directory_store.h"
 
-#include <cstdio>
+#include <sysexits.h>
+
 #include <cstdlib>
+
+#include "platform/run_log.h"
 
 namespace platform {
 
-std::string DirectoryStore::Finish() {
-    if (registry_->Flush()) {
-        return {};
-    }
-    return registry_->error().empty() ? "it cannot be written" : registry_->error();
+Status DirectoryStore::CheckStorable() {
+    isChecked_ = true;
+    return registry_->CheckStorable();
 }
 
-BOOL DirectoryStore::KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/,
-                                     void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
+void DirectoryStore::EnsureStorable() {
+    if (isChecked_) {
+        return;
+    }
+    if (const Status storable = CheckStorable(); !storable) {
+        LogInUse::Current().Say("nothing was changed, because the registry could not be stored: " +
+                                Describe(storable.error()));
+        endRun_(EX_CANTCREAT);
+    }
+}
+
+Status DirectoryStore::StoreRegistry() {
+    tried_ = registry_->made();
+    const Status stored = registry_->Store();
+    if (!stored) {
+        RunLog& log = LogInUse::Current();
+        log.NoteNotStored();
+        log.SayUndone("changes to the registry are not stored: " + Describe(stored.error()));
+    }
+    return stored;
+}
+
+// What could not be stored is tried again once there is more to be stored, not before each of a
+// hundred thousand deletions, which may be what makes the room.
+Status DirectoryStore::BeforeChange() {
+    EnsureStorable();
+    if (registry_->made() > tried_) {
+        [[maybe_unused]] const Status stored = StoreRegistry();
+    }
+    return {};
+}
+
+// A folder that has moved while the registry still names the old place is lost to its owner. So the
+// room comes first, and a step in which it is missing moves nothing at all.
+Status DirectoryStore::BeforeMove() {
+    if (const Status ready = BeforeChange(); !ready) {
+        return ready;
+    }
+    const bool isRefused = refusedInStep_ == LogInUse::Current().stepsBegun();
+    const Status kept = isRefused ? FailBecause("move", "another move was refused before")
+                                  : registry_->ReserveRoom();
+    return kept ? kept : RefuseMove(kept.error());
+}
+
+Status DirectoryStore::RefuseMove(const Failure& failure) {
+    RunLog& log = LogInUse::Current();
+    if (refusedInStep_ != log.stepsBegun()) {
+        refusedInStep_ = log.stepsBegun();
+        log.NoteNotStored();
+        log.SayUndone("nothing is moved, because the registry could not be stored after it: " +
+                      Describe(failure));
+    }
+    return FailBecause("move", "there is no room to store the registry after it",
+                       ERROR_NO_SYSTEM_RESOURCES);
+}
+
+BOOL DirectoryStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
+                                     DWORD outputSize, DWORD* returned) {
     if (code != IOCTL_HAL_REBOOT) {
-        return 0;
+        return FileStore::KernelIoControl(code, input, inputSize, output, outputSize, returned);
     }
-    const std::string reason = Finish();
-    if (!reason.empty()) {
-        std::fprintf(stderr, "fennelbright: the registry is not stored: %s\n", reason.c_str());
+    endRun_(EXIT_SUCCESS);
+    std::abort();
+}
+
+DeviceStore::RegistryChanges DirectoryStore::ChangesOfRegistry() const {
+    return {registry_->made(), registry_->stored()};
+}
+
+// The registry has taken the change into memory alone: this is the time to ask.
+LONG DirectoryStore::Changed(LONG result, std::uint64_t before) {
+    if (registry_->made() > before) {
+        EnsureStorable();
     }
-    std::fflush(nullptr);
-    std::_Exit(EXIT_SUCCESS);
+    return result;
 }
 
 LONG DirectoryStore::RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
@@ -37,7 +102,8 @@ LONG DirectoryStore::RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserv
 
 LONG DirectoryStore::RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type,
                                     const BYTE* data, DWORD size) {
-    return registry_->RegSetValueExW(key, name, reserved, type, data, size);
+    const std::uint64_t before = registry_->made();
+    return Changed(registry_->RegSetValueExW(key, name, reserved, type, data, size), before);
 }
 
 LONG DirectoryStore::RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
@@ -47,7 +113,8 @@ LONG DirectoryStore::RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* si
 }
 
 LONG DirectoryStore::RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
-    return registry_->RegDeleteKeyW(key, subkey);
+    const std::uint64_t before = registry_->made();
+    return Changed(registry_->RegDeleteKeyW(key, subkey), before);
 }
 
 LONG DirectoryStore::RegCloseKey(HKEY key) {

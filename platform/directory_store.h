@@ -1,7 +1,8 @@
 #pragma once
 
+#include <functional>
 #include <memory>
-#include <string>
+#include <optional>
 
 #include "platform/file_store.h"
 #include "platform/registry.h"
@@ -9,19 +10,32 @@
 namespace platform {
 
 // The device store of a device directory on this machine: its files and its registry.
+//
+// Changes of the registry are gathered and stored before the next change of the file tree, so that
+// their order is kept, and whenever StoreRegistry is called. Nothing at all changes unless the
+// registry can be stored.
 class DirectoryStore : public FileStore {
   public:
+    // Ends the run on the spot with this exit code, 0 for a restart of the device; does not return.
+    using EndRun = std::function<void(int)>;
+
     // `files` and `modulePath` are those of FileStore.
-    DirectoryStore(Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry)
-        : FileStore(std::move(files), std::move(modulePath)), registry_(std::move(registry)) {}
+    DirectoryStore(Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
+                   EndRun endRun)
+        : FileStore(std::move(files), std::move(modulePath)),
+          registry_(std::move(registry)),
+          endRun_(std::move(endRun)) {}
 
-    // Stores what has changed in the registry. Returns an empty text, or why that failed.
-    std::string Finish();
+    // Whether the registry can be stored, but for the room. Asked once by the store itself before
+    // the first change, where it ends the run if it fails, unless it was asked before.
+    Status CheckStorable();
 
-    // A restart ends the process with exit code 0, which is what it does to every program of the
-    // device; what standard streams hold is written first.
+    // A restart ends the run, which is what it does to every program of the device.
     BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
                          DWORD* returned) override;
+
+    RegistryChanges ChangesOfRegistry() const override;
+    Status StoreRegistry() override;
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                        HKEY* result) override;
@@ -34,8 +48,20 @@ class DirectoryStore : public FileStore {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
     LONG RegCloseKey(HKEY key) override;
 
+  protected:
+    Status BeforeChange() override;
+    Status BeforeMove() override;
+
   private:
+    LONG Changed(LONG result, std::uint64_t before);
+    void EnsureStorable();
+    Status RefuseMove(const Failure& failure);
+
     std::unique_ptr<Registry> registry_;
+    EndRun endRun_;
+    bool isChecked_ = false;
+    std::uint64_t tried_ = 0;                // changes that there were at the last storing
+    std::optional<unsigned> refusedInStep_;  // the step in which a move was refused, counted
 };
 
 }  // namespace platform

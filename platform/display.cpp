@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <string_view>
 
 #include "platform/console_windows.h"
@@ -20,6 +21,7 @@ namespace platform {
 
 namespace {
 
+constexpr const char* kOpenWindows = "open the program's windows";
 constexpr char kLibraryFolder[] = "/../lib/fennelbright/";
 constexpr int kFirstPort = 6000;
 
@@ -129,16 +131,20 @@ DisplayNeeds NeedsFor(const char* device, double scale) {
     return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
 }
 
-std::unique_ptr<DisplayWindows> OpenDisplayWindows(const DisplayNeeds& needs, std::string& reason) {
+Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs) {
     void* const module = LoadModule();
     void* const make = module == nullptr ? nullptr : dlsym(module, kMakeDisplayWindows);
     if (make == nullptr) {
-        const char* const failure = dlerror();
-        reason = failure == nullptr ? std::string(kDisplayModule) + " is empty" : failure;
-        return nullptr;
+        const char* const reason = dlerror();
+        return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
+                      reason == nullptr ? kDisplayModule : reason);
     }
-    reason = "it cannot be opened; \"silent\" runs without one";
-    return std::unique_ptr<DisplayWindows>(reinterpret_cast<MakeDisplayWindows*>(make)(&needs));
+    std::unique_ptr<DisplayWindows> windows(reinterpret_cast<MakeDisplayWindows*>(make)(&needs));
+    if (windows == nullptr) {
+        return FailBecause(kOpenWindows,
+                           "the display cannot be opened; \"silent\" runs without one");
+    }
+    return windows;
 }
 
 }  // namespace platform

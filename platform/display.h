@@ -1,9 +1,9 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 #include "platform/display_windows.h"
+#include "platform/failure.h"
 
 namespace platform {
 
@@ -15,8 +15,7 @@ bool DisplayIsThere();
 DisplayNeeds NeedsFor(const char* device, double scale);
 
 // Loads the module of the windows, which is searched for beside the executable and in the library
-// folder that belongs to it, and opens them on the display. Null, with the reason, when that fails.
-// Once in a process.
-std::unique_ptr<DisplayWindows> OpenDisplayWindows(const DisplayNeeds& needs, std::string& reason);
+// folder that belongs to it, and opens them on the display. Once in a process.
+Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs);
 
 }  // namespace platform

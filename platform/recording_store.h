@@ -2,21 +2,29 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <deque>
 #include <map>
 #include <string>
 #include <string_view>
 
 #include "platform/forwarding_store.h"
+#include "platform/run_log.h"
 
 namespace platform {
 
-// Reports what is done to the device: a line for each thing, after it was done, with the step of
-// the Apply sequence that did it, and the totals when asked.
+// Reports what is done to the device and what could not be: a line for each thing, after it was
+// done, with the step of the Apply sequence that did it, and the totals when asked. A change of the
+// registry is done when it is stored.
 class RecordingStore : public ForwardingStore {
   public:
-    // `report` stays the caller's.
-    RecordingStore(DeviceStore& inner, std::FILE* report);
+    // All stay the caller's. `report` may be null: then nothing is written, and the log alone
+    // counts what could not be done.
+    RecordingStore(DeviceStore& inner, std::FILE* report, RunLog& log);
 
+    // What could not be done because it was done already, or is not there, is not reported.
+    HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
+    BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
+    BOOL FindClose(HANDLE find) override;
     BOOL DeleteFileW(const WCHAR* path) override;
     BOOL RemoveDirectoryW(const WCHAR* path) override;
     BOOL CreateDirectoryW(const WCHAR* path, void* security) override;
@@ -33,16 +41,38 @@ class RecordingStore : public ForwardingStore {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
     LONG RegCloseKey(HKEY key) override;
 
-    // Writes the last line. Returns whether the whole report could be written.
-    bool Finish();
+    Status StoreRegistry() override;
+    void NothingMoves(const WCHAR* source, const WCHAR* destination) override;
+
+    // Writes the last lines. Fails when the report could not be written whole.
+    Status Finish();
 
   private:
-    void WriteLine(const std::string& line);
+    // A change of the registry that is not known to be stored yet.
+    struct Pending {
+        std::uint64_t number;  // of the change, as the inner store counts them
+        int step;
+        std::string change;    // what is reported when it is stored
+        std::string place;     // and what when it is not
+        std::uint64_t* total;  // which of the totals counts it
+    };
+
+    void WriteLine(int step, const std::string& line);
+    void Report(const std::string& line);
+    void ReportUndone(const std::string& what);
+    void ReportUndone(const std::string& what, const std::string& reason);
+    void ReportSearch(const std::string& pattern);
+    void SettleRegistry();
+    LONG NoteChange(LONG result, Pending change, std::uint64_t before);
     std::string PathBelow(HKEY key, std::u16string_view subkey) const;
 
     std::FILE* report_;
-    std::map<HKEY, std::string> openKeys_;  // the path of each, for people
-    bool written_ = true;
+    RunLog& log_;
+    std::map<HKEY, std::string> openKeys_;    // the path of each, in readable form
+    std::map<HANDLE, std::string> searches_;  // the pattern of each open search, the same
+    std::deque<Pending> pending_;
+    std::string whyNotStored_;
+    bool isWritten_ = true;
     std::uint64_t filesDeleted_ = 0;
     std::uint64_t bytesDeleted_ = 0;
     std::uint64_t entriesMoved_ = 0;
@@ -51,6 +81,7 @@ class RecordingStore : public ForwardingStore {
     std::uint64_t shortcutsMade_ = 0;
     std::uint64_t valuesWritten_ = 0;
     std::uint64_t keysDeleted_ = 0;
+    std::uint64_t notDone_ = 0;
 };
 
 }  // namespace platform

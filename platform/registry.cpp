@@ -87,27 +87,26 @@ Registry::Registry(int directory, RegistryText text, const FileVersion& version)
     }
 }
 
-std::unique_ptr<Registry> Registry::Open(int directory, std::string& error) {
-    FileVersion version;
-    std::optional<RegistryText> text = Read(RegistryFile(directory), version, error);
-    if (!text) {
-        return nullptr;
+Result<std::unique_ptr<Registry>> Registry::Open(int directory) {
+    Result<ReadText> read = Read(RegistryFile(directory));
+    if (!read) {
+        return tl::unexpected<Failure>(read.error());
     }
-    return std::unique_ptr<Registry>(new Registry(directory, std::move(*text), version));
+    return std::unique_ptr<Registry>(new Registry(directory, std::move(read->text), read->version));
 }
 
-std::optional<RegistryText> Registry::Read(const RegistryFile& file, FileVersion& version,
-                                           std::string& error) {
-    std::string bytes;
-    if (!file.Read(bytes, version, error)) {
-        return std::nullopt;
+Result<Registry::ReadText> Registry::Read(const RegistryFile& file) {
+    Result<RegistryFile::Content> content = file.Read();
+    if (!content) {
+        return tl::unexpected<Failure>(content.error());
     }
     RegistryFault fault;
-    std::optional<RegistryText> text = RegistryText::Parse(std::move(bytes), fault);
+    std::optional<RegistryText> text = RegistryText::Parse(std::move(content->bytes), fault);
     if (!text) {
-        error = "registry.reg, line " + std::to_string(fault.line) + ": " + fault.reason;
+        return FailOf({"read it", {}, 0, fault.reason, ERROR_BAD_FORMAT},
+                      "registry.reg, line " + std::to_string(fault.line));
     }
-    return text;
+    return ReadText{std::move(*text), content->version};
 }
 
 Registry::OpenKey* Registry::FindOpen(HKEY key) {
@@ -201,7 +200,6 @@ LONG Registry::RegSetValueExW(HKEY key, const WCHAR* name, DWORD /*reserved*/, D
     }
     NoteText(open->path, valueName, value);
     if (result == SetResult::kChanged) {
-        open->changed = true;
         AddChange({open->path, false, std::u16string(valueName), std::move(value)});
     }
     return ERROR_SUCCESS;
@@ -216,6 +214,7 @@ void Registry::AddChange(Change change) {
         });
     }
     pending_.push_back(std::move(change));
+    ++made_;
 }
 
 LONG Registry::RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* /*reserved*/,
@@ -258,21 +257,18 @@ LONG Registry::RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
     for (auto& [number, other] : open_) {
         other.deleted = other.deleted || IsAtOrBelow(other.path, path);
     }
-    open->changed = true;
     AddChange({path, true, {}, {}});
     return ERROR_SUCCESS;
 }
 
 LONG Registry::RegCloseKey(HKEY key) {
-    OpenKey* const open = FindOpen(key);
-    if (open == nullptr) {
+    if (FindOpen(key) == nullptr) {
         return ERROR_INVALID_HANDLE;
     }
-    const bool changed = std::exchange(open->changed, false);
     if (!IsRoot(key)) {
         open_.erase(Number(key));
     }
-    return !changed || Flush() ? ERROR_SUCCESS : ERROR_WRITE_FAULT;
+    return ERROR_SUCCESS;
 }
 
 void Registry::Apply(const Change& change, RegistryText& text) {
@@ -287,42 +283,55 @@ void Registry::Apply(const Change& change, RegistryText& text) {
     }
 }
 
-bool Registry::Flush() {
+Status Registry::Store() {
     if (pending_.empty()) {
-        return true;
+        return {};
     }
-    error_.clear();
-    const Descriptor lock = file_.Lock(error_);
-    return lock && Refresh() && Store();
+    if (const Status refreshed = Refresh(); !refreshed) {
+        return refreshed;
+    }
+    const Result<FileVersion> replaced = file_.Replace(text_.Serialize());
+    if (!replaced) {
+        return tl::unexpected<Failure>(replaced.error());
+    }
+    version_ = *replaced;
+    pending_.clear();
+    stored_ = made_;
+    return {};
 }
 
-// Takes over what other processes have stored, if there is anything.
-bool Registry::Refresh() {
-    FileVersion current;
-    if (!file_.Look(current, error_)) {
-        return false;
+// Takes over what other programs have stored, if there is anything.
+Status Registry::Refresh() {
+    const Result<FileVersion> current = file_.Look();
+    if (!current) {
+        return tl::unexpected<Failure>(current.error());
     }
-    if (current == version_) {
-        return true;
+    if (*current == version_) {
+        return {};
     }
-    std::optional<RegistryText> text = Read(file_, current, error_);
-    if (!text) {
-        return false;
+    Result<ReadText> read = Read(file_);
+    if (!read) {
+        return tl::unexpected<Failure>(read.error());
     }
     for (const Change& change : pending_) {
-        Apply(change, *text);
+        Apply(change, read->text);
     }
-    text_ = std::move(*text);
-    version_ = current;
-    return true;
+    text_ = std::move(read->text);
+    version_ = read->version;
+    return {};
 }
 
-bool Registry::Store() {
-    if (!file_.Replace(text_.Serialize(), version_, error_)) {
-        return false;
+Status Registry::ReserveRoom() {
+    // Beside the file as it is now: the longest text that a step writes, and its name.
+    constexpr std::size_t kGrowth = 8192;
+    if (!version_.exists()) {
+        return {};
     }
-    pending_.clear();
-    return true;
+    if (!pending_.empty()) {
+        return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
+                      "registry.reg");
+    }
+    return file_.ReserveRoom(version_.size() + kGrowth);
 }
 
 }  // namespace platform

@@ -16,17 +16,14 @@ namespace platform {
 // The registry of a device: the operations of core/registry_operations.h on the file registry.reg
 // of a device directory. The functions that bear the platform's names keep the contracts there.
 //
-// Changes are seen at once and stored when the key through which they were made is closed, and by
-// Flush(). What other processes have changed in the file by then is kept: the file is read anew,
-// and the changes of this process alone are applied to it. A change to a key that another process
-// has deleted is dropped with the key. Nothing is locked between two operations.
+// Changes are seen at once and stored by Store(). What other programs have changed in the file by
+// then is kept: the file is read anew, and the changes of this process alone are applied to it. A
+// change to a key that another program has deleted is dropped with the key.
 class Registry {
   public:
     // Reads the registry of the open device directory, which stays the caller's and must outlive
     // the object; one without keys when there is no file, which is then made with the first change.
-    // Null when the file cannot be read, with the reason for people, the line number in it, in
-    // `error`.
-    static std::unique_ptr<Registry> Open(int directory, std::string& error);
+    static Result<std::unique_ptr<Registry>> Open(int directory);
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
     LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
@@ -38,18 +35,25 @@ class Registry {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
     LONG RegCloseKey(HKEY key);
 
-    // Stores the changes that are not stored yet. False when that failed: the file is as it was,
-    // and the changes are tried again with the next ones.
-    bool Flush();
+    // How many changes there were, and how many of them, the first ones, are stored.
+    std::uint64_t made() const { return made_; }
+    std::uint64_t stored() const { return stored_; }
 
-    // Why storing failed the last time, for people.
-    const std::string& error() const { return error_; }
+    // Stores the changes that are not stored yet. After a failure the file is as it was, and the
+    // changes are stored with the next ones.
+    Status Store();
+
+    // Whether changes could be stored, but for the room. A device without a registry has none.
+    Status CheckStorable() const { return file_.CheckReplaceable(); }
+
+    // Keeps the room that the next Store() takes. A registry that could not be stored the last time
+    // counts as one without room.
+    Status ReserveRoom();
 
   private:
     // An open key, or a root. Paths are folded and have one backslash between names.
     struct OpenKey {
         std::u16string path;
-        bool changed = false;  // there are changes that its closing stores
         bool deleted = false;
     };
 
@@ -69,8 +73,11 @@ class Registry {
 
     Registry(int directory, RegistryText text, const FileVersion& version);
 
-    static std::optional<RegistryText> Read(const RegistryFile& file, FileVersion& version,
-                                            std::string& error);
+    struct ReadText {
+        RegistryText text;
+        FileVersion version;
+    };
+    static Result<ReadText> Read(const RegistryFile& file);
     OpenKey* FindOpen(HKEY key);
     LONG FindKey(HKEY handle, OpenKey*& open, KeyIndex& key);
     std::optional<RegistryData> Value(const OpenKey& open, KeyIndex key,
@@ -78,8 +85,7 @@ class Registry {
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
     static void Apply(const Change& change, RegistryText& text);
-    bool Refresh();
-    bool Store();
+    Status Refresh();
 
     RegistryFile file_;
     RegistryText text_;
@@ -88,7 +94,8 @@ class Registry {
     std::uintptr_t lastHandle_ = 0;
     std::vector<Change> pending_;
     std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
-    std::string error_;
+    std::uint64_t made_ = 0;
+    std::uint64_t stored_ = 0;
 };
 
 }  // namespace platform

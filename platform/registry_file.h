@@ -2,10 +2,12 @@
 
 #include <sys/stat.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include "platform/descriptor.h"
+#include "platform/failure.h"
+#include "platform/unpublished_file.h"
 
 namespace platform {
 
@@ -15,6 +17,8 @@ class FileVersion {
     FileVersion() = default;  // of a file that is not there
     explicit FileVersion(const struct stat& status);
 
+    bool exists() const { return exists_; }
+    std::size_t size() const { return static_cast<std::size_t>(size_); }
     bool operator==(const FileVersion&) const = default;
 
   private:
@@ -29,30 +33,39 @@ class FileVersion {
 };
 
 // The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
-// not followed, a pipe not waited for. Functions that return false have put the reason, for people,
-// into `error`.
+// not followed, a pipe not waited for.
 class RegistryFile {
   public:
     // `directory` is the open device directory; it stays the caller's and must outlive the object.
     explicit RegistryFile(int directory) : directory_(directory) {}
 
-    // Reads the whole file, which is empty when it is not there.
-    bool Read(std::string& bytes, FileVersion& version, std::string& error) const;
+    struct Content {
+        std::string bytes;  // empty when there is no file
+        FileVersion version;
+    };
+    Result<Content> Read() const;
 
-    // What is there now. An error when it is neither a regular file nor nothing.
-    bool Look(FileVersion& version, std::string& error) const;
+    // What is there now. Fails when it is neither a regular file nor nothing.
+    Result<FileVersion> Look() const;
+
+    // Whether Replace could do its work now, but for the room: the file and its directory can be
+    // written, nothing keeps the file from being replaced, and a new one can be made beside it.
+    Status CheckReplaceable() const;
+
+    // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
+    Status ReserveRoom(std::size_t size);
 
     // Puts a file with these bytes in the place of the old one, which keeps its content after any
-    // failure. Mode and owner stay as they were, as far as that is allowed. A file that may not be
-    // written is left alone.
-    bool Replace(std::string_view bytes, FileVersion& version, std::string& error) const;
-
-    // Waits, some seconds at the most, until no other process holds the device directory, and holds
-    // it then as long as the descriptor is open. An empty descriptor when that failed.
-    Descriptor Lock(std::string& error) const;
+    // failure, and returns its version. Mode and owner stay as they were, as far as that is
+    // allowed. A file that may not be written is left alone.
+    Result<FileVersion> Replace(std::string_view bytes);
 
   private:
+    Result<std::unique_ptr<UnpublishedFile>> NewFile();
+    Status Publish(UnpublishedFile& file, std::string_view bytes) const;
+
     int directory_;
+    std::unique_ptr<UnpublishedFile> reserved_;  // null where no room is kept
 };
 
 }  // namespace platform

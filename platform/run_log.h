@@ -19,7 +19,11 @@ class RunLog {
 
     // The step of the Apply sequence that is being carried out; 0 outside of one.
     int step() const { return step_; }
-    void BeginStep(int step) { step_ = step; }
+    void BeginStep(int step) {
+        step_ = step;
+        ++stepsBegun_;
+    }
+    unsigned stepsBegun() const { return stepsBegun_; }
 
     void NoteNoSettings() { hasSettings_ = false; }
     void NoteNotStored() { isStored_ = false; }
@@ -32,6 +36,7 @@ class RunLog {
     std::string prefix_;
     unsigned long undone_ = 0;
     int step_ = 0;
+    unsigned stepsBegun_ = 0;
     bool hasSettings_ = true;
     bool isStored_ = true;
 };

@@ -175,25 +175,39 @@ bool WriteSampleSettings() {
     return std::fclose(file) == 0;
 }
 
+Status MadeIf(bool made, const DeviceStore& store, const WCHAR* path) {
+    return made ? Status() : FailOf(store.LastFailure(), ReadableText(path));
+}
+
+template <typename Rows, typename Make>
+Status MakeAll(const Rows& rows, Make make) {
+    for (const auto& row : rows) {
+        if (Status made = make(row); !made) {
+            return made;
+        }
+    }
+    return {};
+}
+
 }  // namespace
 
-std::string FillSampleDevice(DeviceStore& store) {
-    for (const WCHAR* const directory : kDirectories) {
-        if (store.CreateDirectoryW(directory, nullptr) == 0) {
-            return ReadableText(directory);
-        }
-    }
-    for (const SampleFile& file : kFiles) {
-        if (!WriteFile(store, file)) {
-            return ReadableText(file.path);
-        }
-    }
-    for (const SampleShortcut& shortcut : kShortcuts) {
-        if (store.SHCreateShortcut(shortcut.path, shortcut.target) == 0) {
-            return ReadableText(shortcut.path);
-        }
-    }
-    return WriteSampleSettings() ? "" : "settings.dat";
+Status FillSampleDevice(DeviceStore& store) {
+    Status made = MakeAll(kDirectories, [&store](const WCHAR* path) {
+        return MadeIf(store.CreateDirectoryW(path, nullptr) != 0, store, path);
+    });
+    made = made ? MakeAll(kFiles,
+                          [&store](const SampleFile& file) {
+                              return MadeIf(WriteFile(store, file), store, file.path);
+                          })
+                : made;
+    made = made ? MakeAll(kShortcuts,
+                          [&store](const SampleShortcut& shortcut) {
+                              return MadeIf(
+                                  store.SHCreateShortcut(shortcut.path, shortcut.target) != 0,
+                                  store, shortcut.path);
+                          })
+                : made;
+    return made ? MadeIf(WriteSampleSettings(), store, TEXT("settings.dat")) : made;
 }
 
 }  // namespace platform

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <string>
-
 #include "platform/device_store.h"
 
 namespace platform {
@@ -12,7 +10,6 @@ inline constexpr const WCHAR* kDefaultModulePath =
 
 // Fills the empty device in use, which `store` is, with a lived-in handheld: something for every
 // task to do, something that must stay beside it, and a settings.dat that asks for all of it.
-// Returns an empty text, or what could not be made.
-std::string FillSampleDevice(DeviceStore& store);
+Status FillSampleDevice(DeviceStore& store);
 
 }  // namespace platform

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 
+#include <cerrno>
+
 #include <string>
 #include <string_view>
 
@@ -77,10 +79,12 @@ std::string WithHandheldLineEnds(std::string_view text) {
 
 }  // namespace
 
-bool WriteSampleRegistry(int directory) {
+Status WriteSampleRegistry(int directory) {
     const Descriptor file(openat(directory, "registry.reg",
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    return file && WriteWhole(file.get(), WithHandheldLineEnds(kRegistry));
+    const Status written =
+        file ? WriteWhole(file.get(), WithHandheldLineEnds(kRegistry)) : Fail("make it", errno);
+    return written ? written : FailOf(written.error(), "registry.reg");
 }
 
 }  // namespace platform

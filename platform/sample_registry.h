@@ -1,9 +1,10 @@
 #pragma once
 
+#include "platform/failure.h"
+
 namespace platform {
 
 // Writes the registry of the sample device into the open directory of a device that has none.
-// Returns whether it is there whole.
-bool WriteSampleRegistry(int directory);
+Status WriteSampleRegistry(int directory);
 
 }  // namespace platform

@@ -26,15 +26,6 @@ void RemoveLeftBehind(int volume, const char* name) {
     }
 }
 
-void RemoveUnpublishedFilesOf(int volume) {
-    DirectoryReader reader(DirectoryReader::Names::All);
-    while (reader.Next(volume).value_or(false)) {
-        if (IsReservedName(reader.entry().name)) {
-            RemoveLeftBehind(volume, reader.entry().name);
-        }
-    }
-}
-
 bool MayBeDirectory(const DirectoryReader::Entry& entry) {
     return entry.type == DT_DIR || entry.type == DT_UNKNOWN;
 }
@@ -116,6 +107,15 @@ void TakeModeAndOwner(int file, const struct stat& from) {
     fchmod(file, from.st_mode & 0777);
 }
 
+void RemoveUnpublishedFilesIn(int directory) {
+    DirectoryReader reader(DirectoryReader::Names::All);
+    while (reader.Next(directory).value_or(false)) {
+        if (IsReservedName(reader.entry().name)) {
+            RemoveLeftBehind(directory, reader.entry().name);
+        }
+    }
+}
+
 void RemoveUnpublishedFiles(const DeviceTree& tree) {
     const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
     if (!root) {
@@ -131,7 +131,7 @@ void RemoveUnpublishedFiles(const DeviceTree& tree) {
             const Result<Descriptor> volume =
                 tree.OpenSubdirectory(directory, true, entry.name, OpenFor::Reading);
             if (volume) {
-                RemoveUnpublishedFilesOf(volume->get());
+                RemoveUnpublishedFilesIn(volume->get());
             }
         }
     }

@@ -47,8 +47,9 @@ class UnpublishedFile {
 // Gives `file` the mode and, where that is allowed, the owner that `from` tells.
 void TakeModeAndOwner(int file, const struct stat& from);
 
-// Removes the files that earlier processes left unpublished on the device's volumes. Only while no
-// other process is at work on the device.
+// Removes the files that earlier processes left unpublished in this open directory, and on the
+// device's volumes. Only while no other process is at work on the device.
+void RemoveUnpublishedFilesIn(int directory);
 void RemoveUnpublishedFiles(const DeviceTree& tree);
 
 // A stream for writing a file that has its new content, and its name, only from the moment when

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "platform/command_line.h"
+
+namespace platform {
+
+// Runs the program on the device directory that the command line names, from the device's lock to
+// the last line of the report. Returns the exit code; a restart of the device ends the process.
+int RunOnDevice(CommandLine& line);
+
+// Makes a sample device in the directory that the command line names. Returns the exit code.
+int MakeSample(const CommandLine& line);
+
+}  // namespace platform
