@@ -82,17 +82,10 @@ int main(int count, char** words) {
         std::fputs("Usage: first_page DEVICE [TAB_CHANGES]\n", stderr);
         return 64;
     }
-    platform::DeviceDirectory device;
-    std::string reason = platform::OpenDeviceDirectory(words[1], device);
-    auto registry =
-        reason.empty() ? platform::Registry::Open(device.directory.get(), reason) : nullptr;
-    if (registry == nullptr) {
-        std::fprintf(stderr, "first_page: %s: %s\n", words[1], reason.c_str());
-        return 66;
-    }
+    auto device = platform::OpenDeviceDirectory(words[1]).value();
     platform::DirectoryStore store(std::move(device.files),
                                    u"\\Program Files\\Fennelbright\\Fennelbright.exe",
-                                   std::move(registry));
+                                   platform::Registry::Open(device.directory.get()).value());
     const platform::StoreInUse storeInUse(store);
     const platform::DisplayNeeds needs = platform::NeedsFor(words[1], 1);
     const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));

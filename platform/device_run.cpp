@@ -203,8 +203,7 @@ Status FillSample(DeviceDirectory& device, const CommandLine& line) {
     if (!registry) {
         return tl::unexpected<Failure>(registry.error());
     }
-    DirectoryStore store(std::move(device.files), line.modulePath, std::move(*registry),
-                         [](int code) { std::_Exit(code); });
+    DirectoryStore store(std::move(device.files), line.modulePath, std::move(*registry));
     const StoreInUse inUse(store);
     return FillSampleDevice(store);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -17,11 +18,13 @@ namespace platform {
 class DirectoryStore : public FileStore {
   public:
     // Ends the run on the spot with this exit code, 0 for a restart of the device; does not return.
+    // The default ends the process.
     using EndRun = std::function<void(int)>;
 
     // `files` and `modulePath` are those of FileStore.
-    DirectoryStore(Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
-                   EndRun endRun)
+    DirectoryStore(
+        Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
+        EndRun endRun = [](int code) { std::_Exit(code); })
         : FileStore(std::move(files), std::move(modulePath)),
           registry_(std::move(registry)),
           endRun_(std::move(endRun)) {}

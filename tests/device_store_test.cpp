@@ -23,11 +23,14 @@ using Wrap = std::unique_ptr<platform::DeviceStore> (*)(platform::DeviceStore&);
 
 std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
     static std::FILE* const report = std::fopen("/dev/null", "w");
-    return std::make_unique<platform::RecordingStore>(store, report);
+    static platform::RunLog log("");
+    return std::make_unique<platform::RecordingStore>(store, report, log);
 }
 std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
     return std::make_unique<platform::ForwardingStore>(store);
 }
+
+DWORD g_reason = 0;  // why the last search found nothing
 
 class DeviceStoreTest : public testing::TestWithParam<Wrap> {
   protected:
@@ -43,6 +46,7 @@ class DeviceStoreTest : public testing::TestWithParam<Wrap> {
         Entries names;
         WIN32_FIND_DATA data;
         const HANDLE find = FindFirstFileW(pattern.c_str(), &data);
+        g_reason = find == INVALID_HANDLE_VALUE ? GetLastError() : 0;
         for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
              found = FindNextFileW(find, &data)) {
             const bool isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -86,10 +90,25 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     for (const auto& [pattern, found] : cases) {
         EXPECT_EQ(Search(pattern), Words(found)) << platform::ReadableText(pattern);
     }
-    for (const std::u16string pattern :
-         {u"", u"\\ff\\a.lnk\\", u"\\ff\\none*", u"\\none\\*", u"\\empty\\*", u"\\f*\\a.lnk",
-          u"\\ff\\sub\\..\\a.lnk", u"\\ff\\.\\a.lnk", u"\\ff/a.lnk", u"\\ff\\a.lnk\\*"}) {
+    device_.Make({"ff/link>sub"});
+    const std::pair<const WCHAR*, LONG> missing[] = {
+        {u"", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\a.lnk\\", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\none", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\none*", ERROR_FILE_NOT_FOUND},
+        {u"\\none\\*", ERROR_PATH_NOT_FOUND},
+        {u"\\empty\\*", ERROR_FILE_NOT_FOUND},
+        {u"\\f*\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\..", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\sub\\..\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\.\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff/a.lnk", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\a.lnk\\*", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\link\\x", ERROR_CANT_ACCESS_FILE},
+        {u"\\ff\\LINK\\*", ERROR_CANT_ACCESS_FILE}};
+    for (const auto& [pattern, reason] : missing) {
         EXPECT_EQ(Search(pattern), Entries()) << platform::ReadableText(pattern);
+        EXPECT_EQ(g_reason, static_cast<DWORD>(reason)) << platform::ReadableText(pattern);
     }
 }
 
@@ -130,25 +149,36 @@ TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
     for (const HANDLE handle : {find, HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
         EXPECT_EQ(FindClose(handle), 0);
         EXPECT_EQ(FindNextFileW(handle, &data), 0);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
     }
 }
 
 TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     device_.Make(
-        Words("d/a=1 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
+        Words("d/a=1 d/a2=1 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
               "d/full/x=3 outside/keep=4"));
     chmod(HostPath("d/locked").c_str(), 0444);
     Open();
-    const Paths kept = {u"\\d\\locked",     u"\\d\\sub", u"\\d\\none", u"\\d\\a\\",
-                        u"\\d\\link\\keep", u"\\d\\*",   u"",          u"\\"};
-    for (const std::u16string& path : kept) {
-        EXPECT_EQ(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
+    const std::pair<const WCHAR*, LONG> kept[] = {{u"\\d\\locked", ERROR_ACCESS_DENIED},
+                                                  {u"\\d\\sub", ERROR_ACCESS_DENIED},
+                                                  {u"\\d\\none", ERROR_FILE_NOT_FOUND},
+                                                  {u"\\d\\a\\", ERROR_PATH_NOT_FOUND},
+                                                  {u"\\d\\link\\x", ERROR_CANT_ACCESS_FILE},
+                                                  {u"\\d\\*", ERROR_FILE_NOT_FOUND},
+                                                  {u"", ERROR_FILE_NOT_FOUND},
+                                                  {u"\\", ERROR_FILE_NOT_FOUND}};
+    for (const auto& [path, reason] : kept) {
+        EXPECT_EQ(DeleteFileW(path), 0) << platform::ReadableText(path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
     }
     for (const std::u16string& path : Paths{u"\\d\\a", u"\\D\\LINK", u"\\d\\loop", u"\\d\\pipe"}) {
         EXPECT_NE(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
     }
     EXPECT_EQ(RemoveDirectoryW(u"\\d\\full"), 0);
+    EXPECT_NE(DeleteFileW(u"\\d\\a2"), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIR_NOT_EMPTY}) << "success changes nothing";
     EXPECT_EQ(RemoveDirectoryW(u"\\d\\locked"), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIRECTORY});
     EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
     EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
     EXPECT_EQ(device_.Listing(),
@@ -177,18 +207,28 @@ TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
 }
 
 TEST_P(DeviceStoreTest, MovesNeverReplace) {
-    device_.Make(Words("a/x=1 a/Y=2 b/X=3 b/y=4 a/d/in=5 c/ a/link>x file=6 e/h=7 f/"));
-    ASSERT_EQ(link(HostPath("e/h").c_str(), HostPath("f/h").c_str()), 0);
+    device_.Make(Words("a/x=1 a/Y=2 b/X=3 b/y=4 a/d/in=5 c/ a/link>x file=6"));
     Open();
-    // Names that are taken, in another case and by a hard link to the same file; places that are
-    // not there, names that are none, and a directory's own inside.
-    const std::pair<const WCHAR*, const WCHAR*> refused[] = {
-        {u"\\a\\x", u"\\b\\x"},    {u"\\a\\Y", u"\\b\\y"},    {u"\\e\\h", u"\\f\\h"},
-        {u"\\a\\x", u"\\none\\x"}, {u"\\a\\x", u"\\file\\x"}, {u"\\a\\none", u"\\c\\none"},
-        {u"\\a\\x", u"\\c\\x\\"},  {u"\\a\\x", u"\\c\\a:b"},  {u"\\a\\x", u""},
-        {u"\\", u"\\c\\root"},     {u"\\a\\d", u"\\a\\d\\e"}};
-    for (const auto& [from, to] : refused) {
-        EXPECT_EQ(MoveFileW(from, to), 0) << platform::ReadableText(to);
+    // Names that are taken, in another case too; places that are not there, names that are none,
+    // and a directory's own inside.
+    const struct {
+        const WCHAR* from;
+        const WCHAR* to;
+        LONG reason;
+    } refused[] = {{u"\\a\\x", u"\\b\\x", ERROR_ALREADY_EXISTS},
+                   {u"\\a\\Y", u"\\b\\y", ERROR_ALREADY_EXISTS},
+                   {u"\\a\\x", u"\\none\\x", ERROR_PATH_NOT_FOUND},
+                   {u"\\a\\x", u"\\file\\x", ERROR_PATH_NOT_FOUND},
+                   {u"\\a\\none", u"\\c\\none", ERROR_FILE_NOT_FOUND},
+                   {u"\\a\\x", u"\\c\\x\\", ERROR_DIRECTORY},
+                   {u"\\a\\x", u"\\c\\a:b", ERROR_INVALID_NAME},
+                   {u"\\a\\x", u"", ERROR_INVALID_NAME},
+                   {u"\\", u"\\c\\root", ERROR_FILE_NOT_FOUND},
+                   {u"\\a\\d", u"\\a\\d\\e", ERROR_INVALID_PARAMETER}};
+    for (const auto& move : refused) {
+        EXPECT_EQ(MoveFileW(move.from, move.to), 0) << platform::ReadableText(move.to);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(move.reason))
+            << platform::ReadableText(move.to);
     }
     const std::pair<const WCHAR*, const WCHAR*> moved[] = {{u"\\a\\x", u"\\A\\X"},
                                                            {u"\\a\\d", u"\\\\a\\D\\"},
@@ -199,7 +239,7 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
         EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
     }
     EXPECT_EQ(device_.Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
-                                       "e/ e/h=7 f/ f/h=7 file=6"));
+                                       "file=6"));
 }
 
 TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
@@ -222,9 +262,14 @@ TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
     device_.Make({"Dir/"});
     Open();
     EXPECT_NE(CreateDirectoryW(u"\\DIR\\M\u00DCll\\", nullptr), 0);
-    for (const WCHAR* const path :
-         {u"\\dIR", u"\\none\\x", u"\\Dir\\a?b", u"\\", u"\\dir\\m\u00FCLL"}) {
+    const std::pair<const WCHAR*, LONG> refused[] = {{u"\\dIR", ERROR_ALREADY_EXISTS},
+                                                     {u"\\none\\x", ERROR_PATH_NOT_FOUND},
+                                                     {u"\\Dir\\a?b", ERROR_INVALID_NAME},
+                                                     {u"\\", ERROR_INVALID_NAME},
+                                                     {u"\\dir\\m\u00FCLL", ERROR_ALREADY_EXISTS}};
+    for (const auto& [path, reason] : refused) {
         EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
     }
     EXPECT_EQ(device_.Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
 }
@@ -233,12 +278,21 @@ TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
     device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
     chmod(HostPath("locked").c_str(), 0444);
     Open();
-    const std::pair<const WCHAR*, const WCHAR*> refused[] = {
-        {u"\\dir", u"r"},   {u"\\pipe", u"rb"},   {u"\\link", u"rb"},    {u"\\none", u"r"},
-        {u"\\", u"rb"},     {u"", u"rb"},         {u"\\dir", u"wb"},     {u"\\pipe", u"wb"},
-        {u"\\link", u"wb"}, {u"\\locked", u"wb"}, {u"\\no\\dir", u"wb"}, {u"\\a", u"a"}};
-    for (const auto& [path, mode] : refused) {
-        EXPECT_EQ(_wfopen(path, mode), nullptr) << platform::ReadableText(path);
+    const struct {
+        const WCHAR* path;
+        const WCHAR* mode;
+        LONG reason;
+    } refused[] = {
+        {u"\\dir", u"r", ERROR_ACCESS_DENIED},       {u"\\pipe", u"rb", ERROR_ACCESS_DENIED},
+        {u"\\link", u"rb", ERROR_ACCESS_DENIED},     {u"\\none", u"r", ERROR_FILE_NOT_FOUND},
+        {u"\\", u"rb", ERROR_FILE_NOT_FOUND},        {u"", u"rb", ERROR_FILE_NOT_FOUND},
+        {u"\\dir", u"wb", ERROR_ACCESS_DENIED},      {u"\\pipe", u"wb", ERROR_ACCESS_DENIED},
+        {u"\\link", u"wb", ERROR_ACCESS_DENIED},     {u"\\locked", u"wb", ERROR_ACCESS_DENIED},
+        {u"\\no\\dir", u"wb", ERROR_PATH_NOT_FOUND}, {u"\\a", u"a", ERROR_INVALID_PARAMETER}};
+    for (const auto& open : refused) {
+        EXPECT_EQ(_wfopen(open.path, open.mode), nullptr) << platform::ReadableText(open.path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(open.reason))
+            << platform::ReadableText(open.path);
     }
     std::FILE* const file = _wfopen(u"\\A", u"rb");
     ASSERT_NE(file, nullptr);

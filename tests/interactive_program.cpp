@@ -53,7 +53,7 @@ int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
     notes = testing::internal::GetCapturedStderr();
     calls = faulty.calls();
     restarts = tested.restarts();
-    EXPECT_EQ(store.Finish(), "");
+    EXPECT_TRUE(store.StoreRegistry().has_value());
     return ended;
 }
 

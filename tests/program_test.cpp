@@ -2,6 +2,9 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -9,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/boot.h"
 #include "tests/apply_device.h"
 #include "tests/settings_bytes.h"
 
@@ -21,12 +25,27 @@ struct Outcome {
     std::string errors;
 };
 
-[[noreturn]] void BecomeProgram(const std::vector<std::string>& words, const std::string& home,
+// What is unusual about a run.
+struct Circumstances {
+    std::string home = {};      // the user's home directory, if not empty
+    bool closedOutput = false;  // nobody reads its standard output
+    rlim_t fileSize = RLIM_INFINITY;
+    rlim_t memory = RLIM_INFINITY;
+};
+
+void Limit(__rlimit_resource resource, rlim_t most) {
+    rlimit limit{};
+    getrlimit(resource, &limit);
+    limit.rlim_cur = std::min(most, limit.rlim_max);
+    setrlimit(resource, &limit);
+}
+
+[[noreturn]] void BecomeProgram(const std::vector<std::string>& words, const Circumstances& unusual,
                                 int output, int errors) {
     dup2(output, STDOUT_FILENO);
     dup2(errors, STDERR_FILENO);
-    if (!home.empty()) {
-        setenv("HOME", home.c_str(), 1);
+    if (!unusual.home.empty()) {
+        setenv("HOME", unusual.home.c_str(), 1);
     }
     unsetenv("DISPLAY");
     unsetenv("WAYLAND_DISPLAY");
@@ -36,6 +55,8 @@ struct Outcome {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
     arguments.push_back(nullptr);
+    Limit(RLIMIT_FSIZE, unusual.fileSize);
+    Limit(RLIMIT_AS, unusual.memory);
     execv(FENNELBRIGHT_PROGRAM, arguments.data());
     _exit(127);
 }
@@ -48,20 +69,18 @@ int OpenBrokenPipe() {
     return ends[1];
 }
 
-// Runs the built program with these words, without a display, and with `home` as the user's home
-// directory if it is not empty. With `closedOutput` nobody reads its standard output.
-Outcome RunProgram(const std::vector<std::string>& words, const std::string& home = "",
-                   bool closedOutput = false) {
+// Runs the built program with these words, without a display.
+Outcome RunProgram(const std::vector<std::string>& words, const Circumstances& unusual = {}) {
     const TemporaryDevice scratch;
     const std::string outputPath = scratch.path() + "/output";
     const std::string errorsPath = scratch.path() + "/errors";
     constexpr int flags = O_CREAT | O_WRONLY | O_CLOEXEC;
-    const platform::Descriptor output(closedOutput ? OpenBrokenPipe()
-                                                   : open(outputPath.c_str(), flags, 0600));
+    const platform::Descriptor output(unusual.closedOutput ? OpenBrokenPipe()
+                                                           : open(outputPath.c_str(), flags, 0600));
     const platform::Descriptor errors(open(errorsPath.c_str(), flags, 0600));
     const pid_t child = fork();
     if (child == 0) {
-        BecomeProgram(words, home, output.get(), errors.get());
+        BecomeProgram(words, unusual, output.get(), errors.get());
     }
     int status = 0;
     EXPECT_EQ(waitpid(child, &status, 0), child);
@@ -110,12 +129,14 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", taken, "s\xFF"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
-        {{"--device", taken + "/none", "silent"}, 66, "none: No such file"},
+        {{"--device", taken + "/none", "silent"},
+         66,
+         "none: cannot be used as a device directory: No such file"},
         {{"--device", noDevice.path(), "silent"}, 66, "neither"},
-        {{"--device", linked.path(), "silent"}, 66, "\"files\" cannot be used"},
+        {{"--device", linked.path(), "silent"}, 66, "\"files\": cannot be used"},
         {{"--device", "/", "silent"}, 66, "root of this machine"},
         {{"--device", taken}, 69, "no display"},
-        {{"--device", taken, "--no-display", "Silent"}, 69, "no display"},
+        {{"--device", taken, "--no-display", "Silent"}, 69, "--no-display keeps"},
         {{"--new-device", taken}, 73, "not empty"},
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
@@ -131,7 +152,7 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         EXPECT_NE(said.find(expected.says), std::string::npos);
         EXPECT_FALSE(outcome.errors.starts_with('['));
     }
-    EXPECT_EQ(RunProgram({"--device", taken, "silent"}, taken + "/.").exitCode, 66);
+    EXPECT_EQ(RunProgram({"--device", taken, "silent"}, {.home = taken + "/."}).exitCode, 66);
     EXPECT_EQ(device.Listing(), before);
 }
 
@@ -157,7 +178,8 @@ TEST(Program, ASampleDeviceIsCleanedOnceAndThenLeftAlone) {
     EXPECT_TRUE(std::filesystem::is_empty(files + "Temp/Unpack/Images"));
     EXPECT_EQ(RunReported(device).output,
               "total: 0 files deleted (0 bytes), 0 entries moved, 0 directories made, "
-              "0 directories removed, 0 shortcuts made, 0 values written, 0 keys deleted\n");
+              "0 directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, "
+              "0 not done\n");
 }
 
 TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
@@ -229,12 +251,157 @@ TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
     }
 }
 
+TEST(Program, OneRunAtATime) {
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1", SettingsEntry(kRootTemp),
+                 "Windows/StartUp/x.lnk=9#\"\\Program Files\\Fennelbright\\Fennelbright.exe\" s"});
+    WriteFile(device.path() + "/.fennelbright-new-0123456789abcdef", "half");
+    const Entries before = device.Listing();
+    for (const std::string& held : {device.path(), device.files()}) {
+        const platform::Descriptor other(open(held.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+        for (const std::string task : {"silent", "--boot", "--"}) {
+            const Outcome outcome = RunProgram({"--device", device.path(), task});
+            EXPECT_EQ(outcome.exitCode, 75) << task;
+            EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
+        }
+    }
+    EXPECT_EQ(device.Listing(), before);
+    WriteFile(device.path() + "/registry.reg", kQuietTweaks);
+    EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 0);
+    EXPECT_FALSE(std::filesystem::exists(device.path() + "/.fennelbright-new-0123456789abcdef"));
+    EXPECT_FALSE(std::filesystem::exists(device.files() + "/Temp/keep"));
+}
+
+TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {
+    for (const bool hasSettings : {true, false}) {
+        const TemporaryDevice device;
+        device.Make({"Temp/keep=1"});
+        if (hasSettings) {
+            device.Make({SettingsEntry(kRootTemp)});
+        }
+        const std::string registry = device.path() + "/registry.reg";
+        WriteFile(registry, kQuietTweaks);
+        chmod(registry.c_str(), 0444);
+        const Outcome outcome = RunReported(device.path());
+        EXPECT_EQ(outcome.exitCode, hasSettings ? 73 : 0);
+        EXPECT_EQ(outcome.errors.find("registry.reg: cannot write it: it is read-only") !=
+                      std::string::npos,
+                  hasSettings);
+        EXPECT_TRUE(std::filesystem::exists(device.files() + "/Temp/keep"));
+        std::filesystem::remove(registry);
+        EXPECT_EQ(RunReported(device.path()).exitCode, 0);
+        EXPECT_EQ(std::filesystem::exists(device.files() + "/Temp/keep"), !hasSettings);
+    }
+}
+
+TEST(Program, WhatCouldNotBeDoneIsReported) {
+    const std::string noRoom = "\x00\0\x10\0\x01\0\0\0"s;  // the font cache, its second position
+    const std::string glyphs = "[HKEY_LOCAL_MACHINE\\System\\GDI\\GLYPHCACHE]\n";
+    const struct {
+        Entries files;
+        std::string registry;
+        rlim_t fileSize;
+        int exitCode, strictCode;
+        std::string report, errors;  // a part of each
+    } cases[] = {
+        {{"Temp/a=1", SettingsEntry(kRootTemp)},
+         kQuietTweaks,
+         RLIM_INFINITY,
+         0,
+         0,
+         ", 0 not done",
+         ""},
+        {{"Temp/locked=1", SettingsEntry(kRootTemp)},
+         kQuietTweaks,
+         RLIM_INFINITY,
+         0,
+         74,
+         "step 3: not deleted \\Temp\\locked (it is read-only)\ntotal: 0 files",
+         ""},
+        {{"Temp>Windows", "Windows/", SettingsEntry(kRootTemp)},
+         kQuietTweaks,
+         RLIM_INFINITY,
+         0,
+         74,
+         "step 3: not read \\Temp\\ (a symbolic link, which is not followed)",
+         ""},
+        {{SettingsEntry(kRootTemp)}, "", RLIM_INFINITY, 0, 74, "", "[Error] Unable to locate"},
+        {{"Program Files/Fennelbright/"},
+         kQuietTweaks,
+         RLIM_INFINITY,
+         0,
+         78,
+         "",
+         ": no settings.dat in \\Program Files\\Fennelbright: nothing is ticked\n"},
+        {{"Program Files/Fennelbright/settings.dat/"},
+         kQuietTweaks,
+         RLIM_INFINITY,
+         0,
+         74,
+         "",
+         "settings.dat in \\Program Files\\Fennelbright cannot be read, so nothing is done"},
+        {{SettingsEntry(noRoom)},
+         kQuietTweaks + glyphs + std::string(5000, ';'),
+         4096,
+         74,
+         74,
+         "step 18: not written [HKLM\\System\\GDI\\GLYPHCACHE] \"limit\" (File too large)\n",
+         "changes to the registry are not stored: registry.reg: cannot write: File too large"},
+    };
+    for (const auto& run : cases) {
+        for (const bool strict : {false, true}) {
+            SCOPED_TRACE(run.report + run.errors + (strict ? ", strict" : ""));
+            const TemporaryDevice device;
+            device.Make(run.files);
+            chmod((device.files() + "/Temp/locked").c_str(), 0444);
+            const std::string registry = device.path() + "/registry.reg";
+            WriteFile(registry, run.registry);
+            const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent",
+                                                strict ? "--strict" : "--no-display"},
+                                               {.fileSize = run.fileSize});
+            EXPECT_EQ(outcome.exitCode, strict ? run.strictCode : run.exitCode);
+            EXPECT_NE(outcome.output.find(run.report), std::string::npos) << outcome.output;
+            EXPECT_NE(outcome.errors.find(run.errors), std::string::npos) << outcome.errors;
+            EXPECT_EQ(outcome.output.find("wrote"), std::string::npos);
+            EXPECT_EQ(ReadFile(registry), run.registry);
+        }
+    }
+}
+
+TEST(Program, MemoryThatRunsOutEndsTheRunAndChangesNothing) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the sanitizer needs more memory than that";
+#endif
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
+    WriteFile(device.path() + "/registry.reg", kQuietTweaks + std::string(40'000'000, ';'));
+    const Outcome outcome =
+        RunProgram({"--device", device.path(), "silent"}, {.memory = rlim_t{32} << 20});
+    EXPECT_EQ(outcome.exitCode, 71);
+    EXPECT_NE(outcome.errors.find("out of memory"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(device.files() + "/Temp/keep"));
+}
+
+TEST(Program, TheWorstOfSeveralExitCodesCounts) {
+    const std::vector<int> worstFirst = {139, 71, 1, 73, 75, 65, 66, 69, 74, 78, 0};
+    for (std::size_t worse = 0; worse < worstFirst.size(); ++worse) {
+        for (std::size_t better = worse; better < worstFirst.size(); ++better) {
+            EXPECT_EQ(platform::WorseExitCode(worstFirst[worse], worstFirst[better]),
+                      worstFirst[worse]);
+            EXPECT_EQ(platform::WorseExitCode(worstFirst[better], worstFirst[worse]),
+                      worstFirst[worse]);
+        }
+    }
+}
+
 TEST(Program, AReportThatNobodyReadsDoesNotStopTheWork) {
     const TemporaryDevice device;
     device.Make({"Temp/a=1", "Temp/b=2", SettingsEntry(kRootTemp)});
-    const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent"}, "", true);
+    const Outcome outcome =
+        RunProgram({"--device", device.path(), "--report", "silent"}, {.closedOutput = true});
     EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_NE(outcome.errors.find("the report is not complete"), std::string::npos);
+    EXPECT_NE(outcome.errors.find("cannot write the report"), std::string::npos);
     EXPECT_EQ(device.Listing().size(), 4U);
 }
 

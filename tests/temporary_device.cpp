@@ -30,10 +30,9 @@ platform::Descriptor TemporaryDevice::OpenFiles() const {
 }
 
 std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry() const {
-    std::string error;
-    auto registry = platform::Registry::Open(directory_.get(), error);
-    EXPECT_EQ(registry == nullptr, !error.empty()) << error;
-    return registry;
+    auto registry = platform::Registry::Open(directory_.get());
+    EXPECT_TRUE(registry.has_value()) << platform::Describe(registry.error());
+    return std::move(*registry);
 }
 
 void TemporaryDevice::Make(const std::vector<std::string>& entries) const {

@@ -19,10 +19,10 @@
 
 #include "core/win_main.h"
 #include "platform/device_directory.h"
+#include "platform/device_run.h"
 #include "platform/directory_store.h"
 #include "platform/display.h"
 #include "platform/sample_device.h"
-#include "platform/sample_registry.h"
 
 extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
 
@@ -106,29 +106,6 @@ class Photographer {
     bool complete_ = true;
 };
 
-// The store of a new sample device in `folder`. Null, with a line on standard error, if it cannot
-// be made.
-std::unique_ptr<platform::DirectoryStore> MakeSampleStore(const std::string& folder) {
-    platform::DeviceDirectory device;
-    std::string reason = platform::MakeDeviceDirectory((folder + "/device").c_str(), device);
-    if (reason.empty() && !platform::WriteSampleRegistry(device.directory.get())) {
-        reason = "registry.reg cannot be made";
-    }
-    auto registry =
-        reason.empty() ? platform::Registry::Open(device.directory.get(), reason) : nullptr;
-    auto store = std::make_unique<platform::DirectoryStore>(
-        std::move(device.files), platform::kDefaultModulePath, std::move(registry));
-    if (reason.empty()) {
-        const platform::StoreInUse inUse(*store);
-        reason = platform::FillSampleDevice(*store);
-    }
-    if (!reason.empty()) {
-        std::fprintf(stderr, "take_pictures: %s: %s\n", folder.c_str(), reason.c_str());
-        return nullptr;
-    }
-    return store;
-}
-
 }  // namespace
 
 int main(int count, char** words) {
@@ -137,14 +114,19 @@ int main(int count, char** words) {
         return 64;
     }
     const QTemporaryDir scratch;
-    const auto store = MakeSampleStore(scratch.path().toStdString());
-    if (store == nullptr) {
+    platform::CommandLine sample;
+    sample.device = scratch.path().toStdString() + "/device";
+    sample.modulePath = platform::kDefaultModulePath;
+    if (platform::MakeSample(sample) != 0) {
         return 73;
     }
+    auto device = platform::OpenDeviceDirectory(sample.device.c_str()).value();
+    platform::DirectoryStore store(std::move(device.files), sample.modulePath,
+                                   platform::Registry::Open(device.directory.get()).value());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const platform::DisplayNeeds needs = platform::NeedsFor("A device", kScale);
     const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
-    const platform::StoreInUse storeInUse(*store);
+    const platform::StoreInUse storeInUse(store);
     const platform::WindowsInUse windowsInUse(*windows);
     const Photographer photographer(QString::fromUtf8(words[1]));
     std::u16string line;
