@@ -29,7 +29,8 @@ DELETE_CALLS = 2.4  # an entry
 MOVE_CALLS = 2.6  # an entry
 CALLS_DRIFT = 0.15  # between one size and ten times that size
 FIND_RATIO = 1.2
-IDLE_CALLS = 120
+IDLE_CALLS = 115
+SAMPLE_SYNCS = 16
 IDLE_RATIO = 2.0
 PEAK_KIB = 8 * 1024
 PEAK_KIB_A_LEVEL = 12
@@ -335,6 +336,15 @@ def measure_idle(place, table, runs):
             [cost.processor for cost in theirs], IDLE_RATIO)
 
 
+def count_syncs(place, table):
+    table.head("A whole run on the sample device", "Calls of fsync of the silent run.")
+    with tempfile.TemporaryDirectory(dir=place.directory) as parent:
+        device = f"{parent}/sample"
+        subprocess.run([place.program, "--new-device", device], check=True)
+        syncs = place.calls([place.program, "--device", device, "silent"], "fsync")
+    table.row("fsync", "", 0, syncs, "", f"at most {SAMPLE_SYNCS}", syncs <= SAMPLE_SYNCS)
+
+
 def make_shortcuts(device, count, lives):
     """Start Menu shortcuts, spread over folders, to files in a few directories."""
     for directory in range(TARGET_DIRECTORIES):
@@ -452,6 +462,7 @@ def main():
     count_calls(place, table)
     measure_memory(place, table)
     measure_idle(place, table, arguments.idle_runs)
+    count_syncs(place, table)
     count_shortcuts(place, table)
     measure_registry(place, table, 3 * arguments.runs)
     measure_windows(place, table, 3 * arguments.runs)

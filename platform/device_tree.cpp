@@ -182,10 +182,10 @@ Result<Descriptor> DeviceTree::OpenVolume(std::u16string_view path) const {
     return OpenBeneath(root_.get(), ".", DirectoryFlags(OpenFor::Reading), kOnVolume);
 }
 
-Result<Descriptor> OpenRegularFile(int directory, const char* name) {
+Result<Descriptor> OpenRegularFile(int directory, const char* name, Mounted mounted) {
     // The name can have been given to something else since it was looked at.
-    Result<Descriptor> file =
-        OpenBeneath(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, kOnVolume);
+    Result<Descriptor> file = OpenBeneath(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY,
+                                          mounted == Mounted::Allowed ? kBeneath : kOnVolume);
     struct stat opened {};
     if (file && fstat(file->get(), &opened) != 0) {
         return Fail("open", errno);

@@ -78,9 +78,13 @@ class DeviceTree {
     mutable Spellings spellings_;  // what is known of the tree, not a part of it
 };
 
+// Whether a file may be opened over which another one is mounted.
+enum class Mounted { Refused, Allowed };
+
 // Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
 // reading; fails when it is not one any more. Waits for nothing.
-Result<Descriptor> OpenRegularFile(int directory, const char* name);
+Result<Descriptor> OpenRegularFile(int directory, const char* name,
+                                   Mounted mounted = Mounted::Refused);
 
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);

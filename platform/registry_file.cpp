@@ -113,7 +113,7 @@ Result<RegistryFile::Content> RegistryFile::Read() const {
     if (found->st_mode == 0) {
         return Content();
     }
-    const Result<Descriptor> file = OpenRegularFile(directory_, kName);
+    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounted::Allowed);
     if (!file) {
         return FailOf(file.error(), kName);
     }
