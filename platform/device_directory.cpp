@@ -51,29 +51,33 @@ Status CheckMeant(const Descriptor& directory) {
 }
 
 // Readable where that is allowed, because only such a descriptor can be locked.
-Descriptor OpenFiles(const Descriptor& device) {
+Result<Descriptor> OpenFiles(const Descriptor& device) {
     open_how how{};
     how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-    Descriptor files;
+    int error = 0;
     for (const int access : {O_RDONLY, O_PATH}) {
         how.flags = static_cast<std::uint64_t>(access | O_DIRECTORY | O_CLOEXEC);
-        files = Descriptor(
+        Descriptor files(
             static_cast<int>(syscall(SYS_openat2, device.get(), kFiles, &how, sizeof how)));
-        if (files || errno != EACCES) {
+        if (files) {
+            return files;
+        }
+        error = errno;
+        if (error != EACCES) {
             break;
         }
     }
-    return files;
+    return Fail("be used as a directory", error);
 }
 
 // Whether the device may do without a file tree: it is only missing, and the registry is there.
-Status CheckWithoutFiles(const Descriptor& device, int error) {
-    if (error == ENOSYS) {
+Status CheckWithoutFiles(const Descriptor& device, const Failure& missing) {
+    if (missing.error == ENOSYS) {
         return FailBecause(
             kUse, "this kernel cannot confine a program to a directory (openat2, Linux 5.6)");
     }
-    if (error != ENOENT) {
-        return FailOf({"be used as a directory", {}, error}, "its \"files\"");
+    if (missing.error != ENOENT) {
+        return FailOf(missing, "its \"files\"");
     }
     struct stat registry {};
     if (fstatat(device.get(), kRegistry, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -130,12 +134,13 @@ Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
         return tl::unexpected<Failure>(directory.error());
     }
     DeviceDirectory device{std::move(*directory), {}};
-    device.files = OpenFiles(device.directory);
+    Result<Descriptor> files = OpenFiles(device.directory);
     const Status usable =
-        device.files ? CheckMeant(device.files) : CheckWithoutFiles(device.directory, errno);
+        files ? CheckMeant(*files) : CheckWithoutFiles(device.directory, files.error());
     if (!usable) {
         return tl::unexpected<Failure>(usable.error());
     }
+    device.files = std::move(files).value_or(Descriptor());
     return device;
 }
 
@@ -154,10 +159,11 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     if (mkdirat(device.directory.get(), kFiles, 0777) != 0) {
         return Fail("be made", errno);
     }
-    device.files = OpenFiles(device.directory);
-    if (!device.files) {
-        return Fail(kUse, errno);
+    Result<Descriptor> files = OpenFiles(device.directory);
+    if (!files) {
+        return tl::unexpected<Failure>(files.error());
     }
+    device.files = std::move(*files);
     return device;
 }
 
