@@ -30,7 +30,7 @@ std::unique_ptr<WalkLevel> NewLevel() {
 
 bool EndsInBackslash(const WCHAR* path) {
     const std::size_t length = wcslen(path);
-    return length > 0 && path[length - 1] == u'\\';
+    return length > 0 && path[length - 1] == TEXT('\\');
 }
 
 void DeleteFoundFile(const WCHAR* directory, WalkLevel& level) {
