@@ -3,61 +3,18 @@
 #include <algorithm>
 #include <vector>
 
-#include "engine/found_entries.h"
-
 namespace {
 
-constexpr WideView kBlanks = TEXT(" \t");
-constexpr WideView kNotInNames = TEXT("/:*?\"<>|");
 constexpr std::size_t kExtension = 3;  // characters of a usual one
 
 bool BeginsWithPath(WideView text) {
     return text.substr(0, 2).find(TEXT('\\')) != WideView::npos;
 }
 
-WideView WithoutTrailing(WideView text, WideView characters) {
-    return text.substr(0, text.find_last_not_of(characters) + 1);
-}
-
-bool IsRoot(WideView text) {
-    return WithoutTrailing(WithoutTrailing(text, kBlanks), TEXT("\\")).empty();
-}
-
 // What stands between the quotes; all behind the first where there is no second.
 WideView BetweenQuotes(WideView quoted) {
     return quoted.substr(1, quoted.find(TEXT('"'), 1) - 1);
 }
-
-// Looks for entries, and for no path twice: every look that finds nothing can cost the reading of a
-// directory.
-class PathLooks {
-  public:
-    // Whether the path names an entry, as it stands or without blanks or backslashes behind it. The
-    // root does not count, and a character that no name has makes a path that names nothing, where
-    // a search would take it for a wildcard.
-    bool Finds(WideView path) {
-        if (path.find_first_of(kNotInNames) != WideView::npos) {
-            return false;
-        }
-        const WideView trimmed = WithoutTrailing(path, kBlanks);
-        return FindsAsItStands(WithoutTrailing(trimmed, TEXT("\\"))) || FindsAsItStands(trimmed) ||
-               FindsAsItStands(path);
-    }
-
-  private:
-    bool FindsAsItStands(WideView path) {
-        if (IsRoot(path) || path.size() >= path_.size() ||
-            std::find(looked_.begin(), looked_.end(), path) != looked_.end()) {
-            return false;
-        }
-        looked_.push_back(path);
-        *std::copy(path.begin(), path.end(), path_.begin()) = 0;
-        return static_cast<bool>(FoundEntries(path_.data()));
-    }
-
-    PathText path_;
-    std::vector<WideView> looked_;
-};
 
 // The paths that a command line without a quote in front may begin with: all of it, and what stands
 // in front of each of its blanks and quotes; shortest first.
@@ -79,7 +36,7 @@ bool EndsInExtension(WideView path) {
 
 // The likely ones come first, so that a shortcut that lives costs one look: arguments stand behind
 // an extension, and a blank in front of the last backslash is one in a directory's name.
-bool UnquotedTargetExists(WideView text, PathLooks& looks) {
+void LookForUnquoted(WideView text, EntryLooks& looks) {
     std::vector<WideView> paths = PossiblePaths(text);
     const std::size_t name = text.rfind(TEXT('\\'));
     const auto likelihood = [name](WideView path) {
@@ -87,8 +44,10 @@ bool UnquotedTargetExists(WideView text, PathLooks& looks) {
     };
     std::stable_sort(paths.begin(), paths.end(),
                      [&](auto left, auto right) { return likelihood(left) < likelihood(right); });
-    return std::any_of(paths.begin(), paths.end(),
-                       [&looks](WideView path) { return looks.Finds(path); });
+    std::any_of(paths.begin(), paths.end(), [&](WideView path) {
+        const bool isPart = path.size() < text.size();
+        return !(isPart && HasWildcard(path)) && !IsRootOrEmpty(path) && looks.Find(path);
+    });
 }
 
 // The handheld itself puts the quotes round no more than the path's first word when it is given a
@@ -99,14 +58,17 @@ WideString WithoutQuotes(WideView text) {
     return plain;
 }
 
-bool QuotedTargetExists(WideView text, PathLooks& looks) {
+void LookForQuoted(WideView text, EntryLooks& looks) {
     const WideString plain = WithoutQuotes(text);
     const WideView between = BetweenQuotes(text);
-    if (looks.Finds(between) || looks.Finds(PathByExtension(text)) || looks.Finds(plain)) {
-        return true;
-    }
+    const WideView paths[] = {between, PathByExtension(text), plain};
     const bool closed = text.find(TEXT('"'), 1) != WideView::npos;
-    return !closed && UnquotedTargetExists(between, looks);
+    const bool found = std::any_of(std::begin(paths), std::end(paths), [&looks](WideView path) {
+        return !IsRootOrEmpty(path) && looks.Find(path);
+    });
+    if (!found && !closed) {
+        LookForUnquoted(between, looks);
+    }
 }
 
 }  // namespace
@@ -119,15 +81,15 @@ WideView PathByExtension(WideView quoted) {
     return stop == WideView::npos ? path : path.substr(0, stop + 1 + kExtension);
 }
 
-bool CommandLineTargetExists(WideView commandLine) {
+Look LookForTarget(WideView commandLine) {
     if (!BeginsWithPath(commandLine)) {
-        return true;
+        return Look::Found;
     }
     const bool quoted = commandLine.front() == TEXT('"');
-    if (IsRoot(quoted ? BetweenQuotes(commandLine) : commandLine)) {
-        return true;
+    if (IsRootOrEmpty(quoted ? BetweenQuotes(commandLine) : commandLine)) {
+        return Look::Found;
     }
-    PathLooks looks;
-    return quoted ? QuotedTargetExists(commandLine, looks)
-                  : UnquotedTargetExists(commandLine, looks);
+    EntryLooks looks;
+    quoted ? LookForQuoted(commandLine, looks) : LookForUnquoted(commandLine, looks);
+    return looks.result();
 }

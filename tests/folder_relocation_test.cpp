@@ -121,7 +121,11 @@ TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
         {R"("InstallDir"="\\Apps\\file")", true},
         {R"("InstallDir"="\\")", true},
         {R"("InstallDir"=hex:5c,00,41,00,70,00,70,00,73,00)", true},  // without terminator
+        {R"("InstallDir"="\\Apps\\Live. .")", true},
+        {R"("InstallDir"="\\Apps\\fil?")", true},
         {R"("InstallDir"="\\Apps\\Dead")", false},
+        {R"("InstallDir"="\\Apps\\Dea?")", false},
+        {R"("InstallDir"="\\Apps\\..")", false},
         {R"("InstallDir"="")", false},
         {R"("InstallDir"=hex:)", false},
         {R"("Other"="\\Apps\\Dead")", true},
@@ -138,6 +142,15 @@ TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
     }
     EXPECT_EQ(ApplySilently({{}, kQuietTweaks, OPT_CLEAR_REGISTRY}).boxes,
               Entries{"[Error] Failed retrieving registry information"});
+}
+
+TEST(ApplicationKeysTest, KeepsTheKeyOfWhatLiesBehindALink) {
+    const std::string linked = kQuietTweaks + App("One", R"("InstallDir"="\\Link\\One")");
+    const ApplyResult result = ApplySilently({{"Apps/", "Link>Apps"}, linked, OPT_CLEAR_REGISTRY});
+    EXPECT_EQ(result.registry, linked);
+    EXPECT_EQ(result.notes,
+              "fennelbright: Software\\Apps\\One stays: \\Link\\One cannot be looked for: "
+              "a symbolic link, which is not followed\n");
 }
 
 TEST(ApplicationKeysTest, LeavesTheKeyThatMovesUpForTheNextRun) {
