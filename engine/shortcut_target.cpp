@@ -5,6 +5,7 @@
 
 namespace {
 
+constexpr WideView kNotInNames = TEXT("/:\"<>|");
 constexpr std::size_t kExtension = 3;  // characters of a usual one
 
 bool BeginsWithPath(WideView text) {
@@ -14,6 +15,12 @@ bool BeginsWithPath(WideView text) {
 // What stands between the quotes; all behind the first where there is no second.
 WideView BetweenQuotes(WideView quoted) {
     return quoted.substr(1, quoted.find(TEXT('"'), 1) - 1);
+}
+
+// What no name holds, no pattern matches either, which can take the reading of a directory to see.
+bool Find(WideView path, EntryLooks& looks) {
+    return !IsRootOrEmpty(path) && path.find_first_of(kNotInNames) == WideView::npos &&
+           looks.Find(path);
 }
 
 // The paths that a command line without a quote in front may begin with: all of it, and what stands
@@ -46,7 +53,7 @@ void LookForUnquoted(WideView text, EntryLooks& looks) {
                      [&](auto left, auto right) { return likelihood(left) < likelihood(right); });
     std::any_of(paths.begin(), paths.end(), [&](WideView path) {
         const bool isPart = path.size() < text.size();
-        return !(isPart && HasWildcard(path)) && !IsRootOrEmpty(path) && looks.Find(path);
+        return !(isPart && HasWildcard(path)) && Find(path, looks);
     });
 }
 
@@ -63,9 +70,8 @@ void LookForQuoted(WideView text, EntryLooks& looks) {
     const WideView between = BetweenQuotes(text);
     const WideView paths[] = {between, PathByExtension(text), plain};
     const bool closed = text.find(TEXT('"'), 1) != WideView::npos;
-    const bool found = std::any_of(std::begin(paths), std::end(paths), [&looks](WideView path) {
-        return !IsRootOrEmpty(path) && looks.Find(path);
-    });
+    const bool found = std::any_of(std::begin(paths), std::end(paths),
+                                   [&looks](WideView path) { return Find(path, looks); });
     if (!found && !closed) {
         LookForUnquoted(between, looks);
     }
