@@ -7,10 +7,6 @@
 
 namespace {
 
-bool HasWildcard(WideView name) {
-    return name.find_first_of(TEXT("*?")) != WideView::npos;
-}
-
 // Replaces the text from `end` on by a backslash and `name` and returns whether it fitted.
 bool PutName(PathText& path, std::size_t end, WideView name) {
     if (end + 1 + name.size() >= path.size()) {
@@ -22,14 +18,15 @@ bool PutName(PathText& path, std::size_t end, WideView name) {
     return true;
 }
 
-// Appends the name that the directory has in the file tree.
+// Appends the name that the directory has in the file tree. It is looked for as a directory, which
+// neither a file nor a pattern is.
 bool AppendDirectory(PathText& path, WideView name) {
     const std::size_t end = wcslen(path.data());
-    if (HasWildcard(name) || !PutName(path, end, name)) {
+    if (!PutName(path, end, name) || !AppendBackslash(path)) {
         return false;
     }
     const FoundEntries found(path.data());
-    return found && found.isDirectory() && PutName(path, end, found.name());
+    return found && PutName(path, end, found.name());
 }
 
 }  // namespace
@@ -45,7 +42,7 @@ bool CanonicalDirectory(const WCHAR* path, PathText& canonical) {
         }
         begin = text.find_first_not_of(TEXT('\\'), end);
     }
-    return !text.empty();
+    return !text.empty() || FoundEntries(path);
 }
 
 bool IsSameOrInside(const WCHAR* inner, const WCHAR* outer) {

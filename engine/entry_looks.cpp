@@ -11,8 +11,7 @@ Look LookFor(const WCHAR* path) {
     if (FoundEntries(path)) {
         return Look::Found;
     }
-    const DWORD reason = GetLastError();
-    if (reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND) {
+    if (LastWasNotThere()) {
         return Look::NotThere;
     }
     NoteLookFailed(path);

@@ -108,7 +108,7 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
         return tl::unexpected<Failure>(examined.error());
     }
     if (split.directoryOnly && !place.facts.isDirectory()) {
-        return Fail("open", ENOTDIR);
+        return Fail("open", S_ISLNK(place.facts.mode) ? ELOOP : ENOTDIR);
     }
     return place;
 }
