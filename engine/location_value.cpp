@@ -21,21 +21,22 @@ TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
     return TextRead::Whole;
 }
 
-bool IsUsablePath(const PathText& text) {
+bool IsUsablePath(const PathText& text, LocationUse use) {
     const WideView path(text.data());
-    return path.starts_with(TEXT('\\')) && path.find_first_not_of(TEXT('\\')) != WideView::npos &&
-           path.size() + 1 < text.size();
+    return (use == LocationUse::Moved || path.starts_with(TEXT('\\'))) &&
+           path.find_first_not_of(TEXT('\\')) != WideView::npos && path.size() + 1 < text.size();
 }
 
-bool ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure, PathText& path) {
+LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
+                          LocationUse use, PathText& path) {
     const TextRead read = ReadText(key, name, path);
     if (read == TextRead::Failed) {
         ShowError(failure);
-        return false;
+        return LocationRead::Failed;
     }
-    if (read == TextRead::NoText || !IsUsablePath(path)) {
+    if (read == TextRead::NoText || !IsUsablePath(path, use)) {
         NotePassedOver(name, path.data());
-        return false;
+        return LocationRead::PassedOver;
     }
-    return true;
+    return LocationRead::Usable;
 }

@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "core/options.h"
+#include "platform/directory_store.h"
+#include "platform/forwarding_store.h"
 #include "tests/apply_device.h"
 
 namespace {
@@ -73,11 +75,11 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
         {"same place", R"("\\Old")", u"\\OLD\\\\", R"("\\OLD\\\\")", kUnmoved},
         {"into itself", R"("\\Old")", u"\\Old\\Sub\\", R"("\\Old\\Sub\\")", kInside},
         {"out of a part", R"("\\Old\\Sub")", u"\\Old\\", R"("\\Old\\")", kOutside},
-        {"root", R"("\\")", u"\\New\\", R"("\\")", kUnmoved, true},
-        {"root, doubled", R"("\\\\\\")", u"\\New\\", R"("\\\\\\")", kUnmoved, true},
-        {"empty", R"("")", u"\\New\\", R"("")", kUnmoved, true},
-        {"relative", R"("Old")", u"\\New\\", R"("Old")", kUnmoved, true},
-        {"half a character", "hex:5c,00,4f", u"\\New\\", "hex:5c,00,4f", kUnmoved, true},
+        {"root", R"("\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"root, doubled", R"("\\\\\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"empty", R"("")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"relative", R"("Old")", u"\\New\\", R"("\\New\\")", kMoved},
+        {"half a character", "hex:5c,00,4f", u"\\New\\", R"("\\New\\")", kUnmoved, true},
         {"pattern", R"("\\Ol?")", u"\\New\\", R"("\\New\\")", kUnmoved},
     };
     for (const Folder& folder : kFolders) {
@@ -104,6 +106,34 @@ TEST(FolderRelocationTest, LosesNothingWhateverFails) {
         }
         EXPECT_TRUE(content == "a=1b=2" || content == "b=2a=1") << content << ", call " << failing;
     }
+}
+
+// As when the registry cannot be stored.
+class NothingMoves : public platform::ForwardingStore {
+  public:
+    using ForwardingStore::ForwardingStore;
+    BOOL MoveFileW(const WCHAR* /*oldPath*/, const WCHAR* /*newPath*/) override { return 0; }
+    const platform::Failure& LastFailure() const override { return failure_; }
+
+  private:
+    platform::Failure failure_{"move", {}, 0, "no room", ERROR_NO_SYSTEM_RESOURCES};
+};
+
+TEST(FolderRelocationTest, WritesNoNewPlaceWhereNothingMayMove) {
+    const Folder& folder = kFolders[1];
+    const TemporaryDevice device;
+    device.Make(kFiles);
+    WriteFile(device.path() + "/registry.reg", Registry(folder, R"("\\Old")"));
+    platform::DirectoryStore real(device.OpenFiles(), u"", device.OpenRegistry());
+    NothingMoves store(real);
+    const platform::StoreInUse inUse(store);
+    CSettings settings;
+    settings.FavoritesDir = NewSettingsText();
+    FormatText({settings.FavoritesDir.get(), kTextCapacity}, u"\\New\\", {});
+    ApplyRun run{folder.option, settings};
+    RelocateFolder(run, folder.option);
+    EXPECT_EQ(real.Finish(), "");
+    EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), Registry(folder, R"("\\Old")"));
 }
 
 std::string App(const std::string& name, const std::string& values) {
