@@ -19,8 +19,11 @@ void NoteNotStored(const WCHAR* what);
 // The options could not be read from the file `path`, so that none is ticked.
 void NoteNoSettings(const WCHAR* path);
 
-// `kept` stays, because the look for `target`, without which it would go, has failed.
-void NoteKept(const WCHAR* kept, const WCHAR* target);
+// The look for `target` has failed. Nothing is said of it unless something is kept because of it.
+void NoteLookFailed(const WCHAR* target);
+
+// `kept` stays, because the look that was noted last, without which it would go, has failed.
+void NoteKept(const WCHAR* kept);
 
 // Nothing moves from `source` to `destination`, because one of them could not be reached.
 void NoteNothingMoves(const WCHAR* source, const WCHAR* destination);

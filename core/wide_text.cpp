@@ -2,7 +2,6 @@
 
 #include <array>
 #include <charconv>
-#include <string>
 
 std::size_t wcslen(const WCHAR* text) {
     return std::char_traits<WCHAR>::length(text);
@@ -68,10 +67,10 @@ bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
     BoundedText text(buffer);
     const TextArgument* argument = arguments.begin();
     for (; *format != 0; ++format) {
-        if (*format == u'%' && format[1] == u's') {
+        if (*format == TEXT('%') && format[1] == TEXT('s')) {
             text.Append((argument++)->text());
             ++format;
-        } else if (*format == u'%' && format[1] == u'd') {
+        } else if (*format == TEXT('%') && format[1] == TEXT('d')) {
             text.Append((argument++)->number());
             ++format;
         } else {

@@ -5,8 +5,14 @@
 #include <cstdint>
 #include <initializer_list>
 #include <span>
+#include <string>
+#include <string_view>
 
 #include "core/plain_types.h"
+
+// The standard library's texts of the platform's characters.
+using WideString = std::basic_string<WCHAR>;
+using WideView = std::basic_string_view<WCHAR>;
 
 // Capacity in characters, terminator included, of every buffer that holds a text or a path.
 inline constexpr std::size_t kTextCapacity = 1024;

@@ -3,27 +3,37 @@
 #include <memory>
 
 #include "core/error_box.h"
-#include "engine/found_entries.h"
+#include "core/host_notes.h"
+#include "engine/entry_looks.h"
 #include "engine/location_value.h"
 
 namespace {
 
-// Whether the application's install directory is gone. An empty text names nothing and so counts as
-// a directory that is gone.
-bool IsInstallDirectoryGone(const WCHAR* keyPath) {
+// Looks for the application's install directory. An empty text names nothing, so that the directory
+// is not there; where there is no text to go by, nobody looks, and it counts as found.
+Look LookForInstallDirectory(const WCHAR* keyPath) {
     const RegistryKey key(HKEY_LOCAL_MACHINE, keyPath, KEY_ALL_ACCESS);
     const auto directory = std::make_unique<PathText>();
-    return key && ReadText(key, TEXT("InstallDir"), *directory) == TextRead::Whole &&
-           !FoundEntries(directory->data());
+    if (!key || ReadText(key, TEXT("InstallDir"), *directory) != TextRead::Whole) {
+        return Look::Found;
+    }
+    EntryLooks looks;
+    looks.Find(directory->data());
+    return looks.result();
 }
 
 }  // namespace
 
 void CheckAppKey(const WCHAR* appName, HKEY appsKey) {
     const auto path = std::make_unique<PathText>();
-    if (FormatText(*path, TEXT("Software\\Apps\\%s"), {appName}) &&
-        IsInstallDirectoryGone(path->data())) {
+    if (!FormatText(*path, TEXT("Software\\Apps\\%s"), {appName})) {
+        return;
+    }
+    const Look look = LookForInstallDirectory(path->data());
+    if (look == Look::NotThere) {
         RegDeleteKeyW(appsKey, appName);
+    } else if (look == Look::Failed) {
+        NoteKept(path->data());
     }
 }
 

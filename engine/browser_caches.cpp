@@ -59,7 +59,8 @@ void ClearBrowserDirectory(ApplyRun& run, std::uint32_t option) {
     if (!key) {
         ShowError(kDirectoryMissing);
     }
-    if (ReadLocation(key, directory.value, kDirectoryMissing, run.ValueBuffer) &&
+    if (ReadLocation(key, directory.value, kDirectoryMissing, LocationUse::Cleaned,
+                     run.ValueBuffer) == LocationRead::Usable &&
         FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
         DeleteTree(run.PathBuffer.data(), true, directory.removeDirectories);
     }

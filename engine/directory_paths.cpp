@@ -2,58 +2,54 @@
 
 #include <algorithm>
 #include <memory>
-#include <string_view>
 
 #include "engine/found_entries.h"
 
 namespace {
 
-bool HasWildcard(std::u16string_view name) {
-    return name.find_first_of(u"*?") != std::u16string_view::npos;
-}
-
 // Replaces the text from `end` on by a backslash and `name` and returns whether it fitted.
-bool PutName(PathText& path, std::size_t end, std::u16string_view name) {
+bool PutName(PathText& path, std::size_t end, WideView name) {
     if (end + 1 + name.size() >= path.size()) {
         return false;
     }
-    path[end] = u'\\';
+    path[end] = TEXT('\\');
     std::copy(name.begin(), name.end(), path.begin() + static_cast<std::ptrdiff_t>(end) + 1);
     path[end + 1 + name.size()] = 0;
     return true;
 }
 
-// Appends the name that the directory has in the file tree.
-bool AppendDirectory(PathText& path, std::u16string_view name) {
+// Appends the name that the directory has in the file tree. It is looked for as a directory, which
+// neither a file nor a pattern is.
+bool AppendDirectory(PathText& path, WideView name) {
     const std::size_t end = wcslen(path.data());
-    if (HasWildcard(name) || !PutName(path, end, name)) {
+    if (!PutName(path, end, name) || !AppendBackslash(path)) {
         return false;
     }
     const FoundEntries found(path.data());
-    return found && found.isDirectory() && PutName(path, end, found.name());
+    return found && PutName(path, end, found.name());
 }
 
 }  // namespace
 
 bool CanonicalDirectory(const WCHAR* path, PathText& canonical) {
-    const std::u16string_view text(path);
+    const WideView text(path);
     canonical[0] = 0;
-    std::size_t begin = text.find_first_not_of(u'\\');
-    while (begin != std::u16string_view::npos) {
-        const std::size_t end = std::min(text.find(u'\\', begin), text.size());
+    std::size_t begin = text.find_first_not_of(TEXT('\\'));
+    while (begin != WideView::npos) {
+        const std::size_t end = std::min(text.find(TEXT('\\'), begin), text.size());
         if (!AppendDirectory(canonical, text.substr(begin, end - begin))) {
             return false;
         }
-        begin = text.find_first_not_of(u'\\', end);
+        begin = text.find_first_not_of(TEXT('\\'), end);
     }
-    return !text.empty();
+    return !text.empty() || FoundEntries(path);
 }
 
 bool IsSameOrInside(const WCHAR* inner, const WCHAR* outer) {
-    const std::u16string_view inside(inner);
-    const std::u16string_view whole(outer);
+    const WideView inside(inner);
+    const WideView whole(outer);
     return inside.starts_with(whole) &&
-           (inside.size() == whole.size() || inside[whole.size()] == u'\\');
+           (inside.size() == whole.size() || inside[whole.size()] == TEXT('\\'));
 }
 
 bool AppendBackslash(PathText& path) {
@@ -61,7 +57,7 @@ bool AppendBackslash(PathText& path) {
     if (end + 1 >= path.size()) {
         return false;
     }
-    path[end] = u'\\';
+    path[end] = TEXT('\\');
     path[end + 1] = 0;
     return true;
 }

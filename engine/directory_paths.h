@@ -6,8 +6,8 @@
 // Puts the canonical path of the directory that `path` names into `canonical`: each name spelt as
 // it stands in the file tree, one backslash in front of each and none at the end, so that the root
 // is the empty text. Two canonical paths name one directory exactly when their texts are equal.
-// Returns false, with an undefined text, when `path` names no directory or its canonical path does
-// not fit.
+// Returns false, with an undefined text, when `path` names no directory, with the reason for
+// GetLastError, or when its canonical path does not fit with a backslash behind it.
 bool CanonicalDirectory(const WCHAR* path, PathText& canonical);
 
 // Whether the directory `inner` is `outer` or lies below it. Both are canonical; `inner` may have a

@@ -2,7 +2,7 @@
 
 #include <memory>
 
-#include "core/wide_text.h"
+#include "core/host_notes.h"
 #include "engine/apply_sequence.h"
 #include "engine/directory_paths.h"
 #include "engine/found_entries.h"
@@ -30,7 +30,7 @@ std::unique_ptr<WalkLevel> NewLevel() {
 
 bool EndsInBackslash(const WCHAR* path) {
     const std::size_t length = wcslen(path);
-    return length > 0 && path[length - 1] == u'\\';
+    return length > 0 && path[length - 1] == TEXT('\\');
 }
 
 void DeleteFoundFile(const WCHAR* directory, WalkLevel& level) {
@@ -52,54 +52,98 @@ void DeleteFoundDirectory(const WCHAR* directory, WalkLevel& level, bool removeD
     }
 }
 
-void MoveFoundFile(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
-    if (FormatText(level.path, TEXT("%s\\%s"), {source, level.entries.name()}) &&
-        FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()})) {
-        MoveFileW(level.path.data(), level.destination.data());
-    }
+// Whether what failed last failed because the registry could not be stored, without which nothing
+// moves: its values must not fall behind what has moved.
+bool IsMovingOver() {
+    return GetLastError() == ERROR_NO_SYSTEM_RESOURCES;
 }
 
-// Makes sure that the found directory stands at the destination and leaves its path there in
-// level.destination, spelt as it is there. Returns false when it does not, or when moving into it
-// would move a directory into itself.
-bool PrepareFoundDirectory(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
-    if (!FormatText(level.path, TEXT("%s\\%s"), {source, level.entries.name()}) ||
-        IsSameOrInside(destination, level.path.data()) ||
-        !FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()})) {
-        return false;
-    }
-    if (CreateDirectoryW(level.destination.data(), nullptr) != 0) {
-        return true;
-    }
+// The functions that move return false when nothing more may move.
+bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+    return !FormatText(level.path, TEXT("%s\\%s"), {source, level.entries.name()}) ||
+           !FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()}) ||
+           MoveFileW(level.path.data(), level.destination.data()) != 0 || !IsMovingOver();
+}
+
+// Puts the path of the directory that stands at the destination, spelt as it is there, into
+// level.destination. Returns false when none does, or when moving into it would move a directory
+// into itself.
+bool FindStanding(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
     const FoundEntries standing(level.destination.data());
     return standing && standing.isDirectory() &&
            FormatText(level.destination, TEXT("%s%s"), {destination, standing.name()}) &&
            !IsSameOrInside(source, level.destination.data());
 }
 
-void MoveEntries(const WCHAR* source, const WCHAR* destination);
+enum class MoveResult { Done, PassedOver, MovingIsOver };
 
+bool MoveEntries(const WCHAR* source, const WCHAR* destination, WalkLevel& level);
+
+// Makes the directory level.destination unless it stands there, and moves what is in level.path
+// into it.
 // NOLINTNEXTLINE(misc-no-recursion)
-void MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
-    if (!PrepareFoundDirectory(source, destination, level) || !AppendBackslash(level.destination)) {
-        return;
+MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+    const bool made = CreateDirectoryW(level.destination.data(), nullptr) != 0;
+    if (!made && IsMovingOver()) {
+        return MoveResult::MovingIsOver;
     }
-    MoveEntries(level.path.data(), level.destination.data());
-    // Fails while anything that could not be moved is still in it, and so loses nothing.
-    RemoveDirectoryW(level.path.data());
+    if ((!made && !FindStanding(source, destination, level)) ||
+        !AppendBackslash(level.destination)) {
+        return MoveResult::PassedOver;
+    }
+    const auto below = NewLevel();
+    below->Open(TEXT("%s\\*"), level.path.data());
+    return MoveEntries(level.path.data(), level.destination.data(), *below)
+               ? MoveResult::Done
+               : MoveResult::MovingIsOver;
 }
 
-// Both paths are canonical, the destination with a backslash behind it.
 // NOLINTNEXTLINE(misc-no-recursion)
-void MoveEntries(const WCHAR* source, const WCHAR* destination) {
-    const auto level = NewLevel();
-    for (level->Open(TEXT("%s\\*"), source); level->entries; level->entries.Next()) {
-        if (level->entries.isDirectory()) {
-            MoveFoundDirectory(source, destination, *level);
-        } else {
-            MoveFoundFile(source, destination, *level);
-        }
+bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+    const WCHAR* const name = level.entries.name();
+    if (!FormatText(level.path, TEXT("%s\\%s"), {source, name}) ||
+        IsSameOrInside(destination, level.path.data()) ||
+        !FormatText(level.destination, TEXT("%s%s"), {destination, name})) {
+        return true;
     }
+    NoteDirectoryMoves(level.path.data(), level.destination.data());
+    const MoveResult result = MoveIntoStanding(source, destination, level);
+    FormatText(level.destination, TEXT("%s%s"), {destination, name});
+    NoteDirectoryMoved(level.path.data(), level.destination.data());
+    if (result == MoveResult::Done) {
+        // Fails while anything that could not be moved is still in it, and so loses nothing.
+        RemoveDirectoryW(level.path.data());
+    }
+    return result != MoveResult::MovingIsOver;
+}
+
+// Both paths are canonical, the destination with a backslash behind it; `level` is where the walk
+// of the source begins.
+// NOLINTNEXTLINE(misc-no-recursion)
+bool MoveEntries(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+    bool goesOn = true;
+    for (; goesOn && level.entries; level.entries.Next()) {
+        goesOn = level.entries.isDirectory() ? MoveFoundDirectory(source, destination, level)
+                                             : MoveFoundFile(source, destination, level);
+    }
+    return goesOn;
+}
+
+// Puts the canonical paths of both where they can be reached, and begins to walk the source. What
+// is not there need not be reached.
+bool Reach(const WCHAR* source, const WCHAR* destination, PathText& from, PathText& to,
+           WalkLevel& level) {
+    if (!CanonicalDirectory(source, from)) {
+        return LastWasNotThere();
+    }
+    if (!CanonicalDirectory(destination, to)) {
+        return false;
+    }
+    if (from != to && AppendBackslash(to)) {
+        level.Open(TEXT("%s\\*"), from.data());
+        return level.entries || LastWasNotThere();
+    }
+    return true;
 }
 
 }  // namespace
@@ -119,13 +163,14 @@ void DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories) {
     }
 }
 
-void MoveTree(const WCHAR* source, const WCHAR* destination) {
+bool MoveTree(const WCHAR* source, const WCHAR* destination) {
     // The same directory can be spelt in many ways, and after one move the next one finds source
     // and destination at the same place; only their canonical paths can be compared.
     const auto from = std::make_unique<PathText>();
     const auto to = std::make_unique<PathText>();
-    if (CanonicalDirectory(source, *from) && CanonicalDirectory(destination, *to) && *from != *to &&
-        AppendBackslash(*to)) {
-        MoveEntries(from->data(), to->data());
+    const auto level = NewLevel();
+    if (!Reach(source, destination, *from, *to, *level)) {
+        NoteNothingMoves(source, destination);
     }
+    return MoveEntries(from->data(), to->data(), *level);
 }

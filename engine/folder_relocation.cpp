@@ -8,15 +8,13 @@
 
 namespace {
 
-enum class OldContent { Deleted, Moved };
-
 struct Folder {
     std::uint32_t option;
     HKEY root;
     const WCHAR* key;
     const WCHAR* value;
     SettingsText CSettings::*destination;
-    OldContent oldContent;
+    LocationUse oldFolder;
     const WCHAR* keyMissing;
     const WCHAR* valueMissing;
 };
@@ -27,28 +25,31 @@ constexpr const WCHAR* kSystemFolders = TEXT("Explorer\\Shell Folders");
 const Folder kFolders[] = {
     {OPT_MOVE_IE_CACHE, HKEY_CURRENT_USER,
      TEXT("Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"), TEXT("Cache"),
-     &CSettings::IeCacheDir, OldContent::Deleted,
+     &CSettings::IeCacheDir, LocationUse::Cleaned,
      TEXT("Unable to locate Internet Explorer cache directory"),
      TEXT("Unable to locate Internet Explorer cache directory")},
     {OPT_MOVE_AVANTGO, HKEY_CURRENT_USER, TEXT("Software\\AvantGo"), TEXT("DatabaseLocation"),
-     &CSettings::AvantGoDir, OldContent::Moved, TEXT("Unable to locate AvantGo cache"),
+     &CSettings::AvantGoDir, LocationUse::Moved, TEXT("Unable to locate AvantGo cache"),
      TEXT("Unable to locate AvantGo cache directory")},
     {OPT_MOVE_FAVORITES, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("Favorites"),
-     &CSettings::FavoritesDir, OldContent::Moved, TEXT("Unable to locate Favorites"),
+     &CSettings::FavoritesDir, LocationUse::Moved, TEXT("Unable to locate Favorites"),
      TEXT("Unable to locate Favorties directory")},
     {OPT_MOVE_FONTS, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("Fonts"), &CSettings::FontsDir,
-     OldContent::Moved, TEXT("Unable to locate Fonts"), TEXT("Unable to locate Fonts directory")},
+     LocationUse::Moved, TEXT("Unable to locate Fonts"), TEXT("Unable to locate Fonts directory")},
     {OPT_MOVE_MYDOCS, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("My Documents"),
-     &CSettings::MyDocumentsDir, OldContent::Moved, TEXT("Unable to locate My Documents"),
+     &CSettings::MyDocumentsDir, LocationUse::Moved, TEXT("Unable to locate My Documents"),
      TEXT("Unable to locate My Documents directory")},
 };
 
-void ClearOldFolder(ApplyRun& run, const Folder& folder, const WCHAR* destination) {
-    if (folder.oldContent == OldContent::Moved) {
-        MoveTree(run.ValueBuffer.data(), destination);
-    } else if (FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
+// Returns whether the registry may name the new one now.
+bool ClearOldFolder(ApplyRun& run, const Folder& folder, const WCHAR* destination) {
+    if (folder.oldFolder == LocationUse::Moved) {
+        return MoveTree(run.ValueBuffer.data(), destination);
+    }
+    if (FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
         DeleteTree(run.PathBuffer.data(), true, false);
     }
+    return true;
 }
 
 }  // namespace
@@ -63,9 +64,11 @@ void RelocateFolder(ApplyRun& run, std::uint32_t option) {
     if (!key) {
         ShowError(folder.keyMissing);
     }
-    // A new location beside an old one that nobody knows would lose what is there.
-    if (ReadLocation(key, folder.value, folder.valueMissing, run.ValueBuffer)) {
-        ClearOldFolder(run, folder, destination.get());
+    const LocationRead old =
+        ReadLocation(key, folder.value, folder.valueMissing, folder.oldFolder, run.ValueBuffer);
+    // A new location in place of an old one that nobody could read would lose what is there.
+    if (old == LocationRead::PassedOver ||
+        (old == LocationRead::Usable && ClearOldFolder(run, folder, destination.get()))) {
         key.WriteText(folder.value, destination.get());
     }
 }

@@ -2,6 +2,13 @@
 
 #include "core/device_store.h"
 
+// Whether the last operation that failed has failed because the entry, or a directory on its path,
+// is not there.
+inline bool LastWasNotThere() {
+    const DWORD reason = GetLastError();
+    return reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND;
+}
+
 // One search and the record of the entry it stands on. Closes itself.
 class FoundEntries {
   public:

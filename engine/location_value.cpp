@@ -1,7 +1,6 @@
 #include "engine/location_value.h"
 
 #include <algorithm>
-#include <string_view>
 
 #include "core/error_box.h"
 #include "core/host_notes.h"
@@ -12,31 +11,32 @@ TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
                                          reinterpret_cast<BYTE*>(text.data()), &size);
     const std::size_t length = result == ERROR_SUCCESS ? size / sizeof(WCHAR) : 0;
     const auto end = text.begin() + static_cast<std::ptrdiff_t>(length);
-    const bool hasEnd = length < text.size() || std::find(text.begin(), end, u'\0') != end;
+    const bool hasEnd = length < text.size() || std::find(text.begin(), end, TEXT('\0')) != end;
     if (result != ERROR_SUCCESS || size % sizeof(WCHAR) != 0 || !hasEnd) {
         text[0] = 0;
         return result == ERROR_SUCCESS ? TextRead::NoText : TextRead::Failed;
     }
     // What lies behind the value was never part of it.
-    std::fill(end, text.end(), u'\0');
+    std::fill(end, text.end(), TEXT('\0'));
     return TextRead::Whole;
 }
 
-bool IsUsablePath(const PathText& text) {
-    const std::u16string_view path(text.data());
-    return path.starts_with(u'\\') && path.find_first_not_of(u'\\') != std::u16string_view::npos &&
-           path.size() + 1 < text.size();
+bool IsUsablePath(const PathText& text, LocationUse use) {
+    const WideView path(text.data());
+    return (use == LocationUse::Moved || path.starts_with(TEXT('\\'))) &&
+           path.find_first_not_of(TEXT('\\')) != WideView::npos && path.size() + 1 < text.size();
 }
 
-bool ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure, PathText& path) {
+LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
+                          LocationUse use, PathText& path) {
     const TextRead read = ReadText(key, name, path);
     if (read == TextRead::Failed) {
         ShowError(failure);
-        return false;
+        return LocationRead::Failed;
     }
-    if (read == TextRead::NoText || !IsUsablePath(path)) {
+    if (read == TextRead::NoText || !IsUsablePath(path, use)) {
         NotePassedOver(name, path.data());
-        return false;
+        return LocationRead::PassedOver;
     }
-    return true;
+    return LocationRead::Usable;
 }

@@ -15,11 +15,21 @@ enum class TextRead {
 // back. An empty text unless it is Whole.
 TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text);
 
-// Whether a text that was read whole may be cleaned or moved: it begins with a backslash, is not
-// the root however it is spelt, and one more backslash fits behind it.
-bool IsUsablePath(const PathText& text);
+// What is to be done with a directory. Moving out of it loses nothing, wherever it turns out to be.
+enum class LocationUse { Cleaned, Moved };
 
-// Reads the path of a directory that is to be cleaned or moved. Returns whether it is there, in
-// `path`. When the reading fails, the user is told so with `failure`; a value that came back and is
-// no usable path is noted and passed over.
-bool ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure, PathText& path);
+// Whether a text that was read whole may be cleaned or moved: it is not the root however it is
+// spelt, one more backslash fits behind it, and where it is cleaned it begins with one; where it is
+// moved it is taken from the root without.
+bool IsUsablePath(const PathText& text, LocationUse use);
+
+// What came of reading the path of a directory that is to be cleaned or moved.
+enum class LocationRead {
+    Failed,      // the user was told
+    PassedOver,  // a value came back, but is no usable path, and was noted as that
+    Usable,
+};
+
+// Reads such a path into `path`; `failure` is what the user is told.
+LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
+                          LocationUse use, PathText& path);

@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "core/host_notes.h"
 #include "engine/found_entries.h"
 #include "engine/shortcut_target.h"
 
@@ -17,8 +18,14 @@ struct MenuLevel {
 
 bool ShortcutTargetExists(const WCHAR* shortcutPath) {
     const auto target = std::make_unique<PathText>();
-    return SHGetShortcutTarget(shortcutPath, target->data(), kTextCapacity) == 0 ||
-           CommandLineTargetExists(target->data());
+    if (SHGetShortcutTarget(shortcutPath, target->data(), kTextCapacity) == 0) {
+        return true;
+    }
+    const Look look = LookForTarget(target->data());
+    if (look == Look::Failed) {
+        NoteKept(shortcutPath);
+    }
+    return look != Look::NotThere;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

@@ -3,7 +3,7 @@
 #include "engine/apply_sequence.h"
 
 // Whether the file at `shortcutPath` may stay: false only when it is a shortcut and what it starts
-// is found to be missing.
+// is found to be missing. The host is told of one that stays because a look failed.
 bool ShortcutTargetExists(const WCHAR* shortcutPath);
 
 // Deletes the shortcuts below `directory` whose targets are missing and adds their sizes to

@@ -1,15 +1,15 @@
 #pragma once
 
-#include <string_view>
+#include "core/wide_text.h"
+#include "engine/entry_looks.h"
 
-#include "core/plain_types.h"
-
-// Whether what the command line of a shortcut starts is there, as far as that can be told: false
-// only when it begins with a path, and no way to tell that path from its arguments leads to an
-// entry. A command line that begins with no path, or with that of the root, counts as there.
-bool CommandLineTargetExists(std::u16string_view commandLine);
+// Looks for what the command line of a shortcut starts, as far as that can be told: not there only
+// when it begins with a path, and no way to tell that path from its arguments leads to an entry. A
+// command line that begins with no path, or with that of the root, counts as found. The whole of it
+// and what its quotes or its extension end may be patterns.
+Look LookForTarget(WideView commandLine);
 
 // The path at the beginning of a command line that begins with a quote, told by its extension:
 // nothing is looked at. The first and the last character go; unless the fourth from the end is a
 // full stop then, everything behind the third one after the last full stop goes too.
-std::u16string_view PathByExtension(std::u16string_view quoted);
+WideView PathByExtension(WideView quoted);

@@ -108,7 +108,7 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
         return tl::unexpected<Failure>(examined.error());
     }
     if (split.directoryOnly && !place.facts.isDirectory()) {
-        return Fail("open", ENOTDIR);
+        return Fail("open", S_ISLNK(place.facts.mode) ? ELOOP : ENOTDIR);
     }
     return place;
 }
@@ -209,6 +209,7 @@ Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
 }
 
 BOOL FileStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
+    tree_.spellings().EndLooks();
     return Answer(FindNext(find, *data));
 }
 
@@ -350,6 +351,7 @@ Status FileStore::MoveTo(const Place& source, std::u16string_view newPath, int i
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
 void FileStore::ForgetFilledDirectories() {
+    tree_.spellings().EndLooks();
     if (searches_.empty()) {
         filled_.Clear();
     }
@@ -395,6 +397,7 @@ Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
 }
 
 Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
+    tree_.spellings().EndLooks();
     const SplitPath split = SplitAtName(path);
     Place place;
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
@@ -465,7 +468,9 @@ Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) 
     return target;
 }
 
+// The looks that follow are for its target, of which a text can name very many.
 BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
+    tree_.spellings().BeginLooks();
     const Result<std::u16string> target = TargetOf(path, limit);
     if (!target) {
         lastFailure_ = target.error();

@@ -1,28 +1,14 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "platform/device_tree.h"
+#include "platform/name_set.h"
 
 namespace platform {
-
-// A set of names that differ in more than case, kept as hashes: a name that is in it may be there,
-// a name that is not is not.
-class NameSet {
-  public:
-    void Add(std::u16string_view name);
-    bool MayHold(std::u16string_view name) const;
-
-  private:
-    void Put(std::uint32_t hash);
-
-    std::vector<std::uint32_t> slots_;  // a power of two of them, 0 where free
-    std::size_t count_ = 0;
-};
 
 // A directory that entries are being moved into or made in.
 struct FilledDirectory {

@@ -8,6 +8,8 @@
 
 namespace {
 
+std::string g_failedLook;  // in readable form, with its reason
+
 std::string Quoted(const WCHAR* text) {
     return '"' + platform::ReadableText(text) + '"';
 }
@@ -49,10 +51,13 @@ void NoteNoSettings(const WCHAR* path) {
     }
 }
 
-void NoteKept(const WCHAR* kept, const WCHAR* target) {
+void NoteLookFailed(const WCHAR* target) {
+    g_failedLook = platform::ReadableText(target) + " cannot be looked for: " + LastReason();
+}
+
+void NoteKept(const WCHAR* kept) {
     platform::LogInUse::Current().SayUndone(platform::ReadableText(kept) +
-                                            " stays: " + platform::ReadableText(target) +
-                                            " cannot be looked for: " + LastReason());
+                                            " stays: " + g_failedLook);
 }
 
 void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {

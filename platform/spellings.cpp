@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <ctime>
 
@@ -12,8 +13,10 @@ namespace platform {
 
 namespace {
 
-constexpr std::size_t kBitsOfWord = 64;
-constexpr std::size_t kMostDirectories = 64;  // of 4 KiB each
+// What is kept in mind at most; the directory read last is kept whatever its size.
+constexpr std::size_t kMostDirectories = 64;
+constexpr std::size_t kMostNames = 1 << 18;
+constexpr std::size_t kMostSpellings = 16;  // of each directory
 
 // The time in which a file system's clock may stand still.
 constexpr std::int64_t kClockStep = 20'000'000;  // nanoseconds
@@ -29,7 +32,7 @@ struct Reading {
 };
 
 // Reads the directory and puts all names into `names`, unless that is null.
-Result<Reading> ReadNames(int directory, std::u16string_view device, NameFilter* names) {
+Result<Reading> ReadNames(int directory, std::u16string_view device, NameSet* names) {
     HostName exact;
     if (!HostNameOf(device, exact)) {
         return Reading{};
@@ -114,76 +117,117 @@ HostName ListedName(int directory, const HostName& name) {
     return listed ? listed->value_or(name) : name;
 }
 
-// Two bits for each name, from the two halves of its hash.
-void NameFilter::Add(std::u16string_view name) {
-    for (std::uint32_t hash = NameHash(name), half = 0; half < 2; ++half, hash >>= 16) {
-        const std::size_t bit = hash % (bits_.size() * kBitsOfWord);
-        bits_[bit / kBitsOfWord] |= std::uint64_t{1} << bit % kBitsOfWord;
-    }
-}
-
-bool NameFilter::MayHold(std::u16string_view name) const {
-    for (std::uint32_t hash = NameHash(name), half = 0; half < 2; ++half, hash >>= 16) {
-        const std::size_t bit = hash % (bits_.size() * kBitsOfWord);
-        if ((bits_[bit / kBitsOfWord] >> bit % kBitsOfWord & 1) == 0) {
-            return false;
-        }
-    }
-    return true;
+bool Spellings::Version::IsSameDirectory(const Version& other) const {
+    return device == other.device && number == other.number;
 }
 
 bool Spellings::Version::operator==(const Version& other) const {
-    return device == other.device && number == other.number &&
-           Nanoseconds(changed) == Nanoseconds(other.changed);
+    return IsSameDirectory(other) && Nanoseconds(changed) == Nanoseconds(other.changed);
 }
 
-// Nothing when the directory could change without getting a new version: it has changed just now,
-// or its file system counts in whole seconds.
-std::optional<Spellings::Version> Spellings::LastingVersion(int directory) {
+const Spellings::Spelling* Spellings::ReadDirectory::SpellingOf(std::u16string_view name) const {
+    const auto found =
+        std::find_if(spellings.begin(), spellings.end(),
+                     [name](const Spelling& spelling) { return spelling.device == name; });
+    return found == spellings.end() ? nullptr : &*found;
+}
+
+// A directory could change without getting a new time when it has changed just now, or when its
+// file system counts in whole seconds.
+std::optional<Spellings::Version> Spellings::VersionOf(int directory) {
     struct stat entry {};
     timespec now{};
-    if (fstat(directory, &entry) != 0 || clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0 ||
-        entry.st_ctim.tv_nsec == 0 || Nanoseconds(now) - Nanoseconds(entry.st_ctim) < kClockStep) {
+    if (fstat(directory, &entry) != 0 || clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0) {
         return std::nullopt;
     }
-    return Version{entry.st_dev, entry.st_ino, entry.st_ctim};
+    const bool lasting =
+        entry.st_ctim.tv_nsec != 0 && Nanoseconds(now) - Nanoseconds(entry.st_ctim) >= kClockStep;
+    return Version{entry.st_dev, entry.st_ino, entry.st_ctim, lasting};
 }
 
-const Spellings::ReadDirectory* Spellings::Known(const Version& version) const {
-    for (const ReadDirectory& directory : read_) {
-        if (directory.version == version) {
-            return &directory;
+Spellings::ReadDirectory* Spellings::Known(const Version& version) {
+    const auto found =
+        std::find_if(read_.begin(), read_.end(), [&version](const ReadDirectory& read) {
+            return read.readForTheseLooks ? read.version.IsSameDirectory(version)
+                                          : read.version == version;
+        });
+    return found == read_.end() ? nullptr : &*found;
+}
+
+void Spellings::Keep(ReadDirectory read) {
+    std::erase_if(read_, [&read](const ReadDirectory& older) {
+        return older.version.IsSameDirectory(read.version);
+    });
+    read_.push_back(std::move(read));
+    std::size_t names = 0;
+    for (const ReadDirectory& kept : read_) {
+        names += kept.names.size();
+    }
+    while (read_.size() > kMostDirectories || (names > kMostNames && read_.size() > 1)) {
+        names -= read_.front().names.size();
+        read_.pop_front();
+    }
+}
+
+void Spellings::BeginLooks() {
+    EndLooks();
+    looksBelongTogether_ = true;
+}
+
+void Spellings::EndLooks() {
+    if (!looksBelongTogether_) {
+        return;
+    }
+    looksBelongTogether_ = false;
+    std::erase_if(read_, [](const ReadDirectory& read) { return !read.version.lasting; });
+    for (ReadDirectory& read : read_) {
+        read.readForTheseLooks = false;
+    }
+}
+
+// A name that may be there has to be found once, to know how it is spelt.
+Result<std::optional<HostName>> Spellings::FindInKnown(ReadDirectory& known, int directory,
+                                                       std::u16string_view device) {
+    if (!known.names.MayHold(device)) {
+        return std::optional<HostName>();
+    }
+    if (const Spelling* const spelling = known.SpellingOf(device)) {
+        return spelling->host;
+    }
+    Result<std::optional<HostName>> found = FindSpelling(directory, device);
+    if (found) {
+        if (known.spellings.size() == kMostSpellings) {
+            known.spellings.clear();
         }
+        known.spellings.push_back({std::u16string(device), *found});
     }
-    return nullptr;
+    return found;
 }
 
-Spellings::ReadDirectory& Spellings::NextPlace() {
-    if (next_ == read_.size()) {
-        read_.emplace_back();
+Result<std::optional<HostName>> Spellings::FindInUnknown(const Version& version, int directory,
+                                                         std::u16string_view device) {
+    ReadDirectory read{version, looksBelongTogether_, {}, {}};
+    const Result<Reading> reading = ReadNames(directory, device, &read.names);
+    if (!reading) {
+        return tl::unexpected<Failure>(reading.error());
     }
-    ReadDirectory& place = read_[next_];
-    place.version = {};
-    place.names.Clear();
-    return place;
+    if (reading->whole) {
+        read.spellings.push_back({std::u16string(device), reading->found});
+        Keep(std::move(read));
+    }
+    return reading->found;
 }
 
 Result<std::optional<HostName>> Spellings::Find(int directory, std::u16string_view device) {
-    const std::optional<Version> version = LastingVersion(directory);
+    const std::optional<Version> version = VersionOf(directory);
     if (!version) {
         return FindSpelling(directory, device);
     }
-    if (const ReadDirectory* const known = Known(*version)) {
-        return known->names.MayHold(device) ? FindSpelling(directory, device)
-                                            : std::optional<HostName>();
+    if (ReadDirectory* const known = Known(*version)) {
+        return FindInKnown(*known, directory, device);
     }
-    ReadDirectory& place = NextPlace();
-    const Result<Reading> reading = ReadNames(directory, device, &place.names);
-    if (reading && reading->whole) {
-        place.version = *version;
-        next_ = (next_ + 1) % kMostDirectories;
-    }
-    return reading.map([](const Reading& read) { return read.found; });
+    return version->lasting || looksBelongTogether_ ? FindInUnknown(*version, directory, device)
+                                                    : FindSpelling(directory, device);
 }
 
 }  // namespace platform

@@ -47,7 +47,7 @@ int CollectedBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* capt
     return IDOK;
 }
 
-ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
+ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int reason) {
     TemporaryDevice device;
     device.Make(input.files);
     device.Make({"App/"});
@@ -60,7 +60,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls) {
         WriteSettingsOf(input);
     }
     ApplyResult result;
-    FailingStore faulty(store, failing);
+    FailingStore faulty(store, failing, reason);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(faulty);
     const platform::WindowsInUse windowsInUse(windows);

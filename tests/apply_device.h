@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cerrno>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -37,8 +38,9 @@ struct ApplyResult {
 };
 
 // Carries out a silent run on a device of its own. `failing`: the number of the call of the store
-// that fails, 0 for none; `calls` receives how many there were.
-ApplyResult ApplySilently(const ApplyInput& input, int failing = 0, int* calls = nullptr);
+// that fails, for `reason`, an errno; 0 for none. `calls` receives how many there were.
+ApplyResult ApplySilently(const ApplyInput& input, int failing = 0, int* calls = nullptr,
+                          int reason = EIO);
 
 // A silent run leaves StartUp shortcut and animations as the mask says, in every case. This
 // registry has what it then wants, so that a test of another task sees no boxes from there.

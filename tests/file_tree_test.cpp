@@ -178,6 +178,98 @@ TEST(MoveTree, LosesNothingWhateverFails) {
     }
 }
 
+// Keeps what is done and noted in moves, in its order. From the n-th on nothing may move any more.
+class MoveWitness : public platform::ForwardingStore {
+  public:
+    MoveWitness(platform::DeviceStore& inner, std::size_t most)
+        : ForwardingStore(inner), most_(most) {}
+
+    BOOL MoveFileW(const WCHAR* from, const WCHAR* to) override {
+        return Keep("move", from, to) ? ForwardingStore::MoveFileW(from, to) : 0;
+    }
+    BOOL CreateDirectoryW(const WCHAR* path, void* security) override {
+        return Keep("make", path) ? ForwardingStore::CreateDirectoryW(path, security) : 0;
+    }
+    BOOL RemoveDirectoryW(const WCHAR* path) override {
+        Keep("remove", path);
+        return ForwardingStore::RemoveDirectoryW(path);
+    }
+    void DirectoryMoves(const WCHAR* from, const WCHAR* to) override { Keep("from", from, to); }
+    void DirectoryMoved(const WCHAR* from, const WCHAR* to) override { Keep("done", from, to); }
+    void NothingMoves(const WCHAR* from, const WCHAR* to) override { Keep("none", from, to); }
+    const platform::Failure& LastFailure() const override {
+        return kept.size() < most_ ? ForwardingStore::LastFailure() : failure_;
+    }
+
+    Entries kept;
+
+  private:
+    bool Keep(const char* what, const WCHAR* from, const WCHAR* to = u"") {
+        kept.push_back(std::string(what) + ' ' + platform::ReadableText(from) + ' ' +
+                       platform::ReadableText(to));
+        return kept.size() < most_;
+    }
+
+    std::size_t most_;
+    platform::Failure failure_{"move", {}, 0, "no room", ERROR_NO_SYSTEM_RESOURCES};
+};
+
+TEST(MoveTree, NotesEachDirectoryAndStopsWhenNothingMayMove) {
+    const Entries all = {R"(from \A\s \B\s)",
+                         R"(make \B\s )",
+                         R"(from \A\s\t \B\S\t)",
+                         R"(make \B\S\t )",
+                         R"(move \A\s\t\f \B\S\t\f)",
+                         R"(done \A\s\t \B\S\t)",
+                         R"(remove \A\s\t )",
+                         R"(done \A\s \B\s)",
+                         R"(remove \A\s )"};
+    const struct {
+        std::size_t most;
+        Entries kept;
+    } cases[] = {{100, all},
+                 {2, {all[0], all[1], all[7]}},
+                 {4, {all[0], all[1], all[2], all[3], all[5], all[7]}},
+                 {5, {all[0], all[1], all[2], all[3], all[4], all[5], all[7]}}};
+    for (const auto& test : cases) {
+        const TemporaryDevice device;
+        device.Make(Words("A/s/t/f=1 B/S/"));
+        platform::FileStore real(device.OpenFiles(), u"");
+        MoveWitness store(real, test.most);
+        const platform::StoreInUse inUse(store);
+        EXPECT_EQ(MoveTree(u"\\A", u"\\B\\"), test.most == 100);
+        EXPECT_EQ(store.kept, test.kept);
+    }
+}
+
+TEST(MoveTree, NotesOnceWhatCannotBeReached) {
+    const struct {
+        const WCHAR* from;
+        const WCHAR* to;
+        int failing;
+        bool noted;
+    } cases[] = {
+        {u"\\A", u"\\B\\", 0, false},    {u"\\A", u"\\None\\", 0, true},
+        {u"\\A", u"\\file\\", 0, true},  {u"\\A", u"", 0, true},
+        {u"\\A", u"\\L\\", 0, true},     {u"\\L", u"\\B\\", 0, true},
+        {u"\\None", u"\\B\\", 0, false}, {u"\\file", u"\\B\\", 0, false},
+        {u"\\A\\B", u"\\B\\", 1, true},  {u"\\A", u"\\B\\", 3, true},
+        {u"\\A", u"\\B\\", 5, true},
+    };
+    for (const auto& test : cases) {
+        const TemporaryDevice device;
+        device.Make(Words("A/f=1 B/ file=2 L>A"));
+        platform::FileStore real(device.OpenFiles(), u"");
+        FailingStore failing(real, test.failing);
+        MoveWitness store(failing, 100);
+        const platform::StoreInUse inUse(store);
+        EXPECT_TRUE(MoveTree(test.from, test.to));
+        const std::string note =
+            "none " + platform::ReadableText(test.from) + ' ' + platform::ReadableText(test.to);
+        EXPECT_EQ(store.kept == Entries{note}, test.noted) << note << test.failing;
+    }
+}
+
 TEST(DeleteTree, CountsOnlyWhatWentWhenAnyOperationFails) {
     for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
         const Device device(Words("T/a=1 T/b/c=22 T/b/d/e=333 T/f=4444 keep=k"), failing);

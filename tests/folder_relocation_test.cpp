@@ -5,6 +5,8 @@
 #include <algorithm>
 
 #include "core/options.h"
+#include "platform/directory_store.h"
+#include "platform/forwarding_store.h"
 #include "tests/apply_device.h"
 
 namespace {
@@ -73,11 +75,11 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
         {"same place", R"("\\Old")", u"\\OLD\\\\", R"("\\OLD\\\\")", kUnmoved},
         {"into itself", R"("\\Old")", u"\\Old\\Sub\\", R"("\\Old\\Sub\\")", kInside},
         {"out of a part", R"("\\Old\\Sub")", u"\\Old\\", R"("\\Old\\")", kOutside},
-        {"root", R"("\\")", u"\\New\\", R"("\\")", kUnmoved, true},
-        {"root, doubled", R"("\\\\\\")", u"\\New\\", R"("\\\\\\")", kUnmoved, true},
-        {"empty", R"("")", u"\\New\\", R"("")", kUnmoved, true},
-        {"relative", R"("Old")", u"\\New\\", R"("Old")", kUnmoved, true},
-        {"half a character", "hex:5c,00,4f", u"\\New\\", "hex:5c,00,4f", kUnmoved, true},
+        {"root", R"("\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"root, doubled", R"("\\\\\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"empty", R"("")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"relative", R"("Old")", u"\\New\\", R"("\\New\\")", kMoved},
+        {"half a character", "hex:5c,00,4f", u"\\New\\", R"("\\New\\")", kUnmoved, true},
         {"pattern", R"("\\Ol?")", u"\\New\\", R"("\\New\\")", kUnmoved},
     };
     for (const Folder& folder : kFolders) {
@@ -106,6 +108,34 @@ TEST(FolderRelocationTest, LosesNothingWhateverFails) {
     }
 }
 
+// As when the registry cannot be stored.
+class NothingMoves : public platform::ForwardingStore {
+  public:
+    using ForwardingStore::ForwardingStore;
+    BOOL MoveFileW(const WCHAR* /*oldPath*/, const WCHAR* /*newPath*/) override { return 0; }
+    const platform::Failure& LastFailure() const override { return failure_; }
+
+  private:
+    platform::Failure failure_{"move", {}, 0, "no room", ERROR_NO_SYSTEM_RESOURCES};
+};
+
+TEST(FolderRelocationTest, WritesNoNewPlaceWhereNothingMayMove) {
+    const Folder& folder = kFolders[1];
+    const TemporaryDevice device;
+    device.Make(kFiles);
+    WriteFile(device.path() + "/registry.reg", Registry(folder, R"("\\Old")"));
+    platform::DirectoryStore real(device.OpenFiles(), u"", device.OpenRegistry());
+    NothingMoves store(real);
+    const platform::StoreInUse inUse(store);
+    CSettings settings;
+    settings.FavoritesDir = NewSettingsText();
+    FormatText({settings.FavoritesDir.get(), kTextCapacity}, u"\\New\\", {});
+    ApplyRun run{folder.option, settings};
+    RelocateFolder(run, folder.option);
+    EXPECT_EQ(real.Finish(), "");
+    EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), Registry(folder, R"("\\Old")"));
+}
+
 std::string App(const std::string& name, const std::string& values) {
     return "[HKEY_LOCAL_MACHINE\\Software\\Apps\\" + name + "]\n" + values + "\n";
 }
@@ -121,7 +151,11 @@ TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
         {R"("InstallDir"="\\Apps\\file")", true},
         {R"("InstallDir"="\\")", true},
         {R"("InstallDir"=hex:5c,00,41,00,70,00,70,00,73,00)", true},  // without terminator
+        {R"("InstallDir"="\\Apps\\Live. .")", true},
+        {R"("InstallDir"="\\Apps\\fil?")", true},
         {R"("InstallDir"="\\Apps\\Dead")", false},
+        {R"("InstallDir"="\\Apps\\Dea?")", false},
+        {R"("InstallDir"="\\Apps\\..")", false},
         {R"("InstallDir"="")", false},
         {R"("InstallDir"=hex:)", false},
         {R"("Other"="\\Apps\\Dead")", true},
@@ -138,6 +172,15 @@ TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
     }
     EXPECT_EQ(ApplySilently({{}, kQuietTweaks, OPT_CLEAR_REGISTRY}).boxes,
               Entries{"[Error] Failed retrieving registry information"});
+}
+
+TEST(ApplicationKeysTest, KeepsTheKeyOfWhatLiesBehindALink) {
+    const std::string linked = kQuietTweaks + App("One", R"("InstallDir"="\\Link\\One")");
+    const ApplyResult result = ApplySilently({{"Apps/", "Link>Apps"}, linked, OPT_CLEAR_REGISTRY});
+    EXPECT_EQ(result.registry, linked);
+    EXPECT_EQ(result.notes,
+              "fennelbright: Software\\Apps\\One stays: \\Link\\One cannot be looked for: "
+              "a symbolic link, which is not followed\n");
 }
 
 TEST(ApplicationKeysTest, LeavesTheKeyThatMovesUpForTheNextRun) {

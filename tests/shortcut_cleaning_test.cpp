@@ -1,9 +1,15 @@
 #include "engine/shortcut_cleaning.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
 
 #include "core/options.h"
 #include "engine/shortcut_target.h"
+#include "platform/file_store.h"
 #include "platform/host_text.h"
 #include "tests/apply_device.h"
 
@@ -51,6 +57,13 @@ constexpr std::pair<const char*, const char*> kTargets[] = {
     {"\\Windows\\x.exe\\", "Windows/x.exe="},
     {"\"\\a\"", "a="},
     {"\\a", "a="},
+    {"\\Windows\\x.exe.", "Windows/x.exe="},
+    {"\\Windows\\x.exe. /a", "Windows/x.exe="},
+    {"\"\\My Documents. . \" /a", "My Documents/"},
+    {"\\P\\*", "P/a="},
+    {"\\P\\?.exe", "P/a.exe="},
+    {"\"\\P\\*.exe\" /a", "P/a.exe="},
+    {"\"\\P\\?.exe /a", "P/a.exe="},
 };
 
 TEST(ShortcutCleaningTest, KeepsWhatLeadsSomewhere) {
@@ -61,17 +74,17 @@ TEST(ShortcutCleaningTest, KeepsWhatLeadsSomewhere) {
 }
 
 TEST(ShortcutCleaningTest, KeepsWhatBeginsWithNoPath) {
-    for (const char* const target :
-         {"", ":MSPIMG", "poutlook.exe tasks", "shellres.dll,-8229", "http://www.example.com", "\"",
-          "\"calc.exe\" \\a", "C:\\a", "\\", "\\\\\\", "\"\\\"", "\"\\\" \\a", "\"\\"}) {
+    for (const char* const target : {"", ":MSPIMG", "poutlook.exe tasks", "shellres.dll,-8229",
+                                     "http://www.example.com", "\"", "\"calc.exe\" \\a", "C:\\a",
+                                     "\\", "\\\\\\", "\\ \\ \\", "\"\\\"", "\"\\\" \\a", "\"\\"}) {
         EXPECT_TRUE(Stays(target, {})) << target;
     }
 }
 
-TEST(ShortcutCleaningTest, FindsNothingByPatternOrRoot) {
+TEST(ShortcutCleaningTest, FindsNothingByAPartAsPatternOrByTheRoot) {
     for (const char* const target :
-         {"\\Windows\\*", "\\Win*", "\"\\Windows\\*.exe\" /a", "\\ no such thing", "\\|", "\"\\.",
-          "\"\\a", "\\..\\files", "\\Windows\\.", "\"\\....", "\\ \\ \\"}) {
+         {"\\Windows\\*.exe /a", "\\Win* \\a", "\\Win*\\a.exe", "\\Windows\\b*", "\\ no such thing",
+          "\\|", "\"\\.", "\"\\a", "\\..\\files", "\\Windows\\.", "\\Windows\\..", "\"\\...."}) {
         EXPECT_FALSE(Stays(target, {"Windows/a.exe="})) << target;
     }
     EXPECT_TRUE(Stays("\\Windows\\a.exe *.txt", {"Windows/a.exe="}));
@@ -117,17 +130,60 @@ TEST(ShortcutCleaningTest, CleansTheWholeMenuAndCountsWhatWent) {
     EXPECT_EQ(ApplySilently({files, kQuietTweaks, 0}).bytesCleaned, 0U);
 }
 
-// A look that fails tells of a missing target, whatever the reason; a reading that fails does not.
-TEST(ShortcutCleaningTest, NeverDeletesWhatItCannotRead) {
-    const Entries files = {"Windows/Start Menu/live.lnk=6#\\a.exe", "a.exe="};
-    const ApplyInput input{files, kQuietTweaks, OPT_CLEAN_START_MENU};
-    int calls = 0;
-    ApplySilently(input, 0, &calls);
-    int lost = 0;
-    for (int failing = 1; failing <= calls; ++failing) {
-        lost += ApplySilently(input, failing).bytesCleaned > 0 ? 1 : 0;
+// Every call fails in its turn, for every reason.
+TEST(ShortcutCleaningTest, KeepsWhatItCannotLookForAndTheKeysOfSuchApplications) {
+    const Entries files = {"a.exe=", "c.exe d=", "Windows/Start Menu/live.lnk=8#\\a.exe",
+                           "Windows/Start Menu/gone.lnk=8#\\b.exe d",
+                           "Windows/Start Menu/also live.lnk=8#\\c.exe d"};
+    const std::string apps = "[HKEY_LOCAL_MACHINE\\Software\\Apps\\";
+    const std::string keys =
+        apps + "Live]\n\"InstallDir\"=\"\\\\a.exe\"\n" + apps + "Gone]\n\"InstallDir\"=\"\\\\b\"\n";
+    const ApplyInput input{files, kQuietTweaks + keys, OPT_CLEAN_START_MENU | OPT_CLEAR_REGISTRY};
+    for (const int reason : {EIO, EMFILE, ENOMEM, EACCES}) {
+        const std::string why = std::string("cannot be looked for: ") + std::strerror(reason);
+        int noted = 0;
+        for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
+            const ApplyResult result = ApplySilently(input, failing, &calls, reason);
+            const auto isNoted = [&result](const std::string& note) {
+                return result.notes.find(note) != std::string::npos;
+            };
+            noted += isNoted(why) ? 1 : 0;
+            EXPECT_GE(result.files.size(), isNoted("gone.lnk stays") ? 7U : 6U) << failing;
+            EXPECT_NE(result.registry.find(isNoted("Gone stays") ? keys : "Live]"),
+                      std::string::npos)
+                << failing;
+        }
+        EXPECT_EQ(noted, 6) << why;
     }
-    EXPECT_EQ(lost, 1);  // the one look for the target
+}
+
+// As an ordinary user, whom a mode keeps out.
+TEST(ShortcutCleaningTest, KeepsWhatLeadsToWhereItMayNotLook) {
+    const uid_t user = geteuid();
+    ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
+    TemporaryDevice device;
+    device.Make({"shut/", "hidden/", "link>hidden", "menu/shut.lnk=5#\\shut\\x",
+                 "menu/hidden.lnk=5#\\hidden\\x", "menu/link.lnk=5#\\link\\x",
+                 "menu/gone.lnk=5#\\gone\\x"});
+    chmod((device.files() + "/shut").c_str(), 0);
+    chmod((device.files() + "/hidden").c_str(), 0311);
+    platform::FileStore store(device.OpenFiles(), u"");
+    const platform::StoreInUse inUse(store);
+    testing::internal::CaptureStderr();
+    CleanShortcuts(u"\\menu");
+    const std::string notes = testing::internal::GetCapturedStderr();
+    chmod((device.files() + "/shut").c_str(), 0700);
+    chmod((device.files() + "/hidden").c_str(), 0700);
+    EXPECT_EQ(device.Listing(),
+              (Entries{"hidden/", "link>hidden", "menu/", "menu/hidden.lnk=5#\\hidden\\x",
+                       "menu/link.lnk=5#\\link\\x", "menu/shut.lnk=5#\\shut\\x", "shut/"}));
+    for (const char* const note :
+         {"\\menu\\shut.lnk stays: \\shut\\x cannot be looked for: Permission denied",
+          "\\menu\\hidden.lnk stays: \\hidden\\x cannot be looked for: Permission denied",
+          "\\menu\\link.lnk stays: \\link\\x cannot be looked for: a symbolic link"}) {
+        EXPECT_NE(notes.find(note), std::string::npos) << notes;
+    }
+    ASSERT_EQ(seteuid(user), 0);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include <fstream>
 
 #include "engine/file_tree.h"
+#include "engine/shortcut_cleaning.h"
 #include "platform/file_store.h"
 #include "tests/temporary_device.h"
 
@@ -182,6 +183,16 @@ TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
         DeleteTree(path, true, true);
     }
     EXPECT_EQ(device_.Listing(), Words("Card/ T/ T/d/ T/d/mounted/ T/d/mounted/keep=1"));
+}
+
+TEST_P(VolumesTest, ShortcutsIntoMountsThatAreNotEnteredStay) {
+    Mount("T/mounted", "");
+    const Entries files = {"Card/", "M/", "M/x.lnk=5#\\T\\mounted\\x", "T/", "T/mounted/"};
+    device_.Make(files);
+    platform::FileStore store(device_.OpenFiles(), u"");
+    const platform::StoreInUse inUse(store);
+    CleanShortcuts(u"\\M");
+    EXPECT_EQ(device_.Listing(), files);
 }
 
 TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
