@@ -176,7 +176,7 @@ bool LooksLike(const SourceFile& source, Candidate& candidate) {
 bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
     const Result<Descriptor> copy = OpenRegularFile(candidate.directory, candidate.name);
     return copy && HaveSameContent(file.descriptor(), copy->get()) && fsync(copy->get()) == 0 &&
-           SyncDirectory(candidate.directory).has_value();
+           SyncEntries(candidate.directory).has_value();
 }
 
 // Whether it still has its name. What was kept in mind of another view of the same files may be
@@ -290,7 +290,7 @@ bool StandsFor(int directory, const char* name, const struct stat& file) {
            now.st_ino == file.st_ino;
 }
 
-Status SyncDirectory(int directory) {
+Status SyncEntries(int directory) {
     const bool done =
         fsync(directory) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EBADF;
     return done ? Status() : Fail("store the directory", errno);

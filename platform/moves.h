@@ -46,7 +46,7 @@ bool StandsFor(int directory, const char* name, const struct stat& file);
 void CopyUserAttributes(int from, int to);
 
 // Stores the entries of a directory safely, where its file system can do that.
-Status SyncDirectory(int directory);
+Status SyncEntries(int directory);
 
 // Writes all bytes.
 Status WriteWhole(int file, std::string_view bytes);

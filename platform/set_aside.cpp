@@ -46,7 +46,7 @@ Status WriteRecord(int volume, const char* name, const std::string& record) {
     if (fsync(file.get()) != 0) {
         return Fail(kNote, errno);
     }
-    return SyncDirectory(volume);
+    return SyncEntries(volume);
 }
 
 Result<std::u16string> ReadRecord(int volume, std::string_view name) {
@@ -95,7 +95,7 @@ Status Return(int volume, const HostName& aside, int directory, const char* name
     if (const Status renamed = Rename(volume, aside.c_str(), directory, name); !renamed) {
         return renamed;
     }
-    SyncDirectory(directory);
+    SyncEntries(directory);
     RemoveRecord(volume, ReservedCounterpart(aside.view(), ReservedFor::WayBack));
     return {};
 }

@@ -75,7 +75,7 @@ Status UnpublishedFile::PublishNew(int directory, const char* name) {
         return renamed;
     }
     reserved_.reset();
-    const Status synced = SyncDirectory(directory);
+    const Status synced = SyncEntries(directory);
     if (!synced) {
         Withdraw(directory, name);
     }
@@ -100,7 +100,7 @@ Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
         return Fail("replace the old file", errno);
     }
     reserved_.reset();
-    return SyncDirectory(directory);
+    return SyncEntries(directory);
 }
 
 void TakeModeAndOwner(int file, const struct stat& from) {
