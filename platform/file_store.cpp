@@ -521,8 +521,8 @@ void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
     moved_.Begin(tree_, oldPath, newPath);
 }
 
-void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) {
-    moved_.End(tree_, oldPath, newPath);
+void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
+    moved_.End(tree_, oldPath);
 }
 
 void FileStore::ClearUp() {

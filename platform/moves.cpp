@@ -25,6 +25,7 @@ namespace {
 
 constexpr char kMove[] = "move";
 using Block = std::array<char, 65536>;
+constexpr char kAccessList[] = "system.posix_acl_access";
 constexpr std::size_t kLargestAttribute = 65536;  // the kernel's own limit
 
 Result<std::size_t> ReadBlock(int file, Block& block) {
@@ -297,6 +298,8 @@ Status SyncEntries(int directory) {
 }
 
 void CopyUserAttributes(int from, int to) {
+    // A list that came from the directory around it would let in others as soon as the mode allows.
+    fremovexattr(to, kAccessList);
     if (flistxattr(from, nullptr, 0) <= 0) {
         return;
     }
@@ -307,8 +310,8 @@ void CopyUserAttributes(int from, int to) {
         const char* const name = &names[static_cast<std::size_t>(at)];
         const std::string_view text(name);
         at += static_cast<ssize_t>(text.size()) + 1;
-        const ssize_t size =
-            text.starts_with("user.") ? fgetxattr(from, name, value.data(), value.size()) : -1;
+        const bool goesAlong = text.starts_with("user.") || text == kAccessList;
+        const ssize_t size = goesAlong ? fgetxattr(from, name, value.data(), value.size()) : -1;
         if (size >= 0) {
             fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
         }

@@ -42,7 +42,8 @@ bool AreTwoNamesOfOneFile(int directory, const char* name, int otherDirectory, c
 // Whether the name stands for this very file.
 bool StandsFor(int directory, const char* name, const struct stat& file);
 
-// Gives `to` the user attributes of `from`, both open, as far as it can hold them.
+// Gives `to` the user attributes and the access list of `from`, both open, as far as it can hold
+// them. To be called before it gets its mode.
 void CopyUserAttributes(int from, int to);
 
 // Stores the entries of a directory safely, where its file system can do that.
