@@ -16,7 +16,7 @@ namespace {
 
 template <typename... Arguments>
 long Counted(bool isKnown, int otherwise, long number, Arguments... arguments) {
-    const bool isFault = g_calls.faultAt > 0 && --g_calls.faultAt == 0;
+    const bool isFault = isKnown && g_calls.faultAt > 0 && --g_calls.faultAt == 0;
     if (!isKnown || (isFault && g_calls.error != 0)) {
         errno = isKnown ? g_calls.error : otherwise;
         return -1;
