@@ -10,6 +10,7 @@
 #include "core/win_main.h"
 #include "platform/answering_store.h"
 #include "platform/boxes_on_demand.h"
+#include "platform/clear_up.h"
 #include "platform/console_windows.h"
 #include "platform/device_directory.h"
 #include "platform/directory_store.h"

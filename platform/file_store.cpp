@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "platform/clear_up.h"
 #include "platform/dos_attributes.h"
 #include "platform/moves.h"
 #include "platform/shortcut_file.h"
@@ -297,13 +298,14 @@ BOOL FileStore::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
 
 BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     const Result<Place> source = Locate(oldPath, Knowledge::OfSearch);
-    const BOOL moved =
-        Answer(source ? Move(*source, newPath) : Status(tl::unexpected<Failure>(source.error())));
+    const BOOL moved = Answer(source ? Move(*source, oldPath, newPath)
+                                     : Status(tl::unexpected<Failure>(source.error())));
     ForgetFilledDirectories();
     return moved;
 }
 
-Status FileStore::Move(const Place& source, std::u16string_view newPath) {
+Status FileStore::Move(const Place& source, std::u16string_view oldPath,
+                       std::u16string_view newPath) {
     if (SplitAtName(newPath).directoryOnly && !source.facts.isDirectory()) {
         return FailBecause("move", "it is no directory", ERROR_DIRECTORY);
     }
@@ -317,36 +319,54 @@ Status FileStore::Move(const Place& source, std::u16string_view newPath) {
     if (!existing) {
         return tl::unexpected<Failure>(existing.error());
     }
-    if (*existing) {
-        const bool isItself =
-            (*existing)->view() == source.name.view() && IsSameDirectory(source.directory, into);
-        return isItself ? Status() : Fail("move", EEXIST);
+    const bool isItself = *existing && (*existing)->view() == source.name.view() &&
+                          IsSameDirectory(source.directory, into);
+    if (isItself) {
+        return {};
+    }
+    if (*existing && (*existing)->view() != target->host.view()) {
+        return Fail("move", EEXIST);
     }
     if (const Status ready = BeforeMove(); !ready) {
         return ready;
     }
-    const Status moved = MoveTo(source, newPath, into, target->host);
+    const Status moved = *existing ? FinishMoveTo(source, oldPath, *target)
+                                   : MoveTo(source, oldPath, newPath, *target);
     if (moved) {
         directory.names.Add(target->device);
     }
     return moved;
 }
 
-Status FileStore::MoveTo(const Place& source, std::u16string_view newPath, int into,
-                         const HostName& name) {
-    Status moved =
-        RenameWithoutReplacing(source.directory, source.name.c_str(), into, name.c_str());
+Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
+                         std::u16string_view newPath, const Target& target) {
+    const int into = target.directory->descriptor.get();
+    const char* const name = target.host.c_str();
+    const Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
     if (moved || moved.error().error != EXDEV) {
         return moved;
     }
     if (!source.facts.isRegularFile()) {
         return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
     }
-    const Result<Descriptor> volume = tree_.OpenVolume(newPath);
-    if (!volume) {
-        return tl::unexpected<Failure>(volume.error());
+    const Result<Descriptor> from = tree_.OpenVolume(oldPath);
+    const Result<Descriptor> to = tree_.OpenVolume(newPath);
+    if (!from || !to) {
+        return tl::unexpected<Failure>((from ? to : from).error());
     }
-    return MoveToVolume(source.directory, source.name.c_str(), into, name.c_str(), volume->get());
+    return MoveToVolume({source.directory, source.name.c_str(), from->get(), oldPath},
+                        {into, name, to->get()});
+}
+
+// A move that was cut off left the entry under both names.
+Status FileStore::FinishMoveTo(const Place& source, std::u16string_view oldPath,
+                               const Target& target) {
+    const Result<Descriptor> volume = tree_.OpenVolume(oldPath);
+    if (!volume || !source.facts.isRegularFile()) {
+        return Fail("move", EEXIST);
+    }
+    return FinishMove({source.directory, source.name.c_str(), volume->get(), oldPath},
+                      target.directory->descriptor.get(), target.host.c_str());
 }
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
@@ -506,12 +526,12 @@ void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
     moved_.Begin(tree_, oldPath, newPath);
 }
 
-void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) {
-    moved_.End(tree_, oldPath, newPath);
+void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
+    moved_.End(tree_, oldPath);
 }
 
 void FileStore::ClearUp() {
-    RemoveUnpublishedFiles(tree_);
+    ClearUpVolumes(tree_);
 }
 
 LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,

@@ -103,8 +103,10 @@ class FileStore : public DeviceStore {
     Status Delete(std::u16string_view path);
     Status RemoveDirectory(std::u16string_view path);
     Status CreateDirectory(std::u16string_view path);
-    Status Move(const Place& source, std::u16string_view newPath);
-    Status MoveTo(const Place& source, std::u16string_view newPath, int into, const HostName& name);
+    Status Move(const Place& source, std::u16string_view oldPath, std::u16string_view newPath);
+    Status MoveTo(const Place& source, std::u16string_view oldPath, std::u16string_view newPath,
+                  const Target& target);
+    Status FinishMoveTo(const Place& source, std::u16string_view oldPath, const Target& target);
     void ForgetFilledDirectories();
     Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
     Result<std::FILE*> OpenForReading(std::u16string_view path);

@@ -11,7 +11,33 @@ namespace platform {
 
 namespace {
 
+constexpr std::string_view kReservedPrefix = ".fennelbright-";
 constexpr std::size_t kReservedDigits = 16;
+constexpr std::string_view kHexDigits = "0123456789abcdef";
+
+struct Purpose {
+    ReservedFor purpose;
+    std::string_view word;
+};
+
+constexpr Purpose kPurposes[] = {
+    {ReservedFor::NewContent, "new-"},
+    {ReservedFor::SetAside, "aside-"},
+    {ReservedFor::WayBack, "back-"},
+};
+
+void AppendText(HostName& name, std::string_view text) {
+    for (const char character : text) {
+        name.Append(character);
+    }
+}
+
+HostName ReservedPrefix(ReservedFor purpose) {
+    HostName name;
+    AppendText(name, kReservedPrefix);
+    AppendText(name, kPurposes[static_cast<std::size_t>(purpose)].word);
+    return name;
+}
 
 bool IsAllowed(utf8proc_int32_t character) {
     constexpr std::string_view forbidden = "\\/:*?\"<>|";
@@ -128,26 +154,41 @@ bool HasWildcard(std::u16string_view name) {
     return name.find_first_of(u"*?") != std::u16string_view::npos;
 }
 
-bool IsReservedName(std::string_view host) {
-    return host.size() == kReservedPrefix.size() + kReservedDigits &&
-           host.starts_with(kReservedPrefix) &&
-           host.find_first_not_of("0123456789abcdef", kReservedPrefix.size()) ==
-               std::string_view::npos;
+std::optional<ReservedFor> PurposeOf(std::string_view host) {
+    if (!host.starts_with(kReservedPrefix)) {
+        return std::nullopt;
+    }
+    for (const Purpose& purpose : kPurposes) {
+        const std::size_t length = kReservedPrefix.size() + purpose.word.size();
+        if (host.size() == length + kReservedDigits &&
+            host.substr(kReservedPrefix.size()).starts_with(purpose.word) &&
+            host.find_first_not_of(kHexDigits, length) == std::string_view::npos) {
+            return purpose.purpose;
+        }
+    }
+    return std::nullopt;
 }
 
-HostName NewReservedName() {
+bool IsReservedName(std::string_view host) {
+    return PurposeOf(host).has_value();
+}
+
+HostName NewReservedName(ReservedFor purpose) {
     std::array<unsigned char, kReservedDigits / 2> random{};
     // Cannot fail for so few bytes once the machine has started; equal names are told by the
     // making.
     [[maybe_unused]] const ssize_t got = getrandom(random.data(), random.size(), 0);
-    HostName name;
-    for (const char character : kReservedPrefix) {
-        name.Append(character);
-    }
+    HostName name = ReservedPrefix(purpose);
     for (const unsigned char byte : random) {
-        name.Append("0123456789abcdef"[byte >> 4]);
-        name.Append("0123456789abcdef"[byte & 0xF]);
+        name.Append(kHexDigits[byte >> 4]);
+        name.Append(kHexDigits[byte & 0xF]);
     }
+    return name;
+}
+
+HostName ReservedCounterpart(std::string_view reserved, ReservedFor purpose) {
+    HostName name = ReservedPrefix(purpose);
+    AppendText(name, reserved.substr(reserved.size() - kReservedDigits));
     return name;
 }
 

@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 #include "core/plain_types.h"
@@ -65,9 +66,16 @@ std::uint32_t NameHash(std::u16string_view name);                    // equal fo
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view name);
 bool HasWildcard(std::u16string_view name);
 
-// Names of files whose content is not complete yet. They exist on the host only.
-inline constexpr std::string_view kReservedPrefix = ".fennelbright-new-";
+// Names that the device does not have, for files of the host alone: a prefix that tells their
+// purpose, and 16 hexadecimal digits.
+enum class ReservedFor {
+    NewContent,  // a file that is not complete yet
+    SetAside,    // a file that is about to be deleted, or gets its own name back
+    WayBack,     // the record of that own name; the digits are those of the file set aside
+};
+std::optional<ReservedFor> PurposeOf(std::string_view host);  // nothing for any other name
 bool IsReservedName(std::string_view host);
-HostName NewReservedName();  // of random digits
+HostName NewReservedName(ReservedFor purpose = ReservedFor::NewContent);       // of random digits
+HostName ReservedCounterpart(std::string_view reserved, ReservedFor purpose);  // same digits
 
 }  // namespace platform

@@ -1,6 +1,9 @@
 #include "platform/moved_directories.h"
 
+#include <algorithm>
 #include <array>
+#include <iterator>
+#include <utility>
 
 #include "platform/moves.h"
 #include "platform/unpublished_file.h"
@@ -16,6 +19,7 @@ constexpr mode_t kUsualMode = 0777;
 void MovedDirectories::Begin(const DeviceTree& tree, std::u16string_view oldPath,
                              std::u16string_view newPath) {
     Pair pair;
+    pair.oldPath = oldPath;
     pair.newPath = newPath;
     const Result<OpenedDirectory> old = tree.OpenDirectory(oldPath, OpenFor::Reaching);
     pair.known = old && fstat(old->descriptor.get(), &pair.old) == 0;
@@ -32,13 +36,16 @@ void MovedDirectories::Made(std::u16string_view path) {
     }
 }
 
-void MovedDirectories::End(const DeviceTree& tree, std::u16string_view oldPath,
-                           std::u16string_view /*newPath*/) {
-    if (pairs_.empty()) {
+// What is further in and never ended was given up before anything moved into it.
+void MovedDirectories::End(const DeviceTree& tree, std::u16string_view oldPath) {
+    const auto found = std::find_if(pairs_.rbegin(), pairs_.rend(), [oldPath](const Pair& pair) {
+        return pair.oldPath == oldPath;
+    });
+    if (found == pairs_.rend()) {
         return;
     }
-    const Pair pair = std::move(pairs_.back());
-    pairs_.pop_back();
+    const Pair pair = std::move(*found);
+    pairs_.erase(std::prev(found.base()), pairs_.end());
     if (!pair.made || !pair.known) {
         return;
     }

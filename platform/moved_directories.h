@@ -24,12 +24,14 @@ class MovedDirectories {
     // The directory `path` has been made, so that it was not there before.
     void Made(std::u16string_view path);
 
-    // Gives `newPath`, if it was made, the mode, owner, user attributes and times that `oldPath`
-    // had at the beginning, as far as that is allowed and the volume can hold them.
-    void End(const DeviceTree& tree, std::u16string_view oldPath, std::u16string_view newPath);
+    // Gives the directory that stands for `oldPath`, if it was made, the mode, owner, user
+    // attributes and times that that one had at the beginning, as far as that is allowed and the
+    // volume can hold them; where they cannot be read, it stays open to its owner alone.
+    void End(const DeviceTree& tree, std::u16string_view oldPath);
 
   private:
     struct Pair {
+        std::u16string oldPath;
         std::u16string newPath;
         struct stat old {};
         bool known = false;  // `old` is filled

@@ -1,34 +1,22 @@
 #include "platform/unpublished_file.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 
 #include <cerrno>
 #include <string>
 
 #include "platform/device_tree.h"
-#include "platform/directory_reader.h"
 #include "platform/moves.h"
 
 namespace platform {
 
 namespace {
 
+constexpr char kStore[] = "store the new file";
 constexpr mode_t kNewFileMode = 0666;
 
 // The only way by which everyone may give a nameless file a name.
 constexpr char kOpenFiles[] = "/proc/self/fd/";
-
-void RemoveLeftBehind(int volume, const char* name) {
-    const Result<EntryFacts> facts = FactsOf(volume, name);
-    if (facts && facts->isRegularFile()) {
-        unlinkat(volume, name, 0);
-    }
-}
-
-bool MayBeDirectory(const DirectoryReader::Entry& entry) {
-    return entry.type == DT_DIR || entry.type == DT_UNKNOWN;
-}
 
 }  // namespace
 
@@ -75,21 +63,35 @@ Status UnpublishedFile::Reserve() {
 
 Status UnpublishedFile::PublishNew(int directory, const char* name) {
     if (fsync(descriptor()) != 0) {
-        return Fail("store the new file", errno);
+        return Fail(kStore, errno);
     }
     if (!reserved_) {
-        return Link(directory, name);
+        if (const Status linked = Link(directory, name); !linked) {
+            return linked;
+        }
+    } else if (const Status renamed =
+                   RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name);
+               !renamed) {
+        return renamed;
     }
-    const Status renamed = RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name);
-    if (renamed) {
-        reserved_.reset();
+    reserved_.reset();
+    const Status synced = SyncEntries(directory);
+    if (!synced) {
+        Withdraw(directory, name);
     }
-    return renamed;
+    return synced;
+}
+
+void UnpublishedFile::Withdraw(int directory, const char* name) const {
+    struct stat mine {};
+    if (fstat(descriptor(), &mine) == 0 && StandsFor(directory, name, mine)) {
+        unlinkat(directory, name, 0);
+    }
 }
 
 Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
     if (fsync(descriptor()) != 0) {
-        return Fail("store the new file", errno);
+        return Fail(kStore, errno);
     }
     if (const Status named = reserved_ ? Status() : Reserve(); !named) {
         return named;
@@ -98,43 +100,19 @@ Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
         return Fail("replace the old file", errno);
     }
     reserved_.reset();
-    return {};
+    return SyncEntries(directory);
 }
 
 void TakeModeAndOwner(int file, const struct stat& from) {
-    // Only root can give a file away; everyone else goes on being its owner.
-    [[maybe_unused]] const int given = fchown(file, from.st_uid, from.st_gid);
-    fchmod(file, from.st_mode & 0777);
-}
-
-void RemoveUnpublishedFilesIn(int directory) {
-    DirectoryReader reader(DirectoryReader::Names::All);
-    while (reader.Next(directory).value_or(false)) {
-        if (IsReservedName(reader.entry().name)) {
-            RemoveLeftBehind(directory, reader.entry().name);
-        }
+    mode_t mode = from.st_mode & (S_ISDIR(from.st_mode) ? 07777 : 0777);
+    // Only root can give a file away, and others only to groups of their own. In another group the
+    // members of both are given no more than either kind of stranger had.
+    if (fchown(file, from.st_uid, from.st_gid) != 0 &&
+        fchown(file, static_cast<uid_t>(-1), from.st_gid) != 0) {
+        const mode_t both = mode >> 3 & mode & S_IRWXO;
+        mode = (mode & (S_ISVTX | S_IRWXU)) | both << 3 | both;
     }
-}
-
-void RemoveUnpublishedFiles(const DeviceTree& tree) {
-    const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
-    if (!root) {
-        return;
-    }
-    const int directory = root->descriptor.get();
-    DirectoryReader reader(DirectoryReader::Names::All);
-    while (reader.Next(directory).value_or(false)) {
-        const DirectoryReader::Entry& entry = reader.entry();
-        if (IsReservedName(entry.name)) {
-            RemoveLeftBehind(directory, entry.name);
-        } else if (MayBeDirectory(entry) && IsMountPoint(directory, entry.name)) {
-            const Result<Descriptor> volume =
-                tree.OpenSubdirectory(directory, true, entry.name, OpenFor::Reading);
-            if (volume) {
-                RemoveUnpublishedFilesIn(volume->get());
-            }
-        }
-    }
+    fchmod(file, mode);
 }
 
 namespace {
@@ -170,13 +148,8 @@ Status Publish(const PublishingStream& stream) {
     if (!stream.written) {
         return stream.written;
     }
-    const Status published =
-        stream.replaced ? Replace(stream)
-                        : stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
-    if (published) {
-        fsync(stream.directory.get());
-    }
-    return published;
+    return stream.replaced ? Replace(stream)
+                           : stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
 }
 
 int CloseStream(void* cookie) {

@@ -12,8 +12,6 @@
 
 namespace platform {
 
-class DeviceTree;
-
 // A new file whose content is not complete yet. It has no name where the file system allows that,
 // else a reserved one in its volume's root directory. It goes with the object unless it was
 // published.
@@ -28,9 +26,14 @@ class UnpublishedFile {
 
     int descriptor() const { return descriptor_.get(); }
 
-    // Gives the file its name, with its content safely stored.
-    Status PublishNew(int directory, const char* name);      // fails where something has that name
-    Status PublishInPlace(int directory, const char* name);  // replaces what has that name
+    // Gives the file its name, with content and name safely stored. PublishNew fails where
+    // something has that name, and after a failure the file has none. PublishInPlace replaces what
+    // has that name; after a failure it stands for the old file or the new one, whole.
+    Status PublishNew(int directory, const char* name);
+    Status PublishInPlace(int directory, const char* name);
+
+    // Takes the name that PublishNew gave away again, unless it stands for another file by now.
+    void Withdraw(int directory, const char* name) const;
 
   private:
     UnpublishedFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
@@ -44,13 +47,9 @@ class UnpublishedFile {
     std::optional<HostName> reserved_;  // its name in the volume's root while it has one
 };
 
-// Gives `file` the mode and, where that is allowed, the owner that `from` tells.
+// Gives `file` the mode and, where that is allowed, the owner that `from` tells. Where it is not,
+// the mode is cut so that nobody but the owner may do more than `from` tells.
 void TakeModeAndOwner(int file, const struct stat& from);
-
-// Removes the files that earlier processes left unpublished in this open directory, and on the
-// device's volumes. Only while no other process is at work on the device.
-void RemoveUnpublishedFilesIn(int directory);
-void RemoveUnpublishedFiles(const DeviceTree& tree);
 
 // A stream for writing a file that has its new content, and its name, only from the moment when
 // fclose has returned 0; when that fails, errno and `failure`, which must live as long as the

@@ -2,92 +2,30 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sched.h>
-#include <sys/mount.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/xattr.h>
 #include <unistd.h>
-
-#include <cerrno>
-#include <cstdarg>
-#include <fstream>
 
 #include "engine/file_tree.h"
 #include "engine/shortcut_cleaning.h"
 #include "platform/file_store.h"
-#include "tests/temporary_device.h"
+#include "tests/mounted_device.h"
+#include "tests/system_calls.h"
 
 namespace {
-
-bool g_namelessFilesAllowed = true;
-bool g_renamingFlagsKnown = true;
-
-}  // namespace
-
-// Stands in front of the C library's function, for file systems that know no files without names.
-extern "C" int openat(int directory, const char* path, int flags, ...) {
-    if ((flags & O_TMPFILE) == O_TMPFILE && !g_namelessFilesAllowed) {
-        errno = EOPNOTSUPP;
-        return -1;
-    }
-    va_list arguments;
-    va_start(arguments, flags);
-    const mode_t mode = (flags & (O_CREAT | O_TMPFILE)) != 0 ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
-    return static_cast<int>(syscall(SYS_openat, directory, path, flags, mode));
-}
-
-// The same for file systems that know no renaming without replacing.
-extern "C" int renameat2(int fromDirectory, const char* from, int toDirectory, const char* to,
-                         unsigned flags) noexcept {
-    if (flags != 0 && !g_renamingFlagsKnown) {
-        errno = EINVAL;
-        return -1;
-    }
-    return static_cast<int>(syscall(SYS_renameat2, fromDirectory, from, toDirectory, to, flags));
-}
-
-namespace {
-
-// Mounts of this process alone. As an ordinary user it becomes root of a user namespace first.
-bool EnterMountNamespace() {
-    const uid_t user = geteuid();
-    const gid_t group = getegid();
-    if (unshare(user == 0 ? CLONE_NEWNS : CLONE_NEWNS | CLONE_NEWUSER) != 0) {
-        return false;
-    }
-    if (user != 0) {
-        std::ofstream("/proc/self/setgroups") << "deny";
-        std::ofstream("/proc/self/uid_map") << "0 " << user << " 1";
-        std::ofstream("/proc/self/gid_map") << "0 " << group << " 1";
-    }
-    return mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
-}
 
 // A device with a storage card of its own file system.
 class VolumesTest : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
-        g_namelessFilesAllowed = GetParam();
         if (!EnterMountNamespace()) {
             GTEST_SKIP() << "this user may not mount anything";
         }
-        Mount("Card", "size=512k");
+        g_calls = {};
+        g_calls.namelessFiles = GetParam();
+        device_.Mount("Card", "size=512k");
     }
-    void TearDown() override {
-        g_namelessFilesAllowed = true;
-        for (const std::string& target : mounted_) {
-            umount2(target.c_str(), MNT_DETACH);
-        }
-    }
-
-    void Mount(const std::string& path, const char* options) {
-        device_.Make({path + '/'});
-        const std::string target = device_.files() + '/' + path;
-        ASSERT_EQ(mount("card", target.c_str(), "tmpfs", 0, options), 0);
-        mounted_.push_back(target);
-    }
+    void TearDown() override { g_calls = {}; }
 
     void Move(const WCHAR* source, const WCHAR* destination) {
         platform::FileStore store(device_.OpenFiles(), u"");
@@ -108,12 +46,9 @@ class VolumesTest : public testing::TestWithParam<bool> {
         return results;
     }
 
-    std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
+    std::string HostPath(const std::string& path) const { return device_.HostPath(path); }
 
-    TemporaryDevice device_;
-
-  private:
-    std::vector<std::string> mounted_;
+    MountedDevice device_;
 };
 
 INSTANTIATE_TEST_SUITE_P(Files, VolumesTest, testing::Bool(), [](const auto& each) {
@@ -175,7 +110,7 @@ TEST_P(VolumesTest, StreamsReplaceAndMakeFilesOnAnyVolume) {
 }
 
 TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
-    Mount("T/d/mounted", "");
+    device_.Mount("T/d/mounted");
     device_.Make(Words("T/d/mounted/keep=1 T/d/f=2 Card/g=3"));
     platform::FileStore store(device_.OpenFiles(), u"");
     const platform::StoreInUse inUse(store);
@@ -196,11 +131,11 @@ TEST_P(VolumesTest, ShortcutsIntoMountsThatAreNotEnteredStay) {
 }
 
 TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
-    g_renamingFlagsKnown = false;
+    g_calls.renamingFlags = false;
     device_.Make(Words("A/f=1 A/s/g=2 A/x=new B/X=old Card/c/h=3"));
     Move(u"\\A", u"\\B\\");
     Move(u"\\Card\\c", u"\\Card\\");
-    g_renamingFlagsKnown = true;
+    g_calls.renamingFlags = true;
     EXPECT_EQ(device_.Listing(), Words("A/ A/x=new B/ B/X=old B/f=1 B/s/ B/s/g=2 Card/ Card/c/ "
                                        "Card/h=3"));
 }

@@ -1,0 +1,108 @@
+#include "platform/clear_up.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+
+#include <cerrno>
+#include <string>
+
+#include "platform/device_tree.h"
+#include "platform/directory_reader.h"
+#include "platform/host_text.h"
+#include "platform/run_log.h"
+#include "platform/set_aside.h"
+
+namespace platform {
+
+namespace {
+
+void SayLeft(const std::string& name, const std::string& why) {
+    LogInUse::Current().SayUndone(name + " stays: " + why);
+}
+
+template <typename Act>
+Status ForEachEntry(int directory, Act act) {
+    const Descriptor reading(
+        openat(directory, ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    if (!reading) {
+        return Fail("read the directory", errno);
+    }
+    DirectoryReader reader(DirectoryReader::Names::All);
+    for (;;) {
+        const Result<bool> more = reader.Next(reading.get());
+        if (!more) {
+            return tl::unexpected<Failure>(more.error());
+        }
+        if (!*more) {
+            return {};
+        }
+        act(reader.entry());
+    }
+}
+
+void RemoveUnpublishedFile(int directory, const char* name) {
+    const Result<EntryFacts> facts = FactsOf(directory, name);
+    if (facts && facts->isRegularFile()) {
+        unlinkat(directory, name, 0);
+    }
+}
+
+void PutRight(const DeviceTree& tree, int volume, const char* name) {
+    const std::optional<ReservedFor> purpose = PurposeOf(name);
+    if (purpose == ReservedFor::NewContent) {
+        RemoveUnpublishedFile(volume, name);
+    } else if (purpose == ReservedFor::SetAside && !HasRecord(volume, name)) {
+        SayLeft(name, "nothing tells which file it was");
+    } else if (purpose == ReservedFor::WayBack) {
+        if (const Status given = GiveBack(tree, volume, name); !given) {
+            SayLeft(ReservedCounterpart(name, ReservedFor::SetAside).c_str(),
+                    Describe(given.error()));
+        }
+    }
+}
+
+Status ClearUpVolume(const DeviceTree& tree, int volume) {
+    return ForEachEntry(
+        volume, [&](const DirectoryReader::Entry& entry) { PutRight(tree, volume, entry.name); });
+}
+
+void ClearUpIfVolume(const DeviceTree& tree, int root, const DirectoryReader::Entry& entry) {
+    const bool mayBeDirectory = entry.type == DT_DIR || entry.type == DT_UNKNOWN;
+    if (!mayBeDirectory || !IsMountPoint(root, entry.name)) {
+        return;
+    }
+    const Result<Descriptor> volume =
+        tree.OpenSubdirectory(root, true, entry.name, OpenFor::Reading);
+    const Status done = volume ? ClearUpVolume(tree, volume->get())
+                               : Status(tl::unexpected<Failure>(volume.error()));
+    if (!done) {
+        SayLeft("what was left in " + ReadableBytes(entry.name), Describe(done.error()));
+    }
+}
+
+}  // namespace
+
+void ClearUpVolumes(const DeviceTree& tree) {
+    if (tree.root() < 0) {
+        return;
+    }
+    Status done = ClearUpVolume(tree, tree.root());
+    if (done) {
+        done = ForEachEntry(tree.root(), [&](const DirectoryReader::Entry& entry) {
+            ClearUpIfVolume(tree, tree.root(), entry);
+        });
+    }
+    if (!done) {
+        SayLeft("what was left in \\", Describe(done.error()));
+    }
+}
+
+Status RemoveUnpublishedFilesIn(int directory) {
+    return ForEachEntry(directory, [directory](const DirectoryReader::Entry& entry) {
+        if (PurposeOf(entry.name) == ReservedFor::NewContent) {
+            RemoveUnpublishedFile(directory, entry.name);
+        }
+    });
+}
+
+}  // namespace platform

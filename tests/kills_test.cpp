@@ -1,0 +1,214 @@
+// Runs that are killed after any of their system calls, or in which any of these fails.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+#include <filesystem>
+#include <set>
+
+#include "platform/file_store.h"
+#include "platform/host_names.h"
+#include "tests/mounted_device.h"
+#include "tests/system_calls.h"
+
+namespace {
+
+using Action = void (*)();
+
+const std::string kLong(100000, 'x');  // more than one writing
+
+struct Case {
+    const char* name;
+    Entries before;
+    Action action;
+    Entries after;
+    SystemCalls system;
+};
+
+void MoveWithin() {
+    MoveFileW(u"\\A\\f", u"\\B\\g");
+}
+void MoveToCard() {
+    MoveFileW(u"\\A\\f", u"\\Card\\B\\g");
+}
+void MoveFromCard() {
+    MoveFileW(u"\\card\\b\\f", u"\\A\\g");
+}
+void MoveDirectory() {
+    MoveFileW(u"\\A\\d", u"\\B\\d");
+}
+void Write() {
+    std::FILE* const file = _wfopen(u"\\A\\f", u"wb");
+    if (file != nullptr) {
+        std::fputs(kLong.c_str(), file);
+        std::fclose(file);
+    }
+}
+
+// Without nameless files, renaming flags, links.
+constexpr SystemCalls kNone = {false, false, false};
+constexpr SystemCalls kNoFlags = {true, false, true};
+
+const Case kCases[] = {
+    {"Move", {"A/f=1", "B/"}, MoveWithin, {"A/", "B/", "B/g=1"}, {}},
+    {"MoveByLink", {"A/f=1", "B/"}, MoveWithin, {"A/", "B/", "B/g=1"}, kNoFlags},
+    {"MoveByLook", {"A/f=1", "B/"}, MoveWithin, {"A/", "B/", "B/g=1"}, kNone},
+    {"Directory", {"A/d/f=1", "B/"}, MoveDirectory, {"A/", "B/", "B/d/", "B/d/f=1"}, kNoFlags},
+    {"ToCard", {"A/f=" + kLong, "Card/B/"}, MoveToCard, {"A/", "Card/B/", "Card/B/g=" + kLong}, {}},
+    {"ToCardByLink",
+     {"A/f=" + kLong, "Card/B/"},
+     MoveToCard,
+     {"A/", "Card/B/", "Card/B/g=" + kLong},
+     {false, false, true}},
+    {"FromCard",
+     {"Card/B/f=" + kLong, "A/"},
+     MoveFromCard,
+     {"A/", "A/g=" + kLong, "Card/B/"},
+     kNone},
+    {"Replace", {"A/f=old"}, Write, {"A/", "A/f=" + kLong}, {}},
+    {"ReplaceByName", {"A/f=old"}, Write, {"A/", "A/f=" + kLong}, kNone},
+    {"Make", {"A/"}, Write, {"A/", "A/f=" + kLong}, {}},
+    {"MakeByName", {"A/"}, Write, {"A/", "A/f=" + kLong}, kNone},
+};
+
+class KillsTest : public testing::TestWithParam<Case> {
+  protected:
+    void SetUp() override {
+        if (!EnterMountNamespace()) {
+            GTEST_SKIP() << "this user may not mount anything";
+        }
+        device_.Mount("");
+        device_.Mount("Card");
+        after_ = GetParam().after;
+        after_.emplace_back("Card/");
+        std::sort(after_.begin(), after_.end());
+    }
+    void TearDown() override { g_calls = {}; }
+
+    void Reset() const {
+        for (const auto& entry : std::filesystem::directory_iterator(device_.files())) {
+            if (entry.path().filename() != "Card") {
+                std::filesystem::remove_all(entry);
+            }
+        }
+        for (const auto& entry : std::filesystem::directory_iterator(device_.HostPath("Card"))) {
+            std::filesystem::remove_all(entry);
+        }
+        device_.Make(GetParam().before);
+    }
+
+    // One run: what is done first, and then the action.
+    void Run() const {
+        platform::FileStore store(device_.OpenFiles(), u"");
+        const platform::StoreInUse inUse(store);
+        store.ClearUp();
+        GetParam().action();
+    }
+
+    // Runs with a fault at the call of that number. Returns whether there were so many calls.
+    bool RunWithFault(int number, int error) const {
+        const pid_t child = fork();
+        if (child == 0) {
+            g_calls = GetParam().system;
+            g_calls.faultAt = number;
+            g_calls.error = error;
+            if (error != 0) {
+                std::fclose(stderr);  // it may well complain
+            }
+            Run();
+            _exit(g_calls.faultAt > 0 ? 1 : 0);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        const bool isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+        EXPECT_TRUE(isKilled || WIFEXITED(status));
+        EXPECT_FALSE(isKilled && error != 0);
+        return isKilled || (error != 0 && WEXITSTATUS(status) == 0);
+    }
+
+    // What is to stay is there, and whatever has a name of its own is whole.
+    void ExpectNothingLost() const {
+        const std::set<std::string> before = ContentsOf(GetParam().before);
+        const std::set<std::string> after = ContentsOf(after_);
+        const Entries listing = device_.Listing();
+        for (const std::string& content : before) {
+            EXPECT_TRUE(!after.contains(content) || ContentsOf(listing).contains(content));
+        }
+        for (const std::string& entry : listing) {
+            const std::string path = entry.substr(0, entry.find('='));
+            const bool isReserved = platform::IsReservedName(path.substr(path.rfind('/') + 1));
+            EXPECT_TRUE(isReserved || before.contains(ContentOf(entry)) ||
+                        after.contains(ContentOf(entry)))
+                << path;
+        }
+    }
+
+    void ExpectFinishedByNextRun() const {
+        g_calls = GetParam().system;
+        testing::internal::CaptureStderr();
+        Run();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(device_.Listing(), after_);
+        g_calls = {};
+    }
+
+    Entries after_;
+
+  private:
+    static std::string ContentOf(const std::string& entry) {
+        return entry.substr(std::min(entry.find('='), entry.size()));
+    }
+    static std::set<std::string> ContentsOf(const Entries& entries) {
+        std::set<std::string> contents;
+        for (const std::string& entry : entries) {
+            contents.insert(ContentOf(entry));
+        }
+        return contents;
+    }
+
+    MountedDevice device_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Calls, KillsTest, testing::ValuesIn(kCases),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_P(KillsTest, AKillAfterAnyCallLosesNothing) {
+    for (int number = 1;; ++number) {
+        SCOPED_TRACE(number);
+        for (int next = 1;; ++next) {
+            SCOPED_TRACE(next);
+            Reset();
+            if (!RunWithFault(number, 0)) {
+                EXPECT_GT(number, 2);
+                return;
+            }
+            ExpectNothingLost();
+            const bool isKilledAgain = RunWithFault(next, 0);
+            ExpectNothingLost();
+            ExpectFinishedByNextRun();
+            if (!isKilledAgain || HasFailure()) {
+                break;
+            }
+        }
+    }
+}
+
+TEST_P(KillsTest, AnyCallThatFailsLosesNothing) {
+    for (const int error : {EIO, ENOSPC, EACCES}) {
+        for (int number = 1;; ++number) {
+            SCOPED_TRACE(number);
+            Reset();
+            if (!RunWithFault(number, error)) {
+                break;
+            }
+            ExpectNothingLost();
+            ExpectFinishedByNextRun();
+        }
+    }
+}
+
+}  // namespace
