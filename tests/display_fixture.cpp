@@ -18,6 +18,7 @@ bool IsKept(UINT message) {
 LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     EXPECT_FALSE(g_turningLoop) << "the program runs below the toolkit";
     if (!IsKept(message)) {
+        EXPECT_TRUE(message == WM_LBUTTONDOWN || message == WM_SETTEXT) << message;
         return DefWindowProcW(window, message, wParam, lParam);
     }
     const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;

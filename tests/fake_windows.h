@@ -326,7 +326,7 @@ class FakeWindows : public CollectedBoxes {
                 control.check = number;
                 return 0;
             case WM_GETTEXT:
-                return CopyText(control.text, wParam, lParam);
+                return CopyText(ShownText(control), wParam, lParam);
             case WM_SETTEXT:
                 control.text = TextOf(lParam);
                 return SendMessageW(control.parent, WM_COMMAND,
@@ -336,7 +336,7 @@ class FakeWindows : public CollectedBoxes {
                 control.entries.emplace_back(TextOf(lParam));
                 return static_cast<LRESULT>(control.entries.size()) - 1;
             case CB_SETCURSEL:
-                if (number < 0 || number >= static_cast<int>(control.entries.size())) {
+                if (number < -1 || number >= static_cast<int>(control.entries.size())) {
                     return CB_ERR;
                 }
                 return control.position = number;
@@ -362,6 +362,14 @@ class FakeWindows : public CollectedBoxes {
                 ADD_FAILURE() << "unexpected message " << message;
                 return 0;
         }
+    }
+
+    static std::u16string ShownText(const FakeWindow& control) {
+        if (control.className != u"COMBOBOX") {
+            return control.text;
+        }
+        const auto selected = static_cast<std::size_t>(control.position);
+        return control.position < 0 ? u"" : control.entries.at(selected);
     }
 
     static const WCHAR* TextOf(LPARAM lParam) { return reinterpret_cast<const WCHAR*>(lParam); }

@@ -112,10 +112,23 @@ TEST_F(DisplayTest, ComboBoxesKeepTheirSelection) {
     const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 5);
     EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("b")), 0);
     EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("a")), 1);
-    EXPECT_EQ(Send(combo, CB_GETCURSEL), CB_ERR);
-    EXPECT_EQ(Send(combo, CB_SETCURSEL, 0), 0);
-    EXPECT_EQ(Send(combo, CB_SETCURSEL, 2), CB_ERR);
-    EXPECT_EQ(Send(combo, CB_GETCURSEL), 0);
+    const struct {
+        WPARAM set;
+        LRESULT result;
+        LRESULT selected;
+        std::u16string text;
+    } rows[] = {{static_cast<WPARAM>(-1), CB_ERR, CB_ERR, u""},
+                {1, 1, 1, u"a"},
+                {2, CB_ERR, 1, u"a"},
+                {static_cast<WPARAM>(-2), CB_ERR, 1, u"a"},
+                {static_cast<WPARAM>(-1), CB_ERR, CB_ERR, u""},
+                {0, 0, 0, u"b"}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(Send(combo, CB_SETCURSEL, row.set), row.result);
+        EXPECT_EQ(Send(combo, WM_SETTEXT, 0, TEXT("x")), CB_ERR);
+        EXPECT_EQ(Send(combo, CB_GETCURSEL), row.selected);
+        EXPECT_EQ(TextOf(combo), row.text);
+    }
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
     SetFocus(combo);
