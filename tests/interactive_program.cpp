@@ -49,10 +49,14 @@ int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
     std::u16string noWords;
     int instance = 0;
     testing::internal::CaptureStderr();
-    const int ended = WinMain(&instance, nullptr, noWords.data(), 0);
+    int ended = 0;
+    try {
+        ended = WinMain(&instance, nullptr, noWords.data(), 0);
+    } catch (const DeviceRestarted&) {
+        restarts = 1;
+    }
     notes = testing::internal::GetCapturedStderr();
     calls = faulty.calls();
-    restarts = tested.restarts();
     EXPECT_TRUE(store.StoreRegistry().has_value());
     return ended;
 }

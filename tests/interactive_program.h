@@ -36,7 +36,7 @@ class InteractiveProgram {
     bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
     int calls = 0;      // to the window system, in the last run
-    int restarts = 0;   // the same
+    int restarts = 0;   // 1 when a restart of the device has ended the run
 
   private:
     LRESULT Notify(UINT code);

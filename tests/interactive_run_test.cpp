@@ -176,7 +176,7 @@ void Work(InteractiveProgram& program, int failing, LRESULT result) {
                      program.windows.Post(program.windows.Find(u"DisplayWindow"), WM_VSCROLL,
                                           SB_BOTTOM);
                  },
-                 [&] { program.ChooseTab(5); }, [&] { program.Choose(kCommandApplyAllowRestart); }},
+                 [&] { program.ChooseTab(5); }, [&] { program.Choose(kCommandApplyDeferRestart); }},
                 failing, result);
     EXPECT_EQ(program.windows.strayHandles, 0);
     EXPECT_TRUE(g_Screens == nullptr && g_MainWindow == nullptr && !g_Running);

@@ -18,32 +18,18 @@ namespace {
 using Texts = std::vector<std::string>;
 
 TEST(WindowProcedure, EveryMessageHasItsResult) {
-    constexpr LRESULT kDefault = FakeWindows::kDefaultResult;
     NMHDR other = {nullptr, 0, static_cast<UINT>(-12)};
     const struct {
         UINT message;
         WPARAM wParam;
         LPARAM lParam;
-        LRESULT result;
+        bool passedOn;
     } cases[] = {
-        {WM_LBUTTONUP, 0, 0, 1},
-        {WM_VSCROLL, SB_ENDSCROLL, 0, 1},
-        {WM_COMMAND, 50001, 0, 1},
-        {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, 1},
-        {WM_COMMAND, kCommandPowerOff, 0, 1},
-        {WM_COMMAND, kCommandSoftReset, 0, 1},
-        {WM_COMMAND, kCommandHardReset, 0, 1},
-        {WM_COMMAND, kCommandHelpIndex, 0, 1},
-        {WM_COMMAND, kCommandAbout, 0, 1},
-        {WM_COMMAND, IDCANCEL, 0, 1},
-        {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), kDefault},
-        {WM_NOTIFY, 0, 0, kDefault},
-        {WM_LBUTTONDOWN, 0, 0, kDefault},
-        {WM_CREATE, 0, 0, kDefault},
-        {WM_SIZE, 0, 0, kDefault},
-        {WM_CLOSE, 0, 0, kDefault},
-        {WM_DESTROY, 0, 0, kDefault},
-        {WM_HSCROLL, 0, 0, kDefault},
+        {WM_LBUTTONUP, 0, 0, false},      {WM_VSCROLL, SB_ENDSCROLL, 0, false},
+        {WM_COMMAND, 50001, 0, false},    {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, false},
+        {WM_COMMAND, IDCANCEL, 0, false}, {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), true},
+        {WM_NOTIFY, 0, 0, true},          {WM_LBUTTONDOWN, 0, 0, true},
+        {WM_CLOSE, 0, 0, true},           {WM_HSCROLL, 0, 0, true},
     };
     InteractiveProgram program;
     program.Run({[&] {
@@ -51,12 +37,11 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
             program.windows.calls.clear();
             const HWND window = g_DisplayWindow->Window();
             EXPECT_EQ(MainWindowProc(window, expected.message, expected.wParam, expected.lParam),
-                      expected.result);
-            const std::string passedOn =
-                "DefWindowProcW DisplayWindow " + std::to_string(expected.message);
-            EXPECT_EQ(std::ranges::count(program.windows.calls, passedOn),
-                      expected.result == kDefault ? 1 : 0)
-                << passedOn;
+                      expected.passedOn ? FakeWindows::kDefaultResult : 1);
+            const std::string call = "DefWindowProcW DisplayWindow ";
+            EXPECT_EQ(
+                std::ranges::count(program.windows.calls, call + std::to_string(expected.message)),
+                expected.passedOn ? 1 : 0);
         }
         EXPECT_TRUE(g_Running);
         EXPECT_EQ(program.windows.boxes, Texts{});
@@ -128,53 +113,46 @@ TEST(WindowProcedure, ATabWithoutScreenIsToldAndChangesNothing) {
 
 TEST(WindowProcedure, EndingCommandsSaveAndEndTheLoop) {
     for (const WORD command : {kCommandExit, static_cast<WORD>(IDOK)}) {
-        InChild(std::to_string(command), [&] {
-            InteractiveProgram program;
-            program.Run(
-                {[&] { program.Choose(command); }, [&] { ADD_FAILURE() << "the loop went on"; }});
-            EXPECT_EQ(program.SettingsFile(), std::string("\0\0\x80\0", 4));
-        });
+        InteractiveProgram program;
+        program.Run(
+            {[&] { program.Choose(command); }, [&] { ADD_FAILURE() << "the loop went on"; }});
+        EXPECT_EQ(program.SettingsFile(), std::string("\0\0\x80\0", 4));
     }
 }
-
-struct ApplyCase {
-    WORD command;
-    bool ticked;  // "Disable window animation", which the device has switched on
-    Texts boxes;
-    int restarts = 0;
-};
 
 TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
     const std::string freed = "[Cleaning Finished] 5 Bytes Cleaned";
     const std::string required =
         "[Restart Required] Some settings will not take effect until the device has been "
         "restarted";
-    const ApplyCase cases[] = {
+    const struct {
+        WORD command;
+        bool ticked;  // "Disable window animation", which the device has switched on
+        Texts boxes;
+        int restarts = 0;
+    } cases[] = {
         {kCommandApplyAllowRestart, false, {freed}},
         {kCommandApplyAllowRestart, true, {freed}, 1},
         {kCommandApplyDeferRestart, false, {freed}},
         {kCommandApplyDeferRestart, true, {freed, required}},
     };
-    for (const ApplyCase& expected : cases) {
+    for (const auto& expected : cases) {
         InChild(std::to_string(expected.command) + (expected.ticked ? " ticked" : ""), [&] {
             InteractiveProgram program({"Temp/a=12345"});
-            WriteFile(program.device.path() + "/registry.reg",
-                      "REGEDIT4\n\n[HKEY_LOCAL_MACHINE\\System\\GWE]\n\"Animate\"=dword:00000001\n"
-                      "[HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\n\"AniType\"=dword:00000006\n");
-            const auto apply = [&] {
-                program.Control(0, 6).check = 1;
-                program.Control(5, 7).check = expected.ticked ? 1 : 0;
-                program.Choose(expected.command);
-            };
-            const auto look = [&] {
-                EXPECT_EQ(program.windows.boxes, expected.boxes);
-                EXPECT_EQ(BytesCleaned, 0u);
-                EXPECT_EQ(program.SettingsFile(),
-                          expected.restarts != 0 ? std::string("\x04\0\x80\0", 4) : "");
-                EXPECT_EQ(program.device.Listing().back(), "Temp/");
-            };
-            program.Run({apply, look});
+            WriteFile(program.device.path() + "/registry.reg", kQuietTweaks);
+            std::string saved;
+            program.Run({[&] {
+                             program.Control(0, 6).check = 1;
+                             program.Control(5, 7).check = expected.ticked ? 1 : 0;
+                             program.Choose(expected.command);
+                         },
+                         [&] { saved = program.SettingsFile(); }});
+            EXPECT_EQ(program.windows.boxes, expected.boxes);
+            EXPECT_EQ(BytesCleaned, 0u);
+            EXPECT_EQ(program.device.Listing().back(), "Temp/");
             EXPECT_EQ(program.restarts, expected.restarts);
+            EXPECT_EQ(program.restarts == 0 ? saved : program.SettingsFile(),
+                      program.restarts == 0 ? "" : std::string("\x04\0\x80\0", 4));
         });
     }
 }

@@ -1,0 +1,98 @@
+#include <gtest/gtest.h>
+
+#include "core/application.h"
+#include "core/win_main.h"
+#include "platform/directory_store.h"
+#include "platform/recording_store.h"
+#include "tests/apply_device.h"
+#include "tests/settings_bytes.h"
+
+namespace {
+
+// All options, and a position for each of the four.
+std::string Everything() {
+    std::string bytes = Number(0x1FFFFFF);
+    for (const WCHAR* const text :
+         {u"\\1\\", u"\\2\\", u"log", u"\\8\\", u"\\12\\", u"\\14\\", u"\\15\\", u"\\16\\"}) {
+        bytes += Record(text);
+    }
+    return bytes + Number(0) + Number(1) + Number(2) + Number(1);
+}
+
+constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
+"DatabaseLocation"="\\Go"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders]
+"Cache"="\\C"
+"History"="\\H"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Content]
+"CacheLimit"=dword:00000009
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Cookies]
+"CacheLimit"=dword:00000009
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\History]
+"CacheLimit"=dword:00000009
+[HKEY_LOCAL_MACHINE\Explorer\Shell Folders]
+"Favorites"="\\Fav"
+"Fonts"="\\Fonts"
+"My Documents"="\\My"
+[HKEY_LOCAL_MACHINE\Software\Apps\Gone]
+"InstallDir"="\\Gone"
+[HKEY_LOCAL_MACHINE\System\GDI\GLYPHCACHE]
+"limit"=dword:00000009
+[HKEY_LOCAL_MACHINE\System\GWE]
+"Animate"=dword:00000001
+[HKEY_LOCAL_MACHINE\System\GWE\Menu]
+"AniType"=dword:00000006
+)";
+
+constexpr char kDone[] = R"(step 1: deleted \1\a (1 byte)
+step 2: deleted \2\a (1 byte)
+step 3: deleted \Temp\a (1 byte)
+step 4: deleted \Windows\Temp\a (1 byte)
+step 5: deleted \My Documents\Temp\a (1 byte)
+step 6: deleted \C\a (1 byte)
+step 7: deleted \H\a (1 byte)
+step 8: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders] "Cache": "\C" -> "\8\"
+step 9: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Content] "CacheLimit": 9 -> 1024
+step 10: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\History] "CacheLimit": 9 -> 512
+step 11: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Cookies] "CacheLimit": 9 -> 1024
+step 12: moved \Go\a to \12\a
+step 12: wrote [HKCU\Software\AvantGo] "DatabaseLocation": "\Go" -> "\12\"
+step 13: deleted key [HKLM\Software\Apps\Gone]
+step 14: moved \Fav\a to \14\a
+step 14: wrote [HKLM\Explorer\Shell Folders] "Favorites": "\Fav" -> "\14\"
+step 15: moved \Fonts\a to \15\a
+step 15: wrote [HKLM\Explorer\Shell Folders] "Fonts": "\Fonts" -> "\15\"
+step 16: moved \My\a to \16\a
+step 16: wrote [HKLM\Explorer\Shell Folders] "My Documents": "\My" -> "\16\"
+step 17: deleted \Windows\Start Menu\a.lnk (7 bytes)
+step 18: wrote [HKLM\System\GDI\GLYPHCACHE] "limit": 9 -> 16384
+step 19: made shortcut \Windows\StartUp\Fennelbright.lnk to "\App\Fennelbright.exe" silent"
+step 20: wrote [HKLM\System\GWE\Menu] "AniType": 6 -> 0
+step 21: wrote [HKLM\System\GWE] "Animate": 1 -> 0
+)";
+
+TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
+    const TemporaryDevice device;
+    device.Make(
+        Words("1/a=1 2/a=2 Temp/a=3 Windows/Temp/a=4 C/a=6 H/a=7 Go/a= Fav/a= Fonts/a= "
+              "My/a= 8/ 12/ 14/ 15/ 16/ Windows/StartUp/"));
+    device.Make({"My Documents/Temp/a=5", "Windows/Start Menu/a.lnk=5#\\Gone",
+                 "App/settings.dat=" + Everything()});
+    WriteFile(device.path() + "/registry.reg", kRegistry);
+    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                   device.OpenRegistry());
+    const std::string path = device.path() + "/report";
+    std::FILE* const report = std::fopen(path.c_str(), "we");
+    ASSERT_NE(report, nullptr);
+    platform::RecordingStore recorder(store, report);
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(recorder);
+    const platform::WindowsInUse windowsInUse(windows);
+    std::u16string silent = u"silent";
+    WinMain(nullptr, nullptr, silent.data(), 0);
+    std::fclose(report);
+    EXPECT_EQ(windows.boxes, Entries());
+    EXPECT_EQ(ReadFile(path), kDone);
+}
+
+}  // namespace
