@@ -113,11 +113,11 @@ LRESULT DisplayTest::Send(HWND window, UINT message, WPARAM wParam, const void* 
     return SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(lParam));
 }
 
-std::vector<WORD> CodesOf(const AllTold& told) {
-    std::vector<WORD> codes;
-    for (const Told& each : told) {
-        if (each.message == WM_COMMAND) {
-            codes.push_back(HIWORD(each.wParam));
+Codes DisplayTest::TakeCodes() {
+    Codes codes;
+    for (const Told& told : TakeTold()) {
+        if (told.message == WM_COMMAND || told.message == WM_NOTIFY) {
+            codes.push_back(told.message == WM_NOTIFY ? told.code : HIWORD(told.wParam));
         }
     }
     return codes;

@@ -25,6 +25,7 @@ struct Told {
 };
 
 using AllTold = std::vector<Told>;
+using Codes = std::vector<UINT>;
 
 // The window on the desktop.
 QWidget& Host();
@@ -59,6 +60,9 @@ class DisplayTest : public testing::Test {
     // WM_VSCROLL, WM_HSCROLL and the stylus.
     static AllTold TakeTold();
 
+    // The same, of WM_COMMAND and WM_NOTIFY the codes alone.
+    static Codes TakeCodes();
+
     static LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, const void* lParam = nullptr);
     static LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         return SendMessageW(window, message, wParam, lParam);
@@ -76,6 +80,3 @@ class DisplayTest : public testing::Test {
 
 // Called by the procedure with every message that is kept; what it returns is the result.
 extern LRESULT (*g_hook)(const Told& told);
-
-// The notification codes of the WM_COMMAND among them, in their order.
-std::vector<WORD> CodesOf(const AllTold& told);

@@ -5,15 +5,12 @@
 #include <QListWidget>
 #include <QScrollBar>
 #include <QWheelEvent>
-#include <algorithm>
 #include <string>
 
 #include "core/window_system.h"
 #include "tests/display_fixture.h"
 
 namespace {
-
-using Codes = std::vector<WORD>;
 
 std::u16string TextOf(HWND window) {
     WCHAR buffer[1100] = {};
@@ -24,7 +21,7 @@ std::u16string TextOf(HWND window) {
 TEST_F(DisplayTest, ButtonsTellTheirParentOfClicksAlone) {
     const HWND box = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 5, TEXT("Box"));
     const HWND push = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
-    Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 60, 102, 78}, 0, TEXT("Nameless"));
+    const HWND nameless = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 60, 102, 78}, 0);
     Send(box, BM_SETCHECK, 2);
     EXPECT_EQ(Send(box, BM_GETCHECK), 1);
     Send(push, BM_SETCHECK, 1);
@@ -32,11 +29,8 @@ TEST_F(DisplayTest, ButtonsTellTheirParentOfClicksAlone) {
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
     Click(Control(5));
-    for (auto* const button : Host().findChildren<QAbstractButton*>()) {
-        if (button->text() == QStringLiteral("Nameless")) {
-            Click(*button);
-        }
-    }
+    Click(*Control(5).parentWidget()->childAt(10, 70));
+    EXPECT_EQ(Send(nameless, BM_GETCHECK), 1);
     Click(Control(6));
     EXPECT_EQ(Send(box, BM_GETCHECK), 0);
     EXPECT_TRUE(TakeTold().empty()) << "told before the program asked for messages";
@@ -47,51 +41,32 @@ TEST_F(DisplayTest, ButtonsTellTheirParentOfClicksAlone) {
                  {page_, WM_COMMAND, MAKELONG(6, BN_CLICKED), reinterpret_cast<LPARAM>(push)}}));
 }
 
+TEST_F(DisplayTest, ButtonsTakeTheKeysThatPushThem) {
+    const HWND box = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 5, TEXT("Box"));
+    Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) {
+        QTest::keyClick(&Control(6), key);
+    }
+    Dispatch();
+    EXPECT_EQ(TakeCodes(), (Codes{BN_CLICKED, BN_CLICKED}));
+    SetFocus(box);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape, Qt::Key_Down, Qt::Key_Right}) {
+        QTest::keyClick(&Control(5), key);
+        EXPECT_TRUE(Control(5).hasFocus());
+    }
+    ShowWindow(box, SW_HIDE);
+    EXPECT_FALSE(Control(6).hasFocus()) << "the keyboard has gone on to a neighbour";
+    Dispatch();
+    EXPECT_TRUE(TakeTold().empty());
+}
+
 TEST_F(DisplayTest, EditBoxesTellOfEveryChange) {
     const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5);
-    Send(edit, WM_SETTEXT, 0, TEXT("ab"));
-    EXPECT_EQ(CodesOf(TakeTold()), (Codes{EN_UPDATE, EN_CHANGE}));
-    SetFocus(edit);
-    QTest::keyClick(&Control(5), Qt::Key_End);
-    QTest::keyClicks(&Control(5), QStringLiteral("c"));
-    EXPECT_TRUE(TakeTold().empty());
-    Dispatch();
-    EXPECT_EQ(TextOf(edit), u"abc");
-    Codes codes = CodesOf(TakeTold());
-    std::erase(codes, EN_SETFOCUS);
-    EXPECT_EQ(codes, (Codes{EN_UPDATE, EN_CHANGE}));
-}
-
-TEST_F(DisplayTest, TextsGoThroughTheClipboard) {
-    Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5, TEXT("\\Temp"));
-    const HWND other = Add(TEXT("EDIT"), WS_BORDER, {2, 22, 162, 40}, 6, TEXT("x"));
-    for (const auto& [id, key] : {std::pair{5, Qt::Key_A},
-                                  {5, Qt::Key_C},
-                                  {6, Qt::Key_End},
-                                  {6, Qt::Key_V},
-                                  {6, Qt::Key_A},
-                                  {6, Qt::Key_X},
-                                  {6, Qt::Key_V},
-                                  {6, Qt::Key_V}}) {
-        const bool plain = key == Qt::Key_End;
-        QTest::keyClick(&Control(id), key, plain ? Qt::NoModifier : Qt::ControlModifier);
+    for (const std::u16string text : {u"\xFEFF\\T", u"\xFFFE", u"\xD800", u"abc"}) {
+        Send(edit, WM_SETTEXT, 0, text.c_str());
+        EXPECT_EQ(TextOf(edit), text);
+        EXPECT_EQ(TakeCodes(), (Codes{EN_UPDATE, EN_CHANGE}));
     }
-    EXPECT_EQ(TextOf(other), u"x\\Tempx\\Temp");
-    // What is pasted is what is shown; nothing pasted changes nothing.
-    const std::pair<QString, std::u16string> pasted[] = {
-        {QString::fromUtf16(u"\\\0Temp\\\r\n\t", 9), u"\\Temp\\"},
-        {QString(), u"\\Temp\\"},
-        {QString(2000, 'x'), std::u16string(1023, u'x')}};
-    for (const auto& [text, shown] : pasted) {
-        QGuiApplication::clipboard()->setText(text);
-        QTest::keyClick(&Control(6), Qt::Key_A, Qt::ControlModifier);
-        QTest::keyClick(&Control(6), Qt::Key_V, Qt::ControlModifier);
-        EXPECT_EQ(TextOf(other), shown);
-    }
-}
-
-TEST_F(DisplayTest, TextsAreCopiedWithinTheirRoom) {
-    const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5, TEXT("abc"));
     const struct {
         WPARAM room;
         LRESULT copied;
@@ -102,9 +77,33 @@ TEST_F(DisplayTest, TextsAreCopiedWithinTheirRoom) {
         EXPECT_EQ(Send(edit, WM_GETTEXT, row.room, buffer), row.copied);
         EXPECT_EQ(buffer, row.text) << row.room;
     }
-    for (const std::u16string text : {u"\xFEFF\\T", u"\xFFFE", u"\xD800"}) {
-        Send(edit, WM_SETTEXT, 0, text.c_str());
-        EXPECT_EQ(TextOf(edit), text);
+    SetFocus(edit);
+    QTest::keyClick(&Control(5), Qt::Key_End);
+    QTest::keyClicks(&Control(5), QStringLiteral("d"));
+    EXPECT_TRUE(TakeTold().empty());
+    Dispatch();
+    EXPECT_EQ(TextOf(edit), u"abcd");
+    EXPECT_EQ(TakeCodes(), (Codes{EN_SETFOCUS, EN_UPDATE, EN_CHANGE}));
+}
+
+// What is pasted is what is shown; nothing pasted changes nothing.
+TEST_F(DisplayTest, TextsGoThroughTheClipboard) {
+    const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5, TEXT("\\Temp"));
+    const auto press = [](Qt::Key key) { QTest::keyClick(&Control(5), key, Qt::ControlModifier); };
+    for (const Qt::Key key :
+         {Qt::Key_A, Qt::Key_C, Qt::Key_V, Qt::Key_V, Qt::Key_A, Qt::Key_X, Qt::Key_V, Qt::Key_V}) {
+        press(key);
+    }
+    EXPECT_EQ(TextOf(edit), u"\\Temp\\Temp\\Temp\\Temp");
+    const std::pair<QString, std::u16string> pasted[] = {
+        {QString::fromUtf16(u"\\\0Temp\\\r\n\t", 9), u"\\Temp\\"},
+        {QString(), u"\\Temp\\"},
+        {QString(2000, 'x'), std::u16string(1023, u'x')}};
+    for (const auto& [text, shown] : pasted) {
+        QGuiApplication::clipboard()->setText(text);
+        press(Qt::Key_A);
+        press(Qt::Key_V);
+        EXPECT_EQ(TextOf(edit), shown);
     }
 }
 
@@ -112,19 +111,16 @@ TEST_F(DisplayTest, ComboBoxesKeepTheirSelection) {
     const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 5);
     EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("b")), 0);
     EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("a")), 1);
+    EXPECT_EQ(Send(combo, CB_GETCURSEL), CB_ERR);
     const struct {
-        WPARAM set;
+        LPARAM set;
         LRESULT result;
         LRESULT selected;
         std::u16string text;
-    } rows[] = {{static_cast<WPARAM>(-1), CB_ERR, CB_ERR, u""},
-                {1, 1, 1, u"a"},
-                {2, CB_ERR, 1, u"a"},
-                {static_cast<WPARAM>(-2), CB_ERR, 1, u"a"},
-                {static_cast<WPARAM>(-1), CB_ERR, CB_ERR, u""},
-                {0, 0, 0, u"b"}};
+    } rows[] = {{2, CB_ERR, CB_ERR, u""}, {1, 1, 1, u"a"},           {2, CB_ERR, 1, u"a"},
+                {-2, CB_ERR, 1, u"a"},    {-1, CB_ERR, CB_ERR, u""}, {0, 0, 0, u"b"}};
     for (const auto& row : rows) {
-        EXPECT_EQ(Send(combo, CB_SETCURSEL, row.set), row.result);
+        EXPECT_EQ(Send(combo, CB_SETCURSEL, static_cast<WPARAM>(row.set)), row.result);
         EXPECT_EQ(Send(combo, WM_SETTEXT, 0, TEXT("x")), CB_ERR);
         EXPECT_EQ(Send(combo, CB_GETCURSEL), row.selected);
         EXPECT_EQ(TextOf(combo), row.text);
@@ -135,61 +131,62 @@ TEST_F(DisplayTest, ComboBoxesKeepTheirSelection) {
     QTest::keyClick(&Control(5), Qt::Key_Down);
     Dispatch();
     EXPECT_EQ(Send(combo, CB_GETCURSEL), 1);
-    EXPECT_EQ(CodesOf(TakeTold()), (Codes{CBN_SETFOCUS, CBN_SELENDOK, CBN_SELCHANGE}));
+    EXPECT_EQ(TakeCodes(), (Codes{CBN_SETFOCUS, CBN_SELENDOK, CBN_SELCHANGE}));
 }
 
-TEST_F(DisplayTest, ListBoxesSortWithoutRegardToCase) {
-    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 5);
-    Send(list, LB_SETHORIZONTALEXTENT, 400);
-    for (const WCHAR* const text : {TEXT("\\temp\\"), TEXT("\\Windows\\"), TEXT("\\Temp\\a\\"),
-                                    TEXT("\\My\\"), TEXT("\\TEMP\\")}) {
-        EXPECT_GE(Send(list, LB_ADDSTRING, 0, text), 0);
+class ListTest : public DisplayTest {
+  protected:
+    void Fill(std::initializer_list<const WCHAR*> texts) {
+        for (const WCHAR* const text : texts) {
+            EXPECT_GE(Send(list_, LB_ADDSTRING, 0, text), 0);
+        }
+        QCoreApplication::processEvents();
     }
-    std::vector<std::u16string> entries;
-    for (WPARAM index = 0; index < 5; ++index) {
+
+    HWND list_ = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 5);
+    QListWidget& view_ = dynamic_cast<QListWidget&>(Control(5));
+};
+
+TEST_F(ListTest, EntriesAreSortedWithoutRegardToCase) {
+    Send(list_, LB_SETHORIZONTALEXTENT, 400);
+    Fill({u"\\temp\\", u"\\Windows\\", u"\\Temp\\a\\", u"\\My\\", u"\\TEMP\\"});
+    WPARAM index = 0;
+    for (const std::u16string entry :
+         {u"\\My\\", u"\\TEMP\\", u"\\temp\\", u"\\Temp\\a\\", u"\\Windows\\"}) {
         WCHAR text[32] = {};
-        EXPECT_EQ(Send(list, LB_GETTEXT, index, text), Send(list, LB_GETTEXTLEN, index));
-        entries.emplace_back(text);
+        EXPECT_EQ(Send(list_, LB_GETTEXTLEN, index), static_cast<LRESULT>(entry.size()));
+        EXPECT_EQ(Send(list_, LB_GETTEXT, index++, text), static_cast<LRESULT>(entry.size()));
+        EXPECT_EQ(text, entry);
     }
-    EXPECT_EQ(entries, (std::vector<std::u16string>{u"\\My\\", u"\\TEMP\\", u"\\temp\\",
-                                                    u"\\Temp\\a\\", u"\\Windows\\"}));
     WCHAR untouched[4] = TEXT("zz");
-    EXPECT_EQ(Send(list, LB_GETTEXT, 5, untouched), LB_ERR);
-    EXPECT_EQ(Send(list, LB_GETTEXT, static_cast<WPARAM>(-1), untouched), LB_ERR);
-    EXPECT_STREQ(reinterpret_cast<const char*>(untouched), "z");
-    auto& view = dynamic_cast<QListWidget&>(Control(5));
-    EXPECT_TRUE(view.verticalScrollBar()->isVisible());
-    EXPECT_TRUE(view.horizontalScrollBar()->isVisible());
-    QCoreApplication::processEvents();
-    EXPECT_EQ(view.horizontalScrollBar()->maximum(), 400 - view.viewport()->width());
-    Send(list, LB_RESETCONTENT);
-    EXPECT_EQ(Send(list, LB_GETCOUNT), 0);
-    Send(list, LB_ADDSTRING, 0, TEXT("x"));
-    QCoreApplication::processEvents();
-    EXPECT_GT(view.horizontalScrollBar()->maximum(), 0) << "the extent is gone";
+    EXPECT_EQ(Send(list_, LB_GETTEXT, 5, untouched), LB_ERR);
+    EXPECT_EQ(Send(list_, LB_GETTEXT, static_cast<WPARAM>(-1), untouched), LB_ERR);
+    EXPECT_EQ(std::u16string(untouched), u"zz");
+    EXPECT_TRUE(view_.verticalScrollBar()->isVisible());
+    EXPECT_TRUE(view_.horizontalScrollBar()->isVisible());
+    EXPECT_EQ(view_.horizontalScrollBar()->maximum(), 400 - view_.viewport()->width());
+    Send(list_, LB_RESETCONTENT);
+    EXPECT_EQ(Send(list_, LB_GETCOUNT), 0);
+    Fill({u"x"});
+    EXPECT_GT(view_.horizontalScrollBar()->maximum(), 0) << "the extent is gone";
 }
 
-TEST_F(DisplayTest, TapsToggleEntriesOfAList) {
-    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 5);
-    for (const WCHAR* const text : {TEXT("a"), TEXT("b"), TEXT("c")}) {
-        Send(list, LB_ADDSTRING, 0, text);
-    }
-    auto& view = dynamic_cast<QListWidget&>(Control(5));
+TEST_F(ListTest, TapsToggleEntries) {
+    Fill({u"a", u"b", u"c"});
     for (const int row : {2, 0, 1, 1}) {
-        Click(*view.viewport(), view.visualItemRect(view.item(row)).center());
+        Click(*view_.viewport(), view_.visualItemRect(view_.item(row)).center());
     }
-    LONG selected[3] = {-1, -1, -1};
-    EXPECT_EQ(Send(list, LB_GETSELCOUNT), 2);
-    EXPECT_EQ(Send(list, LB_GETSELITEMS, 1, selected), 1);
-    EXPECT_EQ(selected[1], -1);
-    EXPECT_EQ(Send(list, LB_GETSELITEMS, 3, selected), 2);
-    EXPECT_EQ(selected[0], 0);
-    EXPECT_EQ(selected[1], 2);
+    std::vector<LONG> selected = {-1, -1, -1};
+    EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 2);
+    EXPECT_EQ(Send(list_, LB_GETSELITEMS, 1, selected.data()), 1);
+    EXPECT_EQ(selected, (std::vector<LONG>{0, -1, -1}));
+    EXPECT_EQ(Send(list_, LB_GETSELITEMS, 3, selected.data()), 2);
+    EXPECT_EQ(selected, (std::vector<LONG>{0, 2, -1}));
     Dispatch();
-    Codes codes = CodesOf(TakeTold());
-    EXPECT_EQ(std::count(codes.begin(), codes.end(), LBN_SELCHANGE), 4);
-    Send(list, LB_SETSEL, 1, LPARAM{1});
-    EXPECT_EQ(Send(list, LB_GETSELCOUNT), 3);
+    EXPECT_EQ(TakeCodes(),
+              (Codes{LBN_SETFOCUS, LBN_SELCHANGE, LBN_SELCHANGE, LBN_SELCHANGE, LBN_SELCHANGE}));
+    Send(list_, LB_SETSEL, 1, LPARAM{1});
+    EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 3);
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
 }
