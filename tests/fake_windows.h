@@ -29,9 +29,9 @@ struct FakeWindow {
     WNDPROC procedure = nullptr;  // null: a control
     bool visible = false;
     LRESULT check = 0;
-    int position = -1;                    // of combo box, slider or tab control
-    int highest = 100;                    // position of a slider
-    std::vector<std::u16string> entries;  // of combo box or tab control
+    int position = -1;                      // of combo box, slider or tab control
+    int highest = 100;                      // position of a slider
+    std::vector<std::u16string> entries{};  // of combo box or tab control
     SCROLLINFO scroll{kScrollInfoSize, SIF_ALL, 0, 100, 0, 0, 0};
 };
 
@@ -64,8 +64,7 @@ class FakeWindows : public CollectedBoxes {
     FakeWindow& At(HWND window) { return windows.at(window); }
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override {
-        EXPECT_EQ(windowClass->style, CS_HREDRAW | CS_VREDRAW);
-        EXPECT_EQ(windowClass->hInstance, g_Instance);
+        EXPECT_TRUE(windowClass->style == 3 && windowClass->hInstance == g_Instance);
         EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
         return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
                classes_.emplace(windowClass->lpszClassName, windowClass->lpfnWndProc).second;
@@ -80,20 +79,20 @@ class FakeWindows : public CollectedBoxes {
     HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
                          DWORD style, int x, int y, int width, int height, HWND parent, HMENU menu,
                          HINSTANCE instance, void* parameter) override {
-        EXPECT_EQ(instance, g_Instance);
-        EXPECT_EQ(parameter, nullptr);
-        FakeWindow window;
-        window.className = className;
-        window.text = text;
-        window.style = style;
-        window.extendedStyle = extendedStyle;
-        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
-                                           : RECT{x, y, x + width, y + height};
-        window.parent = parent;
-        window.id = reinterpret_cast<DWORD_PTR>(menu);
-        window.visible = (style & WS_VISIBLE) != 0;
+        EXPECT_TRUE(instance == g_Instance && parameter == nullptr);
         const auto known = classes_.find(className);
-        window.procedure = known == classes_.end() ? nullptr : known->second;
+        FakeWindow window = {className,
+                             text,
+                             style,
+                             extendedStyle,
+                             {x, y, x + width, y + height},
+                             parent,
+                             reinterpret_cast<DWORD_PTR>(menu),
+                             known == classes_.end() ? nullptr : known->second,
+                             (style & WS_VISIBLE) != 0};
+        if (x == CW_USEDEFAULT) {
+            window.bounds = {0, kCaptionHeight, kScreenWidth, kScreenHeight};
+        }
         const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
         const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
                           (known != classes_.end() || kControlClasses.contains(className)) &&
@@ -139,9 +138,8 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL GetWindowRect(HWND window, RECT* rectangle) override {
         const FakeWindow* const found = Living(window);
-        if (found != nullptr) {
-            *rectangle = found->bounds;  // only asked of windows that stand on the screen
-        }
+        // Only asked of windows that stand on the screen.
+        *rectangle = found != nullptr ? found->bounds : *rectangle;
         return found != nullptr;
     }
 
@@ -154,27 +152,10 @@ class FakeWindows : public CollectedBoxes {
         return 1;
     }
 
-    BOOL SetWindowTextW(HWND window, const WCHAR* text) override {
-        FakeWindow* const found = Living(window);
-        if (found != nullptr) {
-            found->text = text;
-        }
-        return found != nullptr;
-    }
-
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
         EXPECT_TRUE(window == nullptr && lowest == 0 && highest == 0);
-        if (queue_.empty() && !steps.empty()) {
-            const std::function<void()> step = std::move(steps.front());
-            steps.pop_front();
-            step();
-        }
-        if (queue_.empty() && steps.empty()) {
-            const auto shown = std::ranges::find_if(
-                windows, [](const auto& other) { return other.second.procedure != nullptr; });
-            // Nothing is left that could ask for the end.
-            g_Running = g_Running && shown != windows.end();
-            Post(g_Running ? shown->first : nullptr, WM_COMMAND, IDOK);
+        if (queue_.empty()) {
+            NextStep();
         }
         if (queue_.empty()) {
             return 0;
@@ -207,17 +188,8 @@ class FakeWindows : public CollectedBoxes {
                                             : Answer(window, *target, message, wParam, lParam);
     }
 
-    LRESULT SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
-                                LPARAM lParam) override {
-        const auto found = std::ranges::find_if(windows, [&](const auto& window) {
-            return window.second.parent == parent && window.second.id == static_cast<DWORD_PTR>(id);
-        });
-        return found == windows.end() ? 0 : SendMessageW(found->first, message, wParam, lParam);
-    }
-
     BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {
-        EXPECT_EQ(bar, SB_VERT);
-        EXPECT_EQ(info->cbSize, 28u);
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28);
         const FakeWindow* const found = Living(window);
         if (found == nullptr) {
             return 0;
@@ -229,9 +201,7 @@ class FakeWindows : public CollectedBoxes {
     }
 
     int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override {
-        EXPECT_EQ(bar, SB_VERT);
-        EXPECT_EQ(info->cbSize, 28u);
-        EXPECT_EQ(redraw, TRUE);
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28 && redraw == TRUE);
         if (!Goes("SetScrollInfo", window)) {
             return 0;
         }
@@ -258,15 +228,12 @@ class FakeWindows : public CollectedBoxes {
     }
 
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override {
-        EXPECT_EQ(info->cbSize, 36u);
-        EXPECT_EQ(info->dwFlags, SHCMBF_HMENU);
-        EXPECT_EQ(info->nToolBarId, 101u);
-        EXPECT_EQ(info->hInstRes, g_Instance);
+        EXPECT_TRUE(info->cbSize == 36 && info->dwFlags == SHCMBF_HMENU &&
+                    info->nToolBarId == 101 && info->hInstRes == g_Instance);
         if (!Goes("SHCreateMenuBar", info->hwndParent)) {
             return 0;
         }
         FakeWindow bar;
-        bar.className = u"menu bar";
         bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
         bar.parent = info->hwndParent;
         info->hwndMB = Add(std::move(bar));
@@ -283,6 +250,21 @@ class FakeWindows : public CollectedBoxes {
     const std::set<std::u16string> kControlClasses = {
         u"BUTTON",         u"EDIT", u"COMBOBOX", u"LISTBOX", u"STATIC", u"msctls_trackbar32",
         u"SysTabControl32"};
+
+    // The next thing that the user does, once nothing is left to be done.
+    void NextStep() {
+        if (!steps.empty()) {
+            const std::function<void()> step = std::move(steps.front());
+            steps.pop_front();
+            return step();
+        }
+        const auto shown = std::ranges::find_if(
+            windows, [](const auto& other) { return other.second.procedure != nullptr; });
+        g_Running = g_Running && shown != windows.end();  // else nobody could ask for the end
+        if (g_Running) {
+            Post(shown->first, WM_COMMAND, IDOK);
+        }
+    }
 
     // Keeps the call and returns whether it is to succeed.
     bool Goes(const std::string& call) {
@@ -319,6 +301,10 @@ class FakeWindows : public CollectedBoxes {
 
     LRESULT Answer(HWND handle, FakeWindow& control, UINT message, WPARAM wParam, LPARAM lParam) {
         const auto number = static_cast<int>(static_cast<LPARAM>(wParam));
+        const bool ofCombo = message >= CB_ADDSTRING && message <= CB_SETCURSEL;
+        const bool ofSlider = message >= TBM_GETPOS && message <= TBM_SETRANGE;
+        EXPECT_EQ(ofCombo, control.className == u"COMBOBOX" && message != WM_GETTEXT);
+        EXPECT_EQ(ofSlider, control.className == u"msctls_trackbar32");
         switch (message) {
             case BM_GETCHECK:
                 return control.check;
@@ -365,22 +351,17 @@ class FakeWindows : public CollectedBoxes {
     }
 
     static std::u16string ShownText(const FakeWindow& control) {
-        if (control.className != u"COMBOBOX") {
-            return control.text;
-        }
-        const auto selected = static_cast<std::size_t>(control.position);
-        return control.position < 0 ? u"" : control.entries.at(selected);
+        return control.className != u"COMBOBOX" ? control.text
+               : control.position < 0
+                   ? u""
+                   : control.entries.at(static_cast<std::size_t>(control.position));
     }
 
     static const WCHAR* TextOf(LPARAM lParam) { return reinterpret_cast<const WCHAR*>(lParam); }
 
     static LRESULT CopyText(const std::u16string& text, WPARAM room, LPARAM lParam) {
-        if (room == 0) {
-            return 0;
-        }
         auto* buffer = reinterpret_cast<WCHAR*>(lParam);
-        const std::size_t count = std::min<std::size_t>(text.size(), room - 1);
-        std::copy_n(text.data(), count, buffer);
+        const std::size_t count = text.copy(buffer, room - 1);
         buffer[count] = 0;
         return static_cast<LRESULT>(count);
     }

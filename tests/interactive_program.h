@@ -37,13 +37,4 @@ class InteractiveProgram {
     std::string notes;  // on standard error
     int calls = 0;      // to the window system, in the last run
     int restarts = 0;   // 1 when a restart of the device has ended the run
-
-  private:
-    LRESULT Notify(UINT code);
-
-    NMHDR header_{};
 };
-
-// Carries out `body` in a process of its own, whose process-wide state is that of this one, and
-// expects that it ends with all expectations met. `name` says which one did not.
-void InChild(const std::string& name, const std::function<void()>& body);

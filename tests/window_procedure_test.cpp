@@ -137,23 +137,22 @@ TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
         {kCommandApplyDeferRestart, true, {freed, required}},
     };
     for (const auto& expected : cases) {
-        InChild(std::to_string(expected.command) + (expected.ticked ? " ticked" : ""), [&] {
-            InteractiveProgram program({"Temp/a=12345"});
-            WriteFile(program.device.path() + "/registry.reg", kQuietTweaks);
-            std::string saved;
-            program.Run({[&] {
-                             program.Control(0, 6).check = 1;
-                             program.Control(5, 7).check = expected.ticked ? 1 : 0;
-                             program.Choose(expected.command);
-                         },
-                         [&] { saved = program.SettingsFile(); }});
-            EXPECT_EQ(program.windows.boxes, expected.boxes);
-            EXPECT_EQ(BytesCleaned, 0u);
-            EXPECT_EQ(program.device.Listing().back(), "Temp/");
-            EXPECT_EQ(program.restarts, expected.restarts);
-            EXPECT_EQ(program.restarts == 0 ? saved : program.SettingsFile(),
-                      program.restarts == 0 ? "" : std::string("\x04\0\x80\0", 4));
-        });
+        SCOPED_TRACE(std::to_string(expected.command) + (expected.ticked ? " ticked" : ""));
+        InteractiveProgram program({"Temp/a=12345"});
+        WriteFile(program.device.path() + "/registry.reg", kQuietTweaks);
+        std::string saved;
+        program.Run({[&] {
+                         program.Control(0, 6).check = 1;
+                         program.Control(5, 7).check = expected.ticked ? 1 : 0;
+                         program.Choose(expected.command);
+                     },
+                     [&] { saved = program.SettingsFile(); }});
+        EXPECT_EQ(program.windows.boxes, expected.boxes);
+        EXPECT_EQ(BytesCleaned, 0u);
+        EXPECT_EQ(program.device.Listing().back(), "Temp/");
+        EXPECT_EQ(program.restarts, expected.restarts);
+        EXPECT_EQ(program.restarts == 0 ? saved : program.SettingsFile(),
+                  program.restarts == 0 ? "" : std::string("\x04\0\x80\0", 4));
     }
 }
 
