@@ -104,23 +104,20 @@ class FakeWindows : public CollectedBoxes {
         if (!Goes("DestroyWindow", window)) {
             return 0;
         }
-        std::vector<HWND> doomed = {window};
-        for (std::size_t index = 0; index < doomed.size(); ++index) {
-            for (const auto& [handle, other] : windows) {
-                if (other.parent == doomed[index]) {
-                    doomed.push_back(handle);
-                }
-            }
-            windows.erase(doomed[index]);
+        windows.erase(window);
+        std::size_t gone = 1;
+        while (gone != 0) {  // the children go too, and theirs
+            gone = std::erase_if(windows, [this](const auto& other) {
+                const HWND parent = other.second.parent;
+                return parent != nullptr && !windows.contains(parent);
+            });
         }
         return 1;
     }
 
     BOOL ShowWindow(HWND window, int command) override {
-        if (!Goes("ShowWindow", window, ' ' + std::to_string(command))) {
-            return 0;
-        }
-        return std::exchange(At(window).visible, command == SW_SHOWNORMAL);
+        return Goes("ShowWindow", window, ' ' + std::to_string(command)) &&
+               std::exchange(At(window).visible, command == SW_SHOWNORMAL);
     }
 
     BOOL UpdateWindow(HWND window) override { return Goes("UpdateWindow", window); }
@@ -145,11 +142,11 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override {
         EXPECT_EQ(repaint, FALSE);
-        if (!Goes("MoveWindow", window)) {
-            return 0;
+        const bool goes = Goes("MoveWindow", window);
+        if (goes) {
+            At(window).bounds = {x, y, x + width, y + height};
         }
-        At(window).bounds = {x, y, x + width, y + height};
-        return 1;
+        return goes;
     }
 
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
@@ -166,11 +163,7 @@ class FakeWindows : public CollectedBoxes {
     }
 
     LRESULT DispatchMessageW(const MSG* message) override {
-        const FakeWindow* const target = Living(message->hwnd);
-        return target == nullptr || target->procedure == nullptr
-                   ? 0
-                   : target->procedure(message->hwnd, message->message, message->wParam,
-                                       message->lParam);
+        return SendMessageW(message->hwnd, message->message, message->wParam, message->lParam);
     }
 
     LRESULT DefWindowProcW(HWND window, UINT message, WPARAM /*wParam*/,
@@ -194,8 +187,7 @@ class FakeWindows : public CollectedBoxes {
         if (found == nullptr) {
             return 0;
         }
-        const UINT mask = info->fMask;
-        *info = found->scroll;
+        const UINT mask = std::exchange(*info, found->scroll).fMask;
         info->fMask = mask;
         return 1;
     }
@@ -205,10 +197,8 @@ class FakeWindows : public CollectedBoxes {
         if (!Goes("SetScrollInfo", window)) {
             return 0;
         }
-        SCROLLINFO& kept = At(window).scroll;
-        kept = *info;
-        kept.nPos = std::clamp(info->nPos, info->nMin, std::max(info->nMin, info->nMax));
-        return kept.nPos;
+        SCROLLINFO& kept = At(window).scroll = *info;
+        return kept.nPos = std::clamp(kept.nPos, kept.nMin, std::max(kept.nMin, kept.nMax));
     }
 
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,

@@ -232,8 +232,10 @@ TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
-TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
-    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
+TEST_F(DisplayTest, MenusOpenUpward) {
+    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, 7, nullptr, 0, 0, nullptr, 0};
+    EXPECT_EQ(SHCreateMenuBar(&info), 0);
+    info.nToolBarId = kMenuResource;
     ASSERT_NE(SHCreateMenuBar(&info), 0);
     EXPECT_EQ(BoundsOf(info.hwndMB), QRect(0, 294, 240, 26));
     QTest::keyClick(&Host(), Qt::Key_F10);
@@ -241,12 +243,7 @@ TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
     QWidget* const popup = QApplication::activePopupWidget();
     ASSERT_NE(popup, nullptr);
     EXPECT_EQ(popup->y() + popup->height(), Host().mapToGlobal(QPoint(0, 294)).y());
-    QTest::keyClick(popup, Qt::Key_Down);
-    QTest::keyClick(popup, Qt::Key_Return);
-    Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, kCommandApplyDeferRestart, 0}}));
-    info.nToolBarId = 7;
-    EXPECT_EQ(SHCreateMenuBar(&info), 0);
+    popup->close();
 }
 
 }  // namespace

@@ -3,7 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <regex>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "core/application.h"
@@ -15,6 +17,7 @@
 
 namespace {
 
+using namespace std::string_literals;
 using Texts = std::vector<std::string>;
 
 TEST(WindowProcedure, EveryMessageHasItsResult) {
@@ -116,7 +119,7 @@ TEST(WindowProcedure, EndingCommandsSaveAndEndTheLoop) {
         InteractiveProgram program;
         program.Run(
             {[&] { program.Choose(command); }, [&] { ADD_FAILURE() << "the loop went on"; }});
-        EXPECT_EQ(program.SettingsFile(), std::string("\0\0\x80\0", 4));
+        EXPECT_EQ(program.SettingsFile(), "\0\0\x80\0"s);
     }
 }
 
@@ -152,7 +155,7 @@ TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
         EXPECT_EQ(program.device.Listing().back(), "Temp/");
         EXPECT_EQ(program.restarts, expected.restarts);
         EXPECT_EQ(program.restarts == 0 ? saved : program.SettingsFile(),
-                  program.restarts == 0 ? "" : std::string("\x04\0\x80\0", 4));
+                  program.restarts == 0 ? "" : "\x04\0\x80\0"s);
     }
 }
 
@@ -171,6 +174,144 @@ TEST(Resources, MenuAndIconAreFoundByTheirNumbers) {
                                    "Defer Restart\x9C47;Power,Off\x9C48,Soft Reset\x9C49,"
                                    "Hard Reset\x9C4D;Help,Index\xE142,About\x9C4B;"));
     EXPECT_EQ(FindIconResource(102)->pixels.size(), 256u);
+}
+
+TEST(InteractiveRun, MakesAndDestroysInItsOrder) {
+    InteractiveProgram program;
+    EXPECT_EQ(program.Run(), 0);
+    Texts calls = program.windows.calls;
+    std::erase_if(calls, [](const std::string& call) {
+        static const std::regex kKept("(Un|Reg|Create|SHCreate|Move|Destroy).* (Mar|Sys|Dis).*");
+        return !std::regex_match(call, kKept);
+    });
+    EXPECT_EQ(calls, (Texts{
+                         "UnregisterClassW Marlowtide Fennelbright",
+                         "RegisterClassW Marlowtide Fennelbright",
+                         "CreateWindowExW Marlowtide Fennelbright",
+                         "SHCreateMenuBar Marlowtide Fennelbright",
+                         "MoveWindow Marlowtide Fennelbright",
+                         "CreateWindowExW SysTabControl32",
+                         "UnregisterClassW DisplayWindow",
+                         "RegisterClassW DisplayWindow",
+                         "CreateWindowExW DisplayWindow",
+                         "DestroyWindow DisplayWindow",
+                         "DestroyWindow SysTabControl32",
+                         "DestroyWindow Marlowtide Fennelbright",
+                     }));
+    EXPECT_TRUE(program.windows.windows.empty());
+    EXPECT_EQ(program.windows.strayHandles, 0);
+    EXPECT_TRUE(g_MenuBar == nullptr && g_MainWindow == nullptr && g_TabBar == nullptr &&
+                g_DisplayWindow == nullptr && g_Screens == nullptr && g_Settings == nullptr);
+    EXPECT_TRUE(g_Instance == nullptr && !g_Running);
+}
+
+TEST(InteractiveRun, TheWindowsHaveTheirPlacesAndTabs) {
+    InteractiveProgram program;
+    program.Run({[&] {
+        const FakeWindow& main = program.windows.At(g_MainWindow->Window());
+        EXPECT_EQ(std::tuple(main.text, main.style, main.extendedStyle, main.bounds.bottom),
+                  std::tuple(u"Marlowtide Fennelbright", WS_VISIBLE, WS_EX_CAPTIONOKBTN, 294));
+        const FakeWindow& tabs = program.windows.At(g_TabBar->Window());
+        EXPECT_EQ(std::tuple(tabs.style, tabs.parent, tabs.bounds.bottom),
+                  std::tuple(0x54000002u, g_MainWindow->Window(), 268));
+        EXPECT_EQ(tabs.entries,
+                  (std::vector<std::u16string>{u"Clean Temp Files", u"Pocket IE", u"Registry",
+                                               u"System Folders", u"Shortcuts", u"Performance"}));
+        const FakeWindow& page = program.windows.At(g_DisplayWindow->Window());
+        EXPECT_EQ(
+            std::tuple(page.text, page.style, page.parent, page.bounds.left, page.bounds.bottom),
+            std::tuple(u"DisplayWindow", 0x50200000u, g_TabBar->Window(), 4, 243));
+        g_MenuBar->FitWindow(g_MainWindow->Window());
+        EXPECT_EQ(main.bounds.bottom - main.bounds.top, 242);
+        // Every window is painted, then shown.
+        const Texts& calls = program.windows.calls;
+        for (const std::string shown : {"Marlowtide Fennelbright 1", "SysTabControl32 1",
+                                        "DisplayWindow 1", "EDIT 50002 0", "BUTTON 50052 0"}) {
+            const auto show = std::ranges::find(calls, "ShowWindow " + shown);
+            ASSERT_NE(show, calls.end()) << shown;
+            EXPECT_EQ(*(show - 1), "UpdateWindow " + shown.substr(0, shown.rfind(' ')));
+        }
+    }});
+}
+
+TEST(InteractiveRun, AFailureIsToldAndTheNextStepFollows) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"CreateWindowExW Marlowtide Fennelbright", "Menu Bar"},
+        {"SHCreateMenuBar Marlowtide Fennelbright", "Menu Bar"},
+        {"CreateWindowExW SysTabControl32", "Tab Control"},
+        {"TCM_INSERTITEM 0", "Tab Clean Temp"},
+        {"TCM_INSERTITEM 1", "Tab Pocket IE"},
+        {"TCM_INSERTITEM 2", "Tab Registry"},
+        {"TCM_INSERTITEM 3", "Tab System Folders"},
+        {"TCM_INSERTITEM 4", "Tab Shortcuts"},
+        {"TCM_INSERTITEM 5", "Tab Performance"},
+        {"CreateWindowExW DisplayWindow", "Display Window"},
+        {"RegisterClassW DisplayWindow", "Display Window"},
+        {"CreateWindowExW BUTTON 50001", ""},
+    };
+    for (const auto& [failing, missing] : cases) {
+        SCOPED_TRACE(failing);
+        InteractiveProgram program;
+        program.windows.failing = {failing};
+        EXPECT_EQ(program.Run(), 0);
+        EXPECT_EQ(std::ranges::count(program.windows.calls, failing), 1);
+        EXPECT_EQ(std::ranges::count(program.windows.calls, "CreateWindowExW BUTTON 50052"), 1);
+        const Texts& boxes = program.windows.boxes;
+        EXPECT_EQ(boxes.empty() ? "" : boxes[0],
+                  missing.empty() ? "" : "[Error] Failed Creating " + missing);
+        EXPECT_EQ(program.windows.strayHandles, 0);
+    }
+}
+
+TEST(InteractiveRun, WithoutABarTheMainWindowKeepsItsHeight) {
+    InteractiveProgram program;
+    program.windows.failing = {"SHCreateMenuBar Marlowtide Fennelbright"};
+    program.Run({[&] {
+        g_MenuBar->FitWindow(g_MainWindow->Window());
+        EXPECT_EQ(std::ranges::count(program.windows.calls, "MoveWindow Marlowtide Fennelbright"),
+                  0);
+        EXPECT_EQ(program.windows.At(g_TabBar->Window()).bounds.bottom, 294);
+    }});
+}
+
+TEST(InteractiveRun, AQuitMessageEndsNothing) {
+    InteractiveProgram program;
+    bool wentOn = false;
+    program.Run({[&] { program.windows.Post(nullptr, WM_QUIT, 0); }, [&] { wentOn = true; }});
+    EXPECT_TRUE(wentOn);
+}
+
+// A whole run: a text typed, tabs, scrolling, an Apply, the end.
+void Work(InteractiveProgram& program, int failing, LRESULT result) {
+    program.Run({[&] {
+                     // Whatever failed, the user still acts on what is there.
+                     for (auto& [handle, window] : program.windows.windows) {
+                         window.check = window.id == 50001 || window.id == 50026 ? 1 : window.check;
+                         window.text = window.id == 50002 ? u"\\Temp" : window.text;
+                     }
+                 },
+                 [&] { program.ChooseTab(1); },
+                 [&] {
+                     program.windows.Post(program.windows.Find(u"DisplayWindow"), WM_VSCROLL,
+                                          SB_BOTTOM);
+                 },
+                 [&] { program.ChooseTab(5); }, [&] { program.Choose(kCommandApplyDeferRestart); }},
+                failing, result);
+    EXPECT_EQ(program.windows.strayHandles, 0);
+    EXPECT_TRUE(g_Screens == nullptr && g_MainWindow == nullptr && !g_Running);
+}
+
+TEST(InteractiveRun, NoCallThatFailsBreaksIt) {
+    const std::string kSaved = "App/settings.dat=\x01\0\x10\0\x02\0\0\0\\\0T\0\x02\0\0\0"s;
+    int calls = 1;
+    for (int failing = 0; failing <= calls; ++failing) {
+        for (const LRESULT result : {LRESULT{0}, LRESULT{-1}}) {
+            SCOPED_TRACE(std::to_string(failing) + ' ' + std::to_string(result));
+            InteractiveProgram program({kSaved});
+            Work(program, failing, result);
+            calls = std::max(calls, program.calls);
+        }
+    }
 }
 
 }  // namespace
