@@ -43,7 +43,10 @@ class FakeWindows : public CollectedBoxes {
 
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
     std::set<std::string> failing;   // calls, spelt as above, that come back with failure
-    int strayHandles = 0;            // uses of a handle that is neither null nor a living window's
+    int failingUse = 0;              // the use of the fake that fails, from 1; 0: none
+    LRESULT failure = 0;             // what a message gives that fails
+    int uses = 0;
+    int strayHandles = 0;  // uses of a handle that is neither null nor a living window's
     std::map<HWND, FakeWindow> windows;
 
     // Each is carried out when the program waits for a message and none is queued. Behind the last
@@ -151,6 +154,9 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
         EXPECT_TRUE(window == nullptr && lowest == 0 && highest == 0);
+        if (Fails()) {
+            return -1;
+        }
         if (queue_.empty()) {
             NextStep();
         }
@@ -175,7 +181,7 @@ class FakeWindows : public CollectedBoxes {
     LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
         FakeWindow* const target = Living(window);
         if (target == nullptr) {
-            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : 0;
+            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : failure;
         }
         return target->procedure != nullptr ? target->procedure(window, message, wParam, lParam)
                                             : Answer(window, *target, message, wParam, lParam);
@@ -256,10 +262,12 @@ class FakeWindows : public CollectedBoxes {
         }
     }
 
+    bool Fails() { return ++uses == failingUse; }
+
     // Keeps the call and returns whether it is to succeed.
     bool Goes(const std::string& call) {
         calls.push_back(call);
-        return !failing.contains(call);
+        return !Fails() && !failing.contains(call);
     }
 
     // The same for a call that does something to a window.
@@ -276,11 +284,10 @@ class FakeWindows : public CollectedBoxes {
 
     FakeWindow* Living(HWND window) {
         const auto found = windows.find(window);
-        if (found != windows.end()) {
-            return &found->second;
+        if (found == windows.end()) {
+            strayHandles += window == nullptr ? 0 : 1;
         }
-        strayHandles += window == nullptr ? 0 : 1;
-        return nullptr;
+        return found == windows.end() || Fails() ? nullptr : &found->second;
     }
 
     HWND Add(FakeWindow window) {

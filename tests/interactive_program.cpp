@@ -7,7 +7,6 @@
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/directory_store.h"
-#include "platform/forwarding_windows.h"
 #include "screens/screens.h"
 #include "shell/windows.h"
 #include "tests/failing_store.h"
@@ -27,44 +26,6 @@ class TestedStore : public FailingStore {
 
   private:
     const bool& full_;
-};
-
-// Lets the n-th call of all come back with failure, without having done anything; all others go
-// on.
-class FailingWindows : public platform::ForwardingWindows {
-  public:
-    // `failing` counts from 1; 0 lets every call through. `result` is that of a message that fails.
-    FailingWindows(platform::WindowSystem& inner, int failing, LRESULT result)
-        : ForwardingWindows(inner), failing_(failing), failure_(result) {}
-
-    int calls() const { return calls_; }
-
-  protected:
-    platform::WindowSystem& inner() override {
-        return ++calls_ == failing_ ? failure_ : ForwardingWindows::inner();
-    }
-
-  private:
-    struct Failure : platform::NoWindows {
-        explicit Failure(LRESULT failed) : result(failed) {}
-        BOOL GetMessageW(MSG* /*message*/, HWND /*window*/, UINT /*lowest*/,
-                         UINT /*highest*/) override {
-            return -1;
-        }
-        LRESULT SendMessageW(HWND /*window*/, UINT /*message*/, WPARAM /*wParam*/,
-                             LPARAM /*lParam*/) override {
-            return result;
-        }
-        int MessageBoxW(HWND /*owner*/, const WCHAR* /*text*/, const WCHAR* /*caption*/,
-                        UINT /*type*/) override {
-            return 0;
-        }
-        LRESULT result;
-    };
-
-    int failing_;
-    Failure failure_;
-    int calls_ = 0;
 };
 
 // What the end of the process does to what it has left.
@@ -87,13 +48,12 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
     device.Make(entries);
 }
 
-int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
+int InteractiveProgram::Run(const Steps& steps) {
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    device.OpenRegistry());
     TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
-    FailingWindows faulty(windows, failing, result);
-    const platform::WindowsInUse windowsInUse(faulty);
+    const platform::WindowsInUse windowsInUse(windows);
     windows.steps.assign(steps.begin(), steps.end());
     std::u16string noWords;
     int instance = 0;
@@ -106,7 +66,6 @@ int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
         EndProcess();
     }
     notes = testing::internal::GetCapturedStderr();
-    calls = faulty.calls();
     EXPECT_TRUE(store.StoreRegistry().has_value());
     return ended;
 }
