@@ -70,9 +70,7 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
     record.lpszClassName = TEXT("Kept");
     record.hbrBackground = SystemColorBrush(COLOR_WINDOW);
     RegisterClassW(&record);
-    main_ = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Main"), WS_VISIBLE,
-                            CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr,
-                            nullptr, nullptr, nullptr);
+    main_ = Open(TEXT("Kept"));
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
@@ -81,6 +79,12 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
 
 DisplayTest::~DisplayTest() {
     g_hook = nullptr;
+}
+
+HWND DisplayTest::Open(const WCHAR* className) {
+    return CreateWindowExW(WS_EX_CAPTIONOKBTN, className, TEXT("Top"), WS_VISIBLE, CW_USEDEFAULT,
+                           CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr,
+                           nullptr);
 }
 
 HWND DisplayTest::Add(const WCHAR* className, DWORD style, const RECT& place, int id,

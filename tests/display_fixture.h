@@ -49,6 +49,9 @@ class DisplayTest : public testing::Test {
   protected:
     static constexpr RECT kPage = {4, 4, 236, 243};
 
+    // Makes a top-level window with an OK.
+    static HWND Open(const WCHAR* className);
+
     // Makes a control on the page.
     HWND Add(const WCHAR* className, DWORD style, const RECT& place, int id,
              const WCHAR* text = TEXT(""));

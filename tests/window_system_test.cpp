@@ -61,9 +61,7 @@ TEST_F(DisplayTest, ClassesAreKnownOnceAndNotForgottenWhileAWindowLives) {
     EXPECT_EQ(RegisterClassW(&record), 0);
     EXPECT_EQ(UnregisterClassW(TEXT("Kept"), nullptr), 0);
     EXPECT_NE(UnregisterClassW(TEXT("second"), nullptr), 0);
-    EXPECT_EQ(CreateWindowExW(0, TEXT("Second"), TEXT(""), WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
-                              nullptr, nullptr),
-              nullptr);
+    EXPECT_EQ(Open(TEXT("Second")), nullptr);
 }
 
 int PositionOf(HWND window) {
@@ -218,9 +216,7 @@ TEST_F(BoxTest, AfterASignalNoBoxWaits) {
 TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     Add(TEXT("STATIC"), 0, {0, 0, 50, 18}, 5);
     auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
-    const HWND box = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Box"), WS_VISIBLE,
-                                     CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                                     nullptr, nullptr, nullptr, nullptr);
+    const HWND box = Open(TEXT("Kept"));
     Click(ok);
     Host().close();
     EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
