@@ -139,8 +139,8 @@ struct TVITEM {
     HTREEITEM hItem;
     UINT state;
     UINT stateMask;
-    WCHAR* pszText;  // read by an insertion, written by TVM_GETITEM
-    int cchTextMax;  // room for the text in characters, terminator included
+    WCHAR* pszText;      // read by an insertion, written by TVM_GETITEM
+    int cchTextMax;      // room for the text in characters, terminator included
     int iImage;          // in the list of TVM_SETIMAGELIST
     int iSelectedImage;  // shown in its place while the item is selected
     int cChildren;

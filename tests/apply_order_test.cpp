@@ -1,9 +1,12 @@
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/directory_store.h"
-#include "platform/recording_store.h"
+#include "platform/forwarding_store.h"
+#include "platform/host_text.h"
 #include "tests/apply_device.h"
 #include "tests/settings_bytes.h"
 
@@ -16,7 +19,7 @@ std::string Everything() {
          {u"\\1\\", u"\\2\\", u"log", u"\\8\\", u"\\12\\", u"\\14\\", u"\\15\\", u"\\16\\"}) {
         bytes += Record(text);
     }
-    return bytes + Number(0) + Number(1) + Number(2) + Number(1);
+    return bytes + Number(2) + Number(1) + Number(0) + Number(1);
 }
 
 constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
@@ -38,61 +41,84 @@ constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
 "InstallDir"="\\Gone"
 [HKEY_LOCAL_MACHINE\System\GDI\GLYPHCACHE]
 "limit"=dword:00000009
-[HKEY_LOCAL_MACHINE\System\GWE]
-"Animate"=dword:00000001
-[HKEY_LOCAL_MACHINE\System\GWE\Menu]
-"AniType"=dword:00000006
 )";
 
-constexpr char kDone[] = R"(step 1: deleted \1\a (1 byte)
-step 2: deleted \2\a (1 byte)
-step 3: deleted \Temp\a (1 byte)
-step 4: deleted \Windows\Temp\a (1 byte)
-step 5: deleted \My Documents\Temp\a (1 byte)
-step 6: deleted \C\a (1 byte)
-step 7: deleted \H\a (1 byte)
-step 8: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders] "Cache": "\C" -> "\8\"
-step 9: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Content] "CacheLimit": 9 -> 1024
-step 10: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\History] "CacheLimit": 9 -> 512
-step 11: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Cookies] "CacheLimit": 9 -> 1024
-step 12: moved \Go\a to \12\a
-step 12: wrote [HKCU\Software\AvantGo] "DatabaseLocation": "\Go" -> "\12\"
-step 13: deleted key [HKLM\Software\Apps\Gone]
-step 14: moved \Fav\a to \14\a
-step 14: wrote [HKLM\Explorer\Shell Folders] "Favorites": "\Fav" -> "\14\"
-step 15: moved \Fonts\a to \15\a
-step 15: wrote [HKLM\Explorer\Shell Folders] "Fonts": "\Fonts" -> "\15\"
-step 16: moved \My\a to \16\a
-step 16: wrote [HKLM\Explorer\Shell Folders] "My Documents": "\My" -> "\16\"
-step 17: deleted \Windows\Start Menu\a.lnk (7 bytes)
-step 18: wrote [HKLM\System\GDI\GLYPHCACHE] "limit": 9 -> 16384
-step 19: made shortcut \Windows\StartUp\Fennelbright.lnk to "\App\Fennelbright.exe" silent"
-step 20: wrote [HKLM\System\GWE\Menu] "AniType": 6 -> 0
-step 21: wrote [HKLM\System\GWE] "Animate": 1 -> 0
-)";
+// Keeps what is done to the device, in its order.
+class KeepingStore : public platform::ForwardingStore {
+  public:
+    using ForwardingStore::ForwardingStore;
+
+    BOOL DeleteFileW(const WCHAR* path) override {
+        done.push_back("delete " + platform::ReadableText(path));
+        return inner().DeleteFileW(path);
+    }
+    BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override {
+        done.push_back("move " + platform::ReadableText(newPath));
+        return inner().MoveFileW(oldPath, newPath);
+    }
+    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override {
+        done.push_back("make " + platform::ReadableText(path));
+        return inner().SHCreateShortcut(path, target);
+    }
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override {
+        std::u16string value(size / 2, u'\0');
+        std::memcpy(value.data(), data, size);
+        done.push_back("set " + platform::ReadableText(name) + ' ' +
+                       (type == REG_SZ ? platform::ReadableText(value) : std::to_string(value[0])));
+        return inner().RegSetValueExW(key, name, reserved, type, data, size);
+    }
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override {
+        done.push_back("forget " + platform::ReadableText(subkey));
+        return inner().RegDeleteKeyW(key, subkey);
+    }
+
+    Entries done;
+};
 
 TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
     const TemporaryDevice device;
     device.Make(
-        Words("1/a=1 2/a=2 Temp/a=3 Windows/Temp/a=4 C/a=6 H/a=7 Go/a= Fav/a= Fonts/a= "
-              "My/a= 8/ 12/ 14/ 15/ 16/ Windows/StartUp/"));
-    device.Make({"My Documents/Temp/a=5", "Windows/Start Menu/a.lnk=5#\\Gone",
+        Words("1/a= 2/a= Temp/a= Windows/Temp/a= C/a= H/a= Go/a= Fav/a= Fonts/a= My/a= "
+              "8/ 12/ 14/ 15/ 16/ Windows/StartUp/"));
+    device.Make({"My Documents/Temp/a=", "Windows/Start Menu/a.lnk=5#\\Gone",
                  "App/settings.dat=" + Everything()});
-    WriteFile(device.path() + "/registry.reg", kRegistry);
+    WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    device.OpenRegistry());
-    const std::string path = device.path() + "/report";
-    std::FILE* const report = std::fopen(path.c_str(), "we");
-    ASSERT_NE(report, nullptr);
-    platform::RecordingStore recorder(store, report);
+    KeepingStore keeping(store);
     CollectedBoxes windows;
-    const platform::StoreInUse storeInUse(recorder);
+    const platform::StoreInUse storeInUse(keeping);
     const platform::WindowsInUse windowsInUse(windows);
     std::u16string silent = u"silent";
     WinMain(nullptr, nullptr, silent.data(), 0);
-    std::fclose(report);
+    g_Silent = false;
     EXPECT_EQ(windows.boxes, Entries());
-    EXPECT_EQ(ReadFile(path), kDone);
+    EXPECT_EQ(keeping.done, (Entries{"delete \\1\\a",
+                                     "delete \\2\\a",
+                                     "delete \\Temp\\a",
+                                     "delete \\Windows\\Temp\\a",
+                                     "delete \\My Documents\\Temp\\a",
+                                     "delete \\C\\a",
+                                     "delete \\H\\a",
+                                     "set Cache \\8\\",
+                                     "set CacheLimit 3072",
+                                     "set CacheLimit 512",
+                                     "set CacheLimit 256",
+                                     "move \\12\\a",
+                                     "set DatabaseLocation \\12\\",
+                                     "forget Gone",
+                                     "move \\14\\a",
+                                     "set Favorites \\14\\",
+                                     "move \\15\\a",
+                                     "set Fonts \\15\\",
+                                     "move \\16\\a",
+                                     "set My Documents \\16\\",
+                                     "delete \\Windows\\Start Menu\\a.lnk",
+                                     "set limit 16384",
+                                     "make \\Windows\\StartUp\\Fennelbright.lnk",
+                                     "set AniType 0",
+                                     "set Animate 0"}));
 }
 
 }  // namespace
