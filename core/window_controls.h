@@ -32,12 +32,15 @@ inline constexpr WORD EN_CHANGE = 0x0300;  // after every change, one by WM_SETT
 inline constexpr WORD EN_UPDATE = 0x0400;  // before EN_CHANGE
 
 // Class "COMBOBOX". The height given on creation is that of the field and the dropped list.
+// WM_GETTEXT gives the text of the selected entry, the empty one when nothing is selected;
+// WM_SETTEXT changes nothing and gives CB_ERR.
 inline constexpr DWORD CBS_DROPDOWNLIST = 0x3;  // pick from the list only
 
 inline constexpr UINT CB_ADDSTRING = 0x0143;  // lParam the text; its index, counted from 0
 inline constexpr UINT CB_GETCURSEL = 0x0147;  // index; CB_ERR when nothing is selected
-inline constexpr UINT CB_SETCURSEL = 0x014E;  // wParam the index; CB_ERR and no change beyond the
-                                              // list; tells nobody
+inline constexpr UINT CB_SETCURSEL = 0x014E;  // wParam the index, which comes back. -1 clears the
+                                              // selection; beyond the list nothing changes: both
+                                              // give CB_ERR. Tells nobody
 inline constexpr LRESULT CB_ERR = -1;
 
 inline constexpr WORD CBN_SELCHANGE = 1;
@@ -127,8 +130,8 @@ inline constexpr UINT TVIF_HANDLE = 0x0010;
 inline constexpr UINT TVIF_SELECTEDIMAGE = 0x0020;
 inline constexpr UINT TVIF_CHILDREN = 0x0040;
 
-// As TVITEM::cChildren: the tree asks for the number by TVN_GETDISPINFO when it is to show the
-// item.
+// As TVITEM::cChildren: the tree asks for the number by TVN_GETDISPINFO whenever it is to show the
+// item or to tell it by TVM_GETITEM, until TVM_SETITEM has stored one.
 inline constexpr int I_CHILDRENCALLBACK = -1;
 
 struct TVITEM {
@@ -136,10 +139,10 @@ struct TVITEM {
     HTREEITEM hItem;
     UINT state;
     UINT stateMask;
-    WCHAR* pszText;  // read by an insertion, written by TVM_GETITEM
-    int cchTextMax;  // room for the text in characters, terminator included
-    int iImage;
-    int iSelectedImage;
+    WCHAR* pszText;      // read by an insertion, written by TVM_GETITEM
+    int cchTextMax;      // room for the text in characters, terminator included
+    int iImage;          // in the list of TVM_SETIMAGELIST
+    int iSelectedImage;  // shown in its place while the item is selected
     int cChildren;
     LPARAM lParam;
 };
@@ -158,7 +161,7 @@ struct TVINSERTSTRUCT {
 };
 
 // What TVN_GETDISPINFO points to. `item` says what is asked, and of which item, whose lParam is
-// filled in; the answer goes into its fields.
+// filled in; the answer goes into its fields, and counts for this once.
 struct NMTVDISPINFO {
     NMHDR hdr;
     TVITEM item;

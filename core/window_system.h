@@ -8,7 +8,11 @@
 // every operation may be given a null or a dead handle, does nothing with it and reports failure.
 // Whatever makes or shows something may fail at any time. Texts are terminated and are copied.
 
-// Messages to windows.
+// Messages to windows. Of itself the platform sends a procedure WM_COMMAND, WM_NOTIFY, WM_HSCROLL,
+// WM_VSCROLL, WM_LBUTTONDOWN and WM_LBUTTONUP, that of a dialog WM_INITDIALOG too, and WM_SETTEXT
+// in SetWindowTextW. It never sends WM_CREATE, WM_DESTROY, WM_SIZE, WM_PAINT, WM_CLOSE and
+// WM_GETTEXT, nor anything about keys, a moving stylus and the keyboard's coming and going. WM_QUIT
+// belongs to no window: GetMessageW alone gives it.
 inline constexpr UINT WM_CREATE = 0x0001;
 inline constexpr UINT WM_DESTROY = 0x0002;
 inline constexpr UINT WM_SIZE = 0x0005;

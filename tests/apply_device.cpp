@@ -69,12 +69,15 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     CSettings settings;
     g_Settings = &settings;
     g_Silent = true;
-    ApplySettings(input.allowRestart);
+    try {
+        ApplySettings(input.allowRestart);
+    } catch (const DeviceRestarted&) {
+        result.restarts = 1;
+    }
     g_Settings = nullptr;
     result.notes = testing::internal::GetCapturedStderr();
     EXPECT_TRUE(store.StoreRegistry().has_value());
     result.boxes = windows.boxes;
-    result.restarts = faulty.restarts();
     result.bytesCleaned = BytesCleaned;
     result.registry = ReadFile(device.path() + "/registry.reg");
     result.files = device.Listing();

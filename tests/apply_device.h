@@ -33,7 +33,7 @@ struct ApplyResult {
     std::vector<std::string> files;  // in the notation of TemporaryDevice::Listing
     std::string registry;
     std::uint32_t bytesCleaned = 0;
-    int restarts = 0;
+    int restarts = 0;   // 1 when one has ended the run
     std::string notes;  // on standard error
 };
 

@@ -18,6 +18,7 @@ bool IsKept(UINT message) {
 LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     EXPECT_FALSE(g_turningLoop) << "the program runs below the toolkit";
     if (!IsKept(message)) {
+        EXPECT_TRUE(message == WM_LBUTTONDOWN || message == WM_SETTEXT) << message;
         return DefWindowProcW(window, message, wParam, lParam);
     }
     const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;
@@ -69,9 +70,7 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
     record.lpszClassName = TEXT("Kept");
     record.hbrBackground = SystemColorBrush(COLOR_WINDOW);
     RegisterClassW(&record);
-    main_ = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Main"), WS_VISIBLE,
-                            CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr,
-                            nullptr, nullptr, nullptr);
+    main_ = Open(TEXT("Kept"));
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
@@ -80,6 +79,12 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
 
 DisplayTest::~DisplayTest() {
     g_hook = nullptr;
+}
+
+HWND DisplayTest::Open(const WCHAR* className) {
+    return CreateWindowExW(WS_EX_CAPTIONOKBTN, className, TEXT("Top"), WS_VISIBLE, CW_USEDEFAULT,
+                           CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr,
+                           nullptr);
 }
 
 HWND DisplayTest::Add(const WCHAR* className, DWORD style, const RECT& place, int id,
@@ -112,11 +117,11 @@ LRESULT DisplayTest::Send(HWND window, UINT message, WPARAM wParam, const void* 
     return SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(lParam));
 }
 
-std::vector<WORD> CodesOf(const AllTold& told) {
-    std::vector<WORD> codes;
-    for (const Told& each : told) {
-        if (each.message == WM_COMMAND) {
-            codes.push_back(HIWORD(each.wParam));
+Codes DisplayTest::TakeCodes() {
+    Codes codes;
+    for (const Told& told : TakeTold()) {
+        if (told.message == WM_COMMAND || told.message == WM_NOTIFY) {
+            codes.push_back(told.message == WM_NOTIFY ? told.code : HIWORD(told.wParam));
         }
     }
     return codes;

@@ -25,6 +25,7 @@ struct Told {
 };
 
 using AllTold = std::vector<Told>;
+using Codes = std::vector<UINT>;
 
 // The window on the desktop.
 QWidget& Host();
@@ -48,6 +49,9 @@ class DisplayTest : public testing::Test {
   protected:
     static constexpr RECT kPage = {4, 4, 236, 243};
 
+    // Makes a top-level window with an OK.
+    static HWND Open(const WCHAR* className);
+
     // Makes a control on the page.
     HWND Add(const WCHAR* className, DWORD style, const RECT& place, int id,
              const WCHAR* text = TEXT(""));
@@ -58,6 +62,9 @@ class DisplayTest : public testing::Test {
     // What was told since the last call, of these messages alone: WM_COMMAND, WM_NOTIFY,
     // WM_VSCROLL, WM_HSCROLL and the stylus.
     static AllTold TakeTold();
+
+    // The same, of WM_COMMAND and WM_NOTIFY the codes alone.
+    static Codes TakeCodes();
 
     static LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, const void* lParam = nullptr);
     static LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -76,6 +83,3 @@ class DisplayTest : public testing::Test {
 
 // Called by the procedure with every message that is kept; what it returns is the result.
 extern LRESULT (*g_hook)(const Told& told);
-
-// The notification codes of the WM_COMMAND among them, in their order.
-std::vector<WORD> CodesOf(const AllTold& told);

@@ -17,8 +17,8 @@
 
 #include "core/win_main.h"
 #include "platform/directory_store.h"
-#include "screens/catalogue.h"
 #include "tests/apply_device.h"
+#include "tests/control_rows.h"
 #include "tests/display_fixture.h"
 #include "tests/temporary_device.h"
 
@@ -94,30 +94,17 @@ QScrollBar& Bar() {
     return *Page().parentWidget()->findChild<QScrollBar*>(QString(), Qt::FindDirectChildrenOnly);
 }
 
-QWidget& WidgetOf(const CatalogueControl& control) {
-    for (auto* const label : Page().findChildren<QLabel*>()) {
-        if (control.id == 0 && label->text() == QString::fromUtf16(control.text)) {
-            return *label;
-        }
-    }
-    return Control(control.id);
-}
-
-void ExpectCatalogue() {
-    int screen = 0;
-    for (const CatalogueScreen& each : Catalogue()) {
-        for (const CatalogueControl& control : each.controls) {
-            const QWidget& widget = WidgetOf(control);
-            const bool combo = qobject_cast<const QComboBox*>(&widget) != nullptr;
-            EXPECT_EQ(widget.geometry(), QRect(control.x, control.y - Bar().value(), control.width,
-                                               combo ? 20 : control.height))
-                << control.id;
-            EXPECT_EQ(widget.isVisible(), screen == ShownScreen()) << control.id;
-            const QSize room = RoomNeeded(widget);
-            EXPECT_LE(room.width(), widget.width()) << control.id;
-            EXPECT_LE(room.height(), widget.height()) << control.id;
-        }
-        ++screen;
+void ExpectControls() {
+    EXPECT_EQ(QRect(Page().mapTo(&Host(), QPoint(0, 0)), Page().size()), QRect(4, 30, 219, 239));
+    const auto widgets = Page().findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly);
+    ASSERT_EQ(static_cast<std::size_t>(widgets.size()), std::size(kControlRows));
+    auto widget = widgets.begin();
+    for (const ControlRow& row : kControlRows) {
+        const int height = row.height == 72 ? 20 : row.height;  // of a closed combo box
+        EXPECT_EQ((*widget)->geometry(), QRect(row.x, row.y - Bar().value(), row.width, height));
+        EXPECT_EQ((*widget)->isVisible(), static_cast<int>(row.screen) == ShownScreen());
+        const QSize room = RoomNeeded(**widget++);
+        EXPECT_TRUE(room.width() <= row.width && room.height() <= height) << row.id;
     }
 }
 
@@ -143,7 +130,8 @@ void NextTab() {
     QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
 }
 
-TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
+// Many things are done before the program looks at the first.
+TEST(DisplayedProgram, EveryControlStandsWhereItBelongs) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
@@ -154,17 +142,19 @@ TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
     device.Make({"App/"});
     int shown = 0;
     int scrolled = 0;
-    Steps steps = {ExpectCatalogue};
+    Steps steps = {ExpectControls};
     for (int round = 0; round < 400; ++round) {
         const int choice = number(8);
         steps.emplace_back([choice, number] {
-            choice == 0   ? NextTab()
-            : choice == 1 ? Turn(QPoint(number(219), number(239)), number(600) - 300)
-                          : DragOnBar(number(Bar().height()), number(Bar().height()));
+            for (int more = choice == 0 ? 0 : number(4); more >= 0; --more) {
+                choice == 0  ? NextTab()
+                : choice < 3 ? Turn(QPoint(number(219), number(239)), number(600) - 300)
+                             : DragOnBar(number(Bar().height()), number(Bar().height()));
+            }
         });
         shown = (shown + (choice == 0 ? 1 : 0)) % 6;
         steps.emplace_back([choice, shown, &scrolled] {
-            ExpectCatalogue();
+            ExpectControls();
             EXPECT_EQ(ShownScreen(), shown);
             EXPECT_TRUE(choice != 0 || Bar().value() == 0) << "the new page is not at its top";
             scrolled += Bar().value() > 0 ? 1 : 0;
@@ -174,14 +164,33 @@ TEST(DisplayedProgram, EveryControlStandsWhereTheCatalogueSays) {
     EXPECT_GT(scrolled, 0);
 }
 
-void PressInMenu(Qt::Key key) {
-    QWidget* const popup = QApplication::activePopupWidget();
-    QTest::keyClick(popup != nullptr ? popup : &Host(), key);
+TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
+    const TemporaryDevice device;
+    device.Make({"App/"});
+    int reached = 0;
+    Steps steps = {[] { Control(50001).setFocus(); }};
+    for (int press = 0; press < 80; ++press) {
+        const Qt::Key key = press < 40 ? Qt::Key_Tab : Qt::Key_Backtab;
+        steps.emplace_back([key] { QTest::keyClick(QApplication::focusWidget(), key); });
+        steps.emplace_back([&reached] {
+            const QWidget& focus = *QApplication::focusWidget();
+            if (focus.parentWidget() == &Page()) {
+                EXPECT_TRUE(Page().rect().contains(focus.geometry()))
+                    << focus.objectName().toStdString();
+                ++reached;
+            }
+        });
+    }
+    RunDisplayed(device, steps);
+    EXPECT_GT(reached, 40);
 }
 
 void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys) {
     for (const Qt::Key key : keys) {
-        steps.emplace_back([key] { PressInMenu(key); });
+        steps.emplace_back([key] {
+            QWidget* const popup = QApplication::activePopupWidget();
+            QTest::keyClick(popup != nullptr ? popup : &Host(), key);
+        });
     }
 }
 

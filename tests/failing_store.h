@@ -5,8 +5,11 @@
 #include "platform/file_store.h"
 #include "platform/forwarding_store.h"
 
+// Thrown in place of what ends the program, so that nothing after it runs.
+struct DeviceRestarted {};
+
 // Lets the n-th call come back with failure and its own reason, without having done anything; all
-// others go on but for the restarts, which would end the process and are counted.
+// others go on but for the restarts, which would end the process.
 class FailingStore : public platform::ForwardingStore {
   public:
     // `failing` counts from 1; 0 lets every call through. `reason` is an errno.
@@ -14,7 +17,6 @@ class FailingStore : public platform::ForwardingStore {
         : ForwardingStore(inner), failing_(failing), reason_{"go on", {}, reason} {}
 
     int calls() const { return calls_; }
-    int restarts() const { return restarts_; }
 
     const platform::Failure& LastFailure() const override {
         return calls_ == failing_ ? reason_ : ForwardingStore::LastFailure();
@@ -22,8 +24,10 @@ class FailingStore : public platform::ForwardingStore {
 
     BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
                          DWORD /*outputSize*/, DWORD* /*returned*/) override {
-        restarts_ += code == IOCTL_HAL_REBOOT ? 1 : 0;
-        return 1;
+        if (code == IOCTL_HAL_REBOOT) {
+            throw DeviceRestarted();
+        }
+        return 0;
     }
 
   protected:
@@ -37,5 +41,4 @@ class FailingStore : public platform::ForwardingStore {
     int failing_;
     platform::Failure reason_;
     int calls_ = 0;
-    int restarts_ = 0;
 };

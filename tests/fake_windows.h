@@ -29,9 +29,9 @@ struct FakeWindow {
     WNDPROC procedure = nullptr;  // null: a control
     bool visible = false;
     LRESULT check = 0;
-    int position = -1;                    // of combo box, slider or tab control
-    int highest = 100;                    // position of a slider
-    std::vector<std::u16string> entries;  // of combo box or tab control
+    int position = -1;                      // of combo box, slider or tab control
+    int highest = 100;                      // position of a slider
+    std::vector<std::u16string> entries{};  // of combo box or tab control
     SCROLLINFO scroll{kScrollInfoSize, SIF_ALL, 0, 100, 0, 0, 0};
 };
 
@@ -43,7 +43,10 @@ class FakeWindows : public CollectedBoxes {
 
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
     std::set<std::string> failing;   // calls, spelt as above, that come back with failure
-    int strayHandles = 0;            // uses of a handle that is neither null nor a living window's
+    int failingUse = 0;              // the use of the fake that fails, from 1; 0: none
+    LRESULT failure = 0;             // what a message gives that fails
+    int uses = 0;
+    int strayHandles = 0;  // uses of a handle that is neither null nor a living window's
     std::map<HWND, FakeWindow> windows;
 
     // Each is carried out when the program waits for a message and none is queued. Behind the last
@@ -64,8 +67,7 @@ class FakeWindows : public CollectedBoxes {
     FakeWindow& At(HWND window) { return windows.at(window); }
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override {
-        EXPECT_EQ(windowClass->style, CS_HREDRAW | CS_VREDRAW);
-        EXPECT_EQ(windowClass->hInstance, g_Instance);
+        EXPECT_TRUE(windowClass->style == 3 && windowClass->hInstance == g_Instance);
         EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
         return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
                classes_.emplace(windowClass->lpszClassName, windowClass->lpfnWndProc).second;
@@ -80,20 +82,20 @@ class FakeWindows : public CollectedBoxes {
     HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
                          DWORD style, int x, int y, int width, int height, HWND parent, HMENU menu,
                          HINSTANCE instance, void* parameter) override {
-        EXPECT_EQ(instance, g_Instance);
-        EXPECT_EQ(parameter, nullptr);
-        FakeWindow window;
-        window.className = className;
-        window.text = text;
-        window.style = style;
-        window.extendedStyle = extendedStyle;
-        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
-                                           : RECT{x, y, x + width, y + height};
-        window.parent = parent;
-        window.id = reinterpret_cast<DWORD_PTR>(menu);
-        window.visible = (style & WS_VISIBLE) != 0;
+        EXPECT_TRUE(instance == g_Instance && parameter == nullptr);
         const auto known = classes_.find(className);
-        window.procedure = known == classes_.end() ? nullptr : known->second;
+        FakeWindow window = {className,
+                             text,
+                             style,
+                             extendedStyle,
+                             {x, y, x + width, y + height},
+                             parent,
+                             reinterpret_cast<DWORD_PTR>(menu),
+                             known == classes_.end() ? nullptr : known->second,
+                             (style & WS_VISIBLE) != 0};
+        if (x == CW_USEDEFAULT) {
+            window.bounds = {0, kCaptionHeight, kScreenWidth, kScreenHeight};
+        }
         const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
         const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
                           (known != classes_.end() || kControlClasses.contains(className)) &&
@@ -105,23 +107,20 @@ class FakeWindows : public CollectedBoxes {
         if (!Goes("DestroyWindow", window)) {
             return 0;
         }
-        std::vector<HWND> doomed = {window};
-        for (std::size_t index = 0; index < doomed.size(); ++index) {
-            for (const auto& [handle, other] : windows) {
-                if (other.parent == doomed[index]) {
-                    doomed.push_back(handle);
-                }
-            }
-            windows.erase(doomed[index]);
+        windows.erase(window);
+        std::size_t gone = 1;
+        while (gone != 0) {  // the children go too, and theirs
+            gone = std::erase_if(windows, [this](const auto& other) {
+                const HWND parent = other.second.parent;
+                return parent != nullptr && !windows.contains(parent);
+            });
         }
         return 1;
     }
 
     BOOL ShowWindow(HWND window, int command) override {
-        if (!Goes("ShowWindow", window, ' ' + std::to_string(command))) {
-            return 0;
-        }
-        return std::exchange(At(window).visible, command == SW_SHOWNORMAL);
+        return Goes("ShowWindow", window, ' ' + std::to_string(command)) &&
+               std::exchange(At(window).visible, command == SW_SHOWNORMAL);
     }
 
     BOOL UpdateWindow(HWND window) override { return Goes("UpdateWindow", window); }
@@ -139,42 +138,27 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL GetWindowRect(HWND window, RECT* rectangle) override {
         const FakeWindow* const found = Living(window);
-        if (found != nullptr) {
-            *rectangle = found->bounds;  // only asked of windows that stand on the screen
-        }
+        // Only asked of windows that stand on the screen.
+        *rectangle = found != nullptr ? found->bounds : *rectangle;
         return found != nullptr;
     }
 
     BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override {
         EXPECT_EQ(repaint, FALSE);
-        if (!Goes("MoveWindow", window)) {
-            return 0;
+        const bool goes = Goes("MoveWindow", window);
+        if (goes) {
+            At(window).bounds = {x, y, x + width, y + height};
         }
-        At(window).bounds = {x, y, x + width, y + height};
-        return 1;
-    }
-
-    BOOL SetWindowTextW(HWND window, const WCHAR* text) override {
-        FakeWindow* const found = Living(window);
-        if (found != nullptr) {
-            found->text = text;
-        }
-        return found != nullptr;
+        return goes;
     }
 
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
         EXPECT_TRUE(window == nullptr && lowest == 0 && highest == 0);
-        if (queue_.empty() && !steps.empty()) {
-            const std::function<void()> step = std::move(steps.front());
-            steps.pop_front();
-            step();
+        if (Fails()) {
+            return -1;
         }
-        if (queue_.empty() && steps.empty()) {
-            const auto shown = std::ranges::find_if(
-                windows, [](const auto& other) { return other.second.procedure != nullptr; });
-            // Nothing is left that could ask for the end.
-            g_Running = g_Running && shown != windows.end();
-            Post(g_Running ? shown->first : nullptr, WM_COMMAND, IDOK);
+        if (queue_.empty()) {
+            NextStep();
         }
         if (queue_.empty()) {
             return 0;
@@ -185,11 +169,7 @@ class FakeWindows : public CollectedBoxes {
     }
 
     LRESULT DispatchMessageW(const MSG* message) override {
-        const FakeWindow* const target = Living(message->hwnd);
-        return target == nullptr || target->procedure == nullptr
-                   ? 0
-                   : target->procedure(message->hwnd, message->message, message->wParam,
-                                       message->lParam);
+        return SendMessageW(message->hwnd, message->message, message->wParam, message->lParam);
     }
 
     LRESULT DefWindowProcW(HWND window, UINT message, WPARAM /*wParam*/,
@@ -201,44 +181,30 @@ class FakeWindows : public CollectedBoxes {
     LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
         FakeWindow* const target = Living(window);
         if (target == nullptr) {
-            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : 0;
+            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : failure;
         }
         return target->procedure != nullptr ? target->procedure(window, message, wParam, lParam)
                                             : Answer(window, *target, message, wParam, lParam);
     }
 
-    LRESULT SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
-                                LPARAM lParam) override {
-        const auto found = std::ranges::find_if(windows, [&](const auto& window) {
-            return window.second.parent == parent && window.second.id == static_cast<DWORD_PTR>(id);
-        });
-        return found == windows.end() ? 0 : SendMessageW(found->first, message, wParam, lParam);
-    }
-
     BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {
-        EXPECT_EQ(bar, SB_VERT);
-        EXPECT_EQ(info->cbSize, 28u);
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28);
         const FakeWindow* const found = Living(window);
         if (found == nullptr) {
             return 0;
         }
-        const UINT mask = info->fMask;
-        *info = found->scroll;
+        const UINT mask = std::exchange(*info, found->scroll).fMask;
         info->fMask = mask;
         return 1;
     }
 
     int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override {
-        EXPECT_EQ(bar, SB_VERT);
-        EXPECT_EQ(info->cbSize, 28u);
-        EXPECT_EQ(redraw, TRUE);
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28 && redraw == TRUE);
         if (!Goes("SetScrollInfo", window)) {
             return 0;
         }
-        SCROLLINFO& kept = At(window).scroll;
-        kept = *info;
-        kept.nPos = std::clamp(info->nPos, info->nMin, std::max(info->nMin, info->nMax));
-        return kept.nPos;
+        SCROLLINFO& kept = At(window).scroll = *info;
+        return kept.nPos = std::clamp(kept.nPos, kept.nMin, std::max(kept.nMin, kept.nMax));
     }
 
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
@@ -258,15 +224,12 @@ class FakeWindows : public CollectedBoxes {
     }
 
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override {
-        EXPECT_EQ(info->cbSize, 36u);
-        EXPECT_EQ(info->dwFlags, SHCMBF_HMENU);
-        EXPECT_EQ(info->nToolBarId, 101u);
-        EXPECT_EQ(info->hInstRes, g_Instance);
+        EXPECT_TRUE(info->cbSize == 36 && info->dwFlags == SHCMBF_HMENU &&
+                    info->nToolBarId == 101 && info->hInstRes == g_Instance);
         if (!Goes("SHCreateMenuBar", info->hwndParent)) {
             return 0;
         }
         FakeWindow bar;
-        bar.className = u"menu bar";
         bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
         bar.parent = info->hwndParent;
         info->hwndMB = Add(std::move(bar));
@@ -284,10 +247,27 @@ class FakeWindows : public CollectedBoxes {
         u"BUTTON",         u"EDIT", u"COMBOBOX", u"LISTBOX", u"STATIC", u"msctls_trackbar32",
         u"SysTabControl32"};
 
+    // The next thing that the user does, once nothing is left to be done.
+    void NextStep() {
+        if (!steps.empty()) {
+            const std::function<void()> step = std::move(steps.front());
+            steps.pop_front();
+            return step();
+        }
+        const auto shown = std::ranges::find_if(
+            windows, [](const auto& other) { return other.second.procedure != nullptr; });
+        g_Running = g_Running && shown != windows.end();  // else nobody could ask for the end
+        if (g_Running) {
+            Post(shown->first, WM_COMMAND, IDOK);
+        }
+    }
+
+    bool Fails() { return ++uses == failingUse; }
+
     // Keeps the call and returns whether it is to succeed.
     bool Goes(const std::string& call) {
         calls.push_back(call);
-        return !failing.contains(call);
+        return !Fails() && !failing.contains(call);
     }
 
     // The same for a call that does something to a window.
@@ -304,11 +284,10 @@ class FakeWindows : public CollectedBoxes {
 
     FakeWindow* Living(HWND window) {
         const auto found = windows.find(window);
-        if (found != windows.end()) {
-            return &found->second;
+        if (found == windows.end()) {
+            strayHandles += window == nullptr ? 0 : 1;
         }
-        strayHandles += window == nullptr ? 0 : 1;
-        return nullptr;
+        return found == windows.end() || Fails() ? nullptr : &found->second;
     }
 
     HWND Add(FakeWindow window) {
@@ -319,6 +298,10 @@ class FakeWindows : public CollectedBoxes {
 
     LRESULT Answer(HWND handle, FakeWindow& control, UINT message, WPARAM wParam, LPARAM lParam) {
         const auto number = static_cast<int>(static_cast<LPARAM>(wParam));
+        const bool ofCombo = message >= CB_ADDSTRING && message <= CB_SETCURSEL;
+        const bool ofSlider = message >= TBM_GETPOS && message <= TBM_SETRANGE;
+        EXPECT_EQ(ofCombo, control.className == u"COMBOBOX" && message != WM_GETTEXT);
+        EXPECT_EQ(ofSlider, control.className == u"msctls_trackbar32");
         switch (message) {
             case BM_GETCHECK:
                 return control.check;
@@ -326,7 +309,7 @@ class FakeWindows : public CollectedBoxes {
                 control.check = number;
                 return 0;
             case WM_GETTEXT:
-                return CopyText(control.text, wParam, lParam);
+                return CopyText(ShownText(control), wParam, lParam);
             case WM_SETTEXT:
                 control.text = TextOf(lParam);
                 return SendMessageW(control.parent, WM_COMMAND,
@@ -336,7 +319,7 @@ class FakeWindows : public CollectedBoxes {
                 control.entries.emplace_back(TextOf(lParam));
                 return static_cast<LRESULT>(control.entries.size()) - 1;
             case CB_SETCURSEL:
-                if (number < 0 || number >= static_cast<int>(control.entries.size())) {
+                if (number < -1 || number >= static_cast<int>(control.entries.size())) {
                     return CB_ERR;
                 }
                 return control.position = number;
@@ -364,15 +347,18 @@ class FakeWindows : public CollectedBoxes {
         }
     }
 
+    static std::u16string ShownText(const FakeWindow& control) {
+        return control.className != u"COMBOBOX" ? control.text
+               : control.position < 0
+                   ? u""
+                   : control.entries.at(static_cast<std::size_t>(control.position));
+    }
+
     static const WCHAR* TextOf(LPARAM lParam) { return reinterpret_cast<const WCHAR*>(lParam); }
 
     static LRESULT CopyText(const std::u16string& text, WPARAM room, LPARAM lParam) {
-        if (room == 0) {
-            return 0;
-        }
         auto* buffer = reinterpret_cast<WCHAR*>(lParam);
-        const std::size_t count = std::min<std::size_t>(text.size(), room - 1);
-        std::copy_n(text.data(), count, buffer);
+        const std::size_t count = text.copy(buffer, room - 1);
         buffer[count] = 0;
         return static_cast<LRESULT>(count);
     }

@@ -1,8 +1,6 @@
 #include "tests/interactive_program.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdio>
 
@@ -12,7 +10,6 @@
 #include "screens/screens.h"
 #include "shell/windows.h"
 #include "tests/failing_store.h"
-#include "tests/failing_windows.h"
 
 namespace {
 
@@ -31,6 +28,19 @@ class TestedStore : public FailingStore {
     const bool& full_;
 };
 
+// What the end of the process does to what it has left.
+void EndProcess() {
+    g_Screens->DestroyScreens();
+    delete std::exchange(g_Screens, nullptr);
+    delete std::exchange(g_Settings, nullptr);
+    delete std::exchange(g_DisplayWindow, nullptr);
+    delete std::exchange(g_TabBar, nullptr);
+    delete std::exchange(g_MenuBar, nullptr);
+    delete std::exchange(g_MainWindow, nullptr);
+    g_Instance = nullptr;
+    g_Running = false;
+}
+
 }  // namespace
 
 InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) {
@@ -38,21 +48,24 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
     device.Make(entries);
 }
 
-int InteractiveProgram::Run(const Steps& steps, int failing, LRESULT result) {
+int InteractiveProgram::Run(const Steps& steps) {
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    device.OpenRegistry());
     TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
-    FailingWindows faulty(windows, failing, result);
-    const platform::WindowsInUse windowsInUse(faulty);
+    const platform::WindowsInUse windowsInUse(windows);
     windows.steps.assign(steps.begin(), steps.end());
     std::u16string noWords;
     int instance = 0;
     testing::internal::CaptureStderr();
-    const int ended = WinMain(&instance, nullptr, noWords.data(), 0);
+    int ended = 0;
+    try {
+        ended = WinMain(&instance, nullptr, noWords.data(), 0);
+    } catch (const DeviceRestarted&) {
+        restarts = 1;
+        EndProcess();
+    }
     notes = testing::internal::GetCapturedStderr();
-    calls = faulty.calls();
-    restarts = tested.restarts();
     EXPECT_TRUE(store.StoreRegistry().has_value());
     return ended;
 }
@@ -65,35 +78,18 @@ void InteractiveProgram::Choose(WORD command) {
     windows.Post(g_MainWindow->Window(), WM_COMMAND, command);
 }
 
-LRESULT InteractiveProgram::Notify(UINT code) {
-    header_ = {g_TabBar->Window(), 0, code};
-    const MSG message = {
-        g_MainWindow->Window(), WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&header_), 0, {}};
-    return windows.DispatchMessageW(&message);
-}
-
 LRESULT InteractiveProgram::ChooseTab(int index) {
     const auto tabs = windows.windows.find(g_TabBar->Window());
     if (tabs == windows.windows.end()) {
         return 0;
     }
-    const LRESULT refused = Notify(TCN_SELCHANGING);
+    const auto notify = [&](UINT code) {
+        NMHDR header = {tabs->first, 0, code};
+        return windows.SendMessageW(g_MainWindow->Window(), WM_NOTIFY, 0,
+                                    reinterpret_cast<LPARAM>(&header));
+    };
+    const LRESULT refused = notify(TCN_SELCHANGING);
     tabs->second.position = index;
-    const LRESULT changed = Notify(TCN_SELCHANGE);
+    const LRESULT changed = notify(TCN_SELCHANGE);
     return refused == changed ? changed : 0;
-}
-
-void InChild(const std::string& name, const std::function<void()>& body) {
-    // What is thrown must not go on as a second run of the tests behind this one.
-    const auto carryOut = [&]() noexcept { body(); };
-    std::fflush(nullptr);
-    const pid_t child = fork();
-    if (child == 0) {
-        carryOut();
-        std::fflush(nullptr);
-        _exit(testing::Test::HasFailure() ? 1 : 0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << name;
 }

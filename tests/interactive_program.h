@@ -17,9 +17,8 @@ class InteractiveProgram {
     explicit InteractiveProgram(const std::vector<std::string>& entries = {});
 
     // Runs WinMain to its end and returns its result. Each step is carried out when the program
-    // waits; then the main window's OK ends it. `failing`: the number of the call to the window
-    // system that fails, and `result` what a message gives that fails; 0 for none.
-    int Run(const Steps& steps = {}, int failing = 0, LRESULT result = 0);
+    // waits; then the main window's OK ends it.
+    int Run(const Steps& steps = {});
 
     // A control of the running program.
     FakeWindow& Control(UINT screen, UINT item);
@@ -35,15 +34,5 @@ class InteractiveProgram {
     FakeWindows windows;
     bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
-    int calls = 0;      // to the window system, in the last run
-    int restarts = 0;   // the same
-
-  private:
-    LRESULT Notify(UINT code);
-
-    NMHDR header_{};
+    int restarts = 0;   // 1 when a restart of the device has ended the run
 };
-
-// Carries out `body` in a process of its own, whose process-wide state is that of this one, and
-// expects that it ends with all expectations met. `name` says which one did not.
-void InChild(const std::string& name, const std::function<void()>& body);

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QDialog>
 #include <QMenuBar>
+#include <QScrollBar>
 #include <QTimer>
 #include <csignal>
 #include <functional>
@@ -60,54 +61,71 @@ TEST_F(DisplayTest, ClassesAreKnownOnceAndNotForgottenWhileAWindowLives) {
     EXPECT_EQ(RegisterClassW(&record), 0);
     EXPECT_EQ(UnregisterClassW(TEXT("Kept"), nullptr), 0);
     EXPECT_NE(UnregisterClassW(TEXT("second"), nullptr), 0);
-    EXPECT_EQ(CreateWindowExW(0, TEXT("Second"), TEXT(""), WS_VISIBLE, 0, 0, 9, 9, nullptr, nullptr,
-                              nullptr, nullptr),
-              nullptr);
+    EXPECT_EQ(Open(TEXT("Second")), nullptr);
 }
 
-TEST_F(DisplayTest, WindowsStandWhereTheyWerePut) {
-    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 154, 212, 244}, 50012);
-    const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 50027);
+int PositionOf(HWND window) {
+    SCROLLINFO info = {28, SIF_ALL, 0, 0, 0, 0, 0};
+    EXPECT_NE(GetScrollInfo(window, SB_VERT, &info), 0);
+    return info.nPos;
+}
+
+QScrollBar& PageBar() {
+    return *Host().findChild<QScrollBar*>();
+}
+
+TEST_F(DisplayTest, PositionsAreBroughtIntoTheRange) {
     const struct {
-        HWND window;
-        QRect bounds;
-        LONG clientWidth;
-    } rows[] = {
-        {main_, {0, 26, 240, 294}, 240},
-        {page_, {4, 30, 232, 239}, 219},
-        {list, {6, 184, 210, 90}, 210},
-        {combo, {150, 110, 70, 20}, 70},
-    };
+        int highest;
+        UINT page;
+        int position;
+        int stored;
+    } rows[] = {{157, 3, 157, 157}, {157, 3, 158, 157}, {157, 3, -5, 0}, {157, 500, 156, 156},
+                {-217, 3, 0, 0},    {-217, 3, 9, 0},    {0, 0, 1, 0}};
     for (const auto& row : rows) {
-        RECT client{};
-        GetClientRect(row.window, &client);
-        EXPECT_EQ(BoundsOf(row.window), row.bounds);
-        EXPECT_EQ(client.right, row.clientWidth);
+        const SCROLLINFO info = {28, 15, 0, row.highest, row.page, row.position, 0};
+        EXPECT_EQ(SetScrollInfo(page_, SB_VERT, &info, TRUE), row.stored);
+        EXPECT_EQ(PositionOf(page_), row.stored);
+        EXPECT_TRUE(PageBar().isVisible());
+        EXPECT_EQ(PageBar().isEnabled(), row.highest > 0);
     }
 }
 
-TEST_F(DisplayTest, AWindowMayEndInItsOwnHandler) {
+TEST_F(DisplayTest, TheBarSaysOnlyStepsThatFit) {
+    const struct {
+        int highest;
+        int position;
+        bool up;
+        int code;  // -1: none
+    } rows[] = {{157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN},
+                {157, 155, false, SB_BOTTOM}, {157, 3, true, SB_LINEUP},
+                {157, 2, true, SB_TOP},       {-217, 0, false, -1},
+                {-217, 0, true, -1}};
+    for (const auto& row : rows) {
+        const SCROLLINFO info = {28, 15, 0, row.highest, 3, row.position, 0};
+        SetScrollInfo(page_, SB_VERT, &info, TRUE);
+        QScrollBar& bar = PageBar();
+        Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
+        Dispatch();
+        const AllTold step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
+        EXPECT_EQ(TakeTold(), row.code < 0 ? AllTold{} : step) << row.position;
+        EXPECT_EQ(PositionOf(page_), std::max(0, row.position)) << "the bar has moved by itself";
+        EXPECT_EQ(bar.value(), PositionOf(page_));
+    }
+}
+
+TEST_F(DisplayTest, WhatADeadWindowHasSaidIsNotTold) {
+    const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
-    g_hook = [](const Told& told) -> LRESULT {
-        if (LOWORD(told.wParam) == 6) {
-            EXPECT_NE(DestroyWindow(told.window), 0);
-        }
-        return 1;
-    };
+    g_hook = [](const Told& told) -> LRESULT { return DestroyWindow(told.window); };
+    Click(Control(7));
+    DestroyWindow(dying);
     Click(Control(6));
     Click(Control(6));
     Click(*Control(6).parentWidget(), QPoint(200, 200));
     Dispatch();
     EXPECT_EQ(TakeTold().size(), 1U) << "a dead window was told";
     EXPECT_EQ(GetClientRect(page_, nullptr), 0);
-}
-
-TEST_F(DisplayTest, WhatADeadControlHasSaidIsNotTold) {
-    const HWND push = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
-    Click(Control(6));
-    DestroyWindow(push);
-    Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
 }
 
 TEST_F(DisplayTest, TheDesktopIsAnsweredWhileTheProgramWorks) {
@@ -198,9 +216,7 @@ TEST_F(BoxTest, AfterASignalNoBoxWaits) {
 TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     Add(TEXT("STATIC"), 0, {0, 0, 50, 18}, 5);
     auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
-    const HWND box = CreateWindowExW(WS_EX_CAPTIONOKBTN, TEXT("Kept"), TEXT("Box"), WS_VISIBLE,
-                                     CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT,
-                                     nullptr, nullptr, nullptr, nullptr);
+    const HWND box = Open(TEXT("Kept"));
     Click(ok);
     Host().close();
     EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
@@ -212,8 +228,10 @@ TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
-TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
-    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
+TEST_F(DisplayTest, MenusOpenUpward) {
+    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, 7, nullptr, 0, 0, nullptr, 0};
+    EXPECT_EQ(SHCreateMenuBar(&info), 0);
+    info.nToolBarId = kMenuResource;
     ASSERT_NE(SHCreateMenuBar(&info), 0);
     EXPECT_EQ(BoundsOf(info.hwndMB), QRect(0, 294, 240, 26));
     QTest::keyClick(&Host(), Qt::Key_F10);
@@ -221,12 +239,7 @@ TEST_F(DisplayTest, MenusOpenUpwardAndSendTheirCommands) {
     QWidget* const popup = QApplication::activePopupWidget();
     ASSERT_NE(popup, nullptr);
     EXPECT_EQ(popup->y() + popup->height(), Host().mapToGlobal(QPoint(0, 294)).y());
-    QTest::keyClick(popup, Qt::Key_Down);
-    QTest::keyClick(popup, Qt::Key_Return);
-    Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, kCommandApplyDeferRestart, 0}}));
-    info.nToolBarId = 7;
-    EXPECT_EQ(SHCreateMenuBar(&info), 0);
+    popup->close();
 }
 
 }  // namespace

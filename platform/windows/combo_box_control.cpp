@@ -67,9 +67,15 @@ LRESULT ComboBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
             return box_->currentIndex();
         case CB_SETCURSEL:
             return Select(static_cast<LRESULT>(wParam));
+        case WM_SETTEXT:
+            return CB_ERR;
         default:
             return Window::Answer(message, wParam, lParam);
     }
+}
+
+QString ComboBoxControl::Text() const {
+    return box_->currentText();
 }
 
 void ComboBoxControl::FocusChanged(bool gained, Qt::FocusReason reason) {
@@ -82,11 +88,7 @@ void ComboBoxControl::Place(const QRect& place) {
 }
 
 LRESULT ComboBoxControl::Select(LRESULT index) {
-    if (index == -1) {
-        box_->setCurrentIndex(-1);
-        return CB_ERR;
-    }
-    if (index < 0 || index >= box_->count()) {
+    if (index < -1 || index >= box_->count()) {
         return CB_ERR;
     }
     box_->setCurrentIndex(static_cast<int>(index));

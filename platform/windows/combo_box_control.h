@@ -12,6 +12,7 @@ class ComboBoxControl : public Window {
     ComboBoxControl(Station& station, const Birth& birth);
 
     LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    QString Text() const override;
     void FocusChanged(bool gained, Qt::FocusReason reason) override;
     void Place(const QRect& place) override;
 

@@ -20,6 +20,7 @@ class TreeItem : public QTreeWidgetItem {
     }
     int children = 0;
     int image = 0;
+    int selectedImage = 0;
     LPARAM parameter = 0;
     bool answered = false;  // asked in this pass, whether or not the program has stored its answer
 
@@ -43,8 +44,21 @@ int PlaceAfter(const QTreeWidgetItem& parent, const QTreeWidgetItem* sibling) {
     return place < 0 ? parent.childCount() : place + 1;
 }
 
-QStyle::StandardPixmap PixmapFor(int image) {
-    return image == kDeviceIcon ? QStyle::SP_DriveHDIcon : QStyle::SP_DirIcon;
+QPixmap PixmapFor(const QStyle& style, int image) {
+    const int size = style.pixelMetric(QStyle::PM_SmallIconSize);
+    return style.standardIcon(image == kDeviceIcon ? QStyle::SP_DriveHDIcon : QStyle::SP_DirIcon)
+        .pixmap(size, size);
+}
+
+QIcon IconFor(const QStyle& style, const TreeItem& item) {
+    QIcon icon(PixmapFor(style, item.image));
+    icon.addPixmap(PixmapFor(style, item.selectedImage), QIcon::Selected);
+    return icon;
+}
+
+void ShowWhetherItOpens(QTreeWidgetItem& item, int children) {
+    item.setChildIndicatorPolicy(children > 0 ? QTreeWidgetItem::ShowIndicator
+                                              : QTreeWidgetItem::DontShowIndicator);
 }
 
 template <typename Record>
@@ -144,9 +158,9 @@ LRESULT TreeControl::Expand(LPARAM item) {
     return 1;
 }
 
-LRESULT TreeControl::Get(LPARAM record) const {
+LRESULT TreeControl::Get(LPARAM record) {
     auto* const wanted = RecordAt<TVITEM>(record);
-    const TreeItem* const item = wanted == nullptr ? nullptr : Find(wanted->hItem);
+    TreeItem* const item = wanted == nullptr ? nullptr : Find(wanted->hItem);
     if (item == nullptr) {
         return FALSE;
     }
@@ -154,16 +168,23 @@ LRESULT TreeControl::Get(LPARAM record) const {
         CopyText(item->text(0), static_cast<WPARAM>(wanted->cchTextMax),
                  reinterpret_cast<LPARAM>(wanted->pszText));
     }
-    if ((wanted->mask & (TVIF_IMAGE | TVIF_SELECTEDIMAGE)) != 0) {
-        wanted->iImage = wanted->iSelectedImage = item->image;
+    if ((wanted->mask & TVIF_IMAGE) != 0) {
+        wanted->iImage = item->image;
     }
-    if ((wanted->mask & TVIF_CHILDREN) != 0) {
-        wanted->cChildren = item->children;
+    if ((wanted->mask & TVIF_SELECTEDIMAGE) != 0) {
+        wanted->iSelectedImage = item->selectedImage;
     }
     if ((wanted->mask & TVIF_PARAM) != 0) {
         wanted->lParam = item->parameter;
     }
-    return TRUE;
+    return (wanted->mask & TVIF_CHILDREN) == 0 || GetChildren(*item, *wanted);
+}
+
+bool TreeControl::GetChildren(TreeItem& item, TVITEM& wanted) {
+    const std::optional<int> children =
+        item.children == I_CHILDRENCALLBACK ? Ask(item) : item.children;
+    wanted.cChildren = children.value_or(wanted.cChildren);
+    return children.has_value();
 }
 
 LRESULT TreeControl::Set(LPARAM record) {
@@ -205,15 +226,19 @@ void TreeControl::Take(TreeItem& item, const TVITEM& record) {
     }
     if ((record.mask & TVIF_IMAGE) != 0) {
         item.image = record.iImage;
-        item.setIcon(0, tree_->style()->standardIcon(PixmapFor(record.iImage)));
+    }
+    if ((record.mask & TVIF_SELECTEDIMAGE) != 0) {
+        item.selectedImage = record.iSelectedImage;
+    }
+    if ((record.mask & (TVIF_IMAGE | TVIF_SELECTEDIMAGE)) != 0) {
+        item.setIcon(0, IconFor(*tree_->style(), item));
     }
     if ((record.mask & TVIF_PARAM) != 0) {
         item.parameter = record.lParam;
     }
     if ((record.mask & TVIF_CHILDREN) != 0) {
         item.children = record.cChildren;
-        item.setChildIndicatorPolicy(record.cChildren > 0 ? QTreeWidgetItem::ShowIndicator
-                                                          : QTreeWidgetItem::DontShowIndicator);
+        ShowWhetherItOpens(item, record.cChildren);
     }
 }
 
@@ -238,8 +263,9 @@ TreeItem* TreeControl::UnaskedInView() const {
     return nullptr;
 }
 
-// Asks the program for the children of an item. False when the control has gone meanwhile.
-bool TreeControl::Ask(TreeItem& item) {
+// Asks the program for the number of an item's children. Nothing when the control has gone
+// meanwhile.
+std::optional<int> TreeControl::Ask(TreeItem& item) {
     const WindowTable& windows = station().windows;
     const HWND self = handle();
     item.answered = true;
@@ -249,7 +275,13 @@ bool TreeControl::Ask(TreeItem& item) {
     question.item.hItem = item.handle();
     question.item.lParam = item.parameter;
     windows.Send(parent(), WM_NOTIFY, question.hdr.idFrom, reinterpret_cast<LPARAM>(&question));
-    return windows.Find(self) != nullptr;
+    if (windows.Find(self) == nullptr) {
+        return std::nullopt;
+    }
+    const int children =
+        item.children == I_CHILDRENCALLBACK ? question.item.cChildren : item.children;
+    ShowWhetherItOpens(item, children);
+    return children;
 }
 
 // Asks for all rows in view, those too that the answers bring there. False when the control has

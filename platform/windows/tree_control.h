@@ -3,6 +3,7 @@
 #include <QIcon>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <span>
 
 #include "platform/windows/window.h"
@@ -27,7 +28,8 @@ class TreeControl : public Window {
   private:
     LRESULT Insert(LPARAM record);
     LRESULT Expand(LPARAM item);
-    LRESULT Get(LPARAM record) const;
+    LRESULT Get(LPARAM record);
+    bool GetChildren(TreeItem& item, TVITEM& wanted);
     LRESULT Set(LPARAM record);
     LRESULT Next(WPARAM relation, LPARAM item) const;
     TreeItem* Find(HTREEITEM item) const;
@@ -35,7 +37,7 @@ class TreeControl : public Window {
     void Take(TreeItem& item, const TVITEM& record);
     void QueueAsking();
     TreeItem* UnaskedInView() const;
-    bool Ask(TreeItem& item);
+    std::optional<int> Ask(TreeItem& item);
     bool AskInView();
 
     QTreeWidget* tree_;
