@@ -161,27 +161,25 @@ TEST(ShortcutCleaningTest, KeepsWhatItCannotLookForAndTheKeysOfSuchApplications)
 TEST(ShortcutCleaningTest, KeepsWhatLeadsToWhereItMayNotLook) {
     const uid_t user = geteuid();
     ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
-    TemporaryDevice device;
-    device.Make({"shut/", "hidden/", "link>hidden", "menu/shut.lnk=5#\\shut\\x",
-                 "menu/hidden.lnk=5#\\hidden\\x", "menu/link.lnk=5#\\link\\x",
-                 "menu/gone.lnk=5#\\gone\\x"});
-    chmod((device.files() + "/shut").c_str(), 0);
-    chmod((device.files() + "/hidden").c_str(), 0311);
-    platform::FileStore store(device.OpenFiles(), u"");
-    const platform::StoreInUse inUse(store);
-    testing::internal::CaptureStderr();
-    CleanShortcuts(u"\\menu");
-    const std::string notes = testing::internal::GetCapturedStderr();
-    chmod((device.files() + "/shut").c_str(), 0700);
-    chmod((device.files() + "/hidden").c_str(), 0700);
-    EXPECT_EQ(device.Listing(),
-              (Entries{"hidden/", "link>hidden", "menu/", "menu/hidden.lnk=5#\\hidden\\x",
-                       "menu/link.lnk=5#\\link\\x", "menu/shut.lnk=5#\\shut\\x", "shut/"}));
-    for (const char* const note :
-         {"\\menu\\shut.lnk stays: \\shut\\x cannot be looked for: Permission denied",
-          "\\menu\\hidden.lnk stays: \\hidden\\x cannot be looked for: Permission denied",
-          "\\menu\\link.lnk stays: \\link\\x cannot be looked for: a symbolic link"}) {
-        EXPECT_NE(notes.find(note), std::string::npos) << notes;
+    {
+        const TemporaryDevice device;
+        const Entries stay = {"link>shut", "menu/", "menu/link.lnk=5#\\link\\x",
+                              "menu/shut.lnk=5#\\shut\\x", "shut/"};
+        device.Make(stay);
+        device.Make({"menu/gone.lnk=5#\\gone\\x"});
+        chmod((device.files() + "/shut").c_str(), 0);
+        platform::FileStore store(device.OpenFiles(), u"");
+        const platform::StoreInUse inUse(store);
+        testing::internal::CaptureStderr();
+        CleanShortcuts(u"\\menu");
+        const std::string notes = testing::internal::GetCapturedStderr();
+        chmod((device.files() + "/shut").c_str(), 0700);
+        EXPECT_EQ(device.Listing(), stay);
+        for (const char* const note :
+             {"\\menu\\shut.lnk stays: \\shut\\x cannot be looked for: Permission denied",
+              "\\menu\\link.lnk stays: \\link\\x cannot be looked for: a symbolic link"}) {
+            EXPECT_NE(notes.find(note), std::string::npos) << notes;
+        }
     }
     ASSERT_EQ(seteuid(user), 0);
 }
