@@ -17,6 +17,17 @@ WideView BetweenQuotes(WideView quoted) {
     return quoted.substr(1, quoted.find(TEXT('"'), 1) - 1);
 }
 
+// The path at the beginning told by its extension alone. The first and the last character go;
+// unless the fourth from the end is a full stop then, everything behind the third one after the
+// last full stop goes too.
+WideView PathByExtension(WideView quoted) {
+    WideView path = quoted.substr(std::min<std::size_t>(1, quoted.size()));
+    path.remove_suffix(path.empty() ? 0 : 1);
+    const std::size_t stop = path.rfind(TEXT('.'));
+    // A last full stop with three characters behind it makes this cut none at all.
+    return stop == WideView::npos ? path : path.substr(0, stop + 1 + kExtension);
+}
+
 // What no name holds, no pattern matches either, which can take the reading of a directory to see.
 bool Find(WideView path, EntryLooks& looks) {
     return !IsRootOrEmpty(path) && path.find_first_of(kNotInNames) == WideView::npos &&
@@ -78,14 +89,6 @@ void LookForQuoted(WideView text, EntryLooks& looks) {
 }
 
 }  // namespace
-
-WideView PathByExtension(WideView quoted) {
-    WideView path = quoted.substr(std::min<std::size_t>(1, quoted.size()));
-    path.remove_suffix(path.empty() ? 0 : 1);
-    const std::size_t stop = path.rfind(TEXT('.'));
-    // A last full stop with three characters behind it makes this cut none at all.
-    return stop == WideView::npos ? path : path.substr(0, stop + 1 + kExtension);
-}
 
 Look LookForTarget(WideView commandLine) {
     if (!BeginsWithPath(commandLine)) {

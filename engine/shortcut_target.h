@@ -8,8 +8,3 @@
 // command line that begins with no path, or with that of the root, counts as found. The whole of it
 // and what its quotes or its extension end may be patterns.
 Look LookForTarget(WideView commandLine);
-
-// The path at the beginning of a command line that begins with a quote, told by its extension:
-// nothing is looked at. The first and the last character go; unless the fourth from the end is a
-// full stop then, everything behind the third one after the last full stop goes too.
-WideView PathByExtension(WideView quoted);

@@ -14,17 +14,18 @@
 
 namespace {
 
-// Keeps what is done and noted in moves, in its order. From the `most`-th on nothing may move.
+// Keeps what is done and noted in moves, in its order.
 class MoveWitness : public platform::ForwardingStore {
   public:
-    MoveWitness(platform::DeviceStore& inner, std::size_t most)
-        : ForwardingStore(inner), most_(most) {}
+    using ForwardingStore::ForwardingStore;
 
     BOOL MoveFileW(const WCHAR* from, const WCHAR* to) override {
-        return Keep("move", from, to) ? ForwardingStore::MoveFileW(from, to) : 0;
+        Keep("move", from, to);
+        return ForwardingStore::MoveFileW(from, to);
     }
     BOOL CreateDirectoryW(const WCHAR* path, void* security) override {
-        return Keep("make", path) ? ForwardingStore::CreateDirectoryW(path, security) : 0;
+        Keep("make", path);
+        return ForwardingStore::CreateDirectoryW(path, security);
     }
     BOOL RemoveDirectoryW(const WCHAR* path) override {
         Keep("remove", path);
@@ -33,31 +34,21 @@ class MoveWitness : public platform::ForwardingStore {
     void DirectoryMoves(const WCHAR* from, const WCHAR* to) override { Keep("begin", from, to); }
     void DirectoryMoved(const WCHAR* from, const WCHAR* to) override { Keep("end", from, to); }
     void NothingMoves(const WCHAR* from, const WCHAR* to) override { Keep("none", from, to); }
-    const platform::Failure& LastFailure() const override {
-        return kept.size() < most_ ? ForwardingStore::LastFailure() : failure_;
-    }
 
     Entries kept;
 
   private:
-    bool Keep(const char* what, const WCHAR* from, const WCHAR* to = u"") {
-        kept.push_back(std::string(what) + ' ' + platform::ReadableText(from) + ' ' +
+    void Keep(const std::string& what, const WCHAR* from, const WCHAR* to = u"") {
+        kept.push_back(what + ' ' + platform::ReadableText(from) + ' ' +
                        platform::ReadableText(to));
-        return kept.size() < most_;
     }
-
-    std::size_t most_;
-    platform::Failure failure_{"move", {}, 0, "no room", ERROR_NO_SYSTEM_RESOURCES};
 };
 
 // A device with these entries in use. Its n-th operation that can fail does so, none for 0.
 class Device : public TemporaryDevice {
   public:
-    explicit Device(const Entries& entries, int failing = 0, std::size_t most = 1000)
-        : real_(OpenFiles(), u""),
-          store_(real_, failing),
-          witness_(store_, most),
-          inUse_(witness_) {
+    explicit Device(const Entries& entries, int failing = 0)
+        : real_(OpenFiles(), u""), store_(real_, failing), witness_(store_), inUse_(witness_) {
         Make(entries);
         BytesCleaned = 0;
     }
@@ -222,27 +213,13 @@ TEST(MoveTree, LosesNothingWhateverFails) {
     }
 }
 
-TEST(MoveTree, NotesEachDirectoryAndStopsWhenNothingMayMove) {
-    const Entries all = {R"(begin \A\s \B\s)",
-                         R"(make \B\s )",
-                         R"(begin \A\s\t \B\S\t)",
-                         R"(make \B\S\t )",
-                         R"(move \A\s\t\f \B\S\t\f)",
-                         R"(end \A\s\t \B\S\t)",
-                         R"(remove \A\s\t )",
-                         R"(end \A\s \B\s)",
-                         R"(remove \A\s )"};
-    const std::pair<std::size_t, std::string> cases[] = {
-        {100, "012345678"}, {2, "017"}, {4, "012357"}, {5, "0123457"}};
-    for (const auto& [most, expected] : cases) {
-        Device device(Words("A/s/t/f=1 B/S/"), 0, most);
-        EXPECT_EQ(MoveTree(u"\\A", u"\\B\\"), most == 100);
-        Entries kept;
-        for (const char number : expected) {
-            kept.push_back(all[static_cast<std::size_t>(number - '0')]);
-        }
-        EXPECT_EQ(device.moves(), kept);
-    }
+TEST(MoveTree, NotesEachDirectoryAroundWhatMoves) {
+    const Device device(Words("A/s/t/f=1 B/S/"));
+    MoveTree(u"\\A", u"\\B\\");
+    EXPECT_EQ(device.moves(),
+              (Entries{R"(begin \A\s \B\s)", R"(make \B\s )", R"(begin \A\s\t \B\S\t)",
+                       R"(make \B\S\t )", R"(move \A\s\t\f \B\S\t\f)", R"(end \A\s\t \B\S\t)",
+                       R"(remove \A\s\t )", R"(end \A\s \B\s)", R"(remove \A\s )"}));
 }
 
 // The look for the source, that for the destination, or the reading of the source fails.

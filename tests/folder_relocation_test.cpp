@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
 #include "core/options.h"
 #include "platform/directory_store.h"
 #include "tests/apply_device.h"
@@ -95,43 +93,35 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
     }
 }
 
-TEST(FolderRelocationTest, LosesNothingWhateverFails) {
-    const Folder& folder = kFolders[1];
-    const ApplyInput input{kFiles, Registry(folder, R"("\\Old")"), folder.option, u"\\New\\"};
-    for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
-        std::string content;
-        for (const std::string& entry : ApplySilently(input, failing, &calls).files) {
-            content += entry.ends_with('/') ? "" : entry.substr(entry.size() - 3);
-        }
-        EXPECT_TRUE(content == "a=1b=2" || content == "b=2a=1") << content << ", call " << failing;
-    }
-}
-
-// Its moves fail as they do when the registry cannot be stored.
-class ClosedStore : public platform::DirectoryStore {
+// Lets nothing move from the n-th time on, as when the registry cannot be stored.
+class ClosingStore : public platform::DirectoryStore {
   public:
     using DirectoryStore::DirectoryStore;
+    int open = 0;
 
   protected:
     platform::Status BeforeMove() override {
-        return platform::FailBecause("move", "no room", ERROR_NO_SYSTEM_RESOURCES);
+        return --open > 0 ? platform::Status()
+                          : platform::FailBecause("move", "no", ERROR_NO_SYSTEM_RESOURCES);
     }
 };
 
-TEST(FolderRelocationTest, WritesNoNewPlaceWhereNothingMayMove) {
-    const std::string registry = Registry(kFolders[1], R"("\\Old")");
-    const TemporaryDevice device;
-    device.Make(kFiles);
-    device.Make({"N/"});
-    WriteFile(device.path() + "/registry.reg", registry);
-    ClosedStore store(device.OpenFiles(), u"", device.OpenRegistry());
-    const platform::StoreInUse inUse(store);
-    CSettings settings;
-    settings.FavoritesDir = NewSettingsText();
-    settings.FavoritesDir[0] = u'N';
-    ApplyRun run{kFolders[1].option, settings};
-    RelocateFolder(run, kFolders[1].option);
-    EXPECT_EQ(store.ChangesOfRegistry().made, 0U);
+TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
+    for (const int closing : {1, 2, 3}) {
+        const TemporaryDevice device;
+        device.Make(kFiles);
+        WriteFile(device.path() + "/registry.reg", Registry(kFolders[1], R"("\\Old")"));
+        ClosingStore store(device.OpenFiles(), u"", device.OpenRegistry());
+        store.open = closing;
+        const platform::StoreInUse inUse(store);
+        CSettings settings;
+        settings.FavoritesDir = NewSettingsText();
+        FormatText({settings.FavoritesDir.get(), 9}, u"\\New\\", {});
+        ApplyRun run{kFolders[1].option, settings};
+        RelocateFolder(run, kFolders[1].option);
+        EXPECT_EQ(store.open, 0) << closing;
+        EXPECT_EQ(store.ChangesOfRegistry().made, 0U);
+    }
 }
 
 std::string App(const std::string& name, const std::string& values) {

@@ -8,9 +8,7 @@
 #include <cstring>
 
 #include "core/options.h"
-#include "engine/shortcut_target.h"
 #include "platform/file_store.h"
-#include "platform/host_text.h"
 #include "tests/apply_device.h"
 
 namespace {
@@ -88,26 +86,6 @@ TEST(ShortcutCleaningTest, FindsNothingByAPartAsPatternOrByTheRoot) {
         EXPECT_FALSE(Stays(target, {"Windows/a.exe="})) << target;
     }
     EXPECT_TRUE(Stays("\\Windows\\a.exe *.txt", {"Windows/a.exe="}));
-}
-
-TEST(ShortcutCleaningTest, TellsAPathByItsExtension) {
-    const std::pair<const WCHAR*, const char*> cases[] = {
-        {u"\"\\Windows\\x.exe\"", "\\Windows\\x.exe"},
-        {u"\"\\Windows\\x.exe\" /a", "\\Windows\\x.exe"},
-        {u"\"\\Windows\\page.html\"", "\\Windows\\page.htm"},
-        {u"\"\\Windows\\x.exe\" /a b.txt", "\\Windows\\x.exe\" /a b.tx"},
-        {u"\"\\Windows\\none\" /a", "\\Windows\\none\" /"},
-        {u"\"\\x.ab\"", "\\x.ab"},
-        {u"\"\\x.\"", "\\x."},
-        {u"\"\\a.b.c\"", "\\a.b.c"},
-        {u"\"\\\"", "\\"},
-        {u"\"\\", ""},
-        {u"\"", ""},
-        {u"", ""},
-    };
-    for (const auto& [quoted, path] : cases) {
-        EXPECT_EQ(platform::ReadableText(PathByExtension(quoted)), path);
-    }
 }
 
 TEST(ShortcutCleaningTest, CleansTheWholeMenuAndCountsWhatWent) {
