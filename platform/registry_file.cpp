@@ -38,15 +38,6 @@ Status ReadAll(int descriptor, std::size_t expected, std::string& bytes) {
     }
 }
 
-// Whether the directory's entries are safe; file systems that cannot say so are believed.
-Status SyncDirectory(int directory) {
-    const Descriptor readable(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (fsync(readable.get()) != 0 && errno != EINVAL && errno != ENOTSUP) {
-        return Fail("be sure to survive a power failure", errno);
-    }
-    return {};
-}
-
 // What the entry is, without opening it. `st_mode` is 0 when there is none.
 Result<struct stat> LookAt(int directory) {
     struct stat status {};
@@ -209,8 +200,7 @@ Status RegistryFile::Publish(UnpublishedFile& file, std::string_view bytes) cons
     if (ftruncate(file.descriptor(), static_cast<off_t>(bytes.size())) != 0) {
         return Fail("write", errno);
     }
-    const Status published = file.PublishInPlace(directory_, kName);
-    return published ? SyncDirectory(directory_) : published;
+    return file.PublishInPlace(directory_, kName);
 }
 
 }  // namespace platform
