@@ -47,11 +47,17 @@ void RemoveUnpublishedFile(int directory, const char* name) {
     }
 }
 
+// What was read of the directory may be out of date: a file that was set aside has got its name
+// back where its record came first.
+bool IsWithoutRecord(int volume, const char* aside) {
+    return FactsOf(volume, aside).has_value() && !HasRecord(volume, aside);
+}
+
 void PutRight(const DeviceTree& tree, int volume, const char* name) {
     const std::optional<ReservedFor> purpose = PurposeOf(name);
     if (purpose == ReservedFor::NewContent) {
         RemoveUnpublishedFile(volume, name);
-    } else if (purpose == ReservedFor::SetAside && !HasRecord(volume, name)) {
+    } else if (purpose == ReservedFor::SetAside && IsWithoutRecord(volume, name)) {
         SayLeft(name, "nothing tells which file it was");
     } else if (purpose == ReservedFor::WayBack) {
         if (const Status given = GiveBack(tree, volume, name); !given) {

@@ -1,5 +1,6 @@
 #include "tests/mounted_device.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -38,4 +39,16 @@ void MountedDevice::Bind(const std::string& source, const std::string& path) {
     EXPECT_EQ(mount(HostPath(source).c_str(), HostPath(path).c_str(), nullptr, MS_BIND, nullptr),
               0);
     IsMounted(path);
+}
+
+void MountedDevice::Clear() const {
+    Entries listing = Listing();
+    std::for_each(listing.rbegin(), listing.rend(), [this](const std::string& entry) {
+        const std::string path = HostPath(entry.substr(0, entry.find_first_of("=>|")));
+        const bool isDirectory = path.back() == '/';
+        const bool isMounted =
+            std::count(mounted_.begin(), mounted_.end(), path.substr(0, path.size() - 1)) > 0;
+        EXPECT_TRUE(isMounted ||
+                    unlinkat(AT_FDCWD, path.c_str(), isDirectory ? AT_REMOVEDIR : 0) == 0);
+    });
 }

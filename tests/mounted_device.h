@@ -24,6 +24,9 @@ class MountedDevice : public TemporaryDevice {
     void Bind(const std::string& source, const std::string& path);
     void IsMounted(const std::string& path) { mounted_.push_back(HostPath(path)); }
 
+    // Removes everything but the places where something is mounted.
+    void Clear() const;
+
   private:
     std::vector<std::string> mounted_;
 };

@@ -6,6 +6,12 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
+#include <atomic>
+#include <cstdlib>
+#include <filesystem>
+#include <thread>
+
 #include "engine/file_tree.h"
 #include "engine/shortcut_cleaning.h"
 #include "platform/file_store.h"
@@ -47,6 +53,12 @@ class VolumesTest : public testing::TestWithParam<bool> {
     }
 
     std::string HostPath(const std::string& path) const { return device_.HostPath(path); }
+
+    struct stat Look(const std::string& path) const {
+        struct stat status {};
+        EXPECT_EQ(lstat(HostPath(path).c_str(), &status), 0);
+        return status;
+    }
 
     MountedDevice device_;
 };
@@ -132,11 +144,147 @@ TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
                                        "Card/h=3"));
 }
 
-TEST_P(VolumesTest, WhatWasLeftUnpublishedOnAVolumeGoes) {
-    const std::string left = ".fennelbright-new-0123456789abcdef";
-    device_.Make({"Card/" + left + "=half", "Card/sub/" + left + "=other"});
-    platform::FileStore(device_.OpenFiles(), u"").ClearUp();
-    EXPECT_EQ(device_.Listing(), (Entries{"Card/", "Card/sub/", "Card/sub/" + left + "=other"}));
+TEST_P(VolumesTest, OneFileOnTwoPathsStays) {
+    device_.Bind("A", "View");
+    device_.Make({"A/f=1", "Fuse/"});
+    const std::string fuse = "command -v bindfs >/dev/null && bindfs '" + HostPath("A") + "' '" +
+                             HostPath("Fuse") + "' 2>/dev/null";
+    const bool hasFuse = std::system(fuse.c_str()) == 0;
+    if (hasFuse) {
+        device_.IsMounted("Fuse");
+    }
+    for (const WCHAR* const path : {u"\\A", u"\\View", u"\\Fuse"}) {
+        Move(path, u"\\View\\");
+        Move(path, u"\\A\\");
+        Move(path, u"\\Fuse\\");
+    }
+    EXPECT_EQ(device_.Listing(), Words(hasFuse ? "A/ A/f=1 Card/ Fuse/ Fuse/f=1 View/ View/f=1"
+                                               : "A/ A/f=1 Card/ Fuse/ View/ View/f=1"));
+}
+
+TEST_P(VolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
+    const struct {
+        const char* copy;
+        timespec time;
+        bool isFinished;
+    } cases[] = {
+        {"12", {11, 123456789}, true}, {"12", {11, 123456700}, true},
+        {"12", {11, 120000000}, true}, {"12", {11, 0}, true},
+        {"12", {10, 0}, true},         {"12", {11, 100000000}, false},
+        {"12", {12, 0}, false},        {"13", {11, 0}, false},
+        {"123", {11, 0}, false},
+    };
+    for (const auto& cut : cases) {
+        device_.Make({"A/f=12", std::string("Card/f=") + cut.copy});
+        const timespec times[][2] = {{{0, 0}, {11, 123456789}}, {{0, 0}, cut.time}};
+        utimensat(AT_FDCWD, HostPath("A/f").c_str(), times[0], 0);
+        utimensat(AT_FDCWD, HostPath("Card/f").c_str(), times[1], 0);
+        Move(u"\\A", u"\\Card\\");
+        const std::string copy = std::string(" Card/ Card/f=") + cut.copy;
+        EXPECT_EQ(device_.Listing(), Words((cut.isFinished ? "A/" : "A/ A/f=12") + copy));
+    }
+}
+
+TEST_P(VolumesTest, AFileOpenForWritingStays) {
+    device_.Make({"A/f=1"});
+    const platform::Descriptor file(open(HostPath("A/f").c_str(), O_RDWR));
+    platform::FileStore store(device_.OpenFiles(), u"");
+    EXPECT_EQ(store.MoveFileW(u"\\A\\f", u"\\Card\\f"), 0);
+    EXPECT_EQ(platform::ErrorCodeOf(store.LastFailure()), DWORD{ERROR_SHARING_VIOLATION});
+    EXPECT_EQ(device_.Listing(), Words("A/ A/f=1 Card/"));
+}
+
+TEST_P(VolumesTest, NoWritingIsLostByAMove) {
+    const std::string path = HostPath("f");
+    platform::FileStore store(device_.OpenFiles(), u"");
+    for (int round = 0; round < 200; ++round) {
+        device_.Make({"f=none"});
+        std::atomic<bool> isOver = false;
+        int last = 0;
+        std::thread writer([&] {
+            while (!isOver) {
+                const platform::Descriptor file(open(path.c_str(), O_WRONLY));
+                const int next = last + 1;
+                last = file && pwrite(file.get(), &next, sizeof next, 0) > 0 ? next : last;
+            }
+        });
+        bool isMoved = false;
+        for (int tries = 0; tries < 50 && !isMoved; ++tries) {
+            isMoved = store.MoveFileW(u"\\f", u"\\Card\\f") != 0;
+        }
+        isOver = true;
+        writer.join();
+        const std::string kept = ReadFile(isMoved ? HostPath("Card/f") : path);
+        EXPECT_EQ(kept, last == 0 ? "none"
+                                  : std::string(reinterpret_cast<const char*>(&last), sizeof last));
+        std::remove(HostPath("Card/f").c_str());
+    }
+}
+
+TEST_P(VolumesTest, MovedDirectoriesAreNeverOpenToMore) {
+    for (const mode_t mode : {0700, 0750, 01777, 0500}) {
+        device_.Make({"A/d/f=1", "A/given up/", "Card/old/"});
+        chmod(HostPath("A/d").c_str(), mode);
+        chmod(HostPath("Card/old").c_str(), 0711);
+        const timespec times[] = {{1000, 0}, {2000, 5}};
+        utimensat(AT_FDCWD, HostPath("A/d").c_str(), times, 0);
+        platform::FileStore store(device_.OpenFiles(), u"");
+        store.DirectoryMoves(u"\\A", u"\\Card\\old");
+        EXPECT_EQ(store.CreateDirectoryW(u"\\Card\\old", nullptr), 0);
+        store.DirectoryMoves(u"\\A\\d", u"\\Card\\old\\d");
+        EXPECT_NE(store.CreateDirectoryW(u"\\Card\\old\\d", nullptr), 0);
+        EXPECT_EQ(Look("Card/old/d").st_mode & 07777, 0700U);
+        store.DirectoryMoves(u"\\A\\given up", u"\\Card\\old\\given up");
+        EXPECT_NE(store.MoveFileW(u"\\A\\d\\f", u"\\Card\\old\\d\\f"), 0);
+        store.DirectoryMoved(u"\\A\\d", u"\\Card\\old\\d");
+        store.DirectoryMoved(u"\\A", u"\\Card\\old");
+        EXPECT_EQ(Look("Card/old/d").st_mode & 07777, mode);
+        EXPECT_EQ(Look("Card/old/d").st_mtim.tv_nsec, 5);
+        EXPECT_EQ(Look("Card/old").st_mode & 07777, 0711U);
+        std::filesystem::remove_all(HostPath("Card/old"));
+    }
+}
+
+// Files set aside, the records of their names, and what the next start makes of them.
+TEST_P(VolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
+    const std::string aside = ".fennelbright-aside-0123456789abcdef";
+    const std::string back = ".fennelbright-back-0123456789abcdef=";
+    const std::string record = back + "ec4ee03d1bd9b4b0 \\A\\f";
+    const std::string outwards = back + "1de9d36713cf370d \\link\\f";
+    const std::string nowhere = back + "45fb8ee612bc16ef \\none\\f";
+    const std::string upwards = back + "64b085d653be1d92 \\A\\..";
+    const std::string unpublished = ".fennelbright-new-0123456789abcdef=half";
+    const struct {
+        Entries before, after;
+        long lines;
+    } cases[] = {
+        {{aside + "=1", record}, {"A/", "A/f=1"}, 0},
+        {{"A/f=2", aside + "=1", record}, {aside + "=1", record, "A/", "A/f=2"}, 1},
+        {{aside + "=1"}, {aside + "=1", "A/"}, 1},
+        {{record}, {"A/"}, 0},
+        {{back}, {"A/"}, 0},
+        {{aside + "=1", back + "ec4ee03d1bd9b4b0 \\A\\"}, {}, 1},
+        {{aside + "=1", outwards, "link>A"}, {}, 1},
+        {{aside + "=1", nowhere}, {}, 1},
+        {{aside + "=1", upwards}, {}, 1},
+        {{aside + "/", record}, {}, 1},
+        {{"Card/" + aside + "=1", "Card/" + record}, {}, 1},  // of another volume
+        {{unpublished, "Card/" + unpublished}, {"A/"}, 0},
+        {{"A/" + unpublished}, {"A/", "A/" + unpublished}, 0},
+    };
+    for (const auto& left : cases) {
+        device_.Make(left.before);
+        device_.Make({"A/"});
+        const Entries unchanged = device_.Listing();
+        Entries after = left.after;
+        after.emplace_back("Card/");
+        testing::internal::CaptureStderr();
+        platform::FileStore(device_.OpenFiles(), u"").ClearUp();
+        const std::string said = testing::internal::GetCapturedStderr();
+        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), left.lines) << said;
+        EXPECT_EQ(device_.Listing(), left.after.empty() ? unchanged : after) << left.before[0];
+        device_.Clear();
+    }
 }
 
 }  // namespace
