@@ -194,23 +194,28 @@ TEST_P(VolumesTest, AFileOpenForWritingStays) {
     EXPECT_EQ(device_.Listing(), Words("A/ A/f=1 Card/"));
 }
 
+bool WriteNumber(const std::string& path, int number) {
+    const platform::Descriptor file(open(path.c_str(), O_WRONLY));
+    return file && pwrite(file.get(), &number, sizeof number, 0) > 0;
+}
+
 TEST_P(VolumesTest, NoWritingIsLostByAMove) {
     const std::string path = HostPath("f");
     platform::FileStore store(device_.OpenFiles(), u"");
-    for (int round = 0; round < 200; ++round) {
+    for (int round = 0; round < 30; ++round) {
         device_.Make({"f=none"});
         std::atomic<bool> isOver = false;
         int last = 0;
         std::thread writer([&] {
             while (!isOver) {
-                const platform::Descriptor file(open(path.c_str(), O_WRONLY));
-                const int next = last + 1;
-                last = file && pwrite(file.get(), &next, sizeof next, 0) > 0 ? next : last;
+                last += WriteNumber(path, last + 1) ? 1 : 0;
+                usleep(static_cast<useconds_t>(last * 7919 % 3000));
             }
         });
         bool isMoved = false;
-        for (int tries = 0; tries < 50 && !isMoved; ++tries) {
+        for (int tries = 0; tries < 20 && !isMoved; ++tries) {
             isMoved = store.MoveFileW(u"\\f", u"\\Card\\f") != 0;
+            usleep(isMoved ? 0 : 200);
         }
         isOver = true;
         writer.join();
