@@ -96,7 +96,7 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
     if (!HostNameOf(split.name, place.name)) {
         return NotThere("look at");
     }
-    if (const Status reached = ReachDirectory(split.directory, place); !reached) {
+    if (Status reached = ReachDirectory(split.directory, place); !reached) {
         return tl::unexpected<Failure>(reached.error());
     }
     const Search* const search =
@@ -105,7 +105,7 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
         search != nullptr ? search->FactsIfCurrent(place.name.view()) : std::nullopt;
     if (known) {
         place.facts = *known;
-    } else if (const Status examined = Examine(place, split.name); !examined) {
+    } else if (Status examined = Examine(place, split.name); !examined) {
         return tl::unexpected<Failure>(examined.error());
     }
     if (split.directoryOnly && !place.facts.isDirectory()) {
@@ -231,7 +231,7 @@ Status FileStore::Delete(std::u16string_view path) {
     if (place->facts.isReadOnly()) {
         return FailBecause("delete", kReadOnly, ERROR_ACCESS_DENIED);
     }
-    if (const Status ready = BeforeChange(); !ready) {
+    if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
     if (unlinkat(place->directory, place->name.c_str(), 0) != 0) {
@@ -253,7 +253,7 @@ Status FileStore::RemoveDirectory(std::u16string_view path) {
     if (!place->facts.isDirectory()) {
         return FailBecause("remove", "it is no directory", ERROR_DIRECTORY);
     }
-    if (const Status ready = BeforeChange(); !ready) {
+    if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
     if (unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) != 0) {
@@ -279,7 +279,7 @@ Status FileStore::CreateDirectory(std::u16string_view path) {
     if (*existing) {
         return Fail("make", EEXIST);
     }
-    if (const Status ready = BeforeMove(); !ready) {
+    if (Status ready = BeforeMove(); !ready) {
         return ready;
     }
     if (mkdirat(directory.descriptor.get(), target->host.c_str(), moved_.ModeFor(path)) != 0) {
@@ -327,11 +327,11 @@ Status FileStore::Move(const Place& source, std::u16string_view oldPath,
     if (*existing && (*existing)->view() != target->host.view()) {
         return Fail("move", EEXIST);
     }
-    if (const Status ready = BeforeMove(); !ready) {
+    if (Status ready = BeforeMove(); !ready) {
         return ready;
     }
-    const Status moved = *existing ? FinishMoveTo(source, oldPath, *target)
-                                   : MoveTo(source, oldPath, newPath, *target);
+    Status moved = *existing ? FinishMoveTo(source, oldPath, *target)
+                             : MoveTo(source, oldPath, newPath, *target);
     if (moved) {
         directory.names.Add(target->device);
     }
@@ -342,7 +342,7 @@ Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
                          std::u16string_view newPath, const Target& target) {
     const int into = target.directory->descriptor.get();
     const char* const name = target.host.c_str();
-    const Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
+    Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
     if (moved || moved.error().error != EXDEV) {
         return moved;
     }
@@ -436,7 +436,7 @@ Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing 
     if (!volume) {
         return tl::unexpected<Failure>(volume.error());
     }
-    if (const Status ready = BeforeChange(); !ready) {
+    if (Status ready = BeforeChange(); !ready) {
         return tl::unexpected<Failure>(ready.error());
     }
     return OpenPublishingStream(std::move(opened->descriptor), std::move(*volume), place.name,
@@ -456,8 +456,7 @@ Result<std::optional<struct stat>> FileStore::Replaced(Place& place, std::u16str
     if (existing == Existing::Kept) {
         return Fail("make", EEXIST);
     }
-    if (const Status writable = CheckWritable(place.directory, place.name, place.facts);
-        !writable) {
+    if (Status writable = CheckWritable(place.directory, place.name, place.facts); !writable) {
         return tl::unexpected<Failure>(writable.error());
     }
     std::optional<struct stat> status(std::in_place);

@@ -46,7 +46,7 @@ Status CopyContent(const WatchedFile& from, int to) {
         if (*length == 0) {
             return {};
         }
-        if (const Status written = WriteWhole(to, {block->data(), *length}); !written) {
+        if (Status written = WriteWhole(to, {block->data(), *length}); !written) {
             return written;
         }
     }
@@ -54,7 +54,7 @@ Status CopyContent(const WatchedFile& from, int to) {
 }
 
 Status CopyWhole(const WatchedFile& from, int to) {
-    if (const Status copied = CopyContent(from, to); !copied) {
+    if (Status copied = CopyContent(from, to); !copied) {
         return copied;
     }
     CopyUserAttributes(from.descriptor(), to);  // while the mode still allows it
@@ -225,7 +225,7 @@ Status RenameWithoutReplacing(int fromDirectory, const char* from, int toDirecto
         return tl::unexpected<Failure>(facts.error());
     }
     if (!facts->isDirectory()) {
-        const Status linked = LinkAndUnlink(fromDirectory, from, toDirectory, to);
+        Status linked = LinkAndUnlink(fromDirectory, from, toDirectory, to);
         if (linked || !KnowsNoLinks(linked.error().error)) {
             return linked;
         }
@@ -250,10 +250,10 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination) {
     if (!copy) {
         return tl::unexpected<Failure>(copy.error());
     }
-    if (const Status copied = CopyWhole(*file, (*copy)->descriptor()); !copied) {
+    if (Status copied = CopyWhole(*file, (*copy)->descriptor()); !copied) {
         return copied;
     }
-    if (const Status published = (*copy)->PublishNew(destination.directory, destination.name);
+    if (Status published = (*copy)->PublishNew(destination.directory, destination.name);
         !published) {
         return published;
     }
@@ -261,7 +261,7 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination) {
 }
 
 Status FinishMove(const SourceFile& source, int directory, const char* name) {
-    const Status taken = Fail(kMove, EEXIST);
+    Status taken = Fail(kMove, EEXIST);
     Candidate candidate{directory, name};
     if (!LooksLike(source, candidate)) {
         return taken;

@@ -40,7 +40,7 @@ Status WriteRecord(int volume, const char* name, const std::string& record) {
     if (!file) {
         return Fail(kNote, errno);
     }
-    if (const Status written = WriteWhole(file.get(), record); !written) {
+    if (Status written = WriteWhole(file.get(), record); !written) {
         return written;
     }
     if (fsync(file.get()) != 0) {
@@ -83,7 +83,7 @@ bool IsThere(int directory, const char* name) {
 // Where the file system does not know how to rename without replacing, a kill can have left both
 // names.
 Status Rename(int volume, const char* aside, int directory, const char* name) {
-    const Status renamed = RenameWithoutReplacing(volume, aside, directory, name);
+    Status renamed = RenameWithoutReplacing(volume, aside, directory, name);
     if (renamed || renamed.error().error != EEXIST ||
         !AreTwoNamesOfOneFile(volume, aside, directory, name)) {
         return renamed;
@@ -92,7 +92,7 @@ Status Rename(int volume, const char* aside, int directory, const char* name) {
 }
 
 Status Return(int volume, const HostName& aside, int directory, const char* name) {
-    if (const Status renamed = Rename(volume, aside.c_str(), directory, name); !renamed) {
+    if (Status renamed = Rename(volume, aside.c_str(), directory, name); !renamed) {
         return renamed;
     }
     SyncEntries(directory);
@@ -171,7 +171,7 @@ Status GiveBack(const DeviceTree& tree, int volume, std::string_view record) {
     if (!path) {
         return tl::unexpected<Failure>(path.error());
     }
-    const Status returned = ReturnTo(tree, *path, volume, aside);
+    Status returned = ReturnTo(tree, *path, volume, aside);
     return returned ? returned : FailOf(returned.error(), ReadableText(*path));
 }
 

@@ -54,7 +54,7 @@ Status UnpublishedFile::Link(int directory, const char* name) const {
 // A link cannot replace a file, only a renaming can: so the file needs a name first.
 Status UnpublishedFile::Reserve() {
     const HostName reserved = NewReservedName();
-    const Status linked = Link(volume_, reserved.c_str());
+    Status linked = Link(volume_, reserved.c_str());
     if (linked) {
         reserved_ = reserved;
     }
@@ -66,16 +66,16 @@ Status UnpublishedFile::PublishNew(int directory, const char* name) {
         return Fail(kStore, errno);
     }
     if (!reserved_) {
-        if (const Status linked = Link(directory, name); !linked) {
+        if (Status linked = Link(directory, name); !linked) {
             return linked;
         }
-    } else if (const Status renamed =
+    } else if (Status renamed =
                    RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name);
                !renamed) {
         return renamed;
     }
     reserved_.reset();
-    const Status synced = SyncEntries(directory);
+    Status synced = SyncEntries(directory);
     if (!synced) {
         Withdraw(directory, name);
     }
@@ -93,7 +93,7 @@ Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
     if (fsync(descriptor()) != 0) {
         return Fail(kStore, errno);
     }
-    if (const Status named = reserved_ ? Status() : Reserve(); !named) {
+    if (Status named = reserved_ ? Status() : Reserve(); !named) {
         return named;
     }
     if (renameat(volume_, reserved_->c_str(), directory, name) != 0) {

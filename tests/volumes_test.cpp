@@ -227,7 +227,7 @@ TEST_P(VolumesTest, NoWritingIsLostByAMove) {
 }
 
 TEST_P(VolumesTest, MovedDirectoriesAreNeverOpenToMore) {
-    for (const mode_t mode : {0700, 0750, 01777, 0500}) {
+    for (const mode_t mode : {0700U, 0750U, 01777U, 0500U}) {
         device_.Make({"A/d/f=1", "A/given up/", "Card/old/"});
         chmod(HostPath("A/d").c_str(), mode);
         chmod(HostPath("Card/old").c_str(), 0711);
