@@ -34,16 +34,10 @@ std::vector<std::uint8_t> TextBytes(const std::u16string& text) {
     return Bytes(bytes);
 }
 
-std::optional<RegistryText> Parse(std::string bytes) {
-    RegistryFault fault;
-    return RegistryText::Parse(std::move(bytes), fault);
-}
-
 // Parsed, or an empty registry and a failed test.
 RegistryText MustParse(std::string bytes) {
-    RegistryFault fault;
-    std::optional<RegistryText> text = RegistryText::Parse(std::move(bytes), fault);
-    EXPECT_TRUE(text) << "line " << fault.line << ": " << (fault.reason ? fault.reason : "");
+    Result<RegistryText> text = RegistryText::Parse(std::move(bytes));
+    EXPECT_TRUE(text) << Describe(text.error());
     return text ? std::move(*text) : RegistryText();
 }
 
@@ -133,10 +127,10 @@ TEST(RegistryText, TellsTheLineOfAFault) {
         {"\xEF\xBB\xBF; \xE9\n", 1},
     };
     const auto expectFault = [](const std::string& text, std::size_t line) {
-        RegistryFault fault;
-        EXPECT_FALSE(RegistryText::Parse(text, fault)) << text;
-        EXPECT_EQ(fault.line, line) << text;
-        EXPECT_NE(fault.reason, nullptr) << text;
+        const Result<RegistryText> parsed = RegistryText::Parse(text);
+        ASSERT_FALSE(parsed) << text;
+        EXPECT_EQ(parsed.error().object, "registry.reg, line " + std::to_string(line)) << text;
+        EXPECT_NE(parsed.error().reason, nullptr) << text;
     };
     for (const auto& [text, line] : cases) {
         expectFault(text, line);
@@ -154,9 +148,9 @@ TEST(RegistryText, BoundsTheNamesAndLevelsOfKeys) {
     for (int level = 1; level < 512; ++level) {
         levels += "\\k";
     }
-    EXPECT_TRUE(Parse("[HKEY_USERS\\" + name + "]\n[" + levels + "]\n"));
-    EXPECT_FALSE(Parse("[HKEY_USERS\\" + name + "k]\n"));
-    EXPECT_FALSE(Parse("[" + levels + "\\k]\n"));
+    EXPECT_TRUE(RegistryText::Parse("[HKEY_USERS\\" + name + "]\n[" + levels + "]\n"));
+    EXPECT_FALSE(RegistryText::Parse("[HKEY_USERS\\" + name + "k]\n"));
+    EXPECT_FALSE(RegistryText::Parse("[" + levels + "\\k]\n"));
 }
 
 TEST(RegistryText, NarrowTextsAreCharacters) {
@@ -319,7 +313,7 @@ TEST(RegistryText, EightBitFilesKeepWhatTheyCanAndRefuseTheRest) {
 TEST(RegistryText, ACutFileIsAFaultOrKeepsAllItHas) {
     for (const std::string& whole : Encoded("REGEDIT4\r\n" + kFile)) {
         for (std::size_t size = 1; size < whole.size(); ++size) {
-            std::optional<RegistryText> cut = Parse(whole.substr(0, size));
+            Result<RegistryText> cut = RegistryText::Parse(whole.substr(0, size));
             if (!cut) {
                 continue;
             }
@@ -341,8 +335,8 @@ TEST(RegistryText, WorkGrowsWithTheFileAlone) {
         bytes += "[-HKEY_USERS\\" + std::to_string(number) + "]\n";
     }
     EXPECT_EQ(Names(MustParse(bytes), u"HKEY_USERS"), "49999 ");
-    EXPECT_TRUE(Parse("[HKEY_USERS\\" + std::string(1000000, '\\') + "]"));
-    EXPECT_FALSE(Parse("[HKEY_USERS]\n" + std::string(1000000, '"')));
+    EXPECT_TRUE(RegistryText::Parse("[HKEY_USERS\\" + std::string(1000000, '\\') + "]"));
+    EXPECT_FALSE(RegistryText::Parse("[HKEY_USERS]\n" + std::string(1000000, '"')));
 }
 
 }  // namespace
