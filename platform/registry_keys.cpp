@@ -10,14 +10,10 @@
 namespace platform {
 namespace {
 
-// So many subkeys are found one after the other. A deep path of keys with one subkey each, of which
-// a file can make millions, then needs no place in the table.
-constexpr std::size_t kListed = 4;
-
 // Nearer to the first subkey than that it is quicker to count than to note the place.
 constexpr std::size_t kFirstPlace = 16;
 
-static_assert(sizeof(RegistryKey) <= 40, "a file of two bytes a key must not fill the memory");
+static_assert(sizeof(RegistryKey) <= 40, "a file can name a key with two bytes");
 
 }  // namespace
 
@@ -34,20 +30,24 @@ void Fold(std::u16string& text) {
 }
 
 // The hash is another one in each run, so that no file can be made of names that share theirs.
-RegistryKeys::RegistryKeys(TextEncoding encoding) : encoding_(encoding), keys_(1), slots_(16) {
+RegistryKeys::RegistryKeys(TextEncoding encoding) : encoding_(encoding), slots_(16) {
+    keys_.emplace_back(0, std::string_view(), std::uint8_t{0});
     std::array<std::uint64_t, 2> random = {0x9E3779B97F4A7C15, 0xD6E8FEB86659FD93};
     static_cast<void>(getentropy(random.data(), sizeof random));
     seed_ = random[0];
     factor_ = random[1] | 1U;
 }
 
-RegistryKeys::Wanted RegistryKeys::Want(KeyIndex parent, std::u16string_view foldedName) const {
-    std::uint64_t hash = seed_ ^ parent;
+std::uint32_t RegistryKeys::Hash(KeyIndex parent, std::u16string_view foldedName) const {
+    const auto mix = [this](std::uint64_t hash, std::uint64_t next) {
+        hash = (hash ^ next) * factor_;
+        return hash ^ hash >> 32;
+    };
+    std::uint64_t hash = mix(seed_, parent);
     for (const char16_t unit : foldedName) {
-        hash = (hash ^ unit) * factor_;
-        hash ^= hash >> 32;
+        hash = mix(hash, unit);
     }
-    return {parent, foldedName, static_cast<std::uint32_t>(hash)};
+    return static_cast<std::uint32_t>(hash);
 }
 
 bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
@@ -55,21 +55,14 @@ bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
     if (candidate.hashPart != wanted.hash >> 24 || candidate.parent != wanted.parent) {
         return false;
     }
+    const std::string_view name = candidate.Name();
+    if (name == wanted.name) {
+        return true;
+    }
     folded_.clear();
-    DecodeText(encoding_, candidate.Name(), folded_);
+    DecodeText(encoding_, name, folded_);
     Fold(folded_);
     return folded_ == wanted.foldedName;
-}
-
-RegistryKeys::Listed RegistryKeys::FindListed(const Wanted& wanted) const {
-    KeyIndex child = keys_[wanted.parent].firstChild;
-    for (std::size_t count = 0; child != 0 && count < kListed; ++count) {
-        if (Is(child, wanted)) {
-            return {child, false};
-        }
-        child = keys_[child].next;
-    }
-    return {0, child == 0};
 }
 
 // The slot of the key, or the free one where it would be.
@@ -84,33 +77,36 @@ std::size_t RegistryKeys::FindSlot(const Wanted& wanted) const {
 }
 
 KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName) const {
-    const Wanted wanted = Want(parent, foldedName);
-    const Listed listed = FindListed(wanted);
-    if (listed.found != 0 || listed.all) {
-        return listed.found;
+    const KeyIndex first = keys_[parent].firstChild;
+    if (first == 0) {
+        return 0;
+    }
+    const Wanted wanted = {parent, foldedName, {}, Hash(parent, foldedName)};
+    if (Is(first, wanted)) {
+        return first;
     }
     const KeyIndex found = slots_[FindSlot(wanted)].key;
     return keys_[found].removed ? 0 : found;
 }
 
-// A subkey that was among the first ones stays there, since those before it can only go: all others
-// are in the table.
+// Only subkeys that were not their parent's first one when they were added need the table: a deep
+// path of new keys, of which a file can name millions, is a walk from neighbour to neighbour.
 KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
                                       std::string_view name) {
-    const Wanted wanted = Want(parent, foldedName);
-    const Listed listed = FindListed(wanted);
-    if (listed.found != 0) {
-        return listed.found;
+    const Wanted wanted = {parent, foldedName, name, Hash(parent, foldedName)};
+    const KeyIndex first = keys_[parent].firstChild;
+    if (first == 0) {
+        return Add(wanted);
     }
-    if (listed.all) {
-        return Add(wanted, name);
+    if (Is(first, wanted)) {
+        return first;
     }
     Slot& slot = slots_[FindSlot(wanted)];
     if (slot.key != 0 && !keys_[slot.key].removed) {
         return slot.key;
     }
     usedSlots_ += slot.key == 0 ? 1 : 0;
-    const KeyIndex added = Add(wanted, name);
+    const KeyIndex added = Add(wanted);
     slot = {wanted.hash, added};
     if (4 * usedSlots_ > 3 * slots_.size()) {
         GrowTable();
@@ -118,13 +114,10 @@ KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view folde
     return added;
 }
 
-KeyIndex RegistryKeys::Add(const Wanted& wanted, std::string_view name) {
+KeyIndex RegistryKeys::Add(const Wanted& wanted) {
     const auto added = static_cast<KeyIndex>(keys_.size());
-    RegistryKey& key = keys_.emplace_back();
-    key.nameBegin = name.data();
-    key.nameSize = static_cast<std::uint16_t>(name.size());
-    key.hashPart = static_cast<std::uint8_t>(wanted.hash >> 24);
-    key.parent = wanted.parent;
+    const auto hashPart = static_cast<std::uint8_t>(wanted.hash >> 24);
+    RegistryKey& key = keys_.emplace_back(wanted.parent, wanted.name, hashPart);
     key.previous = std::exchange(keys_[wanted.parent].lastChild, added);
     (key.previous != 0 ? keys_[key.previous].next : keys_[wanted.parent].firstChild) = added;
     return added;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -19,20 +21,43 @@ using SectionIndex = std::uint32_t;
 
 // One key. Relatives and belongings are 0 where there are none. A file can name a key with two
 // bytes, so that each field counts.
-struct RegistryKey {
-    const char* nameBegin = nullptr;  // in the file's encoding, owned elsewhere
-    std::uint16_t nameSize = 0;       // in bytes
-    std::uint8_t hashPart = 0;        // of the folded name, so that few others are compared with it
+class RegistryKey {
+  public:
+    // A key without relatives. `name`, in the file's encoding and of less than 64 KiB, must live as
+    // long as the key.
+    RegistryKey(KeyIndex parentKey, std::string_view name, std::uint8_t hash)
+        : nameSize_(static_cast<std::uint16_t>(name.size())), hashPart(hash), parent(parentKey) {
+        if (name.size() <= shortName_.size()) {
+            std::copy(name.begin(), name.end(), shortName_.begin());
+        } else {
+            longName_ = name.data();
+        }
+    }
+
+    // Lives as long as the key stays where it is.
+    std::string_view Name() const {
+        return {nameSize_ <= shortName_.size() ? shortName_.data() : longName_, nameSize_};
+    }
+
+  private:
+    // Keys are met in any order. To look for short names in the file, too, would be half of the
+    // time that a large one takes.
+    union {
+        std::array<char, sizeof(const char*)> shortName_{};
+        const char* longName_;
+    };
+    std::uint16_t nameSize_;
+
+  public:
+    std::uint8_t hashPart;  // of the folded name, so that few others are compared with it
     bool removed = false;
-    KeyIndex parent = 0;
+    KeyIndex parent;
     KeyIndex firstChild = 0;
     KeyIndex lastChild = 0;
     KeyIndex previous = 0;
     KeyIndex next = 0;
     ValueIndex lastValue = 0;
     SectionIndex lastSection = 0;
-
-    std::string_view Name() const { return {nameBegin, nameSize}; }
 };
 
 // Turns every unit of a name or a path to the case in which names are compared.
@@ -71,16 +96,11 @@ class RegistryKeys {
     struct Wanted {
         KeyIndex parent = 0;
         std::u16string_view foldedName;
+        std::string_view name;  // in the file's encoding; empty where that is not known
         std::uint32_t hash = 0;
     };
 
-    // A look at the first subkeys of a key.
-    struct Listed {
-        KeyIndex found = 0;
-        bool all = false;  // there are no others
-    };
-
-    // A place of the table of the other subkeys; free where its key is 0.
+    // A place of the table of subkeys; free where its key is 0.
     struct Slot {
         std::uint32_t hash = 0;
         KeyIndex key = 0;
@@ -92,11 +112,10 @@ class RegistryKeys {
         std::size_t index = 0;
     };
 
-    Wanted Want(KeyIndex parent, std::u16string_view foldedName) const;
+    std::uint32_t Hash(KeyIndex parent, std::u16string_view foldedName) const;
     bool Is(KeyIndex key, const Wanted& wanted) const;
-    Listed FindListed(const Wanted& wanted) const;
     std::size_t FindSlot(const Wanted& wanted) const;
-    KeyIndex Add(const Wanted& wanted, std::string_view name);
+    KeyIndex Add(const Wanted& wanted);
     void GrowTable();
     Place NearestPlace(KeyIndex parent, std::size_t index) const;
     void Unlink(KeyIndex key);
