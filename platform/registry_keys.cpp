@@ -31,7 +31,7 @@ void Fold(std::u16string& text) {
 
 // The hash is another one in each run, so that no file can be made of names that share theirs.
 RegistryKeys::RegistryKeys(TextEncoding encoding) : encoding_(encoding), slots_(16) {
-    keys_.emplace_back(0, std::string_view(), std::uint8_t{0});
+    Append(RegistryKey(0, {}, 0));
     std::array<std::uint64_t, 2> random = {0x9E3779B97F4A7C15, 0xD6E8FEB86659FD93};
     static_cast<void>(getentropy(random.data(), sizeof random));
     seed_ = random[0];
@@ -51,7 +51,7 @@ std::uint32_t RegistryKeys::Hash(KeyIndex parent, std::u16string_view foldedName
 }
 
 bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
-    const RegistryKey& candidate = keys_[key];
+    const RegistryKey& candidate = (*this)[key];
     if (candidate.hashPart != wanted.hash >> 24 || candidate.parent != wanted.parent) {
         return false;
     }
@@ -77,7 +77,7 @@ std::size_t RegistryKeys::FindSlot(const Wanted& wanted) const {
 }
 
 KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName) const {
-    const KeyIndex first = keys_[parent].firstChild;
+    const KeyIndex first = (*this)[parent].firstChild;
     if (first == 0) {
         return 0;
     }
@@ -86,7 +86,7 @@ KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName
         return first;
     }
     const KeyIndex found = slots_[FindSlot(wanted)].key;
-    return keys_[found].removed ? 0 : found;
+    return (*this)[found].removed ? 0 : found;
 }
 
 // Only subkeys that were not their parent's first one when they were added need the table: a deep
@@ -94,7 +94,7 @@ KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName
 KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
                                       std::string_view name) {
     const Wanted wanted = {parent, foldedName, name, Hash(parent, foldedName)};
-    const KeyIndex first = keys_[parent].firstChild;
+    const KeyIndex first = (*this)[parent].firstChild;
     if (first == 0) {
         return Add(wanted);
     }
@@ -102,7 +102,7 @@ KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view folde
         return first;
     }
     Slot& slot = slots_[FindSlot(wanted)];
-    if (slot.key != 0 && !keys_[slot.key].removed) {
+    if (slot.key != 0 && !(*this)[slot.key].removed) {
         return slot.key;
     }
     usedSlots_ += slot.key == 0 ? 1 : 0;
@@ -115,12 +115,21 @@ KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view folde
 }
 
 KeyIndex RegistryKeys::Add(const Wanted& wanted) {
-    const auto added = static_cast<KeyIndex>(keys_.size());
     const auto hashPart = static_cast<std::uint8_t>(wanted.hash >> 24);
-    RegistryKey& key = keys_.emplace_back(wanted.parent, wanted.name, hashPart);
-    key.previous = std::exchange(keys_[wanted.parent].lastChild, added);
-    (key.previous != 0 ? keys_[key.previous].next : keys_[wanted.parent].firstChild) = added;
+    const KeyIndex added = Append(RegistryKey(wanted.parent, wanted.name, hashPart));
+    RegistryKey& parent = (*this)[wanted.parent];
+    const KeyIndex previous = std::exchange(parent.lastChild, added);
+    (previous != 0 ? (*this)[previous].next : parent.firstChild) = added;
+    (*this)[added].previous = previous;
     return added;
+}
+
+KeyIndex RegistryKeys::Append(const RegistryKey& key) {
+    if (nextKey_ % kBlock == 0) {
+        blocks_.emplace_back().reserve(kBlock);
+    }
+    blocks_.back().push_back(key);
+    return nextKey_++;
 }
 
 void RegistryKeys::GrowTable() {
@@ -128,7 +137,7 @@ void RegistryKeys::GrowTable() {
     const std::size_t mask = slots_.size() - 1;
     usedSlots_ = 0;
     for (const Slot& entry : old) {
-        if (entry.key == 0 || keys_[entry.key].removed) {
+        if (entry.key == 0 || (*this)[entry.key].removed) {
             continue;
         }
         std::size_t slot = entry.hash & mask;
@@ -143,16 +152,16 @@ void RegistryKeys::GrowTable() {
 RegistryKeys::Place RegistryKeys::NearestPlace(KeyIndex parent, std::size_t index) const {
     const auto noted = places_.find(parent);
     const bool near = noted != places_.end() && noted->second.index / 2 <= index;
-    return near ? noted->second : Place{keys_[parent].firstChild, 0};
+    return near ? noted->second : Place{(*this)[parent].firstChild, 0};
 }
 
 KeyIndex RegistryKeys::Child(KeyIndex parent, std::size_t index) const {
     Place place = NearestPlace(parent, index);
     for (; place.index > index; --place.index) {
-        place.child = keys_[place.child].previous;
+        place.child = (*this)[place.child].previous;
     }
     for (; place.child != 0 && place.index < index; ++place.index) {
-        place.child = keys_[place.child].next;
+        place.child = (*this)[place.child].next;
     }
     if (place.child != 0 && index >= kFirstPlace) {
         places_[parent] = place;
@@ -161,10 +170,10 @@ KeyIndex RegistryKeys::Child(KeyIndex parent, std::size_t index) const {
 }
 
 void RegistryKeys::Unlink(KeyIndex key) {
-    const RegistryKey& gone = keys_[key];
-    RegistryKey& parent = keys_[gone.parent];
-    (gone.previous != 0 ? keys_[gone.previous].next : parent.firstChild) = gone.next;
-    (gone.next != 0 ? keys_[gone.next].previous : parent.lastChild) = gone.previous;
+    const RegistryKey& gone = (*this)[key];
+    RegistryKey& parent = (*this)[gone.parent];
+    (gone.previous != 0 ? (*this)[gone.previous].next : parent.firstChild) = gone.next;
+    (gone.next != 0 ? (*this)[gone.next].previous : parent.lastChild) = gone.previous;
     const auto noted = places_.find(gone.parent);
     if (noted == places_.end()) {
         return;
@@ -184,9 +193,9 @@ std::vector<KeyIndex> RegistryKeys::Remove(KeyIndex key) {
     Unlink(key);
     std::vector<KeyIndex> removed = {key};
     for (std::size_t done = 0; done < removed.size(); ++done) {
-        RegistryKey& gone = keys_[removed[done]];
+        RegistryKey& gone = (*this)[removed[done]];
         gone.removed = true;
-        for (KeyIndex child = gone.firstChild; child != 0; child = keys_[child].next) {
+        for (KeyIndex child = gone.firstChild; child != 0; child = (*this)[child].next) {
             removed.push_back(child);
         }
     }

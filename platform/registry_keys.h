@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <deque>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -72,8 +71,11 @@ class RegistryKeys {
     // A tree without keys, whose names come in that encoding.
     explicit RegistryKeys(TextEncoding encoding);
 
-    RegistryKey& operator[](KeyIndex key) { return keys_[key]; }
-    const RegistryKey& operator[](KeyIndex key) const { return keys_[key]; }
+    // Keys stay where they are.
+    RegistryKey& operator[](KeyIndex key) { return blocks_[key / kBlock][key % kBlock]; }
+    const RegistryKey& operator[](KeyIndex key) const {
+        return blocks_[key / kBlock][key % kBlock];
+    }
 
     // The subkey with that name, folded to the case that all names are compared in; 0 if there is
     // none.
@@ -92,6 +94,8 @@ class RegistryKeys {
     std::vector<KeyIndex> Remove(KeyIndex key);
 
   private:
+    static constexpr std::size_t kBlock = 4096;
+
     // What a key is looked up by.
     struct Wanted {
         KeyIndex parent = 0;
@@ -116,6 +120,7 @@ class RegistryKeys {
     bool Is(KeyIndex key, const Wanted& wanted) const;
     std::size_t FindSlot(const Wanted& wanted) const;
     KeyIndex Add(const Wanted& wanted);
+    KeyIndex Append(const RegistryKey& key);
     void GrowTable();
     Place NearestPlace(KeyIndex parent, std::size_t index) const;
     void Unlink(KeyIndex key);
@@ -123,8 +128,9 @@ class RegistryKeys {
     TextEncoding encoding_;
     std::uint64_t seed_ = 0;
     std::uint64_t factor_ = 0;
-    std::deque<RegistryKey> keys_;  // grows without a second copy of itself
-    std::vector<Slot> slots_;       // a power of two
+    std::vector<std::vector<RegistryKey>> blocks_;  // grows without a second copy of the keys
+    KeyIndex nextKey_ = 0;
+    std::vector<Slot> slots_;  // a power of two
     std::size_t usedSlots_ = 0;
     mutable std::u16string folded_;
     mutable std::unordered_map<KeyIndex, Place> places_;  // by parent
