@@ -222,8 +222,8 @@ Status RegistryText::FindLevel(std::string_view name, bool add) {
     }
     Fold(folded_);
     const KeyIndex parent = path_.empty() ? 0 : path_.back().key;
-    const KeyIndex key = add ? keys_.FindOrAddChild(parent, folded_, name)
-                             : keys_.FindChild(parent, folded_);
+    const KeyIndex key =
+        add ? keys_.FindOrAddChild(parent, folded_, name) : keys_.FindChild(parent, folded_);
     if (key != 0) {
         path_.push_back({name, key});
     }
