@@ -173,10 +173,12 @@ Status RegistryText::TakeValue(const RegistryStatement& statement) {
     return {};
 }
 
+// Adds those that are not there; a deleted one comes back empty.
 void RegistryText::AddRoots() {
-    for (const std::u16string_view root : kRoots) {
-        if (keys_.FindChild(0, root) == 0) {
-            keys_.FindOrAddChild(0, root, Own(Spell(root)));
+    for (std::size_t index = 0; index < kRoots.size(); ++index) {
+        KeyIndex& root = roots_[index];
+        if (root == 0 || keys_[root].removed) {
+            root = keys_.FindOrAddChild(0, kRoots[index], Own(Spell(kRoots[index])));
         }
     }
 }

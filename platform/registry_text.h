@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
@@ -135,6 +136,7 @@ class RegistryText {
     RegistryForm form_;
     std::size_t textBegin_ = 0;  // after the byte order mark
     RegistryKeys keys_;
+    std::array<KeyIndex, 4> roots_{};
     std::vector<ValueText> values_;
     std::vector<Section> sections_;
     SectionIndex currentSection_ = 0;
