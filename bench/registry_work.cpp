@@ -31,7 +31,7 @@ bool WriteOneValue(platform::Registry& registry) {
            registry.RegSetValueExW(key, TEXT("Number"), 0, REG_DWORD,
                                    reinterpret_cast<const BYTE*>(&number),
                                    sizeof number) == ERROR_SUCCESS &&
-           registry.RegCloseKey(key) == ERROR_SUCCESS;
+           registry.RegCloseKey(key) == ERROR_SUCCESS && registry.Store();
 }
 
 int Parse(const char* path) {
@@ -56,11 +56,10 @@ int main(int count, char** words) {
         return EX_USAGE;
     }
     const platform::Descriptor device(open(words[2], O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::string reason;
-    const auto registry = platform::Registry::Open(device.get(), reason);
-    if (registry == nullptr) {
-        std::fprintf(stderr, "%s: %s\n", words[2], reason.c_str());
+    const auto registry = platform::Registry::Open(device.get());
+    if (!registry) {
+        std::fprintf(stderr, "%s: %s\n", words[2], platform::Describe(registry.error()).c_str());
         return EX_NOINPUT;
     }
-    return task == "read" || WriteOneValue(*registry) ? 0 : EX_IOERR;
+    return task == "read" || WriteOneValue(**registry) ? 0 : EX_IOERR;
 }

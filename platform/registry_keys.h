@@ -20,12 +20,11 @@ using SectionIndex = std::uint32_t;
 
 // One key. Relatives and belongings are 0 where there are none. A file can name a key with two
 // bytes, so that each field counts.
-class RegistryKey {
-  public:
+struct RegistryKey {
     // A key without relatives. `name`, in the file's encoding and of less than 64 KiB, must live as
     // long as the key.
     RegistryKey(KeyIndex parentKey, std::string_view name, std::uint8_t hash)
-        : nameSize_(static_cast<std::uint16_t>(name.size())), hashPart(hash), parent(parentKey) {
+        : parent(parentKey), hashPart(hash), nameSize_(static_cast<std::uint16_t>(name.size())) {
         if (name.size() <= shortName_.size()) {
             std::copy(name.begin(), name.end(), shortName_.begin());
         } else {
@@ -38,18 +37,6 @@ class RegistryKey {
         return {nameSize_ <= shortName_.size() ? shortName_.data() : longName_, nameSize_};
     }
 
-  private:
-    // Keys are met in any order. To look for short names in the file, too, would be half of the
-    // time that a large one takes.
-    union {
-        std::array<char, sizeof(const char*)> shortName_{};
-        const char* longName_;
-    };
-    std::uint16_t nameSize_;
-
-  public:
-    std::uint8_t hashPart;  // of the folded name, so that few others are compared with it
-    bool removed = false;
     KeyIndex parent;
     KeyIndex firstChild = 0;
     KeyIndex lastChild = 0;
@@ -57,6 +44,17 @@ class RegistryKey {
     KeyIndex next = 0;
     ValueIndex lastValue = 0;
     SectionIndex lastSection = 0;
+    std::uint8_t hashPart;  // of the folded name, so that few others are compared with it
+    bool removed = false;
+
+  private:
+    std::uint16_t nameSize_;
+    // Keys are met in any order: looking for their short names in the file, too, would cost a
+    // quarter of the time that a large one takes.
+    union {
+        std::array<char, sizeof(const char*)> shortName_{};
+        const char* longName_;
+    };
 };
 
 // Turns every unit of a name or a path to the case in which names are compared.
