@@ -1,19 +1,25 @@
 // Reads the registry of a device directory, or reads it and writes it with one value changed, and
-// does nothing else of the program:
+// does nothing else of the program; or reads the text of a registry alone, with none of the system
+// calls that valgrind does not know:
 //
 //     registry_work read DEVICE
 //     registry_work write DEVICE
+//     registry_work parse FILE
 
 #include <fcntl.h>
 #include <sysexits.h>
 #include <unistd.h>
 
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/descriptor.h"
 #include "platform/registry.h"
+#include "platform/registry_text.h"
 
 namespace {
 
@@ -25,23 +31,35 @@ bool WriteOneValue(platform::Registry& registry) {
            registry.RegSetValueExW(key, TEXT("Number"), 0, REG_DWORD,
                                    reinterpret_cast<const BYTE*>(&number),
                                    sizeof number) == ERROR_SUCCESS &&
-           registry.RegCloseKey(key) == ERROR_SUCCESS;
+           registry.RegCloseKey(key) == ERROR_SUCCESS && registry.Store();
+}
+
+int Parse(const char* path) {
+    std::ifstream file(path, std::ios::binary);
+    std::string bytes((std::istreambuf_iterator<char>(file)), {});
+    if (const auto text = platform::RegistryText::Parse(std::move(bytes)); !text) {
+        std::fprintf(stderr, "%s\n", platform::Describe(text.error()).c_str());
+        return EX_DATAERR;
+    }
+    return 0;
 }
 
 }  // namespace
 
 int main(int count, char** words) {
     const std::string_view task = count == 3 ? words[1] : "";
+    if (task == "parse") {
+        return Parse(words[2]);
+    }
     if (task != "read" && task != "write") {
-        std::fputs("Usage: registry_work read|write DEVICE\n", stderr);
+        std::fputs("Usage: registry_work read|write DEVICE, registry_work parse FILE\n", stderr);
         return EX_USAGE;
     }
     const platform::Descriptor device(open(words[2], O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    std::string reason;
-    const auto registry = platform::Registry::Open(device.get(), reason);
-    if (registry == nullptr) {
-        std::fprintf(stderr, "%s: %s\n", words[2], reason.c_str());
+    const auto registry = platform::Registry::Open(device.get());
+    if (!registry) {
+        std::fprintf(stderr, "%s: %s\n", words[2], platform::Describe(registry.error()).c_str());
         return EX_NOINPUT;
     }
-    return task == "read" || WriteOneValue(*registry) ? 0 : EX_IOERR;
+    return task == "read" || WriteOneValue(**registry) ? 0 : EX_IOERR;
 }

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Measures the program against its goals and prints the figures as Markdown.
 
-Needs strace, find and a tmpfs. Exits with 1 when a goal is missed, with 2 when it cannot measure.
+Needs strace, valgrind, find, iconv and a tmpfs. Exits with 1 when a goal is missed, with 2 when it cannot measure.
 """
 
 import argparse
@@ -40,6 +40,10 @@ TAB_CHANGE_LIMIT = 1000 / 60  # milliseconds: one frame
 TAB_CHANGES = 120
 REGISTRY_READ_RATIO = 4.0
 REGISTRY_WRITE_RATIO = 8.0
+REGISTRY_MEMORY_RATIO = 5.0
+WORST_TIME_RATIO = 40.0
+WORST_MEMORY_RATIO = 40.0
+TWICE_THE_TEXT = 2.2  # times the instructions
 PEAK_DRIFT_KIB = 256  # pages that a run happens to touch or not
 
 TEMPORARY = ("Temp", "Windows/Temp", "My Documents/Temp")
@@ -54,6 +58,9 @@ SHORTCUTS = 1000
 TARGET_DIRECTORIES = 10
 REGISTRY_KEYS = 20_000
 DEAD_KEYS = 5_000
+WORST_UNITS = 12 << 20  # 24 MiB in UTF-16
+COUNTED_UNITS = 1 << 18
+KEY_PAIRS = 1 << 20
 # What the steps that run in every case find as they want it.
 QUIET_REGISTRY = """Windows Registry Editor Version 5.00\r
 \r
@@ -152,6 +159,13 @@ class Workplace:
                 check=True, stdout=subprocess.DEVNULL)
             found = re.search(rf"^\s*(\d+)\s+{name}$", summary.read(), re.MULTILINE)
             return int(found[1]) if found else 0
+
+    def instructions(self, command):
+        """The number of instructions of a command outside the kernel."""
+        done = subprocess.run(
+            ["valgrind", "--tool=cachegrind", "--cache-sim=no", "--cachegrind-out-file=/dev/null"]
+            + command, check=True, capture_output=True, text=True)
+        return int(re.search(r"I +refs: +([\d,]+)", done.stderr)[1].replace(",", ""))
 
     def cost(self, command):
         """What a run of a command costs."""
@@ -398,14 +412,9 @@ def measure_registry(place, table, runs):
                f" {runs} alternating runs.")
     with place.device() as device:
         device.write_registry(registry_text(REGISTRY_KEYS))
-        convert = ["iconv", "-f", "utf-16", "-t", "utf-8", "-o", "/dev/null",
-                   f"{device.path}/registry.reg"]
         for task, limit in (("read", REGISTRY_READ_RATIO), ("write", REGISTRY_WRITE_RATIO)):
-            ours, theirs = [], []
-            for _ in range(runs):
-                ours.append(place.cost([place.registry_work, task, device.path]).wall)
-                theirs.append(place.cost(convert).wall)
-            compare(table, task, "", 0, "iconv", ours, theirs, limit)
+            compare_reading(place, table, "usual keys", device, runs, limit, task)
+        compare_memory(place, table, "usual keys", device, REGISTRY_MEMORY_RATIO)
     with place.device() as device:
         device.write_registry(registry_text(REGISTRY_KEYS, REGISTRY_KEYS // DEAD_KEYS))
         device.tick(CLEAN_REGISTRY)
@@ -414,6 +423,90 @@ def measure_registry(place, table, runs):
         table.row(f"writings for {DEAD_KEYS:,} dead keys", "", 0, writes,
                   f"{left:,} keys are left", "1",
                   writes == 1 and left == REGISTRY_KEYS - DEAD_KEYS)
+
+
+@dataclass(frozen=True)
+class WorstText:
+    """Registry text of any length: lines between a beginning and an end."""
+
+    title: str
+    line: Callable  # of its number
+    begin: str = ""
+    end: str = ""
+
+    def make(self, units):
+        lines, length = [self.begin], 0
+        while length < units:
+            lines.append(self.line(len(lines) - 1))
+            length += len(lines[-1])
+        return "".join(lines) + self.end
+
+
+def scattered_pair(index):
+    """A path of two short names: all pairs in one random order, then in another one."""
+    pair = index * (0x9E3779B1 if index < KEY_PAIRS else 0x85EBCA6B) % KEY_PAIRS
+    return f"[{chr(0x4E00 + pair % 1024)}\\{chr(0x4E00 + pair // 1024)}]\n"
+
+
+LETTERS = "\\a" * 498
+WORST_TEXTS = (
+    WorstText("500 levels that differ early", lambda i: f"[HKEY_USERS\\{i:x}{LETTERS}]\n"),
+    WorstText("500 levels that differ late", lambda i: f"[HKEY_USERS{LETTERS}\\{i:x}]\n"),
+    WorstText("500 levels, two in turn", lambda i: f"[HKEY_USERS\\{'xy'[i % 2]}{LETTERS}]\n"),
+    WorstText("500 levels in either case",
+              lambda i: f"[HKEY_USERS{LETTERS.upper() if i % 2 else LETTERS}]\n"),
+    WorstText("keys of one parent", lambda i: f"[{i:x}]\n"),
+    WorstText("many parents in turn", lambda i: f"[{i % 3000:x}\\{i // 3000:x}]\n"),
+    WorstText("keys met in random order", scattered_pair),
+    WorstText("a key deleted and made again", lambda i: "[-a]\n[a\\b]\n"),
+    WorstText("500 levels deleted and made again", lambda i: f"[-a]\n[a{LETTERS}]\n"),
+    WorstText("a root deleted", lambda i: "[-HKEY_USERS]\n"),
+    WorstText("values of one key", lambda i: "@=-\n", "[a]\n"),
+    WorstText("continuation lines", lambda i: "0,\\\n", '[a]\n"x"=hex:', "0"),
+    WorstText("one huge value", lambda i: "0," * 512, '[a]\n"x"=hex:', "0"),
+    WorstText("blank lines", lambda i: "\n" * 1024),
+    WorstText("a path of backslashes", lambda i: "\\" * 1024, "[a", "]"),
+)
+
+
+def measure_worst_texts(place, table, runs):
+    table.head("The worst texts of a registry",
+               f"{WORST_UNITS >> 20} Mi characters; milliseconds in UTF-16, median of {runs} alternating"
+               f" runs; memory at 8 bits; instructions for {2 * COUNTED_UNITS:,} characters beside"
+               " half of them.")
+    for worst in WORST_TEXTS:
+        with place.device() as device:
+            registry = Path(device.path, "registry.reg")
+            text = worst.make(WORST_UNITS)
+            device.write_registry(text)
+            compare_reading(place, table, worst.title, device, runs, WORST_TIME_RATIO)
+            registry.write_text(text, "utf-8")
+            compare_memory(place, table, worst.title, device, WORST_MEMORY_RATIO)
+            counts = []
+            for units in (COUNTED_UNITS, 2 * COUNTED_UNITS):
+                registry.write_text(worst.make(units), "utf-8")
+                counts.append(place.instructions([place.registry_work, "parse", str(registry)]))
+            ratio = counts[1] / counts[0]
+            table.row(f"instructions, {worst.title}", "", 0, f"{ratio:.2f}", f"{counts[1]:,}",
+                      f"at most {TWICE_THE_TEXT}", ratio <= TWICE_THE_TEXT)
+
+
+def compare_reading(place, table, what, device, runs, limit, task="read"):
+    convert = ["iconv", "-f", "utf-16", "-t", "utf-8", "-o", "/dev/null",
+               f"{device.path}/registry.reg"]
+    ours, theirs = [], []
+    for _ in range(runs):
+        ours.append(place.cost([place.registry_work, task, device.path]).wall)
+        theirs.append(place.cost(convert).wall)
+    compare(table, f"{task}, {what}", "", 0, "iconv", ours, theirs, limit)
+
+
+def compare_memory(place, table, what, device, limit):
+    peak = place.cost([place.registry_work, "read", device.path]).peak
+    size = os.path.getsize(f"{device.path}/registry.reg") / 1024
+    table.row(f"memory, {what}", "", 0, f"{peak:,} KiB",
+              f"text {size:,.0f} KiB: {peak / size:.1f} times", f"at most {limit} times",
+              peak <= limit * size)
 
 
 def measure_windows(place, table, runs):
@@ -452,7 +545,7 @@ def read_arguments():
 
 def main():
     arguments = read_arguments()
-    for tool in ("strace", "find", "iconv"):
+    for tool in ("strace", "valgrind", "find", "iconv"):
         if shutil.which(tool) is None:
             refuse(f"{tool} is missing")
     place = Workplace(arguments.build, arguments.tmpfs)
@@ -465,6 +558,7 @@ def main():
     count_syncs(place, table)
     count_shortcuts(place, table)
     measure_registry(place, table, 3 * arguments.runs)
+    measure_worst_texts(place, table, arguments.runs)
     measure_windows(place, table, 3 * arguments.runs)
     measure_walks(place, table, arguments.runs)
     print(f"\nGoals missed: {table.missed}.")

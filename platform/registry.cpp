@@ -100,11 +100,9 @@ Result<Registry::ReadText> Registry::Read(const RegistryFile& file) {
     if (!content) {
         return tl::unexpected<Failure>(content.error());
     }
-    RegistryFault fault;
-    std::optional<RegistryText> text = RegistryText::Parse(std::move(content->bytes), fault);
+    Result<RegistryText> text = RegistryText::Parse(std::move(content->bytes));
     if (!text) {
-        return FailOf({"read it", {}, 0, fault.reason, ERROR_BAD_FORMAT},
-                      "registry.reg, line " + std::to_string(fault.line));
+        return tl::unexpected<Failure>(text.error());
     }
     return ReadText{std::move(*text), content->version};
 }

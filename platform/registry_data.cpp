@@ -9,12 +9,6 @@
 namespace platform {
 namespace {
 
-constexpr DataResult kRead{DataState::kValue, nullptr};
-
-DataResult Malformed(const char* reason) {
-    return {DataState::kMalformed, reason};
-}
-
 bool IsTextType(std::uint32_t type) {
     return type == REG_SZ || type == REG_EXPAND_SZ || type == REG_MULTI_SZ;
 }
@@ -42,17 +36,18 @@ class DataReader {
     DataReader(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data)
         : scanner_(scanner), form_(form), data_(data) {}
 
-    DataResult Read();
+    Result<DataState> Read();
 
   private:
-    DataResult ReadNumber();
-    DataResult ReadTypedBytes();
-    DataResult ReadBytes(std::uint32_t type);
-    DataResult ReadTexts(std::uint32_t type, bool list);
-    DataResult ReadText(std::uint32_t type);
+    Result<DataState> ReadNumber();
+    Result<DataState> ReadTypedBytes();
+    Result<DataState> ReadBytes(std::uint32_t type);
+    Result<DataState> ReadTexts(std::uint32_t type, bool list);
+    Result<DataState> ReadText(std::uint32_t type);
     bool AcceptByte();
     bool AtEmptyList();
     bool AcceptContinuation();
+    tl::unexpected<Failure> NoItem(const char* reason);
     void StartValue(std::uint32_t type);
     void AddText(std::size_t begin);
     void WidenTexts();
@@ -60,14 +55,15 @@ class DataReader {
     RegistryScanner& scanner_;
     const RegistryForm& form_;
     RegistryData* data_;
+    std::size_t itemBegin_ = 0;  // of a list: behind the comma, before a backslash
 };
 
-DataResult DataReader::Read() {
+Result<DataState> DataReader::Read() {
     if (scanner_.Peek() == '"') {
         return ReadText(REG_SZ);
     }
     if (scanner_.Accept(u'-')) {
-        return {DataState::kDeleted, nullptr};
+        return DataState::kDeleted;
     }
     if (scanner_.AcceptWord("dword:")) {
         return ReadNumber();
@@ -85,7 +81,7 @@ DataResult DataReader::Read() {
         return ReadTexts(REG_MUI_SZ, false);
     }
     if (scanner_.AcceptSymbol()) {
-        return {DataState::kUnresolved, nullptr};
+        return DataState::kUnresolved;
     }
     return Malformed("no data of a known form behind \"=\"");
 }
@@ -97,7 +93,7 @@ void DataReader::StartValue(std::uint32_t type) {
     }
 }
 
-DataResult DataReader::ReadNumber() {
+Result<DataState> DataReader::ReadNumber() {
     scanner_.SkipBlanks();
     const std::size_t start = scanner_.position();
     std::uint64_t number = 0;
@@ -110,17 +106,19 @@ DataResult DataReader::ReadNumber() {
     const std::size_t end = scanner_.position();
     if (end == start || IsWordUnit(scanner_.Peek())) {
         scanner_.MoveTo(start);
-        return scanner_.AcceptSymbol() ? DataResult{DataState::kUnresolved, nullptr}
-                                       : Malformed("no hexadecimal number behind \"dword:\"");
+        if (scanner_.AcceptSymbol()) {
+            return DataState::kUnresolved;
+        }
+        return Malformed("no hexadecimal number behind \"dword:\"");
     }
     StartValue(REG_DWORD);
     for (unsigned shift = 0; data_ != nullptr && shift < 32; shift += 8) {
         data_->bytes.push_back(static_cast<std::uint8_t>(number >> shift & 0xFFU));
     }
-    return kRead;
+    return DataState::kValue;
 }
 
-DataResult DataReader::ReadTypedBytes() {
+Result<DataState> DataReader::ReadTypedBytes() {
     std::uint64_t type = 0;
     const std::size_t start = scanner_.position();
     for (; HexDigit(scanner_.Peek()) >= 0; scanner_.MoveTo(scanner_.position() + 1)) {
@@ -161,6 +159,7 @@ bool DataReader::AtEmptyList() {
 // A list goes on in the next line behind a backslash, or behind a comma at the end of a line; lines
 // that are blank or hold a comment may stand between.
 bool DataReader::AcceptContinuation() {
+    itemBegin_ = scanner_.position();
     scanner_.SkipBlanks();
     if (scanner_.Accept(u'\\') && !scanner_.AcceptLineRest()) {
         return false;
@@ -172,26 +171,36 @@ bool DataReader::AcceptContinuation() {
     return true;
 }
 
-DataResult DataReader::ReadBytes(std::uint32_t type) {
-    static constexpr const char* kFault = "no list of hexadecimal bytes behind \"hex\"";
+// Where the file ends, the fault is in the line that says that there is more.
+tl::unexpected<Failure> DataReader::NoItem(const char* reason) {
+    if (scanner_.Peek() != RegistryScanner::kEnd) {
+        return Malformed(reason);
+    }
+    scanner_.MoveTo(itemBegin_);
+    return Malformed("a list that goes on at the end of the file");
+}
+
+Result<DataState> DataReader::ReadBytes(std::uint32_t type) {
     StartValue(type);
     if (AtEmptyList()) {
-        return kRead;
+        return DataState::kValue;
     }
     do {
         if (!AcceptContinuation()) {
             return Malformed("text behind the backslash at the end of a line");
         }
         if (!AcceptByte()) {
-            return scanner_.AcceptSymbol() ? DataResult{DataState::kUnresolved, nullptr}
-                                           : Malformed(kFault);
+            if (scanner_.AcceptSymbol()) {
+                return DataState::kUnresolved;
+            }
+            return NoItem("no list of hexadecimal bytes behind \"hex\"");
         }
         scanner_.SkipBlanks();
     } while (scanner_.Accept(u','));
     if (form_.narrowTexts && IsTextType(type)) {
         WidenTexts();
     }
-    return kRead;
+    return DataState::kValue;
 }
 
 // Such bytes may hold what the encoding of the file itself cannot; they are then written as UTF-8.
@@ -216,17 +225,17 @@ void DataReader::AddText(std::size_t begin) {
     AppendUtf16Bytes(text, data_->bytes);
 }
 
-DataResult DataReader::ReadText(std::uint32_t type) {
+Result<DataState> DataReader::ReadText(std::uint32_t type) {
     StartValue(type);
     const std::size_t begin = scanner_.position();
     if (!scanner_.AcceptQuoted()) {
         return Malformed("a text without its closing quote");
     }
     AddText(begin);
-    return kRead;
+    return DataState::kValue;
 }
 
-DataResult DataReader::ReadTexts(std::uint32_t type, bool list) {
+Result<DataState> DataReader::ReadTexts(std::uint32_t type, bool list) {
     StartValue(type);
     bool unresolved = false;
     bool more = !AtEmptyList();
@@ -243,7 +252,7 @@ DataResult DataReader::ReadTexts(std::uint32_t type, bool list) {
         } else if (scanner_.AcceptSymbol()) {
             unresolved = true;
         } else {
-            return Malformed("no text in quotes in a list of texts");
+            return NoItem("no text in quotes in a list of texts");
         }
         scanner_.SkipBlanks();
         more = list && scanner_.Accept(u',');
@@ -251,7 +260,7 @@ DataResult DataReader::ReadTexts(std::uint32_t type, bool list) {
     if (list && data_ != nullptr) {
         data_->bytes.insert(data_->bytes.end(), 2, 0);
     }
-    return {unresolved ? DataState::kUnresolved : DataState::kValue, nullptr};
+    return unresolved ? DataState::kUnresolved : DataState::kValue;
 }
 
 // Hexadecimal bytes between commas. Lines are kept short, as other editors of such files do it.
@@ -322,7 +331,7 @@ std::optional<std::string> FormatBytes(const RegistryForm& form, std::uint32_t t
 
 }  // namespace
 
-DataResult ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data) {
+Result<DataState> ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data) {
     return DataReader(scanner, form, data).Read();
 }
 

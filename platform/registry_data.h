@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/failure.h"
 #include "platform/registry_scanner.h"
 #include "platform/text_encoding.h"
 
@@ -31,19 +32,17 @@ enum class DataState {
     kValue,       // there is a value
     kDeleted,     // the line says that there is none
     kUnresolved,  // a symbol stands in place of the data
-    kMalformed,
 };
 
-// What reading the data of a value came to. `failure` is a reason for people, null unless
-// malformed.
-struct DataResult {
-    DataState state = DataState::kValue;
-    const char* failure = nullptr;
-};
+// The failure of reading text that is not of the form.
+inline tl::unexpected<Failure> Malformed(const char* reason) {
+    return FailBecause("read it", reason, ERROR_BAD_FORMAT);
+}
 
 // Moves the scanner from the first unit of a value's data behind its last one and puts what it says
-// into `data`, unless that is null. When the data are malformed, the scanner stands near the fault.
-DataResult ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data);
+// into `data`, unless that is null. When the data are malformed, the scanner stands in the line of
+// the fault.
+Result<DataState> ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data);
 
 // The data of a value in the form of a file, in the file's encoding. A text becomes "..." where
 // that can hold it; a terminator at its end is left out there, since reading adds it. Nothing when

@@ -1,75 +1,201 @@
 #include "platform/registry_keys.h"
 
-namespace platform {
+#include <unistd.h>
 
-void RegistryKeys::Reserve(std::size_t count) {
-    keys_.reserve(count);
-    byName_.reserve(count);
+#include <array>
+#include <utility>
+
+#include "platform/host_names.h"
+
+namespace platform {
+namespace {
+
+// Nearer to the first subkey than that it is quicker to count than to note the place.
+constexpr std::size_t kFirstPlace = 16;
+
+static_assert(sizeof(RegistryKey) <= 40, "a file can name a key with two bytes");
+
+}  // namespace
+
+std::u16string FoldText(std::u16string_view text) {
+    std::u16string folded(text);
+    Fold(folded);
+    return folded;
 }
 
-// A name is found together with its parent's number, so that no path is stored for each key of it.
-const std::u16string& RegistryKeys::LookupKey(KeyIndex parent,
-                                              std::u16string_view foldedName) const {
-    lookupKey_.clear();
-    lookupKey_ += static_cast<char16_t>(parent & 0xFFFFU);
-    lookupKey_ += static_cast<char16_t>(parent >> 16);
-    lookupKey_ += foldedName;
-    return lookupKey_;
+void Fold(std::u16string& text) {
+    for (char16_t& unit : text) {
+        unit = FoldUnit(unit);
+    }
+}
+
+// The hash is another one in each run, so that no file can be made of names that share theirs.
+RegistryKeys::RegistryKeys(TextEncoding encoding) : encoding_(encoding), slots_(16) {
+    Append(RegistryKey(0, {}, 0));
+    std::array<std::uint64_t, 2> random = {0x9E3779B97F4A7C15, 0xD6E8FEB86659FD93};
+    static_cast<void>(getentropy(random.data(), sizeof random));
+    seed_ = random[0];
+    factor_ = random[1] | 1U;
+}
+
+std::uint32_t RegistryKeys::Hash(KeyIndex parent, std::u16string_view foldedName) const {
+    const auto mix = [this](std::uint64_t hash, std::uint64_t next) {
+        hash = (hash ^ next) * factor_;
+        return hash ^ hash >> 32;
+    };
+    std::uint64_t hash = mix(seed_, parent);
+    for (const char16_t unit : foldedName) {
+        hash = mix(hash, unit);
+    }
+    return static_cast<std::uint32_t>(hash);
+}
+
+bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
+    const RegistryKey& candidate = (*this)[key];
+    if (candidate.hashPart != wanted.hash >> 24 || candidate.parent != wanted.parent) {
+        return false;
+    }
+    const std::string_view name = candidate.Name();
+    if (name == wanted.name) {
+        return true;
+    }
+    folded_.clear();
+    DecodeText(encoding_, name, folded_);
+    Fold(folded_);
+    return folded_ == wanted.foldedName;
+}
+
+// The slot of the key, or the free one where it would be.
+std::size_t RegistryKeys::FindSlot(const Wanted& wanted) const {
+    const std::size_t mask = slots_.size() - 1;
+    std::size_t slot = wanted.hash & mask;
+    while (slots_[slot].key != 0 &&
+           (slots_[slot].hash != wanted.hash || !Is(slots_[slot].key, wanted))) {
+        slot = (slot + 1) & mask;
+    }
+    return slot;
 }
 
 KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName) const {
-    const auto found = byName_.find(LookupKey(parent, foldedName));
-    return found == byName_.end() ? 0 : found->second;
+    const KeyIndex first = (*this)[parent].firstChild;
+    if (first == 0) {
+        return 0;
+    }
+    const Wanted wanted = {parent, foldedName, {}, Hash(parent, foldedName)};
+    if (Is(first, wanted)) {
+        return first;
+    }
+    const KeyIndex found = slots_[FindSlot(wanted)].key;
+    return (*this)[found].removed ? 0 : found;
 }
 
+// Only subkeys that were not their parent's first one when they were added need the table: a deep
+// path of new keys, of which a file can name millions, is a walk from neighbour to neighbour.
 KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
                                       std::string_view name) {
-    const auto added = static_cast<KeyIndex>(keys_.size());
-    const auto [entry, isNew] = byName_.try_emplace(LookupKey(parent, foldedName), added);
-    if (!isNew) {
-        return entry->second;
+    const Wanted wanted = {parent, foldedName, name, Hash(parent, foldedName)};
+    const KeyIndex first = (*this)[parent].firstChild;
+    if (first == 0) {
+        return Add(wanted);
     }
-    RegistryKey key;
-    key.name = name;
-    key.lookupKey = &entry->first;
-    key.parent = parent;
-    key.previous = keys_[parent].lastChild;
-    (key.previous != 0 ? keys_[key.previous].next : keys_[parent].firstChild) = added;
-    keys_[parent].lastChild = added;
-    keys_.push_back(key);
+    if (Is(first, wanted)) {
+        return first;
+    }
+    Slot& slot = slots_[FindSlot(wanted)];
+    if (slot.key != 0 && !(*this)[slot.key].removed) {
+        return slot.key;
+    }
+    usedSlots_ += slot.key == 0 ? 1 : 0;
+    const KeyIndex added = Add(wanted);
+    slot = {wanted.hash, added};
+    if (4 * usedSlots_ > 3 * slots_.size()) {
+        GrowTable();
+    }
     return added;
 }
 
+KeyIndex RegistryKeys::Add(const Wanted& wanted) {
+    const auto hashPart = static_cast<std::uint8_t>(wanted.hash >> 24);
+    const KeyIndex added = Append(RegistryKey(wanted.parent, wanted.name, hashPart));
+    RegistryKey& parent = (*this)[wanted.parent];
+    const KeyIndex previous = std::exchange(parent.lastChild, added);
+    (previous != 0 ? (*this)[previous].next : parent.firstChild) = added;
+    (*this)[added].previous = previous;
+    return added;
+}
+
+KeyIndex RegistryKeys::Append(const RegistryKey& key) {
+    if (nextKey_ % kBlock == 0) {
+        blocks_.emplace_back().reserve(kBlock);
+    }
+    blocks_.back().push_back(key);
+    return nextKey_++;
+}
+
+void RegistryKeys::GrowTable() {
+    const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
+    const std::size_t mask = slots_.size() - 1;
+    usedSlots_ = 0;
+    for (const Slot& entry : old) {
+        if (entry.key == 0 || (*this)[entry.key].removed) {
+            continue;
+        }
+        std::size_t slot = entry.hash & mask;
+        while (slots_[slot].key != 0) {
+            slot = (slot + 1) & mask;
+        }
+        slots_[slot] = entry;
+        ++usedSlots_;
+    }
+}
+
+RegistryKeys::Place RegistryKeys::NearestPlace(KeyIndex parent, std::size_t index) const {
+    const auto noted = places_.find(parent);
+    const bool near = noted != places_.end() && noted->second.index / 2 <= index;
+    return near ? noted->second : Place{(*this)[parent].firstChild, 0};
+}
+
 KeyIndex RegistryKeys::Child(KeyIndex parent, std::size_t index) const {
-    Place place{keys_[parent].firstChild, 0};
-    if (place_.child != 0 && keys_[place_.child].parent == parent && place_.index <= index) {
-        place = place_;
+    Place place = NearestPlace(parent, index);
+    for (; place.index > index; --place.index) {
+        place.child = (*this)[place.child].previous;
     }
     for (; place.child != 0 && place.index < index; ++place.index) {
-        place.child = keys_[place.child].next;
+        place.child = (*this)[place.child].next;
     }
-    if (place.child != 0) {
-        place_ = place;
+    if (place.child != 0 && index >= kFirstPlace) {
+        places_[parent] = place;
     }
     return place.child;
 }
 
 void RegistryKeys::Unlink(KeyIndex key) {
-    const RegistryKey& gone = keys_[key];
-    // Whoever deletes the subkey that was asked for last goes on from the one that moved up.
-    place_.child = place_.child == key ? gone.next : 0;
-    RegistryKey& parent = keys_[gone.parent];
-    (gone.previous != 0 ? keys_[gone.previous].next : parent.firstChild) = gone.next;
-    (gone.next != 0 ? keys_[gone.next].previous : parent.lastChild) = gone.previous;
+    const RegistryKey& gone = (*this)[key];
+    RegistryKey& parent = (*this)[gone.parent];
+    (gone.previous != 0 ? (*this)[gone.previous].next : parent.firstChild) = gone.next;
+    (gone.next != 0 ? (*this)[gone.next].previous : parent.lastChild) = gone.previous;
+    const auto noted = places_.find(gone.parent);
+    if (noted == places_.end()) {
+        return;
+    }
+    // Later subkeys have higher numbers.
+    Place& place = noted->second;
+    place.index -= key < place.child ? 1 : 0;
+    if (place.child == key) {
+        place.child = gone.next;
+    }
+    if (place.child == 0) {
+        places_.erase(noted);
+    }
 }
 
 std::vector<KeyIndex> RegistryKeys::Remove(KeyIndex key) {
     Unlink(key);
     std::vector<KeyIndex> removed = {key};
     for (std::size_t done = 0; done < removed.size(); ++done) {
-        const RegistryKey gone = keys_[removed[done]];
-        byName_.erase(byName_.find(*gone.lookupKey));
-        for (KeyIndex child = gone.firstChild; child != 0; child = keys_[child].next) {
+        RegistryKey& gone = (*this)[removed[done]];
+        gone.removed = true;
+        for (KeyIndex child = gone.firstChild; child != 0; child = (*this)[child].next) {
             removed.push_back(child);
         }
     }

@@ -1,10 +1,16 @@
 #include "platform/registry_scanner.h"
 
 namespace platform {
+namespace {
+
+bool IsCapitalUnit(std::int32_t unit) {
+    return IsDigit(unit) || unit == '_' || (unit >= 'A' && unit <= 'Z');
+}
+
+}  // namespace
 
 bool IsWordUnit(std::int32_t unit) {
-    return IsDigit(unit) || unit == '_' || (unit >= 'A' && unit <= 'Z') ||
-           (unit >= 'a' && unit <= 'z');
+    return IsCapitalUnit(unit) || (unit >= 'a' && unit <= 'z');
 }
 
 std::size_t LineNumber(TextUnits units, std::size_t position) {
@@ -66,21 +72,26 @@ bool RegistryScanner::AcceptQuoted() {
     return false;
 }
 
-bool RegistryScanner::AcceptSymbol() {
+// Accepts one or more of the wanted units.
+bool RegistryScanner::AcceptUnits(bool (*wanted)(std::int32_t unit)) {
     const std::size_t start = position_;
-    const bool macro = AcceptWord("$(");
-    if (!IsWordUnit(Peek()) || IsDigit(Peek())) {
-        position_ = start;
-        return false;
-    }
-    while (IsWordUnit(Peek())) {
+    while (wanted(Peek())) {
         ++position_;
     }
-    if (macro && !Accept(u')')) {
-        position_ = start;
-        return false;
+    return position_ > start;
+}
+
+bool RegistryScanner::AcceptSymbol() {
+    const std::size_t start = position_;
+    bool accepted = false;
+    if (Accept(u'$')) {
+        accepted = Accept(u'(') && AcceptUnits(IsWordUnit) && Accept(u')');
+    } else {
+        accepted = Accept(u'L') && Accept(u'O') && Accept(u'C') && Accept(u'_') &&
+                   AcceptUnits(IsCapitalUnit) && !IsWordUnit(Peek());
     }
-    return true;
+    position_ = accepted ? position_ : start;
+    return accepted;
 }
 
 void RegistryScanner::SkipLine() {

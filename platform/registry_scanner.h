@@ -52,8 +52,8 @@ class RegistryScanner {
     // backslash is an escape. False as well when the closing quote is missing.
     bool AcceptQuoted();
 
-    // Accepts a symbol of a device image's build that was never replaced by its value: LOC_NAME
-    // or $(NAME).
+    // Accepts a symbol of a device image's build that was never replaced by its value: LOC_NAME in
+    // capital letters, digits and underscores, or $(NAME) in letters, digits and underscores.
     bool AcceptSymbol();
 
     // Skips the rest of the line and its end.
@@ -63,6 +63,7 @@ class RegistryScanner {
     void SkipEmptyLines();
 
   private:
+    bool AcceptUnits(bool (*wanted)(std::int32_t unit));
     void SkipLineEnd();
 
     TextUnits units_;
@@ -82,7 +83,7 @@ inline int HexDigit(std::int32_t unit) {
     return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
 }
 
-// Whether the unit may stand in a symbol: a letter, a digit or an underscore of the ASCII range.
+// Whether the unit is a letter, a digit or an underscore of the ASCII range.
 bool IsWordUnit(std::int32_t unit);
 
 // The number of the line, counted from 1, in which the unit at `position` stands.

@@ -1,18 +1,13 @@
 #include "platform/registry_statements.h"
 
+#include <utility>
+
 namespace platform {
 namespace {
 
 constexpr std::string_view kUtf16Mark = "\xFF\xFE";
 constexpr std::string_view kSwappedUtf16Mark = "\xFE\xFF";
 constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-
-RegistryStatement Malformed(const char* reason) {
-    RegistryStatement statement;
-    statement.kind = StatementKind::kMalformed;
-    statement.failure = reason;
-    return statement;
-}
 
 // Moves to the bracket that ends a key: the first behind which only a comment stands, since names
 // may hold brackets.
@@ -33,7 +28,7 @@ bool MoveToClosingBracket(RegistryScanner& scanner) {
     return false;
 }
 
-RegistryStatement ReadKey(RegistryScanner& scanner) {
+Result<RegistryStatement> ReadKey(RegistryScanner& scanner) {
     RegistryStatement statement;
     statement.kind = StatementKind::kKey;
     scanner.Accept(u'[');
@@ -49,7 +44,7 @@ RegistryStatement ReadKey(RegistryScanner& scanner) {
     return statement;
 }
 
-RegistryStatement ReadValue(RegistryScanner& scanner, const RegistryForm& form) {
+Result<RegistryStatement> ReadValue(RegistryScanner& scanner, const RegistryForm& form) {
     RegistryStatement statement;
     statement.kind = StatementKind::kValue;
     if (!scanner.Accept(u'@')) {
@@ -65,18 +60,17 @@ RegistryStatement ReadValue(RegistryScanner& scanner, const RegistryForm& form) 
     }
     scanner.SkipBlanks();
     const std::size_t begin = scanner.position();
-    const DataResult result = ReadData(scanner, form, nullptr);
-    statement.data = scanner.units().Bytes(begin, scanner.position());
-    if (result.state == DataState::kMalformed) {
-        return Malformed(result.failure);
+    if (Result<DataState> read = ReadData(scanner, form, nullptr); !read) {
+        return tl::unexpected(std::move(read.error()));
     }
+    statement.data = scanner.units().Bytes(begin, scanner.position());
     if (!scanner.AcceptLineRest()) {
         return Malformed("something other than a comment behind the data");
     }
     return statement;
 }
 
-RegistryStatement ReadEmptyLine(RegistryScanner& scanner) {
+Result<RegistryStatement> ReadEmptyLine(RegistryScanner& scanner) {
     RegistryStatement statement;
     statement.kind = scanner.AtLineEnd() ? StatementKind::kBlank : StatementKind::kComment;
     if (!scanner.AcceptLineRest()) {
@@ -85,22 +79,37 @@ RegistryStatement ReadEmptyLine(RegistryScanner& scanner) {
     return statement;
 }
 
+Result<RegistryStatement> ReadForm(RegistryScanner& scanner, const RegistryForm& form) {
+    switch (scanner.Peek()) {
+        case '[':
+            return ReadKey(scanner);
+        case '"':
+        case '@':
+            return ReadValue(scanner, form);
+        default:
+            return ReadEmptyLine(scanner);
+    }
+}
+
 }  // namespace
 
-EncodingResult FindEncoding(std::string_view bytes) {
+Result<FileEncoding> FindEncoding(std::string_view bytes) {
     if (bytes.starts_with(kUtf16Mark)) {
-        const char* const failure = bytes.size() % 2 == 0 ? nullptr : "half a character at the end";
-        return {TextEncoding::kUtf16, kUtf16Mark.size(), failure};
+        if (bytes.size() % 2 != 0) {
+            return Malformed("half a character at the end");
+        }
+        return FileEncoding{TextEncoding::kUtf16, kUtf16Mark.size()};
     }
     if (bytes.starts_with(kSwappedUtf16Mark)) {
-        return {TextEncoding::kUtf16, kSwappedUtf16Mark.size(), "UTF-16 with its high bytes first"};
+        return Malformed("UTF-16 with its high bytes first");
     }
     const bool marked = bytes.starts_with(kUtf8Mark);
-    if (marked && !IsUtf8(bytes)) {
-        return {TextEncoding::kUtf8, kUtf8Mark.size(), "marked as UTF-8 but holds other bytes"};
+    const bool utf8 = IsUtf8(bytes);
+    if (marked && !utf8) {
+        return Malformed("marked as UTF-8 but holds other bytes");
     }
-    return {IsUtf8(bytes) ? TextEncoding::kUtf8 : TextEncoding::kCp1252,
-            marked ? kUtf8Mark.size() : 0, nullptr};
+    return FileEncoding{utf8 ? TextEncoding::kUtf8 : TextEncoding::kCp1252,
+                        marked ? kUtf8Mark.size() : 0};
 }
 
 std::string FindLineEnd(const TextUnits& units) {
@@ -125,26 +134,16 @@ void AcceptHeader(RegistryScanner& scanner, RegistryForm& form) {
     scanner.MoveTo(start);
 }
 
-RegistryStatement ReadStatement(RegistryScanner& scanner, const RegistryForm& form) {
+Result<RegistryStatement> ReadStatement(RegistryScanner& scanner, const RegistryForm& form) {
     const std::size_t begin = scanner.position();
-    RegistryStatement statement;
     if (scanner.Peek() == RegistryScanner::kEnd) {
-        return statement;
+        return RegistryStatement();
     }
     scanner.SkipBlanks();
-    switch (scanner.Peek()) {
-        case '[':
-            statement = ReadKey(scanner);
-            break;
-        case '"':
-        case '@':
-            statement = ReadValue(scanner, form);
-            break;
-        default:
-            statement = ReadEmptyLine(scanner);
-            break;
+    Result<RegistryStatement> statement = ReadForm(scanner, form);
+    if (statement) {
+        statement->lines = scanner.units().Bytes(begin, scanner.position());
     }
-    statement.lines = scanner.units().Bytes(begin, scanner.position());
     return statement;
 }
 

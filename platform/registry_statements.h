@@ -16,28 +16,26 @@ enum class StatementKind {
     kDeletedKey,  // [-PATH]
     kValue,       // "name"=data or @=data
     kEnd,         // there is nothing more
-    kMalformed,
 };
 
 // One line of a registry file, or the lines that one value takes. All views are of the file's
 // bytes.
 struct RegistryStatement {
     StatementKind kind = StatementKind::kEnd;
-    std::string_view lines;         // all of it, the line end included
-    std::string_view name;          // the path of a key; what stands between a value's quotes
-    std::string_view data;          // the data of a value
-    const char* failure = nullptr;  // a reason for people, null unless malformed
+    std::string_view lines;  // all of it, the line end included
+    std::string_view name;   // the path of a key; what stands between a value's quotes
+    std::string_view data;   // the data of a value
 };
 
-// The encoding of a file and the size of its byte order mark in bytes, or the reason for which it
-// cannot be read, which is null otherwise. UTF-16 is told by its mark. Other files are UTF-8 if all
-// of their bytes are, and CP1252 if not, unless a mark says that they should have been UTF-8.
-struct EncodingResult {
-    TextEncoding encoding = TextEncoding::kUtf8;
+// The encoding of a file and the size of its byte order mark in bytes.
+struct FileEncoding {
+    TextEncoding encoding = TextEncoding::kUtf16;
     std::size_t markSize = 0;
-    const char* failure = nullptr;
 };
-EncodingResult FindEncoding(std::string_view bytes);
+
+// UTF-16 is told by its mark. Other files are UTF-8 if all of their bytes are, and CP1252 if not,
+// unless a mark says that they should have been UTF-8.
+Result<FileEncoding> FindEncoding(std::string_view bytes);
 
 // The line end of the first line, as its bytes; empty when there is only one line without end.
 std::string FindLineEnd(const TextUnits& units);
@@ -46,8 +44,8 @@ std::string FindLineEnd(const TextUnits& units);
 // the line lays down. Does nothing when there is no such line, which is allowed.
 void AcceptHeader(RegistryScanner& scanner, RegistryForm& form);
 
-// Reads the statement at the scanner's position and moves behind it; near the fault when it is
-// malformed.
-RegistryStatement ReadStatement(RegistryScanner& scanner, const RegistryForm& form);
+// Reads the statement at the scanner's position and moves behind it; when it is malformed, to the
+// line of the fault.
+Result<RegistryStatement> ReadStatement(RegistryScanner& scanner, const RegistryForm& form);
 
 }  // namespace platform

@@ -4,8 +4,6 @@
 #include <array>
 #include <utility>
 
-#include "platform/host_names.h"
-
 namespace platform {
 namespace {
 
@@ -23,68 +21,58 @@ std::string NewFile() {
     return bytes;
 }
 
-void Fold(std::u16string& text) {
-    for (char16_t& unit : text) {
-        unit = FoldUnit(unit);
+// Moves after the next name of a path and returns it; empty when there is none.
+std::string_view NextName(const TextUnits& path, std::size_t& position) {
+    const std::size_t size = path.size();
+    while (position < size && path[position] == u'\\') {
+        ++position;
     }
+    const std::size_t begin = position;
+    while (position < size && path[position] != u'\\') {
+        ++position;
+    }
+    return path.Bytes(begin, position);
 }
 
-// The names between the backslashes of a path, in the path's own encoding.
-std::vector<std::string_view> NamesOfPath(const TextUnits& path) {
-    std::vector<std::string_view> names;
-    names.reserve(16);
-    for (std::size_t begin = 0, index = 0; index <= path.size(); ++index) {
-        if (index < path.size() && path[index] != u'\\') {
-            continue;
-        }
-        if (index > begin) {
-            names.push_back(path.Bytes(begin, index));
-        }
-        begin = index + 1;
-    }
-    return names;
+std::string LineName(std::size_t line) {
+    return "registry.reg, line " + std::to_string(line);
 }
 
 }  // namespace
 
-std::u16string FoldText(std::u16string_view text) {
-    std::u16string folded(text);
-    Fold(folded);
-    return folded;
+RegistryText::RegistryText() : RegistryText(NewFile(), {TextEncoding::kUtf16, 2}) {
+    static_cast<void>(Read());
 }
 
-RegistryText::RegistryText() : RegistryText(NewFile()) {
-    RegistryFault fault;
-    static_cast<void>(Read(fault));
+RegistryText::RegistryText(std::string bytes, const FileEncoding& encoding)
+    : bytes_(std::make_unique<const std::string>(std::move(bytes))),
+      textBegin_(encoding.markSize),
+      keys_(encoding.encoding),
+      values_(1),
+      sections_(1) {
+    form_.encoding = encoding.encoding;
 }
 
-RegistryText::RegistryText(std::string bytes)
-    : bytes_(std::make_unique<const std::string>(std::move(bytes))), values_(1), sections_(1) {}
-
-std::optional<RegistryText> RegistryText::Parse(std::string bytes, RegistryFault& fault) {
+Result<RegistryText> RegistryText::Parse(std::string bytes) {
     if (bytes.empty()) {
         return RegistryText();
     }
     if (bytes.size() > kRegistryTextLimit) {
-        fault = {1, "the file is too large for a registry"};
-        return std::nullopt;
+        return FailOf(Malformed("the file is too large for a registry").value(), LineName(1));
     }
-    RegistryText text(std::move(bytes));
-    if (!text.Read(fault)) {
-        return std::nullopt;
+    Result<FileEncoding> encoding = FindEncoding(bytes);
+    if (!encoding) {
+        return FailOf(std::move(encoding.error()), LineName(1));
+    }
+    RegistryText text(std::move(bytes), *encoding);
+    if (Status read = text.Read(); !read) {
+        return tl::unexpected(std::move(read.error()));
     }
     return text;
 }
 
-bool RegistryText::Read(RegistryFault& fault) {
-    const EncodingResult found = FindEncoding(*bytes_);
-    form_.encoding = found.encoding;
-    textBegin_ = found.markSize;
+Status RegistryText::Read() {
     const TextUnits units(form_.encoding, std::string_view(*bytes_).substr(textBegin_));
-    if (found.failure != nullptr) {
-        fault = {1, found.failure};
-        return false;
-    }
     form_.lineEnd = FindLineEnd(units);
     if (form_.lineEnd.empty()) {
         EncodeText(form_.encoding, u"\r\n", form_.lineEnd);
@@ -92,37 +80,35 @@ bool RegistryText::Read(RegistryFault& fault) {
     // Most lines have more characters than that. Growing step by step costs a fifth of the reading.
     values_.reserve(units.size() / 30);
     sections_.reserve(units.size() / 80);
-    keys_.Reserve(units.size() / 80);
     AddRoots();
     RegistryScanner scanner(units);
     AcceptHeader(scanner, form_);
-    if (const char* const reason = ReadStatements(scanner); reason != nullptr) {
-        fault = {LineNumber(units, scanner.position()), reason};
-        return false;
+    if (Status read = ReadStatements(scanner); !read) {
+        return FailOf(std::move(read.error()), LineName(LineNumber(units, scanner.position())));
     }
     firstNewValue_ = values_.size();
     firstNewSection_ = sections_.size();
-    return true;
+    return {};
 }
 
-const char* RegistryText::ReadStatements(RegistryScanner& scanner) {
+Status RegistryText::ReadStatements(RegistryScanner& scanner) {
     for (;;) {
         const std::size_t begin = scanner.position();
-        const RegistryStatement statement = ReadStatement(scanner, form_);
-        if (statement.kind == StatementKind::kEnd) {
-            return nullptr;
+        Result<RegistryStatement> statement = ReadStatement(scanner, form_);
+        if (!statement) {
+            return tl::unexpected(std::move(statement.error()));
         }
-        if (statement.kind == StatementKind::kMalformed) {
-            return statement.failure;
+        if (statement->kind == StatementKind::kEnd) {
+            return {};
         }
-        if (const char* const reason = Take(statement); reason != nullptr) {
+        if (Status taken = Take(*statement); !taken) {
             scanner.MoveTo(begin);
-            return reason;
+            return taken;
         }
     }
 }
 
-const char* RegistryText::Take(const RegistryStatement& statement) {
+Status RegistryText::Take(const RegistryStatement& statement) {
     switch (statement.kind) {
         case StatementKind::kKey:
             return TakeKey(statement);
@@ -134,101 +120,116 @@ const char* RegistryText::Take(const RegistryStatement& statement) {
             TakeBlankLine(statement);
             break;
         case StatementKind::kComment:
-        case StatementKind::kMalformed:
         case StatementKind::kEnd:
             break;
     }
-    return nullptr;
+    return {};
 }
 
 // Blank lines belong to the key before them, unless a comment stands between: it may be about the
 // next one.
 void RegistryText::TakeBlankLine(const RegistryStatement& statement) {
     Section& section = sections_[currentSection_];
-    if (section.end == Position(statement.lines)) {
-        section.end += statement.lines.size();
+    if (section.end == BeginOf(statement.lines)) {
+        section.end = EndOf(statement.lines);
     }
 }
 
-const char* RegistryText::TakeKey(const RegistryStatement& statement) {
-    KeyIndex key = 0;
-    if (const char* const reason = FindPath(statement.name, true, key); reason != nullptr) {
-        return reason;
+Status RegistryText::TakeKey(const RegistryStatement& statement) {
+    Result<KeyIndex> key = FindPath(statement.name, true);
+    if (!key) {
+        return tl::unexpected(std::move(key.error()));
     }
-    const std::size_t begin = Position(statement.lines);
-    const std::size_t end = begin + statement.lines.size();
-    currentSection_ = AddSection({key, 0, begin, end, end, false});
-    return nullptr;
+    const Offset end = EndOf(statement.lines);
+    currentSection_ = AddSection({*key, 0, BeginOf(statement.lines), end, end, false});
+    return {};
 }
 
-const char* RegistryText::TakeDeletedKey(const RegistryStatement& statement) {
-    KeyIndex key = 0;
-    if (const char* const reason = FindPath(statement.name, false, key); reason != nullptr) {
-        return reason;
+Status RegistryText::TakeDeletedKey(const RegistryStatement& statement) {
+    Result<KeyIndex> key = FindPath(statement.name, false);
+    if (!key) {
+        return tl::unexpected(std::move(key.error()));
     }
     currentSection_ = 0;
-    if (key == 0) {
-        return nullptr;
+    if (*key == 0) {
+        return {};
     }
-    keys_.Remove(key);
-    path_.clear();
-    AddRoots();
-    return nullptr;
+    keys_.Remove(*key);
+    path_.pop_back();
+    if (path_.empty()) {
+        AddRoots();
+    }
+    return {};
 }
 
-const char* RegistryText::TakeValue(const RegistryStatement& statement) {
+Status RegistryText::TakeValue(const RegistryStatement& statement) {
     if (currentSection_ == 0) {
-        return "a value without a key";
+        return Malformed("a value without a key");
     }
     Section& section = sections_[currentSection_];
     AddValue(section.key, {statement.name, statement.data, 0});
-    section.valuesEnd = Position(statement.lines) + statement.lines.size();
+    section.valuesEnd = EndOf(statement.lines);
     section.end = section.valuesEnd;
-    return nullptr;
+    return {};
 }
 
+// Adds those that are not there; a deleted one comes back empty.
 void RegistryText::AddRoots() {
-    for (const std::u16string_view root : kRoots) {
-        if (keys_.FindChild(0, root) == 0) {
-            keys_.FindOrAddChild(0, root, Own(Spell(root)));
+    for (std::size_t index = 0; index < kRoots.size(); ++index) {
+        KeyIndex& root = roots_[index];
+        if (root == 0 || keys_[root].removed) {
+            root = keys_.FindOrAddChild(0, kRoots[index], Own(Spell(kRoots[index])));
         }
     }
 }
 
-// Finds the key at a path of the file, adding it and those above it where that is wanted. Returns
-// the reason for which the path is none, null otherwise; `key` is 0 when nothing was found.
-const char* RegistryText::FindPath(std::string_view path, bool add, KeyIndex& key) {
-    const std::vector<std::string_view> names = NamesOfPath(TextUnits(form_.encoding, path));
-    if (names.empty()) {
-        return "a key without a name";
-    }
-    if (names.size() > kDepthLimit) {
-        return "a key of too many levels";
-    }
-    // Neighbours in a file share most of their path, which is looked up once.
-    std::size_t shared = 0;
-    while (shared < names.size() && shared < path_.size() && names[shared] == path_[shared].name) {
-        ++shared;
-    }
-    path_.resize(shared);
-    key = shared == 0 ? 0 : path_.back().key;
-    std::u16string folded;
-    for (std::size_t level = shared; level < names.size(); ++level) {
-        folded.clear();
-        DecodeText(form_.encoding, names[level], folded);
-        if (folded.size() > kNameLimit) {
-            return "a key with a name of more than 255 characters";
+// The key at a path of the file, which is added with those above it where that is wanted; 0 when it
+// is not there.
+Result<KeyIndex> RegistryText::FindPath(std::string_view path, bool add) {
+    const TextUnits units(form_.encoding, path);
+    std::size_t level = 0;
+    std::size_t position = 0;
+    for (;; ++level) {
+        const std::string_view name = NextName(units, position);
+        if (name.empty()) {
+            break;
         }
-        Fold(folded);
-        const KeyIndex parent = key;
-        key = add ? keys_.FindOrAddChild(parent, folded, names[level])
-                  : keys_.FindChild(parent, folded);
-        if (key == 0) {
-            return nullptr;
+        if (level == kDepthLimit) {
+            return Malformed("a key of too many levels");
         }
-        path_.push_back({names[level], key});
+        // Neighbours in a file share most of their path, which is looked up once.
+        const bool shared = level < path_.size() && path_[level].name == name;
+        const bool missing = level > path_.size();
+        if (shared || missing) {
+            continue;
+        }
+        path_.resize(level);
+        if (Status found = FindLevel(name, add); !found) {
+            return tl::unexpected(std::move(found.error()));
+        }
     }
-    return nullptr;
+    if (level == 0) {
+        return Malformed("a key without a name");
+    }
+    path_.resize(std::min(level, path_.size()));
+    return path_.size() == level ? path_.back().key : 0;
+}
+
+// Goes on with that name from the key at the end of the path, if there is such a key.
+Status RegistryText::FindLevel(std::string_view name, bool add) {
+    folded_.clear();
+    DecodeText(form_.encoding, name, folded_);
+    if (folded_.size() > kNameLimit) {
+        return Malformed("a key with a name of more than 255 characters");
+    }
+    Fold(folded_);
+    const KeyIndex parent = path_.empty() ? 0 : path_.back().key;
+    const KeyIndex key =
+        add ? keys_.FindOrAddChild(parent, folded_, name) : keys_.FindChild(parent, folded_);
+    if (key != 0) {
+        path_.push_back({name, key});
+    }
+    return {};
 }
 
 SectionIndex RegistryText::AddSection(const Section& section) {
@@ -241,8 +242,7 @@ SectionIndex RegistryText::AddSection(const Section& section) {
 ValueIndex RegistryText::AddValue(KeyIndex key, const ValueText& value) {
     const auto added = static_cast<ValueIndex>(values_.size());
     values_.push_back(value);
-    const ValueIndex last = std::exchange(keys_[key].lastValue, added);
-    (last != 0 ? values_[last].next : keys_[key].firstValue) = added;
+    values_.back().previous = std::exchange(keys_[key].lastValue, added);
     return added;
 }
 
@@ -268,33 +268,30 @@ std::optional<std::u16string> RegistryText::ChildName(KeyIndex key, std::size_t 
         return std::nullopt;
     }
     std::u16string name;
-    DecodeText(form_.encoding, keys_[child].name, name);
+    DecodeText(form_.encoding, keys_[child].Name(), name);
     return name;
 }
 
 // A key may name a value several times; the last line counts.
 ValueIndex RegistryText::FindValue(KeyIndex key, std::u16string_view name) const {
     const std::u16string folded = FoldText(name);
-    ValueIndex found = 0;
     std::u16string other;
-    for (ValueIndex value = keys_[key].firstValue; value != 0; value = values_[value].next) {
+    for (ValueIndex value = keys_[key].lastValue; value != 0; value = values_[value].previous) {
         other.clear();
         DecodeQuoted(form_.encoding, values_[value].name, other);
         Fold(other);
         if (other == folded) {
-            found = value;
+            return value;
         }
     }
-    return found;
+    return 0;
 }
 
 std::optional<RegistryData> RegistryText::ReadValue(std::string_view data) const {
     RegistryScanner scanner(TextUnits(form_.encoding, data));
     RegistryData value;
-    if (ReadData(scanner, form_, &value).state != DataState::kValue) {
-        return std::nullopt;
-    }
-    return value;
+    const Result<DataState> state = ReadData(scanner, form_, &value);
+    return state == DataState::kValue ? std::optional(std::move(value)) : std::nullopt;
 }
 
 std::optional<RegistryData> RegistryText::Value(KeyIndex key, std::u16string_view name) const {
@@ -365,8 +362,12 @@ std::string RegistryText::Spell(std::u16string_view text) const {
     return bytes;
 }
 
-std::size_t RegistryText::Position(std::string_view part) const {
-    return static_cast<std::size_t>(part.data() - bytes_->data());
+RegistryText::Offset RegistryText::BeginOf(std::string_view part) const {
+    return static_cast<Offset>(part.data() - bytes_->data());
+}
+
+RegistryText::Offset RegistryText::EndOf(std::string_view part) const {
+    return static_cast<Offset>(part.data() + part.size() - bytes_->data());
 }
 
 bool RegistryText::EndsLine(std::string_view text) const {
@@ -391,7 +392,7 @@ std::string RegistryText::KeyLine(KeyIndex key) const {
     }
     std::string line;
     for (auto level = path.rbegin(); level != path.rend(); ++level) {
-        line.append(Spell(level == path.rbegin() ? u"[" : u"\\")).append(keys_[*level].name);
+        line.append(Spell(level == path.rbegin() ? u"[" : u"\\")).append(keys_[*level].Name());
     }
     return line.append(Spell(u"]")).append(form_.lineEnd);
 }
@@ -400,7 +401,7 @@ std::string RegistryText::KeyLine(KeyIndex key) const {
 std::vector<RegistryText::Edit> RegistryText::Edits() const {
     std::vector<Edit> edits;
     for (const auto& [value, original] : changed_) {
-        edits.push_back({Position(original), original.size(), std::string(values_[value].data)});
+        edits.push_back({BeginOf(original), original.size(), std::string(values_[value].data)});
     }
     for (const AddedValue& added : added_) {
         if (added.section < firstNewSection_ && !sections_[added.section].removed) {

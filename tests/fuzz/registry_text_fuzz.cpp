@@ -28,11 +28,6 @@ void Require(bool condition) {
     }
 }
 
-std::optional<RegistryText> Parse(std::string bytes) {
-    platform::RegistryFault fault;
-    return RegistryText::Parse(std::move(bytes), fault);
-}
-
 std::vector<std::u16string> Children(const RegistryText& text, std::u16string_view path) {
     std::vector<std::u16string> names;
     const KeyIndex key = text.FindKey(path);
@@ -56,7 +51,7 @@ std::u16string DeepestPath(const RegistryText& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(data, data + size);
-    std::optional<RegistryText> text = Parse(bytes);
+    platform::Result<RegistryText> text = RegistryText::Parse(bytes);
     if (!text) {
         return 0;
     }
@@ -67,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const SetResult result = text->SetValue(text->FindKey(path), u"v", value.type, value.bytes);
     const std::optional<RegistryData> stored = text->Value(text->FindKey(path), u"v");
     Require(result == SetResult::kUnfit || stored.has_value());
-    std::optional<RegistryText> changed = Parse(text->Serialize());
+    platform::Result<RegistryText> changed = RegistryText::Parse(text->Serialize());
     Require(changed.has_value());
     Require(changed->Value(changed->FindKey(path), u"v") == stored);
     Require(Children(*changed, kRoot) == Children(*text, kRoot));
@@ -75,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::u16string top = path.substr(0, path.find(u'\\', kRoot.size() + 1));
     if (top != kRoot) {
         text->DeleteKey(text->FindKey(top));
-        changed = Parse(text->Serialize());
+        changed = RegistryText::Parse(text->Serialize());
         Require(changed.has_value());
         Require(changed->FindKey(top) == 0);
         Require(Children(*changed, kRoot) == Children(*text, kRoot));
