@@ -53,8 +53,7 @@ bool IsWithoutRecord(int volume, const char* aside) {
     return FactsOf(volume, aside).has_value() && !HasRecord(volume, aside);
 }
 
-void PutRight(const DeviceTree& tree, int volume, const char* name) {
-    const std::optional<ReservedFor> purpose = PurposeOf(name);
+void PutRight(const DeviceTree& tree, int volume, const char* name, ReservedFor purpose) {
     if (purpose == ReservedFor::NewContent) {
         RemoveUnpublishedFile(volume, name);
     } else if (purpose == ReservedFor::SetAside && IsWithoutRecord(volume, name)) {
@@ -67,9 +66,16 @@ void PutRight(const DeviceTree& tree, int volume, const char* name) {
     }
 }
 
-Status ClearUpVolume(const DeviceTree& tree, int volume) {
-    return ForEachEntry(
-        volume, [&](const DirectoryReader::Entry& entry) { PutRight(tree, volume, entry.name); });
+// Calls `actOnOther` for what has no reserved name.
+template <typename Act>
+Status ClearUpVolume(const DeviceTree& tree, int volume, Act actOnOther) {
+    return ForEachEntry(volume, [&](const DirectoryReader::Entry& entry) {
+        if (const std::optional<ReservedFor> purpose = PurposeOf(entry.name)) {
+            PutRight(tree, volume, entry.name, *purpose);
+        } else {
+            actOnOther(entry);
+        }
+    });
 }
 
 void ClearUpIfVolume(const DeviceTree& tree, int root, const DirectoryReader::Entry& entry) {
@@ -79,7 +85,7 @@ void ClearUpIfVolume(const DeviceTree& tree, int root, const DirectoryReader::En
     }
     const Result<Descriptor> volume =
         tree.OpenSubdirectory(root, true, entry.name, OpenFor::Reading);
-    const Status done = volume ? ClearUpVolume(tree, volume->get())
+    const Status done = volume ? ClearUpVolume(tree, volume->get(), [](const auto& /*entry*/) {})
                                : Status(tl::unexpected<Failure>(volume.error()));
     if (!done) {
         SayLeft("what was left in " + ReadableBytes(entry.name), Describe(done.error()));
@@ -92,12 +98,9 @@ void ClearUpVolumes(const DeviceTree& tree) {
     if (tree.root() < 0) {
         return;
     }
-    Status done = ClearUpVolume(tree, tree.root());
-    if (done) {
-        done = ForEachEntry(tree.root(), [&](const DirectoryReader::Entry& entry) {
-            ClearUpIfVolume(tree, tree.root(), entry);
-        });
-    }
+    const Status done = ClearUpVolume(tree, tree.root(), [&tree](const auto& entry) {
+        ClearUpIfVolume(tree, tree.root(), entry);
+    });
     if (!done) {
         SayLeft("what was left in \\", Describe(done.error()));
     }

@@ -29,23 +29,31 @@ const char* HomeDirectory() {
     return user != nullptr ? user->pw_dir : nullptr;
 }
 
-bool IsSame(const struct stat& entry, const char* path) {
-    struct stat named {};
-    return path != nullptr && stat(path, &named) == 0 && entry.st_dev == named.st_dev &&
-           entry.st_ino == named.st_ino;
+bool IsSame(const struct stat& left, const struct stat& right) {
+    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
 }
 
-// Fails for a directory that nobody can mean.
-Status CheckMeant(const Descriptor& directory) {
-    struct stat entry {};
-    if (fstat(directory.get(), &entry) != 0) {
+struct Refused {
+    const char* path;
+    const char* reason;
+};
+
+// Fails where the directory or its files are a place that nobody can mean by a device.
+Status CheckMeant(const DeviceDirectory& device) {
+    const Refused places[] = {{"/", "it is the root of this machine's file system"},
+                              {HomeDirectory(), "it is your home directory"}};
+    struct stat directory {};
+    struct stat files {};
+    if (fstat(device.directory.get(), &directory) != 0 ||
+        (device.files && fstat(device.files.get(), &files) != 0)) {
         return Fail(kUse, errno);
     }
-    if (IsSame(entry, "/")) {
-        return FailBecause(kUse, "it is the root of this machine's file system");
-    }
-    if (IsSame(entry, HomeDirectory())) {
-        return FailBecause(kUse, "it is your home directory");
+    for (const Refused& place : places) {
+        struct stat there {};
+        if (place.path != nullptr && stat(place.path, &there) == 0 &&
+            (IsSame(directory, there) || (device.files && IsSame(files, there)))) {
+            return FailBecause(kUse, place.reason);
+        }
     }
     return {};
 }
@@ -97,15 +105,13 @@ Status CheckEmpty(const Descriptor& directory) {
                : Status();
 }
 
-Result<Descriptor> OpenDirectory(const char* path) {
-    Descriptor directory(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!directory) {
+Result<DeviceDirectory> OpenDirectory(const char* path) {
+    DeviceDirectory device;
+    device.directory = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!device.directory) {
         return Fail(kUse, errno);
     }
-    if (const Status meant = CheckMeant(directory); !meant) {
-        return tl::unexpected<Failure>(meant.error());
-    }
-    return directory;
+    return device;
 }
 
 // False when somebody else has it.
@@ -122,25 +128,23 @@ Result<bool> Lock(const Descriptor& directory) {
 bool IsSameDirectory(const Descriptor& left, const Descriptor& right) {
     struct stat one {};
     struct stat other {};
-    return fstat(left.get(), &one) == 0 && fstat(right.get(), &other) == 0 &&
-           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
+    return fstat(left.get(), &one) == 0 && fstat(right.get(), &other) == 0 && IsSame(one, other);
 }
 
 }  // namespace
 
 Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
-    Result<Descriptor> directory = OpenDirectory(path);
-    if (!directory) {
-        return tl::unexpected<Failure>(directory.error());
+    Result<DeviceDirectory> device = OpenDirectory(path);
+    if (!device) {
+        return device;
     }
-    DeviceDirectory device{std::move(*directory), {}};
-    Result<Descriptor> files = OpenFiles(device.directory);
-    const Status usable =
-        files ? CheckMeant(*files) : CheckWithoutFiles(device.directory, files.error());
-    if (!usable) {
-        return tl::unexpected<Failure>(usable.error());
+    Result<Descriptor> files = OpenFiles(device->directory);
+    const Status found = files ? Status() : CheckWithoutFiles(device->directory, files.error());
+    device->files = std::move(files).value_or(Descriptor());
+    const Status meant = CheckMeant(*device);
+    if (!meant || !found) {
+        return tl::unexpected<Failure>(meant ? found.error() : meant.error());
     }
-    device.files = std::move(files).value_or(Descriptor());
     return device;
 }
 
@@ -148,30 +152,34 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     if (mkdir(path, 0777) != 0 && errno != EEXIST) {
         return Fail("be made", errno);
     }
-    Result<Descriptor> directory = OpenDirectory(path);
-    if (!directory) {
-        return tl::unexpected<Failure>(directory.error());
+    Result<DeviceDirectory> device = OpenDirectory(path);
+    if (!device) {
+        return device;
     }
-    DeviceDirectory device{std::move(*directory), {}};
-    if (const Status empty = CheckEmpty(device.directory); !empty) {
-        return tl::unexpected<Failure>(empty.error());
+    Status possible = CheckMeant(*device);
+    possible = possible ? CheckEmpty(device->directory) : possible;
+    if (!possible) {
+        return tl::unexpected<Failure>(possible.error());
     }
-    if (mkdirat(device.directory.get(), kFiles, 0777) != 0) {
+    if (mkdirat(device->directory.get(), kFiles, 0777) != 0) {
         return Fail("be made", errno);
     }
-    Result<Descriptor> files = OpenFiles(device.directory);
+    Result<Descriptor> files = OpenFiles(device->directory);
     if (!files) {
         return tl::unexpected<Failure>(files.error());
     }
-    device.files = std::move(*files);
+    device->files = std::move(*files);
     return device;
 }
 
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
 Result<bool> LockDevice(const DeviceDirectory& device) {
     const Result<bool> locked = Lock(device.directory);
-    const bool once = !device.files || IsSameDirectory(device.directory, device.files);
-    return locked && *locked && !once ? Lock(device.files) : locked;
+    if (!locked || !*locked || !device.files) {
+        return locked;
+    }
+    const Result<bool> both = Lock(device.files);
+    return both && !*both ? IsSameDirectory(device.directory, device.files) : both;
 }
 
 }  // namespace platform
