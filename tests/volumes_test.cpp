@@ -121,7 +121,7 @@ TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
 }
 
 TEST_P(VolumesTest, ShortcutsIntoMountsThatAreNotEnteredStay) {
-    Mount("T/mounted", "");
+    device_.Mount("T/mounted");
     const Entries files = {"Card/", "M/", "M/x.lnk=5#\\T\\mounted\\x", "T/", "T/mounted/"};
     device_.Make(files);
     platform::FileStore store(device_.OpenFiles(), u"");
