@@ -59,9 +59,9 @@ void CreateControls() {
     GetClientRect(g_Dialog, &client);
     const LONG width = client.right - client.left;
     const LONG height = client.bottom - client.top;
-    g_TreeView = CreateControl(TEXT("SysTreeView32"), TEXT(""),
-                               WS_BORDER | TVS_HASBUTTONS | TVS_HASLINES,
-                               {10, 10, width - 10, height - 30}, 0);
+    g_TreeView =
+        CreateControl(TEXT("SysTreeView32"), TEXT(""), WS_BORDER | TVS_HASBUTTONS | TVS_HASLINES,
+                      {10, 10, width - 10, height - 30}, 0);
     if (g_TreeView == nullptr) {
         ShowError(TEXT("Failed Creating Tree View Control"));
     }

@@ -20,8 +20,8 @@ HTREEITEM Item(LRESULT value) {
 // Returns the system's list of small icons; 0 on failure.
 DWORD_PTR AskForIcon(const WCHAR* path, int& icon) {
     SHFILEINFO info{};
-    const DWORD_PTR list = SHGetFileInfo(path, 0, &info, kFileInfoSize,
-                                         SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
+    const DWORD_PTR list =
+        SHGetFileInfo(path, 0, &info, kFileInfoSize, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
     icon = info.iIcon;
     return list;
 }
@@ -36,8 +36,8 @@ HTREEITEM InsertItem(HTREEITEM parent, const WCHAR* text, int icon, int children
     insertion.item.iSelectedImage = icon;
     insertion.item.cChildren = children;
     insertion.item.lParam = kNotLooked;
-    const HTREEITEM item = Item(
-        SendMessageW(g_TreeView, TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&insertion)));
+    const HTREEITEM item =
+        Item(SendMessageW(g_TreeView, TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&insertion)));
     if (item == nullptr) {
         ShowError(TEXT("Failed adding Tree View item"));
     }

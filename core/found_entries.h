@@ -48,8 +48,7 @@ class FoundEntries {
   private:
     bool isDotEntry() const {
         const WCHAR* const name = entry_.cFileName;
-        return name[0] == TEXT('.') &&
-               (name[1] == 0 || (name[1] == TEXT('.') && name[2] == 0));
+        return name[0] == TEXT('.') && (name[1] == 0 || (name[1] == TEXT('.') && name[2] == 0));
     }
 
     HANDLE handle_ = INVALID_HANDLE_VALUE;

@@ -23,6 +23,9 @@ using PathText = std::array<WCHAR, kTextCapacity>;
 // characters have 16 bits, these are its own functions.
 std::size_t wcslen(const WCHAR* text);
 std::size_t wcsspn(const WCHAR* text, const WCHAR* set);
+const WCHAR* wcsstr(const WCHAR* text, const WCHAR* part);
+const WCHAR* wcsrchr(const WCHAR* text, WCHAR character);
+int _wcsnicmp(const WCHAR* left, const WCHAR* right, std::size_t count);  // case as in file names
 
 // One value for a format: a terminated text, which must outlive the call, or a number.
 class TextArgument {

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "platform/host_names.h"
+
 std::size_t wcslen(const WCHAR* text) {
     return std::char_traits<WCHAR>::length(text);
 }
@@ -14,4 +16,26 @@ std::size_t wcsspn(const WCHAR* text, const WCHAR* set) {
         ++count;
     }
     return count;
+}
+
+const WCHAR* wcsstr(const WCHAR* text, const WCHAR* part) {
+    const WideView whole(text);
+    const std::size_t found = whole.find(part);
+    return found == WideView::npos ? nullptr : text + found;
+}
+
+const WCHAR* wcsrchr(const WCHAR* text, WCHAR character) {
+    const WideView whole(text, wcslen(text) + 1);
+    const std::size_t found = whole.rfind(character);
+    return found == WideView::npos ? nullptr : text + found;
+}
+
+int _wcsnicmp(const WCHAR* left, const WCHAR* right, std::size_t count) {
+    for (; count > 0; --count, ++left, ++right) {
+        const int difference = platform::FoldUnit(*left) - platform::FoldUnit(*right);
+        if (difference != 0 || *left == 0) {
+            return difference;
+        }
+    }
+    return 0;
 }

@@ -73,9 +73,9 @@ void RefreshFiles(HWND list) {
 }
 
 constexpr ControlRow kRows[] = {
-    {50003, 0, 1, Browse},  {50006, 0, 4, Browse},  {50011, 0, 11, RefreshDirectories},
-    {50014, 0, 19, RefreshFiles}, {50025, 1, 3, Browse},  {50034, 1, 12, Browse},
-    {50038, 3, 1, Browse},  {50041, 3, 4, Browse},  {50044, 3, 7, Browse},
+    {50003, 0, 1, Browse},        {50006, 0, 4, Browse}, {50011, 0, 11, RefreshDirectories},
+    {50014, 0, 19, RefreshFiles}, {50025, 1, 3, Browse}, {50034, 1, 12, Browse},
+    {50038, 3, 1, Browse},        {50041, 3, 4, Browse}, {50044, 3, 7, Browse},
 };
 
 }  // namespace

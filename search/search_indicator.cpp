@@ -17,9 +17,9 @@ HWND g_Label = nullptr;       // in it
 
 void ShowIndicator() {
     RegisterClassAnew(kClass, DefWindowProcW, COLOR_BACKGROUND);
-    g_Indicator = CreateWindowExW(0, kClass, TEXT("SEARCHING"), WS_POPUP | WS_CHILD | WS_VISIBLE, 77,
-                                  110, 94, 54, g_DisplayWindow->Window(), nullptr, g_Instance,
-                                  nullptr);
+    g_Indicator =
+        CreateWindowExW(0, kClass, TEXT("SEARCHING"), WS_POPUP | WS_CHILD | WS_VISIBLE, 77, 110, 94,
+                        54, g_DisplayWindow->Window(), nullptr, g_Instance, nullptr);
     ShowPainted(g_Indicator);
     g_Label = CreateChild(TEXT("STATIC"), TEXT("SEARCHING..."), 0, {2, 17, 92, 37}, g_Indicator);
     ShowPainted(g_Label);

@@ -8,8 +8,8 @@
 
 namespace {
 
-constexpr std::size_t kExtension = 3;       // characters that count
-constexpr std::int32_t kVisible = 32;       // characters that a list shows without being scrolled
+constexpr std::size_t kExtension = 3;        // characters that count
+constexpr std::int32_t kVisible = 32;        // characters that a list shows without being scrolled
 constexpr std::int32_t kCharacterWidth = 6;  // pixels
 
 // The most characters of any path listed by each kind of search; they only grow.

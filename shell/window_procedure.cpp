@@ -4,6 +4,7 @@
 #include <iterator>
 #include <optional>
 
+#include "browser/browse_dialog.h"
 #include "core/application.h"
 #include "core/error_box.h"
 #include "engine/apply_sequence.h"
@@ -128,7 +129,9 @@ LRESULT FollowTabs(HWND window, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcW(window, WM_NOTIFY, wParam, lParam);
 }
 
+// A folder that is being chosen is not taken.
 void SaveAndEnd(HWND /*window*/) {
+    CloseBrowseDialog();
     SaveSettings(*g_Settings);
     g_Running = false;
 }
