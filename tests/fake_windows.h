@@ -84,18 +84,13 @@ class FakeWindows : public CollectedBoxes {
                          HINSTANCE instance, void* parameter) override {
         EXPECT_TRUE(instance == g_Instance && parameter == nullptr);
         const auto known = classes_.find(className);
-        FakeWindow window = {className,
-                             text,
-                             style,
-                             extendedStyle,
-                             {x, y, x + width, y + height},
-                             parent,
-                             reinterpret_cast<DWORD_PTR>(menu),
-                             known == classes_.end() ? nullptr : known->second,
-                             (style & WS_VISIBLE) != 0};
-        if (x == CW_USEDEFAULT) {
-            window.bounds = {0, kCaptionHeight, kScreenWidth, kScreenHeight};
-        }
+        FakeWindow window = {className, text, style, extendedStyle};
+        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
+                                           : RECT{x, y, x + width, y + height};
+        window.parent = parent;
+        window.id = reinterpret_cast<DWORD_PTR>(menu);
+        window.visible = (style & WS_VISIBLE) != 0;
+        window.procedure = known == classes_.end() ? nullptr : known->second;
         const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
         const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
                           (known != classes_.end() || kControlClasses.contains(className)) &&
