@@ -119,8 +119,9 @@ TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
     for (int level = 0; level < 5; ++level) {
         path.append(200, 'x').append(1, '/');
     }
-    device_.Make({path + std::string(14, 'y') + ".tmp=", path + std::string(13, 'z') + ".tmp=",
-                  path + "a.tmp="});
+    for (const std::size_t length : {13, 14, 1}) {
+        device_.Make({std::string(path).append(length, 'y').append(".tmp=")});
+    }
     EXPECT_EQ(Found([] { SearchFiles(nullptr, u"tmp", u"\\"); }).size(), 2U);
 }
 
