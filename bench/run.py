@@ -27,6 +27,7 @@ LEVELS = 400
 
 DELETE_CALLS = 2.4  # an entry
 MOVE_CALLS = 2.6  # an entry
+SEARCH_CALLS = 1.1  # an entry
 CALLS_DRIFT = 0.15  # between one size and ten times that size
 FIND_RATIO = 1.2
 IDLE_CALLS = 115
@@ -206,11 +207,13 @@ class Walk:
 
     title: str
     top: str  # where the tree stands, below the device's files
-    keeps_directories: bool
+    keeps_directories: bool | None  # None: keeps the files as well
     command: Callable  # of a workplace and a device
 
     def check(self, device):
         """Ends the measurement if the walk has not done its work."""
+        if self.keeps_directories is None:
+            return
         for directory, subdirectories, files in os.walk(f"{device.files}/{self.top}"):
             if files or (subdirectories and not self.keeps_directories):
                 refuse(f"{self.title} has left something in {directory}")
@@ -223,6 +226,12 @@ DELETE = Walk(
 MOVE = Walk(
     "move", "A", False,
     lambda place, device: [place.walk_tree, "move", device.files, "\\A", "\\B\\"])
+SEARCH = Walk(
+    "search", "Temp", None,
+    lambda place, device: [place.walk_tree, "search", device.files, "\\Temp"])
+FIND_SIZES = Walk(
+    "find, sizes", "Temp", None,
+    lambda _, device: ["find", f"{device.files}/Temp", "-printf", "%s\\n"])
 FIND_FILES = Walk(
     "find, files", "Temp", True,
     lambda _, device: ["find", f"{device.files}/Temp", "-type", "f", "-printf", "%s\\n",
@@ -286,6 +295,22 @@ def count_shape(place, table, walk, shape, start, limit):
                   ", ".join(goals), met if goals else None)
 
 
+def count_search(place, table):
+    table.head("System calls of a search", "Of the whole process, nothing matching; beside them"
+               " those of `find DIR -printf '%s\\n'`.")
+    start, _ = walk_once(place, SEARCH, USUAL, 0, place.calls)
+    for shape in SHAPES:
+        for files in SIZES:
+            calls, entries = walk_once(place, SEARCH, shape, files, place.calls)
+            reference, _ = walk_once(place, FIND_SIZES, shape, files, place.calls)
+            figure = (calls - start) / entries
+            met = calls <= reference and (shape is not USUAL or figure <= SEARCH_CALLS)
+            goal = "no more than find" + (f", at most {SEARCH_CALLS} an entry"
+                                          if shape is USUAL else "")
+            table.row("search", shape.title, files, f"{figure:.3f}",
+                      f"{calls:,} calls, find {reference:,}", goal, met)
+
+
 def measure_memory(place, table):
     table.head("Peak memory", "KiB. What is beside a figure is the change from the smaller tree.")
     for walk in (SILENT, DELETE, MOVE):
@@ -309,10 +334,11 @@ def measure_peaks(place, table, walk, shape):
 
 
 def measure_walks(place, table, runs):
-    table.head("Wall time of a deletion",
+    table.head("Wall time of a deletion and of a search",
                f"Milliseconds, median of {runs} alternating runs; beside it the reference.")
     for files in SIZES:
-        for ours, reference, limit in ((SILENT, FIND_FILES, FIND_RATIO), (DELETE, FIND_ALL, None)):
+        for ours, reference, limit in ((SILENT, FIND_FILES, FIND_RATIO), (DELETE, FIND_ALL, None),
+                                       (SEARCH, FIND_SIZES, 1.0)):
             times = {ours: [], reference: []}
             for _ in range(runs):
                 for walk, taken in times.items():
@@ -553,6 +579,7 @@ def main():
     table = Table()
     print(f"{os.cpu_count()} cores, {platform.system()} {platform.release()}")
     count_calls(place, table)
+    count_search(place, table)
     measure_memory(place, table)
     measure_idle(place, table, arguments.idle_runs)
     count_syncs(place, table)

@@ -1,7 +1,9 @@
-// Runs one of the program's two walkers on a file tree, and nothing else of the program:
+// Runs one of the program's walkers on a file tree, and nothing else of the program; the search has
+// no windows and matches nothing:
 //
 //     walk_tree delete FILES_ROOT '\Temp\'
 //     walk_tree move FILES_ROOT '\A' '\B\'
+//     walk_tree search FILES_ROOT '\Temp'
 //
 // A tree of several hundred levels takes more open files than a process mostly may have; raising
 // the limit is the caller's business.
@@ -15,11 +17,15 @@
 #include <string_view>
 #include <utility>
 
+#include "core/application.h"
 #include "engine/file_tree.h"
+#include "platform/console_windows.h"
 #include "platform/descriptor.h"
 #include "platform/device_store.h"
 #include "platform/file_store.h"
 #include "platform/host_text.h"
+#include "search/tree_search.h"
+#include "shell/windows.h"
 
 namespace {
 
@@ -38,14 +44,24 @@ std::optional<Walk> ReadWalk(int count, char** words) {
     if (count == 5) {
         walk.destination = platform::WideText(words[4]).value_or(u"");
     }
-    const bool isComplete = (walk.task == "delete" && count == 4) ||
+    const bool isComplete = ((walk.task == "delete" || walk.task == "search") && count == 4) ||
                             (walk.task == "move" && count == 5 && !walk.destination.empty());
     return isComplete && !walk.directory.empty() ? std::optional(std::move(walk)) : std::nullopt;
+}
+
+void SearchWithoutWindows(const WCHAR* directory) {
+    platform::ConsoleWindows windows(stderr);
+    const platform::WindowsInUse inUse(windows);
+    CDisplayWindow display;
+    g_DisplayWindow = &display;
+    SearchFiles(nullptr, TEXT("tmp"), directory);
 }
 
 void Run(const Walk& walk) {
     if (walk.task == "delete") {
         DeleteTree(walk.directory.c_str(), true, true);
+    } else if (walk.task == "search") {
+        SearchWithoutWindows(walk.directory.c_str());
     } else {
         MoveTree(walk.directory.c_str(), walk.destination.c_str());
     }
@@ -58,7 +74,8 @@ int main(int count, char** words) {
     if (!walk) {
         std::fputs(
             "Usage: walk_tree delete FILES_ROOT DIRECTORY\n"
-            "       walk_tree move FILES_ROOT DIRECTORY DESTINATION\n",
+            "       walk_tree move FILES_ROOT DIRECTORY DESTINATION\n"
+            "       walk_tree search FILES_ROOT DIRECTORY\n",
             stderr);
         return EX_USAGE;
     }

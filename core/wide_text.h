@@ -19,9 +19,13 @@ inline constexpr std::size_t kTextCapacity = 1024;
 using PathText = std::array<WCHAR, kTextCapacity>;
 
 // The C library's wide-text functions for the platform's 16-bit characters: arguments and results
-// are those of the functions of the same name.
+// are those of the functions of the same name. The platform defines them: where its own wide
+// characters have 16 bits, these are its own functions.
 std::size_t wcslen(const WCHAR* text);
 std::size_t wcsspn(const WCHAR* text, const WCHAR* set);
+const WCHAR* wcsstr(const WCHAR* text, const WCHAR* part);
+const WCHAR* wcsrchr(const WCHAR* text, WCHAR character);
+int _wcsnicmp(const WCHAR* left, const WCHAR* right, std::size_t count);  // case as in file names
 
 // One value for a format: a terminated text, which must outlive the call, or a number.
 class TextArgument {

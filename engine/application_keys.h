@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/registry_operations.h"
-#include "engine/apply_sequence.h"
+#include "engine/apply_run.h"
 
 // Deletes the key `appName` below `appsKey`, the open key of all applications, when it names an
 // install directory that is not there. A key that names none, or whose value cannot be read whole,

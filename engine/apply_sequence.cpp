@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "core/application.h"
-#include "core/device_store.h"
+#include "core/handheld_operations.h"
 #include "core/host_notes.h"
 #include "core/options.h"
 #include "core/window_system.h"
@@ -11,6 +11,7 @@
 #include "engine/browser_caches.h"
 #include "engine/device_tweaks.h"
 #include "engine/folder_relocation.h"
+#include "engine/selected_items.h"
 #include "engine/shortcut_cleaning.h"
 #include "engine/temporary_files.h"
 #include "settings/control_settings.h"
@@ -42,10 +43,25 @@ constexpr ApplyStep kSteps[] = {
     {19, OPT_SILENT_STARTUP, KeepStartupShortcut, StepRuns::Always},
     {20, OPT_NO_MENU_ANIMATION, SetAnimation, StepRuns::Always},
     {21, OPT_NO_WINDOW_ANIMATION, SetAnimation, StepRuns::Always},
+    {22, 0, DeleteSelectedDirectories, StepRuns::WithControls},
+    {23, 0, DeleteSelectedFiles, StepRuns::WithControls},
+    {24, 0, DeleteSelectedShortcuts, StepRuns::WithControls},
 };
 
+bool Runs(const ApplyStep& step, std::uint32_t mask) {
+    switch (step.runs) {
+        case StepRuns::WhenTicked:
+            return (mask & step.option) != 0;
+        case StepRuns::Always:
+            return true;
+        case StepRuns::WithControls:
+            return !g_Silent;
+    }
+    return false;
+}
+
 void CarryOut(const ApplyStep& step, ApplyRun& run) {
-    if (step.runs == StepRuns::WhenTicked && (run.mask & step.option) == 0) {
+    if (!Runs(step, run.mask)) {
         return;
     }
     NoteStep(step.number);

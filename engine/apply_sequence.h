@@ -2,27 +2,11 @@
 
 #include <cstdint>
 
-#include "core/settings_record.h"
-#include "core/wide_text.h"
+#include "engine/apply_run.h"
 
-// Bytes of the files deleted so far. A size is added only after its file has gone.
-extern std::uint32_t BytesCleaned;
-
-// What the steps of one run share.
-struct ApplyRun {
-    std::uint32_t mask;
-    CSettings& settings;
-
-    // Work buffers, empty at the start of each step: for paths that a step builds, and for texts
-    // that it reads or formats.
-    PathText PathBuffer{};
-    PathText ValueBuffer{};
-
-    bool RestartNeeded = false;  // something takes effect only after a restart
-};
-
-// When a step runs. One that always runs looks at the mask for its direction.
-enum class StepRuns { WhenTicked, Always };
+// When a step runs. One that always runs looks at the mask for its direction; one with the controls
+// runs in the interactive run alone, for what is selected in them.
+enum class StepRuns { WhenTicked, Always, WithControls };
 
 // One step of the sequence, with the option that it belongs to.
 struct ApplyStep {

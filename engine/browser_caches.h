@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/apply_sequence.h"
+#include "engine/apply_run.h"
 
 // The tasks that keep the browser's caches small.
 

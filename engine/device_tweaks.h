@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/apply_sequence.h"
+#include "engine/apply_run.h"
 
 // Sets the size of the font cache to the one chosen with the slider.
 void SetFontCache(ApplyRun& run, std::uint32_t option);

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <memory>
 
-#include "engine/found_entries.h"
+#include "core/found_entries.h"
 
 namespace {
 

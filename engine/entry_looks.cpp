@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "core/found_entries.h"
 #include "core/host_notes.h"
-#include "engine/found_entries.h"
 
 namespace {
 

@@ -3,37 +3,23 @@
 #include <memory>
 
 #include "core/host_notes.h"
-#include "engine/apply_sequence.h"
+#include "core/tree_level.h"
+#include "engine/apply_run.h"
 #include "engine/directory_paths.h"
-#include "engine/found_entries.h"
 
 namespace {
 
-// What one level of a tree needs while it is walked. It lives on the heap, because a tree can be as
-// deep as a path is long.
-struct WalkLevel {
-    // Starts the walk; `format` makes the search pattern of `directory`.
-    void Open(const WCHAR* format, const WCHAR* directory) {
-        if (FormatText(path, format, {directory})) {
-            entries.Open(path.data());
-        }
-    }
-
-    PathText path;
+// A level whose entries move.
+struct MoveLevel : TreeLevel {
     PathText destination;
-    FoundEntries entries;
 };
-
-std::unique_ptr<WalkLevel> NewLevel() {
-    return std::unique_ptr<WalkLevel>(new WalkLevel);
-}
 
 bool EndsInBackslash(const WCHAR* path) {
     const std::size_t length = wcslen(path);
     return length > 0 && path[length - 1] == TEXT('\\');
 }
 
-void DeleteFoundFile(const WCHAR* directory, WalkLevel& level) {
+void DeleteFoundFile(const WCHAR* directory, TreeLevel& level) {
     if (FormatText(level.path, TEXT("%s%s"), {directory, level.entries.name()}) &&
         DeleteFileW(level.path.data()) != 0) {
         BytesCleaned += level.entries.sizeLow();
@@ -41,7 +27,7 @@ void DeleteFoundFile(const WCHAR* directory, WalkLevel& level) {
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
-void DeleteFoundDirectory(const WCHAR* directory, WalkLevel& level, bool removeDirectories) {
+void DeleteFoundDirectory(const WCHAR* directory, TreeLevel& level, bool removeDirectories) {
     if (!FormatText(level.path, TEXT("%s%s\\"), {directory, level.entries.name()})) {
         return;
     }
@@ -59,7 +45,7 @@ bool IsMovingOver() {
 }
 
 // The functions that move return false when nothing more may move.
-bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     return !FormatText(level.path, TEXT("%s\\%s"), {source, level.entries.name()}) ||
            !FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()}) ||
            MoveFileW(level.path.data(), level.destination.data()) != 0 || !IsMovingOver();
@@ -68,7 +54,7 @@ bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, WalkLevel& lev
 // Puts the path of the directory that stands at the destination, spelt as it is there, into
 // level.destination. Returns false when none does, or when moving into it would move a directory
 // into itself.
-bool FindStanding(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+bool FindStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const FoundEntries standing(level.destination.data());
     return standing && standing.isDirectory() &&
            FormatText(level.destination, TEXT("%s%s"), {destination, standing.name()}) &&
@@ -77,12 +63,12 @@ bool FindStanding(const WCHAR* source, const WCHAR* destination, WalkLevel& leve
 
 enum class MoveResult { Done, PassedOver, MovingIsOver };
 
-bool MoveEntries(const WCHAR* source, const WCHAR* destination, WalkLevel& level);
+bool MoveEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level);
 
 // Makes the directory level.destination unless it stands there, and moves what is in level.path
 // into it.
 // NOLINTNEXTLINE(misc-no-recursion)
-MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const bool made = CreateDirectoryW(level.destination.data(), nullptr) != 0;
     if (!made && IsMovingOver()) {
         return MoveResult::MovingIsOver;
@@ -91,7 +77,7 @@ MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, WalkL
         !AppendBackslash(level.destination)) {
         return MoveResult::PassedOver;
     }
-    const auto below = NewLevel();
+    const auto below = NewLevel<MoveLevel>();
     below->Open(TEXT("%s\\*"), level.path.data());
     return MoveEntries(level.path.data(), level.destination.data(), *below)
                ? MoveResult::Done
@@ -99,7 +85,7 @@ MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, WalkL
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
-bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const WCHAR* const name = level.entries.name();
     if (!FormatText(level.path, TEXT("%s\\%s"), {source, name}) ||
         IsSameOrInside(destination, level.path.data()) ||
@@ -120,7 +106,7 @@ bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, WalkLevel
 // Both paths are canonical, the destination with a backslash behind it; `level` is where the walk
 // of the source begins.
 // NOLINTNEXTLINE(misc-no-recursion)
-bool MoveEntries(const WCHAR* source, const WCHAR* destination, WalkLevel& level) {
+bool MoveEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     bool goesOn = true;
     for (; goesOn && level.entries; level.entries.Next()) {
         goesOn = level.entries.isDirectory() ? MoveFoundDirectory(source, destination, level)
@@ -132,7 +118,7 @@ bool MoveEntries(const WCHAR* source, const WCHAR* destination, WalkLevel& level
 // Puts the canonical paths of both where they can be reached, and begins to walk the source. What
 // is not there need not be reached.
 bool Reach(const WCHAR* source, const WCHAR* destination, PathText& from, PathText& to,
-           WalkLevel& level) {
+           MoveLevel& level) {
     if (!CanonicalDirectory(source, from)) {
         return LastWasNotThere();
     }
@@ -168,7 +154,7 @@ bool MoveTree(const WCHAR* source, const WCHAR* destination) {
     // and destination at the same place; only their canonical paths can be compared.
     const auto from = std::make_unique<PathText>();
     const auto to = std::make_unique<PathText>();
-    const auto level = NewLevel();
+    const auto level = NewLevel<MoveLevel>();
     if (!Reach(source, destination, *from, *to, *level)) {
         NoteNothingMoves(source, destination);
     }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/apply_sequence.h"
+#include "engine/apply_run.h"
 
 // Makes the registry name another directory for the folder that belongs to `option`, which is one
 // of the five moving options, after what was in the old one has been dealt with: a cache is

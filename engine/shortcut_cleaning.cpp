@@ -2,19 +2,10 @@
 
 #include <memory>
 
+#include "core/handheld_operations.h"
 #include "core/host_notes.h"
-#include "engine/found_entries.h"
+#include "core/tree_level.h"
 #include "engine/shortcut_target.h"
-
-namespace {
-
-// What one level of the menu needs while it is walked; on the heap, since menus can be deep.
-struct MenuLevel {
-    PathText path;
-    FoundEntries entries;
-};
-
-}  // namespace
 
 bool ShortcutTargetExists(const WCHAR* shortcutPath) {
     const auto target = std::make_unique<PathText>();
@@ -30,12 +21,9 @@ bool ShortcutTargetExists(const WCHAR* shortcutPath) {
 
 // NOLINTNEXTLINE(misc-no-recursion)
 void CleanShortcuts(const WCHAR* directory) {
-    const auto level = std::make_unique<MenuLevel>();
-    if (!FormatText(level->path, TEXT("%s\\*"), {directory})) {
-        return;
-    }
+    const auto level = NewLevel();
     FoundEntries& entries = level->entries;
-    for (entries.Open(level->path.data()); entries; entries.Next()) {
+    for (level->Open(TEXT("%s\\*"), directory); entries; entries.Next()) {
         if (!FormatText(level->path, TEXT("%s\\%s"), {directory, entries.name()})) {
             continue;
         }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "engine/apply_sequence.h"
+#include "engine/apply_run.h"
 
 // Whether the file at `shortcutPath` may stay: false only when it is a shortcut and what it starts
 // is found to be missing. The host is told of one that stays because a look failed.

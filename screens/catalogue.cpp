@@ -3,6 +3,7 @@
 #include <initializer_list>
 
 #include "core/window_system.h"
+#include "search/startup_list.h"
 
 namespace {
 
@@ -103,7 +104,7 @@ constexpr CatalogueControl kSystemFolders[] = {
 constexpr CatalogueControl kShortcuts[] = {
     {kCheckBox, TEXT("Remove redundant start menu items"), 2,  2, 200, 18, 50045},
     {kCheckBox, TEXT("Remove selected startup shortcuts"), 2, 22, 200, 18, 50046},
-    {kListBox,  TEXT(""),                                  2, 40, 210, 90, 50047},
+    {kListBox,  TEXT(""),                                  2, 40, 210, 90, 50047, FillStartupList},
 };
 
 // "Performance"

@@ -3,20 +3,13 @@
 #include "core/application.h"
 #include "core/error_box.h"
 #include "screens/catalogue.h"
+#include "screens/control_dispatch.h"
 #include "shell/windows.h"
 
 namespace {
 
 // Pixels that a page code of the scroll bar moves, the same as a line code.
 constexpr UINT kPageStep = 3;
-
-// What a control does at once, by its ID.
-struct ControlCommand {
-    WORD id;
-    void (*action)();
-};
-
-constexpr std::array<ControlCommand, 0> kCommands = {};
 
 HWND CreateControl(const CatalogueControl& row) {
     const DWORD_PTR id = row.id;
@@ -76,7 +69,7 @@ int CScreens::SwitchScreenTo(UINT screen) {
     RECT client{};
     GetClientRect(g_DisplayWindow->Window(), &client);
     SCROLLINFO info{};
-    info.cbSize = kScrollInfoSize;
+    info.cbSize = sizeof info;
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
     info.nMax = static_cast<int>(height) - client.bottom;
     info.nPage = kPageStep;
@@ -84,11 +77,7 @@ int CScreens::SwitchScreenTo(UINT screen) {
 }
 
 void CScreens::ControlCallback(UINT id) {
-    for (const ControlCommand& command : kCommands) {
-        if (command.id == id) {
-            command.action();
-        }
-    }
+    DispatchControl(id);
 }
 
 CControlList CScreens::GetScreenItems(UINT screen) const {

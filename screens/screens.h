@@ -24,8 +24,8 @@ class CScreens {
     int SwitchScreenTo(UINT screen);
 
     // Carries out what a control does at once when its user acts on it. Most controls do nothing:
-    // what they hold counts when the settings are captured. `id` is a control's ID; one that has no
-    // action, of whatever origin, does nothing.
+    // what they hold counts when the settings are captured. `id` is a control's ID; one that no
+    // control has is reported in a box.
     void ControlCallback(UINT id);
 
     // A view of a page's controls, in the order of the catalogue. An index beyond the pages is told

@@ -9,7 +9,8 @@ inline bool LastWasNotThere() {
     return reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND;
 }
 
-// One search and the record of the entry it stands on. Closes itself.
+// One search and the record of the entry it stands on. Closes itself. Dot entries are passed over,
+// whatever a platform lists: they would lead a walk in circles or upwards.
 class FoundEntries {
   public:
     FoundEntries() = default;
@@ -26,17 +27,30 @@ class FoundEntries {
     void Open(const WCHAR* pattern) {
         handle_ = FindFirstFileW(pattern, &entry_);
         standsOnEntry_ = handle_ != INVALID_HANDLE_VALUE;
+        if (standsOnEntry_ && isDotEntry()) {
+            Next();
+        }
     }
 
     // Whether there is an entry, and so whether the functions below may be called.
     explicit operator bool() const { return standsOnEntry_; }
 
-    void Next() { standsOnEntry_ = FindNextFileW(handle_, &entry_) != 0; }
+    void Next() {
+        do {
+            standsOnEntry_ = FindNextFileW(handle_, &entry_) != 0;
+        } while (standsOnEntry_ && isDotEntry());
+    }
     const WCHAR* name() const { return entry_.cFileName; }
     bool isDirectory() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
+    bool isHidden() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_HIDDEN) != 0; }
     DWORD sizeLow() const { return entry_.nFileSizeLow; }
 
   private:
+    bool isDotEntry() const {
+        const WCHAR* const name = entry_.cFileName;
+        return name[0] == TEXT('.') && (name[1] == 0 || (name[1] == TEXT('.') && name[2] == 0));
+    }
+
     HANDLE handle_ = INVALID_HANDLE_VALUE;
     bool standsOnEntry_ = false;
     WIN32_FIND_DATA entry_;
