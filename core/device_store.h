@@ -6,14 +6,12 @@
 
 #include "core/error_codes.h"
 #include "core/plain_types.h"
-#include "core/registry_operations.h"
 
-// The operations through which the program reaches the device's files, shortcuts and power; those
-// on its registry stand in a header of their own. Paths are absolute, with
-// backslashes and without drive letters; a relative path is taken from the root "\". Names match
-// without regard to case. A path with a component "." or "..", with "/", with a wildcard anywhere
-// but in a search's last component, or the empty path names nothing. Doubled and trailing
-// backslashes are accepted, the latter on directories only.
+// The operations through which the program reaches the device's files and starts programs. Paths
+// are absolute, with backslashes and without drive letters; a relative path is taken from the root
+// "\". Names match without regard to case. A path with a component "." or "..", with "/", with a
+// wildcard anywhere but in a search's last component, or the empty path names nothing. Doubled and
+// trailing backslashes are accepted, the latter on directories only.
 //
 // An operation that fails leaves its reason for GetLastError; one that succeeds leaves it alone.
 // "Not there" is ERROR_FILE_NOT_FOUND, or ERROR_PATH_NOT_FOUND where a directory on the way is
@@ -83,23 +81,14 @@ BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath);
 // then; an fclose that fails sets errno and the reason for GetLastError.
 std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode);
 
+// Starts a program and returns nonzero; does not wait for it. `image` names it, and `commandLine`
+// is what it is handed. The one program that there is beside this one is the help viewer,
+// "peghelp.exe", which shows the page and the place in it that a command line "file:PAGE#PLACE"
+// names; every other image is not there. All other arguments are null or 0.
+BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                    void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                    WCHAR* directory, void* startup, void* information);
+
 // Puts the path of the running executable, terminated, into `buffer` of `limit` characters and
 // returns its length; zero when it is not known or does not fit. `module` is null.
 DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit);
-
-// Puts the target text of the shortcut at `path`, terminated, into `buffer` of `limit` characters
-// and returns nonzero. The text is a command line as it stands in the shortcut: quotes and
-// arguments are part of it, blanks and line ends around it and the name of an icon are not. Zero
-// when the file is no shortcut or cannot be read, and when its text does not fit.
-BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit);
-
-// Makes a shortcut that starts `target`, a command line with the path of its program in quotes.
-// Zero when something has that name already, whatever it is, and when the file cannot be made.
-BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target);
-
-inline constexpr DWORD IOCTL_HAL_REBOOT = 0x0101003C;
-
-// With IOCTL_HAL_REBOOT and no buffers: stores what is pending, restarts the device and ends the
-// program on the spot, so the call does not return. Zero for every other code.
-BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
-                     DWORD* returned);

@@ -19,7 +19,8 @@ inline constexpr std::size_t kTextCapacity = 1024;
 using PathText = std::array<WCHAR, kTextCapacity>;
 
 // The C library's wide-text functions for the platform's 16-bit characters: arguments and results
-// are those of the functions of the same name.
+// are those of the functions of the same name. The platform defines them: where its own wide
+// characters have 16 bits, these are its own functions.
 std::size_t wcslen(const WCHAR* text);
 std::size_t wcsspn(const WCHAR* text, const WCHAR* set);
 

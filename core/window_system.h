@@ -44,8 +44,6 @@ inline constexpr DWORD WS_VSCROLL = 0x00200000;
 inline constexpr DWORD WS_HSCROLL = 0x00100000;
 inline constexpr DWORD WS_SYSMENU = 0x00080000;
 
-inline constexpr DWORD WS_EX_CAPTIONOKBTN = 0x80000000;  // its OK sends WM_COMMAND with IDOK
-
 inline constexpr DWORD DS_SETFOREGROUND = 0x0200;
 
 inline constexpr UINT CS_VREDRAW = 0x0001;
@@ -195,10 +193,8 @@ inline constexpr UINT SIF_ALL = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_TRACKPOS;
 
 inline constexpr UINT SW_SCROLLCHILDREN = 0x1;
 
-inline constexpr UINT kScrollInfoSize = 28;  // seven fields of 32 bits
-
 struct SCROLLINFO {
-    UINT cbSize;  // kScrollInfoSize
+    UINT cbSize;  // its sizeof
     UINT fMask;   // which of the other fields count
     int nMin;
     int nMax;
@@ -223,28 +219,6 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);
 int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
                    HRGN updateRegion, RECT* update, UINT flags);
 
-inline constexpr DWORD SHCMBF_HMENU = 0x0010;  // nToolBarId is a menu resource
-
-inline constexpr DWORD kMenuBarInfoSize = 36;  // nine fields of 32 bits, as the device has them
-
-struct SHMENUBARINFO {
-    DWORD cbSize;  // kMenuBarInfoSize
-    HWND hwndParent;
-    DWORD dwFlags;
-    UINT nToolBarId;
-    HINSTANCE hInstRes;
-    int nBmpId;
-    int cBmpImages;
-    HWND hwndMB;  // receives the bar
-    COLORREF clrBk;
-};
-
-// Makes the menu bar at the bottom of the screen from the program's menu resource nToolBarId, puts
-// its handle into hwndMB and returns nonzero; zero when there is no such menu or no bar can be
-// made. Its items send WM_COMMAND with their command ID, notification code 0 and lParam 0 to
-// hwndParent, with which the bar goes.
-BOOL SHCreateMenuBar(SHMENUBARINFO* info);
-
 // Head of a dialog without controls of its own. It takes up 18 bytes, and three words of 0 follow
 // it at once: no menu, no class, no title. Place and size count in dialog units.
 struct DLGTEMPLATE {
@@ -261,34 +235,3 @@ struct DLGTEMPLATE {
 // Its messages come to `procedure` through the one queue. `parent` may be null.
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
                                 DLGPROC procedure, LPARAM parameter);
-
-inline constexpr DWORD SHIDIM_FLAGS = 0x0001;
-inline constexpr DWORD SHIDIF_DONEBUTTON = 0x0001;  // an OK on the caption
-inline constexpr DWORD SHIDIF_SIZEDLG = 0x0002;     // as large as the screen has room for
-
-struct SHINITDLGINFO {
-    DWORD dwMask;
-    HWND hDlg;
-    DWORD dwFlags;
-};
-
-// Gives a dialog the size and the OK that the flags name. Zero on failure.
-BOOL SHInitDialog(const SHINITDLGINFO* info);
-
-inline constexpr UINT SHGFI_SMALLICON = 0x0001;
-inline constexpr UINT SHGFI_SYSICONINDEX = 0x4000;
-
-struct SHFILEINFO {
-    HICON hIcon;
-    int iIcon;
-    DWORD dwAttributes;
-    WCHAR szDisplayName[260];
-    WCHAR szTypeName[80];
-};
-
-// With SHGFI_SYSICONINDEX and SHGFI_SMALLICON: puts the index of the icon for `path` into
-// `info->iIcon` and returns the system's list of small icons, which stays the system's, for
-// TVM_SETIMAGELIST; 0 on failure. `size` is the record's own size, 692 bytes where a handle has 32
-// bits.
-DWORD_PTR SHGetFileInfo(const WCHAR* path, DWORD attributes, SHFILEINFO* info, UINT size,
-                        UINT flags);

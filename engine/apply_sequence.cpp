@@ -3,7 +3,7 @@
 #include <optional>
 
 #include "core/application.h"
-#include "core/device_store.h"
+#include "core/handheld_operations.h"
 #include "core/host_notes.h"
 #include "core/options.h"
 #include "core/window_system.h"

@@ -4,6 +4,7 @@
 
 #include "core/device_store.h"
 #include "core/error_box.h"
+#include "core/handheld_operations.h"
 #include "core/options.h"
 #include "engine/option_rows.h"
 #include "engine/registry_key.h"

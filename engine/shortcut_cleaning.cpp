@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "core/handheld_operations.h"
 #include "core/host_notes.h"
 #include "engine/found_entries.h"
 #include "engine/shortcut_target.h"

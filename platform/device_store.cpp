@@ -62,6 +62,13 @@ DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) {
     return g_store->GetModuleFileNameW(module, buffer, limit);
 }
 
+BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                    void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                    WCHAR* directory, void* startup, void* information) {
+    return g_store->CreateProcessW(image, commandLine, processSecurity, threadSecurity, inherit,
+                                   flags, environment, directory, startup, information);
+}
+
 BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
     return g_store->SHGetShortcutTarget(path, buffer, limit);
 }
@@ -73,6 +80,10 @@ BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
 BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
                      DWORD* returned) {
     return g_store->KernelIoControl(code, input, inputSize, output, outputSize, returned);
+}
+
+void SetCleanRebootFlag() {
+    g_store->SetCleanRebootFlag();
 }
 
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result) {

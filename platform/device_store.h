@@ -5,12 +5,15 @@
 #include <optional>
 
 #include "core/device_store.h"
+#include "core/handheld_operations.h"
+#include "core/registry_operations.h"
 #include "platform/failure.h"
 
 namespace platform {
 
-// What stands behind the program's device operations: the functions of core/device_store.h and
-// core/registry_operations.h, with their names and contracts.
+// What stands behind the program's device operations: the functions of core/device_store.h,
+// core/registry_operations.h and, for shortcuts and power, core/handheld_operations.h, with their
+// names and contracts.
 class DeviceStore {
   public:
     DeviceStore() = default;
@@ -28,10 +31,15 @@ class DeviceStore {
     virtual std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) = 0;
     virtual DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) = 0;
 
+    virtual BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                                void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                                WCHAR* directory, void* startup, void* information) = 0;
+
     virtual BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) = 0;
     virtual BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) = 0;
     virtual BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
                                  DWORD outputSize, DWORD* returned) = 0;
+    virtual void SetCleanRebootFlag() = 0;
 
     virtual LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                                HKEY* result) = 0;

@@ -1,4 +1,5 @@
 #include "platform/file_store.h"
+#include "platform/bounded_reading.h"
 
 #include <fcntl.h>
 
@@ -515,6 +516,22 @@ Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view t
 
 BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     return Answer(CreateShortcut(path, target));
+}
+
+BOOL FileStore::CreateProcessW(const WCHAR* image, const WCHAR* commandLine,
+                               void* /*processSecurity*/, void* /*threadSecurity*/,
+                               BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
+                               WCHAR* /*directory*/, void* /*startup*/, void* /*information*/) {
+    return Answer(StartProgram(image, commandLine));
+}
+
+Status FileStore::StartProgram(std::u16string_view /*image*/, std::u16string_view /*commandLine*/) {
+    return Fail("start the program", ENOENT);
+}
+
+Result<std::string> FileStore::ReadWhole(std::u16string_view path, std::size_t limit) {
+    const Result<Descriptor> file = OpenFile(path, Knowledge::Fresh);
+    return file ? ReadToEnd(file->get(), limit) : tl::unexpected<Failure>(file.error());
 }
 
 BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,

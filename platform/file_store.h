@@ -32,10 +32,14 @@ class FileStore : public DeviceStore {
     BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override;
     DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override;
+    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                        void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                        WCHAR* directory, void* startup, void* information) override;
     BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override;
     BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
     BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
                          DWORD* returned) override;
+    void SetCleanRebootFlag() override {}
 
     // Without a registry no key is ever there.
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
@@ -67,6 +71,12 @@ class FileStore : public DeviceStore {
     // made; where they fail, nothing is changed.
     virtual Status BeforeChange() { return {}; }
     virtual Status BeforeMove() { return {}; }
+
+    // Starts a program; here there is none.
+    virtual Status StartProgram(std::u16string_view image, std::u16string_view commandLine);
+
+    // The content of a file of at most `limit` bytes.
+    Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);
 
     // Keeps the reason of a failure. Returns whether there was none, as the platform has it.
     BOOL Answer(const Status& done);

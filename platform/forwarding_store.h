@@ -31,6 +31,12 @@ class ForwardingStore : public DeviceStore {
     DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override {
         return inner().GetModuleFileNameW(module, buffer, limit);
     }
+    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                        void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                        WCHAR* directory, void* startup, void* information) override {
+        return inner().CreateProcessW(image, commandLine, processSecurity, threadSecurity, inherit,
+                                      flags, environment, directory, startup, information);
+    }
     BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override {
         return inner().SHGetShortcutTarget(path, buffer, limit);
     }
@@ -41,6 +47,7 @@ class ForwardingStore : public DeviceStore {
                          DWORD* returned) override {
         return inner().KernelIoControl(code, input, inputSize, output, outputSize, returned);
     }
+    void SetCleanRebootFlag() override { inner().SetCleanRebootFlag(); }
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                        HKEY* result) override {
         return inner().RegOpenKeyExW(key, subkey, options, access, result);

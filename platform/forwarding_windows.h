@@ -71,6 +71,9 @@ class ForwardingWindows : public WindowSystem {
                        HRGN updateRegion, RECT* update, UINT flags) override {
         return inner().ScrollWindowEx(window, dx, dy, scroll, clip, updateRegion, update, flags);
     }
+    void keybd_event(BYTE key, BYTE scanCode, DWORD flags, DWORD_PTR extra) override {
+        inner().keybd_event(key, scanCode, flags, extra);
+    }
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override { return inner().SHCreateMenuBar(info); }
     HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
                                     DLGPROC procedure, LPARAM parameter) override {

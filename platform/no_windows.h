@@ -55,6 +55,8 @@ class NoWindows : public WindowSystem {
                        UINT /*flags*/) override {
         return 0;
     }
+    void keybd_event(BYTE /*key*/, BYTE /*scanCode*/, DWORD /*flags*/,
+                     DWORD_PTR /*extra*/) override {}
     BOOL SHCreateMenuBar(SHMENUBARINFO* /*info*/) override { return 0; }
     HWND CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DLGTEMPLATE* /*dialog*/,
                                     HWND /*parent*/, DLGPROC /*procedure*/,

@@ -109,6 +109,10 @@ int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* 
     return g_windows->ScrollWindowEx(window, dx, dy, scroll, clip, updateRegion, update, flags);
 }
 
+void keybd_event(BYTE key, BYTE scanCode, DWORD flags, DWORD_PTR extra) {
+    g_windows->keybd_event(key, scanCode, flags, extra);
+}
+
 BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
     return g_windows->SHCreateMenuBar(info);
 }

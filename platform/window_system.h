@@ -1,11 +1,13 @@
 #pragma once
 
+#include "core/handheld_operations.h"
 #include "core/window_system.h"
 
 namespace platform {
 
-// What stands behind the program's window operations: the functions of core/window_system.h, with
-// their names and contracts.
+// What stands behind the program's window operations: the functions of core/window_system.h
+// and, for what the handheld's shell adds, core/handheld_operations.h, with their names and
+// contracts.
 class WindowSystem {
   public:
     WindowSystem() = default;
@@ -38,6 +40,7 @@ class WindowSystem {
     virtual int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) = 0;
     virtual int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
                                HRGN updateRegion, RECT* update, UINT flags) = 0;
+    virtual void keybd_event(BYTE key, BYTE scanCode, DWORD flags, DWORD_PTR extra) = 0;
     virtual BOOL SHCreateMenuBar(SHMENUBARINFO* info) = 0;
     virtual HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog,
                                             HWND parent, DLGPROC procedure, LPARAM parameter) = 0;

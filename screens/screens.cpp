@@ -76,7 +76,7 @@ int CScreens::SwitchScreenTo(UINT screen) {
     RECT client{};
     GetClientRect(g_DisplayWindow->Window(), &client);
     SCROLLINFO info{};
-    info.cbSize = kScrollInfoSize;
+    info.cbSize = sizeof info;
     info.fMask = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_DISABLENOSCROLL;
     info.nMax = static_cast<int>(height) - client.bottom;
     info.nPage = kPageStep;

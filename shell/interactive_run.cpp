@@ -5,6 +5,7 @@
 #include "core/window_system.h"
 #include "screens/screens.h"
 #include "settings/settings_file.h"
+#include "shell/about_box.h"
 #include "shell/windows.h"
 
 namespace {
@@ -46,6 +47,7 @@ void ServeMessages() {
 
 // Children go before their parents.
 void DestroyAll() {
+    CloseAboutBox();
     Delete(g_Settings);
     g_Screens->DestroyScreens();
     Delete(g_Screens);

@@ -9,6 +9,8 @@
 #include "engine/apply_sequence.h"
 #include "screens/screens.h"
 #include "settings/settings_file.h"
+#include "shell/about_box.h"
+#include "shell/power_and_help.h"
 #include "shell/resources.h"
 #include "shell/windows.h"
 
@@ -24,7 +26,7 @@ struct MessageRow {
 
 struct CommandRow {
     WORD id;
-    void (*carryOut)();
+    void (*carryOut)(HWND window);
 };
 
 struct NotificationRow {
@@ -34,7 +36,7 @@ struct NotificationRow {
 
 SCROLLINFO ReadScrollInfo(HWND window) {
     SCROLLINFO info{};
-    info.cbSize = kScrollInfoSize;
+    info.cbSize = sizeof info;
     info.fMask = SIF_ALL;
     GetScrollInfo(window, SB_VERT, &info);
     return info;
@@ -126,7 +128,7 @@ LRESULT FollowTabs(HWND window, WPARAM wParam, LPARAM lParam) {
     return DefWindowProcW(window, WM_NOTIFY, wParam, lParam);
 }
 
-void SaveAndEnd() {
+void SaveAndEnd(HWND /*window*/) {
     SaveSettings(*g_Settings);
     g_Running = false;
 }
@@ -139,19 +141,49 @@ void ApplyDeferringRestart() {
     ApplySettings(false);
 }
 
+void Exit(HWND window) {
+    CloseAboutBox();
+    SaveAndEnd(window);
+}
+
+// The box goes alone; the main window takes the program along.
+void PressOk(HWND window) {
+    if (window != nullptr && window == g_AboutWindow) {
+        CloseAboutBox();
+    } else {
+        SaveAndEnd(window);
+    }
+}
+
+void ShowAbout(HWND /*window*/) {
+    OpenAboutBox();
+    SetFocus(g_AboutWindow);
+}
+
+// For a command that no window has to do with.
+template <void (*carryOut)()>
+void Anywhere(HWND /*window*/) {
+    carryOut();
+}
+
 constexpr CommandRow kCommands[] = {
-    {kCommandExit, SaveAndEnd},
-    {kCommandApplyAllowRestart, ApplyAllowingRestart},
-    {kCommandApplyDeferRestart, ApplyDeferringRestart},
-    {IDOK, SaveAndEnd},
+    {kCommandExit, Exit},
+    {kCommandApplyAllowRestart, Anywhere<ApplyAllowingRestart>},
+    {kCommandApplyDeferRestart, Anywhere<ApplyDeferringRestart>},
+    {kCommandPowerOff, Anywhere<SwitchOff>},
+    {kCommandSoftReset, Anywhere<SoftReset>},
+    {kCommandHardReset, Anywhere<HardReset>},
+    {kCommandHelpIndex, Anywhere<OpenHelpIndex>},
+    {kCommandAbout, ShowAbout},
+    {IDOK, PressOk},
 };
 
 // Notification code and sender make no difference.
-LRESULT RouteCommand(HWND /*window*/, WPARAM wParam, LPARAM /*lParam*/) {
+LRESULT RouteCommand(HWND window, WPARAM wParam, LPARAM /*lParam*/) {
     const WORD id = LOWORD(wParam);
     const auto* row = std::ranges::find(kCommands, id, &CommandRow::id);
     if (row != std::end(kCommands)) {
-        row->carryOut();
+        row->carryOut(window);
     } else {
         g_Screens->ControlCallback(id);
     }

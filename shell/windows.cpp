@@ -2,7 +2,9 @@
 
 #include "core/application.h"
 #include "core/error_box.h"
+#include "core/handheld_operations.h"
 #include "shell/resources.h"
+#include "shell/window_making.h"
 #include "shell/window_procedure.h"
 
 namespace {
@@ -25,30 +27,6 @@ constexpr Tab kTabs[] = {
     {TEXT("Performance"), TEXT("Failed Creating Tab Performance")},
 };
 
-// A class of the same name that an earlier run has left would keep the new one out.
-void RegisterAnew(const WCHAR* name) {
-    WNDCLASS windowClass{};
-    windowClass.style = CS_HREDRAW | CS_VREDRAW;
-    windowClass.lpfnWndProc = MainWindowProc;
-    windowClass.hInstance = g_Instance;
-    windowClass.hbrBackground = SystemColorBrush(COLOR_WINDOW);
-    windowClass.lpszClassName = name;
-    UnregisterClassW(name, g_Instance);
-    RegisterClassW(&windowClass);
-}
-
-void Show(HWND window) {
-    UpdateWindow(window);
-    ShowWindow(window, SW_SHOWNORMAL);
-}
-
-HWND CreateChild(const WCHAR* className, const WCHAR* text, DWORD style, const RECT& place,
-                 HWND parent) {
-    return CreateWindowExW(0, className, text, WS_CHILD | WS_VISIBLE | style, place.left, place.top,
-                           place.right - place.left, place.bottom - place.top, parent, nullptr,
-                           g_Instance, nullptr);
-}
-
 void InsertTabs(HWND tabControl) {
     WPARAM index = 0;
     for (const Tab& tab : kTabs) {
@@ -67,12 +45,10 @@ void InsertTabs(HWND tabControl) {
 }  // namespace
 
 void CMainWindow::Create() {
-    RegisterAnew(kProgramTitle);
-    window_ = CreateWindowExW(WS_EX_CAPTIONOKBTN, kProgramTitle, kProgramTitle, WS_VISIBLE,
-                              CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr,
-                              nullptr, g_Instance, nullptr);
+    RegisterClassAnew(kProgramTitle, MainWindowProc);
+    window_ = CreateTopLevel(kProgramTitle, kProgramTitle);
     g_MenuBar->Create();
-    Show(window_);
+    ShowPainted(window_);
 }
 
 void CMainWindow::Destroy() {
@@ -117,7 +93,7 @@ void CTabBar::Create() {
     if (window_ == nullptr) {
         ShowError(TEXT("Failed Creating Tab Control"));
     }
-    Show(window_);
+    ShowPainted(window_);
     InsertTabs(window_);
 }
 
@@ -126,7 +102,7 @@ void CTabBar::Destroy() {
 }
 
 void CDisplayWindow::Create() {
-    RegisterAnew(kDisplayClass);
+    RegisterClassAnew(kDisplayClass, MainWindowProc);
     RECT area{};
     GetClientRect(g_TabBar->Window(), &area);
     SendMessageW(g_TabBar->Window(), TCM_ADJUSTRECT, 0, reinterpret_cast<LPARAM>(&area));
@@ -135,7 +111,7 @@ void CDisplayWindow::Create() {
     if (window_ == nullptr) {
         ShowError(TEXT("Failed Creating Display Window"));
     }
-    Show(window_);
+    ShowPainted(window_);
 }
 
 void CDisplayWindow::Destroy() {

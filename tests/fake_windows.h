@@ -32,7 +32,7 @@ struct FakeWindow {
     int position = -1;                      // of combo box, slider or tab control
     int highest = 100;                      // position of a slider
     std::vector<std::u16string> entries{};  // of combo box or tab control
-    SCROLLINFO scroll{kScrollInfoSize, SIF_ALL, 0, 100, 0, 0, 0};
+    SCROLLINFO scroll{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0};
 };
 
 // A window system in memory that keeps what was done with it. Nobody sees it: what a user would do

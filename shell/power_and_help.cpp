@@ -1,0 +1,38 @@
+#include "shell/power_and_help.h"
+
+#include "core/device_store.h"
+#include "core/handheld_operations.h"
+#include "core/window_system.h"
+
+namespace {
+
+bool Confirms(const WCHAR* text) {
+    return MessageBoxW(nullptr, text, TEXT("Please Confirm"), MB_YESNO | MB_ICONEXCLAMATION) ==
+           IDYES;
+}
+
+}  // namespace
+
+void SwitchOff() {
+    keybd_event(VK_OFF, 0, KEYEVENTF_SILENT, 0);
+    keybd_event(VK_OFF, 0, KEYEVENTF_SILENT | KEYEVENTF_KEYUP, 0);
+}
+
+void SoftReset() {
+    KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+}
+
+void HardReset() {
+    if (Confirms(TEXT("WARNING: Hard Reseting Will Erase ALL data!!!\n\n"
+                      "Marlowtide accepts no reposibility for data loss resulting from the use of "
+                      "this function.\n\nDo you wish to perform a hard reset?")) &&
+        Confirms(TEXT("Are you really sure?"))) {
+        SetCleanRebootFlag();
+        SoftReset();
+    }
+}
+
+void OpenHelpIndex() {
+    CreateProcessW(TEXT("peghelp.exe"), TEXT("file:brightdoc.htm#Main_Contents"), nullptr, nullptr,
+                   FALSE, 0, nullptr, nullptr, nullptr, nullptr);
+}
