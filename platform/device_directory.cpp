@@ -16,8 +16,6 @@ namespace platform {
 
 namespace {
 
-constexpr char kFiles[] = "files";
-constexpr char kRegistry[] = "registry.reg";
 constexpr const char* kUse = "be used as a device directory";
 
 const char* HomeDirectory() {
@@ -58,7 +56,7 @@ Result<Descriptor> OpenFiles(const Descriptor& device) {
     for (const int access : {O_RDONLY, O_PATH}) {
         how.flags = static_cast<std::uint64_t>(access | O_DIRECTORY | O_CLOEXEC);
         Descriptor files(
-            static_cast<int>(syscall(SYS_openat2, device.get(), kFiles, &how, sizeof how)));
+            static_cast<int>(syscall(SYS_openat2, device.get(), kFilesName, &how, sizeof how)));
         if (files) {
             return files;
         }
@@ -80,7 +78,7 @@ Status CheckWithoutFiles(const Descriptor& device, const Failure& missing) {
         return FailOf(missing, "its \"files\"");
     }
     struct stat registry {};
-    if (fstatat(device.get(), kRegistry, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (fstatat(device.get(), kRegistryName, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
         return FailBecause(kUse, "neither \"files\" nor \"registry.reg\" is in it");
     }
     return {};
@@ -156,7 +154,7 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     if (const Status empty = CheckEmpty(device.directory); !empty) {
         return tl::unexpected<Failure>(empty.error());
     }
-    if (mkdirat(device.directory.get(), kFiles, 0777) != 0) {
+    if (mkdirat(device.directory.get(), kFilesName, 0777) != 0) {
         return Fail("be made", errno);
     }
     Result<Descriptor> files = OpenFiles(device.directory);

@@ -7,6 +7,10 @@
 
 namespace platform {
 
+// What a device directory has in it: the handheld's file tree and its registry, or one of them.
+inline constexpr char kFilesName[] = "files";
+inline constexpr char kRegistryName[] = "registry.reg";
+
 // An open device directory.
 struct DeviceDirectory {
     Descriptor directory;

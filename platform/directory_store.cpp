@@ -3,8 +3,13 @@
 #include <sysexits.h>
 
 #include <cstdlib>
+#include <utility>
 
+#include "platform/erasing.h"
+#include "platform/host_names.h"
+#include "platform/host_text.h"
 #include "platform/run_log.h"
+#include "shell/help_page.h"
 
 namespace platform {
 
@@ -74,8 +79,34 @@ BOOL DirectoryStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, v
     if (code != IOCTL_HAL_REBOOT) {
         return FileStore::KernelIoControl(code, input, inputSize, output, outputSize, returned);
     }
+    if (const Status erased = std::exchange(erases_, false) ? Erase() : Status(); !erased) {
+        LogInUse::Current().Say("not erased, and not restarted: " + Describe(erased.error()));
+        return Answer(erased);
+    }
     endRun_(EXIT_SUCCESS);
     std::abort();
+}
+
+// What is stored after it would be stored on the erased device.
+Status DirectoryStore::Erase() {
+    Status possible = CheckStorable();
+    possible = possible ? StoreRegistry() : possible;
+    DeviceErasing erasing(registry_->directory(), Today());
+    possible = possible ? erasing.CarryOut() : possible;
+    if (possible) {
+        LogInUse::Current().Say("erased; everything that was on the device is in " +
+                                erasing.folder());
+    }
+    return possible;
+}
+
+Status DirectoryStore::StartProgram(std::u16string_view image, std::u16string_view commandLine) {
+    if (viewers_ == nullptr || !SameName(image, kHelpViewerImage)) {
+        return FileStore::StartProgram(image, commandLine);
+    }
+    const HelpRequest request = ParseHelpRequest(commandLine);
+    const Result<std::string> page = ReadWhole(request.path, kLargestHelpPage);
+    return viewers_->Open(page ? std::string_view(*page) : kHelpPage, Utf8Text(request.place));
 }
 
 DeviceStore::RegistryChanges DirectoryStore::ChangesOfRegistry() const {

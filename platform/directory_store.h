@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "platform/file_store.h"
+#include "platform/help_viewer.h"
 #include "platform/registry.h"
 
 namespace platform {
@@ -33,9 +34,14 @@ class DirectoryStore : public FileStore {
     // the first change, where it ends the run if it fails, unless it was asked before.
     Status CheckStorable();
 
-    // A restart ends the run, which is what it does to every program of the device.
+    // Gives the device a help viewer; without one there is no program to be started on it.
+    void OfferHelp(std::unique_ptr<HelpViewers> viewers) { viewers_ = std::move(viewers); }
+
+    // A restart ends the run, which is what it does to every program of the device. One that is to
+    // erase the device comes back where that cannot be done, and the log has the reason.
     BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
                          DWORD* returned) override;
+    void SetCleanRebootFlag() override { erases_ = true; }
 
     RegistryChanges ChangesOfRegistry() const override;
     Status StoreRegistry() override;
@@ -54,14 +60,18 @@ class DirectoryStore : public FileStore {
   protected:
     Status BeforeChange() override;
     Status BeforeMove() override;
+    Status StartProgram(std::u16string_view image, std::u16string_view commandLine) override;
 
   private:
     LONG Changed(LONG result, std::uint64_t before);
     void EnsureStorable();
     Status RefuseMove(const Failure& failure);
+    Status Erase();
 
     std::unique_ptr<Registry> registry_;
     EndRun endRun_;
+    std::unique_ptr<HelpViewers> viewers_;  // null where nobody could see them
+    bool erases_ = false;                   // the next restart does
     bool isChecked_ = false;
     std::uint64_t tried_ = 0;                // changes that there were at the last storing
     std::optional<unsigned> refusedInStep_;  // the step in which a move was refused, counted

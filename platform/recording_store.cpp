@@ -217,14 +217,23 @@ BOOL RecordingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     return made;
 }
 
-// The one thing that cannot be reported afterwards.
+void RecordingStore::SetCleanRebootFlag() {
+    erases_ = true;
+    inner().SetCleanRebootFlag();
+}
+
+// The one thing that cannot be reported afterwards, unless it could not be done.
 BOOL RecordingStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
                                      DWORD outputSize, DWORD* returned) {
     if (code == IOCTL_HAL_REBOOT) {
         [[maybe_unused]] const Status stored = StoreRegistry();
-        Report("restarting the device");
+        Report(std::exchange(erases_, false) ? "erasing the device" : "restarting the device");
     }
-    return inner().KernelIoControl(code, input, inputSize, output, outputSize, returned);
+    const BOOL done = inner().KernelIoControl(code, input, inputSize, output, outputSize, returned);
+    if (done == 0 && code == IOCTL_HAL_REBOOT) {
+        ReportUndone("restarted");
+    }
+    return done;
 }
 
 std::string RecordingStore::PathBelow(HKEY key, std::u16string_view subkey) const {

@@ -32,6 +32,7 @@ class RecordingStore : public ForwardingStore {
     BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
     BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
                          DWORD* returned) override;
+    void SetCleanRebootFlag() override;
 
     // A value that is written as it was already is not reported.
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
@@ -72,6 +73,7 @@ class RecordingStore : public ForwardingStore {
     std::map<HANDLE, std::string> searches_;  // the pattern of each open search, the same
     std::deque<Pending> pending_;
     std::string whyNotStored_;
+    bool erases_ = false;  // the next restart does
     bool isWritten_ = true;
     std::uint64_t filesDeleted_ = 0;
     std::uint64_t bytesDeleted_ = 0;

@@ -35,6 +35,9 @@ class Registry {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
     LONG RegCloseKey(HKEY key);
 
+    // The open device directory, which stays its owner's.
+    int directory() const { return file_.directory(); }
+
     // How many changes there were, and how many of them, the first ones, are stored.
     std::uint64_t made() const { return made_; }
     std::uint64_t stored() const { return stored_; }

@@ -39,6 +39,8 @@ class RegistryFile {
     // `directory` is the open device directory; it stays the caller's and must outlive the object.
     explicit RegistryFile(int directory) : directory_(directory) {}
 
+    int directory() const { return directory_; }
+
     struct Content {
         std::string bytes;  // empty when there is no file
         FileVersion version;
