@@ -55,6 +55,7 @@ enum Choice {
     kScale,
     kBoot,
     kNewDevice,
+    kShowHelpPage,
     kHelpChoice,
     kVersion
 };
@@ -70,6 +71,8 @@ constexpr option kChoices[] = {
     {"boot", no_argument, nullptr, kBoot},
     {"scale", required_argument, nullptr, kScale},
     {"new-device", required_argument, nullptr, kNewDevice},
+    // With which the program starts its help viewer; nobody else has a use for it.
+    {"show-help-page", required_argument, nullptr, kShowHelpPage},
     {"help", no_argument, nullptr, kHelpChoice},
     {"version", no_argument, nullptr, kVersion},
     {nullptr, 0, nullptr, 0},
@@ -163,6 +166,10 @@ Status Take(int choice, const char* value, CommandLine& line) {
             return TakeModule(value, line);
         case kScale:
             return TakeScale(value, line);
+        case kShowHelpPage:
+            line.helpPlace = value;
+            SetTask(line, CommandLine::Task::ShowHelpPage);
+            return {};
         default:
             return TakeSwitch(choice, line);
     }

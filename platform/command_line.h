@@ -9,12 +9,13 @@ namespace platform {
 
 // What the words of the host's command line ask for.
 struct CommandLine {
-    enum class Task { Run, Boot, MakeSampleDevice, ShowHelp, ShowVersion };
+    enum class Task { Run, Boot, MakeSampleDevice, ShowHelpPage, ShowHelp, ShowVersion };
 
     Task task = Task::Run;
     std::string device;  // the directory to run on, or to make
     std::u16string modulePath;
     std::u16string programLine;  // the program's own command line
+    std::string helpPlace;       // of the help page on standard input that is to be shown
     bool report = false;
     bool strict = false;
     bool noDisplay = false;

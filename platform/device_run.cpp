@@ -137,6 +137,7 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
         return Refuse(EX_UNAVAILABLE, windows.error());
     }
     windows_ = std::move(*windows);
+    store_->OfferHelp(std::make_unique<HelpViewers>("/proc/self/exe", line_.scale));
     return {};
 }
 

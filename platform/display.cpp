@@ -109,6 +109,18 @@ void* LoadModule() {
                   RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
 }
 
+// The module's function of this name, loaded with the module.
+Result<void*> FindInModule(const char* name) {
+    void* const module = LoadModule();
+    void* const found = module == nullptr ? nullptr : dlsym(module, name);
+    if (found == nullptr) {
+        const char* const reason = dlerror();
+        return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
+                      reason == nullptr ? kDisplayModule : reason);
+    }
+    return found;
+}
+
 int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
     return ConsoleWindows(stderr).MessageBoxW(nullptr, text, caption, type);
 }
@@ -132,19 +144,27 @@ DisplayNeeds NeedsFor(const char* device, double scale) {
 }
 
 Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs) {
-    void* const module = LoadModule();
-    void* const make = module == nullptr ? nullptr : dlsym(module, kMakeDisplayWindows);
-    if (make == nullptr) {
-        const char* const reason = dlerror();
-        return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
-                      reason == nullptr ? kDisplayModule : reason);
+    const Result<void*> make = FindInModule(kMakeDisplayWindows);
+    if (!make) {
+        return tl::unexpected<Failure>(make.error());
     }
-    std::unique_ptr<DisplayWindows> windows(reinterpret_cast<MakeDisplayWindows*>(make)(&needs));
+    std::unique_ptr<DisplayWindows> windows(reinterpret_cast<MakeDisplayWindows*>(*make)(&needs));
     if (windows == nullptr) {
         return FailBecause(kOpenWindows,
                            "the display cannot be opened; \"silent\" runs without one");
     }
     return windows;
+}
+
+Status ShowHelpPage(std::string_view page, const std::string& place, double scale) {
+    const Result<void*> show = FindInModule(kShowHelpPage);
+    if (!show) {
+        return tl::unexpected<Failure>(show.error());
+    }
+    const HelpPageNeeds needs = {page, place.c_str(), scale};
+    return reinterpret_cast<ShowHelpPageFunction*>(*show)(&needs)
+               ? Status()
+               : FailBecause(kOpenWindows, "the display cannot be opened");
 }
 
 }  // namespace platform

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <memory>
+#include <string>
+#include <string_view>
 
 #include "platform/display_windows.h"
 #include "platform/failure.h"
@@ -17,5 +19,8 @@ DisplayNeeds NeedsFor(const char* device, double scale);
 // Loads the module of the windows, which is searched for beside the executable and in the library
 // folder that belongs to it, and opens them on the display. Once in a process.
 Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs);
+
+// Shows a page of help, HTML, at the place `place` of it until its user closes the window.
+Status ShowHelpPage(std::string_view page, const std::string& place, double scale);
 
 }  // namespace platform

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string_view>
+
 #include "platform/window_system.h"
 #include "shell/resources.h"
 
@@ -24,10 +26,22 @@ struct DisplayNeeds {
     int (*answerUnseen)(const WCHAR* text, const WCHAR* caption, UINT type);
 };
 
-// The one function of the module: makes the window system, which becomes the caller's. Null where
-// no display can be opened. Once in a process.
+// The function of the module for the program's windows: makes the window system, which becomes the
+// caller's. Null where no display can be opened. Once in a process.
 using MakeDisplayWindows = DisplayWindows*(const DisplayNeeds* needs);
 inline constexpr char kMakeDisplayWindows[] = "FennelbrightMakeWindows";
 inline constexpr char kDisplayModule[] = "fennelbright-windows.so";
+
+// A page of help in a window of its own on the desktop, as whole as its text, at the place `place`.
+struct HelpPageNeeds {
+    std::string_view page;  // HTML
+    const char* place;      // UTF-8
+    double scale;           // as above
+};
+
+// The module's other function: shows the page until its user closes the window. False where no
+// display can be opened. Once in a process, and in none that has made a window system.
+using ShowHelpPageFunction = bool(const HelpPageNeeds* needs);
+inline constexpr char kShowHelpPage[] = "FennelbrightShowHelpPage";
 
 }  // namespace platform

@@ -13,6 +13,7 @@
 #include "platform/boot.h"
 #include "platform/command_line.h"
 #include "platform/device_run.h"
+#include "platform/help_viewer.h"
 
 namespace {
 
@@ -70,6 +71,8 @@ int Carry(CommandLine& line) {
             return platform::BootDevice(line);
         case CommandLine::Task::MakeSampleDevice:
             return platform::MakeSample(line);
+        case CommandLine::Task::ShowHelpPage:
+            return platform::RunHelpViewer(line);
         case CommandLine::Task::Run:
             return platform::RunOnDevice(line);
     }

@@ -7,6 +7,7 @@
 #include "core/wide_text.h"
 #include "platform/host_text.h"
 #include "settings/settings_file.h"
+#include "shell/help_page.h"
 
 namespace platform {
 
@@ -151,6 +152,15 @@ bool WriteFile(DeviceStore& store, const SampleFile& sample) {
     return std::fclose(file) == 0;
 }
 
+bool WriteHelpPage(DeviceStore& store) {
+    std::FILE* const file = store._wfopen(kHelpPagePath, TEXT("wb"));
+    if (file == nullptr) {
+        return false;
+    }
+    std::fwrite(kHelpPage.data(), 1, kHelpPage.size(), file);
+    return std::fclose(file) == 0;
+}
+
 void PutTexts(CSettings& settings) {
     for (const Option& option : AllOptions()) {
         for (const SampleText& sample : kTexts) {
@@ -207,6 +217,7 @@ Status FillSampleDevice(DeviceStore& store) {
                                   store, shortcut.path);
                           })
                 : made;
+    made = made ? MadeIf(WriteHelpPage(store), store, kHelpPagePath) : made;
     return made ? MadeIf(WriteSampleSettings(), store, TEXT("settings.dat")) : made;
 }
 

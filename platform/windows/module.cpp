@@ -1,6 +1,7 @@
-// The one function that the module exports.
+// The functions that the module exports.
 
 #include "platform/display_windows.h"
+#include "platform/windows/help_window.h"
 #include "platform/windows/qt_windows.h"
 #include "platform/windows/toolkit.h"
 
@@ -10,4 +11,19 @@ extern "C" __attribute__((visibility("default"))) platform::DisplayWindows* Fenn
     return application == nullptr
                ? nullptr
                : new platform::windows::QtWindows(*needs, std::move(application));
+}
+
+extern "C" __attribute__((visibility("default"))) bool FennelbrightShowHelpPage(
+    const platform::HelpPageNeeds* needs) {
+    const auto application = platform::windows::StartToolkit(needs->scale);
+    if (application == nullptr) {
+        return false;
+    }
+    const QByteArrayView page(needs->page.data(), static_cast<qsizetype>(needs->page.size()));
+    platform::windows::HelpWindow window(platform::windows::PageText(page),
+                                         QString::fromUtf8(needs->place));
+    window.show();
+    QApplication::setQuitOnLastWindowClosed(true);
+    QApplication::exec();
+    return true;
 }

@@ -373,6 +373,13 @@ int QtWindows::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, c
     return kSimpleRegion;
 }
 
+// The key is let go when it has been pressed: one of the two is enough to know.
+void QtWindows::keybd_event(BYTE key, BYTE /*scanCode*/, DWORD flags, DWORD_PTR /*extra*/) {
+    if (key == VK_OFF && (flags & KEYEVENTF_KEYUP) != 0) {
+        screenOff_.SwitchOff();
+    }
+}
+
 BOOL QtWindows::SHCreateMenuBar(SHMENUBARINFO* info) {
     if (info == nullptr || windows_.Find(info->hwndParent) == nullptr) {
         return FALSE;

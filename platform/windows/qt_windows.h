@@ -11,6 +11,7 @@
 #include "platform/windows/input_gate.h"
 #include "platform/windows/message_box.h"
 #include "platform/windows/message_queue.h"
+#include "platform/windows/screen_off.h"
 #include "platform/windows/terminate_signals.h"
 #include "platform/windows/window_classes.h"
 #include "platform/windows/window_table.h"
@@ -50,6 +51,7 @@ class QtWindows : public DisplayWindows {
     int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override;
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
                        HRGN updateRegion, RECT* update, UINT flags) override;
+    void keybd_event(BYTE key, BYTE scanCode, DWORD flags, DWORD_PTR extra) override;
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override;
     HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
                                     DLGPROC procedure, LPARAM parameter) override;
@@ -74,6 +76,7 @@ class QtWindows : public DisplayWindows {
     MessageQueue queue_;
     InputGate gate_{queue_};
     HostWindow host_;
+    ScreenOff screenOff_{host_};
     WindowTable windows_;
     Station station_;
     WindowClasses classes_;
