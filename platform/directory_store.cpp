@@ -91,13 +91,15 @@ BOOL DirectoryStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, v
 Status DirectoryStore::Erase() {
     Status possible = CheckStorable();
     possible = possible ? StoreRegistry() : possible;
-    DeviceErasing erasing(registry_->directory(), Today());
-    possible = possible ? erasing.CarryOut() : possible;
-    if (possible) {
-        LogInUse::Current().Say("erased; everything that was on the device is in " +
-                                erasing.folder());
+    if (!possible) {
+        return possible;
     }
-    return possible;
+    const Result<std::string> folder = EraseDevice(registry_->directory(), Today());
+    if (!folder) {
+        return tl::unexpected<Failure>(folder.error());
+    }
+    LogInUse::Current().Say("erased; all that was on the device is in " + *folder);
+    return {};
 }
 
 Status DirectoryStore::StartProgram(std::u16string_view image, std::u16string_view commandLine) {

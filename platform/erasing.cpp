@@ -1,19 +1,20 @@
 #include "platform/erasing.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <ctime>
+#include <iterator>
 
+#include "platform/descriptor.h"
 #include "platform/device_directory.h"
 #include "platform/device_tree.h"
 #include "platform/directory_reader.h"
 #include "platform/host_text.h"
+#include "platform/moves.h"
 #include "platform/unpublished_file.h"
 
 namespace platform {
@@ -22,60 +23,82 @@ namespace {
 
 constexpr const char* kErase = "erase the device";
 
-Status DoneIf(int result) {
-    return result == 0 ? Status() : Fail(kErase, errno);
+Descriptor OpenDirectory(int parent, const char* name) {
+    return Descriptor(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
 Status RefuseCard(const std::string& name) {
     return FailOf({kErase, {}, 0, "a file system is mounted there", ERROR_SHARING_VIOLATION}, name);
 }
 
-}  // namespace
+// The steps of one erasing, and how each one is undone.
+class Erasing {
+  public:
+    Erasing(int device, const std::string& date) : device_(device), name_("erased-" + date) {}
 
-struct DeviceErasing::Step {
-    Status (DeviceErasing::*take)();
-    void (DeviceErasing::*undo)();
+    Result<std::string> CarryOut();
+
+  private:
+    struct Step {
+        Status (Erasing::*take)();
+        void (Erasing::*undo)();
+    };
+
+    Status Check() const;
+    Status EnsureRegistry();
+    Status MakeFolder();
+    Status OpenFolder();
+    Status MoveFiles();
+    Status MakeFiles();
+    Status KeepAccess();
+    Status MoveRegistry();
+    void RemoveMadeRegistry();
+    void RemoveFolder();
+    void CloseFolder() { folder_.Close(); }
+    void MoveFilesBack();
+    void RemoveFiles();
+    void Leave() {}
+
+    // A directory is a device by its tree or by its registry, so each one goes only while the other
+    // is there: a device without a registry has an empty one for the time in which it has no tree.
+    static constexpr Step kSteps[] = {
+        {&Erasing::EnsureRegistry, &Erasing::RemoveMadeRegistry},
+        {&Erasing::MakeFolder, &Erasing::RemoveFolder},
+        {&Erasing::OpenFolder, &Erasing::CloseFolder},
+        {&Erasing::MoveFiles, &Erasing::MoveFilesBack},
+        {&Erasing::MakeFiles, &Erasing::RemoveFiles},
+        {&Erasing::KeepAccess, &Erasing::Leave},
+        {&Erasing::MoveRegistry, &Erasing::Leave},
+    };
+
+    int device_;
+    std::string name_;  // of the folder
+    Descriptor folder_;
+    bool hasFiles_ = false;      // the device had a tree, which was moved
+    bool madeRegistry_ = false;  // it had no registry
 };
 
-// A directory is a device by its tree or by its registry, so each one goes only while the other is
-// there: a device without a registry gets an empty one for the time in which it has no tree.
-const DeviceErasing::Step DeviceErasing::kTable[] = {
-    {&DeviceErasing::EnsureRegistry, &DeviceErasing::RemoveMadeRegistry},
-    {&DeviceErasing::MakeFolder, &DeviceErasing::RemoveFolder},
-    {&DeviceErasing::MoveFiles, &DeviceErasing::MoveFilesBack},
-    {&DeviceErasing::MakeFiles, &DeviceErasing::RemoveFiles},
-    {&DeviceErasing::MoveRegistry, &DeviceErasing::MoveRegistryBack},
-};
-
-Status DeviceErasing::Take(std::size_t number) {
-    return (this->*kTable[number].take)();
-}
-
-void DeviceErasing::Undo(std::size_t number) {
-    (this->*kTable[number].undo)();
-}
-
-Status DeviceErasing::CarryOut() {
-    if (Status allowed = Check(); !allowed) {
-        return allowed;
+Result<std::string> Erasing::CarryOut() {
+    if (const Status allowed = Check(); !allowed) {
+        return tl::unexpected<Failure>(allowed.error());
     }
-    for (std::size_t number = 0; number < kSteps; ++number) {
-        if (Status taken = Take(number); !taken) {
-            while (number > 0) {
-                Undo(--number);
+    for (const Step* step = std::begin(kSteps); step != std::end(kSteps); ++step) {
+        if (const Status taken = (this->*step->take)(); !taken) {
+            while (step != std::begin(kSteps)) {
+                (this->*(--step)->undo)();
             }
-            return taken;
+            return tl::unexpected<Failure>(taken.error());
         }
     }
-    // Should the power fail now, the directories hold one of the states above.
-    fsync(folder_.get());
-    fsync(device_);
-    return {};
+    // Should the power fail before, the directories hold one of the states on the way.
+    for (const int directory : {folder_.get(), device_}) {
+        [[maybe_unused]] const Status stored = SyncEntries(directory);
+    }
+    return name_;
 }
 
-Status DeviceErasing::Check() const {
-    const Descriptor files(
-        openat(device_, kFilesName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+Status Erasing::Check() const {
+    const Descriptor files = OpenDirectory(device_, kFilesName);
     if (!files) {
         return errno == ENOENT ? Status() : Fail(kErase, errno);
     }
@@ -92,78 +115,80 @@ Status DeviceErasing::Check() const {
     return more ? Status() : Status(tl::unexpected<Failure>(more.error()));
 }
 
-Status DeviceErasing::EnsureRegistry() {
+Status Erasing::EnsureRegistry() {
     const Descriptor made(
         openat(device_, kRegistryName, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     madeRegistry_ = static_cast<bool>(made);
     return made || errno == EEXIST ? Status() : Fail(kErase, errno);
 }
 
-void DeviceErasing::RemoveMadeRegistry() {
+void Erasing::RemoveMadeRegistry() {
     if (madeRegistry_) {
         unlinkat(device_, kRegistryName, 0);
     }
 }
 
-Status DeviceErasing::MakeFolder() {
-    name_ = "erased-" + date_;
+Status Erasing::MakeFolder() {
+    const std::string first = name_;
     int made = mkdirat(device_, name_.c_str(), 0777);
     for (int number = 2; made != 0 && errno == EEXIST; ++number) {
-        name_ = "erased-" + date_ + '-' + std::to_string(number);
+        name_ = first + '-' + std::to_string(number);
         made = mkdirat(device_, name_.c_str(), 0777);
     }
-    if (made == 0) {
-        folder_ = Descriptor(
-            openat(device_, name_.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-        if (!folder_) {
-            const int error = errno;
-            RemoveFolder();
-            return Fail(kErase, error);
-        }
-    }
-    return DoneIf(made);
+    return made == 0 ? Status() : Fail(kErase, errno);
 }
 
-void DeviceErasing::RemoveFolder() {
-    folder_.Close();
+void Erasing::RemoveFolder() {
     unlinkat(device_, name_.c_str(), AT_REMOVEDIR);
 }
 
-Status DeviceErasing::MoveFiles() {
-    hasFiles_ = renameat(device_, kFilesName, folder_.get(), kFilesName) == 0;
-    return hasFiles_ || errno == ENOENT ? Status() : Fail(kErase, errno);
+Status Erasing::OpenFolder() {
+    folder_ = OpenDirectory(device_, name_.c_str());
+    return folder_ ? Status() : Fail(kErase, errno);
 }
 
-void DeviceErasing::MoveFilesBack() {
+Status Erasing::MoveFiles() {
+    const Status moved = RenameIfFree(device_, kFilesName, folder_.get(), kFilesName);
+    hasFiles_ = moved.has_value();
+    return moved || moved.error().error == ENOENT ? Status() : moved;
+}
+
+void Erasing::MoveFilesBack() {
     if (hasFiles_) {
-        renameat(folder_.get(), kFilesName, device_, kFilesName);
+        [[maybe_unused]] const Status back =
+            RenameIfFree(folder_.get(), kFilesName, device_, kFilesName);
     }
 }
 
-// Whoever could use the old tree can use the new one.
-Status DeviceErasing::MakeFiles() {
-    if (const Status made = DoneIf(mkdirat(device_, kFilesName, 0777)); !made) {
-        return made;
-    }
-    const Descriptor files(
-        openat(device_, kFilesName, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+Status Erasing::MakeFiles() {
+    return mkdirat(device_, kFilesName, 0777) == 0 ? Status() : Fail(kErase, errno);
+}
+
+void Erasing::RemoveFiles() {
+    unlinkat(device_, kFilesName, AT_REMOVEDIR);
+}
+
+// Whoever could use the old tree can use the new one, and nobody else.
+Status Erasing::KeepAccess() {
     struct stat old {};
-    if (files && hasFiles_ && fstatat(folder_.get(), kFilesName, &old, AT_SYMLINK_NOFOLLOW) == 0) {
+    const Descriptor files = OpenDirectory(device_, kFilesName);
+    if (!files) {
+        return Fail(kErase, errno);
+    }
+    if (hasFiles_ && fstatat(folder_.get(), kFilesName, &old, AT_SYMLINK_NOFOLLOW) == 0) {
         TakeModeAndOwner(files.get(), old);
     }
     return {};
 }
 
-void DeviceErasing::RemoveFiles() {
-    unlinkat(device_, kFilesName, AT_REMOVEDIR);
+Status Erasing::MoveRegistry() {
+    return RenameIfFree(device_, kRegistryName, folder_.get(), kRegistryName);
 }
 
-Status DeviceErasing::MoveRegistry() {
-    return DoneIf(renameat(device_, kRegistryName, folder_.get(), kRegistryName));
-}
+}  // namespace
 
-void DeviceErasing::MoveRegistryBack() {
-    renameat(folder_.get(), kRegistryName, device_, kRegistryName);
+Result<std::string> EraseDevice(int device, const std::string& date) {
+    return Erasing(device, date).CarryOut();
 }
 
 std::string Today() {

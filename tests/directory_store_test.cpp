@@ -5,6 +5,9 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
+#include "platform/erasing.h"
 #include "platform/recording_store.h"
 #include "platform/run_log.h"
 #include "platform/storing_windows.h"
@@ -48,6 +51,38 @@ TEST(DirectoryStoreTest, ARestartStoresWhatIsPendingAndEndsTheProcess) {
     EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kWritten);
     EXPECT_EQ(ReadFile(report),
               "wrote [HKCU\\Key] \"Number\": nothing -> 5\nrestarting the device\n");
+}
+
+// A restart that cannot erase the device comes back, and the one after it is a plain one.
+void WriteAndErase(const TemporaryDevice& device) {
+    platform::DirectoryStore store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::RunLog log("");
+    platform::RecordingStore recorder(store, stderr, log);
+    WriteNumber(recorder);
+    recorder.SetCleanRebootFlag();
+    recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+    recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+}
+
+TEST(DirectoryStoreTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
+    const TemporaryDevice device;
+    device.Make({"../tree/f=1"});
+    std::filesystem::remove(device.files());
+    std::filesystem::create_symlink("tree", device.files());
+    WriteFile(device.path() + "/registry.reg", kKey);
+    EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
+                "erasing the device\nfennelbright: not erased, and not restarted: cannot erase the "
+                "device: .*\nnot restarted .*\nrestarting the device\n$");
+    std::filesystem::remove(device.files());
+    std::filesystem::rename(device.path() + "/tree", device.files());
+    WriteFile(device.path() + "/registry.reg", kKey);
+    EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
+                "erasing the device\nfennelbright: erased; all that was on the device is in "
+                "erased-20..-..-..\n$");
+    const std::string folder = device.path() + "/erased-" + platform::Today();
+    EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
+    EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
+    EXPECT_EQ(device.Listing(), Entries());
 }
 
 // What stores the registry, and what leaves it for later because it changes nothing.

@@ -2,73 +2,21 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QTimer>
 #include <QWheelEvent>
-#include <functional>
 #include <random>
 #include <string>
-#include <vector>
 
-#include "core/win_main.h"
-#include "platform/directory_store.h"
 #include "tests/apply_device.h"
 #include "tests/control_rows.h"
 #include "tests/display_fixture.h"
+#include "tests/displayed_run.h"
 #include "tests/temporary_device.h"
 
 namespace {
-
-using Steps = std::vector<std::function<void()>>;
-
-// Carries out one step each time that the program waits and closes the boxes that come up; behind
-// the last step taps the OK.
-class User {
-  public:
-    explicit User(Steps steps) : steps_(std::move(steps)) {
-        QObject::connect(&clock_, &QTimer::timeout, &clock_, [this] { Act(); });
-        clock_.start(0);
-    }
-
-    const Entries& boxes() const { return boxes_; }  // "[caption] text"
-
-  private:
-    void Act() {
-        if (auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget())) {
-            const auto* const text = box->findChild<QLabel*>(QStringLiteral("boxText"));
-            boxes_.push_back(('[' + box->windowTitle() + "] " + text->text()).toStdString());
-            box->reject();
-        } else if (next_ < steps_.size()) {
-            steps_[next_++]();
-        } else {
-            Click(*Host().findChild<QWidget*>(QStringLiteral("captionOk")));
-        }
-    }
-
-    Steps steps_;
-    QTimer clock_;
-    std::size_t next_ = 0;
-    Entries boxes_;
-};
-
-// Runs the program on a device and returns the boxes that it showed.
-Entries RunDisplayed(const TemporaryDevice& device, const Steps& steps) {
-    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                                   device.OpenRegistry());
-    const std::unique_ptr<platform::DisplayWindows> windows = OpenUnseen();
-    const platform::StoreInUse storeInUse(store);
-    const platform::WindowsInUse windowsInUse(*windows);
-    const User user(steps);
-    std::u16string noWords;
-    EXPECT_EQ(WinMain(nullptr, nullptr, noWords.data(), 0), 0);
-    EXPECT_TRUE(store.StoreRegistry().has_value());
-    return user.boxes();
-}
 
 // How much room a widget's text takes up, and what stands beside it.
 QSize RoomNeeded(const QWidget& widget) {
@@ -183,15 +131,6 @@ TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
     }
     RunDisplayed(device, steps);
     EXPECT_GT(reached, 40);
-}
-
-void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys) {
-    for (const Qt::Key key : keys) {
-        steps.emplace_back([key] {
-            QWidget* const popup = QApplication::activePopupWidget();
-            QTest::keyClick(popup != nullptr ? popup : &Host(), key);
-        });
-    }
 }
 
 TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsDoneAndSaved) {

@@ -1,5 +1,5 @@
 // Runs the program on a sample device without a display and takes pictures at twice the handheld's
-// size: of every page, of every menu and of the boxes behind "Apply".
+// size: of every page, of every menu, and of what "Apply", "Power" and "Help" show.
 //
 //     take_pictures FOLDER
 
@@ -13,7 +13,9 @@
 #include <QTimer>
 #include <cstdio>
 #include <functional>
+#include <initializer_list>
 #include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,6 +25,8 @@
 #include "platform/directory_store.h"
 #include "platform/display.h"
 #include "platform/sample_device.h"
+#include "platform/windows/help_window.h"
+#include "shell/help_page.h"
 
 extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
 
@@ -62,23 +66,50 @@ class Photographer {
         }
         steps_.emplace_back([this] { SaveScreen("menu-help"); });
         // Back to "Apply", and there to "Defer Restart".
-        for (const Qt::Key key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return}) {
-            steps_.emplace_back([key] { PressInMenu(key); });
-        }
+        AddMenu({Qt::Key_Left, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return});
+        // "Hard Reset", "About" and "Off".
+        AddMenu({Qt::Key_F10, Qt::Key_Right, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+        AddMenu({Qt::Key_F10, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return});
+        steps_.emplace_back([this] { SaveScreen("about"); });
+        steps_.emplace_back([] { Tap("captionOk"); });
+        AddMenu({Qt::Key_F10, Qt::Key_Right, Qt::Key_Right, Qt::Key_Return});
+        steps_.emplace_back([this] { SaveScreen("off"); });
+        steps_.emplace_back([] { Tap("screenOff"); });
+        steps_.emplace_back([this] { SaveHelp(); });
         steps_.emplace_back([] { Host().close(); });
         QObject::connect(&clock_, &QTimer::timeout, &clock_, [this] { Step(); });
         clock_.start(50);
     }
 
     // Whether every picture was taken, in its size.
-    bool complete() const { return complete_ && next_ == steps_.size() && boxes_ > 0; }
+    bool complete() const { return complete_ && next_ == steps_.size() && !boxes_.empty(); }
 
   private:
+    static void Tap(const char* name) {
+        QTest::mouseClick(Host().findChild<QWidget*>(QString::fromLatin1(name)), Qt::LeftButton);
+    }
+
+    void AddMenu(std::initializer_list<Qt::Key> keys) {
+        for (const Qt::Key key : keys) {
+            steps_.emplace_back([key] { PressInMenu(key); });
+        }
+    }
+
+    void SaveHelp() {
+        platform::windows::HelpWindow help(
+            platform::windows::PageText(QByteArrayView(kHelpPage.data(), kHelpPage.size())),
+            QStringLiteral("Main_Contents"));
+        help.show();
+        Save(help.grab(), "help");
+    }
+
+    // The second question is not answered with Yes: the device is still needed.
     void Step() {
         if (auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget())) {
-            Save(box->grab(), "box-" + box->windowTitle().toLower().replace(' ', '-'));
-            ++boxes_;
-            box->findChild<QAbstractButton*>()->click();
+            const QString name = "box-" + box->windowTitle().toLower().replace(' ', '-');
+            const bool again = !boxes_.insert(name).second;
+            Save(box->grab(), again ? name + "-again" : name);
+            again ? box->reject() : box->findChild<QAbstractButton*>()->click();
         } else if (next_ < steps_.size()) {
             steps_[next_++]();
         }
@@ -102,7 +133,7 @@ class Photographer {
     QTimer clock_;
     std::vector<std::function<void()>> steps_;
     std::size_t next_ = 0;
-    int boxes_ = 0;
+    std::set<QString> boxes_;
     bool complete_ = true;
 };
 

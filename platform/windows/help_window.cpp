@@ -20,6 +20,7 @@ namespace {
 
 constexpr QSize kWindowSize(340, 420);
 constexpr int kMargin = 4;
+constexpr int kIndent = 18;
 
 // A text browser that has nothing to load from. The toolkit looks for the file of an image that it
 // is not given, so it is given one.
@@ -61,6 +62,7 @@ QString PageText(QByteArrayView bytes) {
 
 HelpWindow::HelpWindow(const QString& page, const QString& place)
     : place_(place), page_(new Page(this)) {
+    page_->document()->setIndentWidth(kIndent);
     page_->setHtml(WithoutImages(page));
     const QString title = page_->documentTitle();
     setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : title);
@@ -79,6 +81,9 @@ void HelpWindow::AddControls() {
     column->addWidget(page_);
     back_ = new QPushButton(QStringLiteral("Back"));
     back_->setEnabled(false);
+    QPalette colors = back_->palette();
+    colors.setColor(QPalette::Disabled, QPalette::ButtonText, Qt::gray);
+    back_->setPalette(colors);
     auto* const label = new QLabel(QStringLiteral("Find:"));
     wanted_ = new QLineEdit;
     wanted_->setAccessibleName(QStringLiteral("Find"));

@@ -35,7 +35,7 @@ QLabel* NewTitle(QWidget* parent) {
 QPushButton* NewOk(QWidget* parent) {
     auto* const ok = new QPushButton(QStringLiteral("OK"), parent);
     ok->setGeometry(kScreenWidth - kOkWidth - kMargin, kMargin, kOkWidth, kOkHeight);
-    ok->setFocusPolicy(Qt::NoFocus);
+    ok->setFocusPolicy(Qt::TabFocus);
     ok->setObjectName(QStringLiteral("captionOk"));
     return ok;
 }

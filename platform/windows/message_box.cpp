@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QStyle>
@@ -46,6 +47,13 @@ class Box : public QDialog {
 
     void reject() override { done(safeAnswer_); }
 
+    // A key that is held down since before the box came up has not answered it.
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        return (event->type() == QEvent::KeyPress &&
+                static_cast<QKeyEvent*>(event)->isAutoRepeat()) ||
+               QDialog::eventFilter(watched, event);
+    }
+
   private:
     void AddText(QVBoxLayout& column, const QString& text, UINT type) {
         auto* const row = new QHBoxLayout;
@@ -69,6 +77,7 @@ class Box : public QDialog {
         auto* const button = new QPushButton(text);
         button->setObjectName(QStringLiteral("answer%1").arg(answer));
         button->setMinimumSize(56, 20);
+        button->installEventFilter(this);
         connect(button, &QPushButton::clicked, this, [this, answer] { done(answer); });
         row.addWidget(button);
     }
