@@ -31,7 +31,7 @@ void DirectoryStore::EnsureStorable() {
 
 Status DirectoryStore::StoreRegistry() {
     tried_ = registry_->made();
-    const Status stored = registry_->Store();
+    Status stored = registry_->Store();
     if (!stored) {
         RunLog& log = LogInUse::Current();
         log.NoteNotStored();
@@ -53,7 +53,7 @@ Status DirectoryStore::BeforeChange() {
 // A folder that has moved while the registry still names the old place is lost to its owner. So the
 // room comes first, and a step in which it is missing moves nothing at all.
 Status DirectoryStore::BeforeMove() {
-    if (const Status ready = BeforeChange(); !ready) {
+    if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
     const bool isRefused = refusedInStep_ == LogInUse::Current().stepsBegun();

@@ -69,11 +69,9 @@ class ViewerStart {
     ViewerStart& operator=(const ViewerStart&) = delete;
 
     Result<pid_t> Start(const std::string& executable, std::vector<std::string> words) const {
-        std::vector<char*> arguments;
-        for (std::string& word : words) {
-            arguments.push_back(word.data());
-        }
-        arguments.push_back(nullptr);
+        std::vector<char*> arguments(words.size() + 1);  // null behind the last one
+        std::transform(words.begin(), words.end(), arguments.begin(),
+                       [](std::string& word) { return word.data(); });
         pid_t child = 0;
         const int error = posix_spawn(&child, executable.c_str(), &actions_, &attributes_,
                                       arguments.data(), environ);
