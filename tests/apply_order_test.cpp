@@ -1,12 +1,12 @@
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cstdio>
+#include <memory>
 
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/directory_store.h"
-#include "platform/forwarding_store.h"
-#include "platform/host_text.h"
+#include "platform/recording_store.h"
 #include "tests/apply_device.h"
 #include "tests/settings_bytes.h"
 
@@ -43,43 +43,6 @@ constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
 "limit"=dword:00000009
 )";
 
-// Keeps what is done to the device, in its order.
-class KeepingStore : public platform::ForwardingStore {
-  public:
-    using ForwardingStore::ForwardingStore;
-
-    BOOL DeleteFileW(const WCHAR* path) override {
-        Keep("delete", path);
-        return inner().DeleteFileW(path);
-    }
-    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override {
-        Keep("make", path);
-        return inner().SHCreateShortcut(path, target);
-    }
-    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
-                        DWORD size) override {
-        std::u16string value(size / 2, u'\0');
-        std::memcpy(value.data(), data, size);
-        if (type == REG_DWORD) {
-            const std::string digits = std::to_string(value[0]);
-            value.assign(digits.begin(), digits.end());
-        }
-        Keep("set " + platform::ReadableText(name), value);
-        return inner().RegSetValueExW(key, name, reserved, type, data, size);
-    }
-    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override {
-        Keep("forget", subkey);
-        return inner().RegDeleteKeyW(key, subkey);
-    }
-
-    std::string done;
-
-  private:
-    void Keep(const std::string& what, const std::u16string& where) {
-        done += what + ' ' + platform::ReadableText(where) + ", ";
-    }
-};
-
 TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
     const TemporaryDevice device;
     device.Make(
@@ -90,22 +53,61 @@ TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
     WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
     platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                    device.OpenRegistry());
-    KeepingStore keeping(store);
+    const std::string report = device.path() + "/report";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
+                                                                std::fclose);
+    platform::RunLog log("");
+    const platform::LogInUse logInUse(log);
+    platform::RecordingStore recorder(store, lines.get(), log);
     CollectedBoxes windows;
-    const platform::StoreInUse storeInUse(keeping);
+    const platform::StoreInUse storeInUse(recorder);
     const platform::WindowsInUse windowsInUse(windows);
     std::u16string silent = u"silent";
     WinMain(nullptr, nullptr, silent.data(), 0);
     g_Silent = false;
+    EXPECT_TRUE(recorder.StoreRegistry().has_value());
     EXPECT_EQ(windows.boxes, Entries());
-    EXPECT_EQ(keeping.done,
-              "delete \\1\\a, delete \\2\\a, delete \\Temp\\a, delete \\Windows\\Temp\\a, "
-              "delete \\My Documents\\Temp\\a, delete \\C\\a, delete \\H\\a, set Cache \\8\\, "
-              "set CacheLimit 3072, set CacheLimit 512, set CacheLimit 256, "
-              "set DatabaseLocation \\12\\, forget Gone, set Favorites \\14\\, "
-              "set Fonts \\15\\, set My Documents \\16\\, delete \\Windows\\Start Menu\\a.lnk, "
-              "set limit 16384, make \\Windows\\StartUp\\Fennelbright.lnk, set AniType 0, "
-              "set Animate 0, ");
+    const std::string folders = "[HKLM\\Explorer\\Shell Folders] ";
+    const std::string browser = "[HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\";
+    const std::string limits = browser + "Internet Settings\\5.0\\Cache\\";
+    EXPECT_EQ(ReadFile(report),
+              "step 1: deleted \\1\\a (0 bytes)\n"
+              "step 2: deleted \\2\\a (0 bytes)\n"
+              "step 3: deleted \\Temp\\a (0 bytes)\n"
+              "step 4: deleted \\Windows\\Temp\\a (0 bytes)\n"
+              "step 5: deleted \\My Documents\\Temp\\a (0 bytes)\n"
+              "step 6: deleted \\C\\a (0 bytes)\n"
+              "step 7: deleted \\H\\a (0 bytes)\n"
+              "step 8: wrote " +
+                  browser +
+                  "Explorer\\Shell Folders] \"Cache\": \"\\C\" -> \"\\8\\\"\n"
+                  "step 9: wrote " +
+                  limits +
+                  "Content] \"CacheLimit\": 9 -> 3072\n"
+                  "step 10: wrote " +
+                  limits +
+                  "History] \"CacheLimit\": 9 -> 512\n"
+                  "step 11: wrote " +
+                  limits +
+                  "Cookies] \"CacheLimit\": 9 -> 256\n"
+                  "step 12: wrote [HKCU\\Software\\AvantGo] \"DatabaseLocation\": \"\\Go\" -> "
+                  "\"\\12\\\"\n"
+                  "step 13: deleted key [HKLM\\Software\\Apps\\Gone]\n"
+                  "step 14: wrote " +
+                  folders +
+                  "\"Favorites\": \"\\Fav\" -> \"\\14\\\"\n"
+                  "step 15: wrote " +
+                  folders +
+                  "\"Fonts\": \"\\Fonts\" -> \"\\15\\\"\n"
+                  "step 16: wrote " +
+                  folders +
+                  "\"My Documents\": \"\\My\" -> \"\\16\\\"\n"
+                  "step 17: deleted \\Windows\\Start Menu\\a.lnk (7 bytes)\n"
+                  "step 18: wrote [HKLM\\System\\GDI\\GLYPHCACHE] \"limit\": 9 -> 16384\n"
+                  "step 19: made shortcut \\Windows\\StartUp\\Fennelbright.lnk to "
+                  "\"\\App\\Fennelbright.exe\" silent\"\n"
+                  "step 20: wrote [HKLM\\System\\GWE\\Menu] \"AniType\": 6 -> 0\n"
+                  "step 21: wrote [HKLM\\System\\GWE] \"Animate\": 1 -> 0\n");
 }
 
 }  // namespace
