@@ -2,7 +2,7 @@
 
 #include <QAbstractButton>
 #include <QClipboard>
-#include <QListWidget>
+#include <QListView>
 #include <QScrollBar>
 #include <QTabBar>
 #include <QToolButton>
@@ -149,7 +149,7 @@ class ListTest : public DisplayTest {
     }
 
     HWND list_ = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 5);
-    QListWidget& view_ = dynamic_cast<QListWidget&>(Control(5));
+    QListView& view_ = dynamic_cast<QListView&>(Control(5));
 };
 
 TEST_F(ListTest, EntriesAreSortedWithoutRegardToCase) {
@@ -179,7 +179,7 @@ TEST_F(ListTest, EntriesAreSortedWithoutRegardToCase) {
 TEST_F(ListTest, TapsToggleEntries) {
     Fill({u"a", u"b", u"c"});
     for (const int row : {2, 0, 1, 1}) {
-        Click(*view_.viewport(), view_.visualItemRect(view_.item(row)).center());
+        Click(*view_.viewport(), view_.visualRect(view_.model()->index(row, 0)).center());
     }
     std::vector<LONG> selected = {-1, -1, -1};
     EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 2);

@@ -10,6 +10,7 @@
 
 #include "platform/safe_answer.h"
 #include "platform/windows/look.h"
+#include "platform/windows/shown_text.h"
 
 namespace platform::windows {
 
@@ -26,8 +27,8 @@ class Box : public QDialog {
     Box(QWidget* over, const QString& text, const QString& caption, UINT type)
         : QDialog(over, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
           safeAnswer_(SafeAnswer(type)) {
-        setWindowTitle(caption);
-        setAccessibleDescription(text);
+        setWindowTitle(ShownText(caption));
+        setAccessibleDescription(ShownText(text));
         setModal(true);
         auto* const column = new QVBoxLayout(this);
         column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
@@ -65,8 +66,9 @@ class Box : public QDialog {
             row->addWidget(icon, 0, Qt::AlignTop);
             room -= kIconSide + kMargin;
         }
-        auto* const label = new QLabel(text);
+        auto* const label = new QLabel(ShownLines(text));
         label->setObjectName(QStringLiteral("boxText"));
+        label->setAccessibleName(ShownText(text));
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
         label->setFixedWidth(room);

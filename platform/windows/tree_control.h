@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <span>
+#include <utility>
 
 #include "platform/windows/window.h"
 
@@ -35,14 +35,17 @@ class TreeControl : public Window {
     TreeItem* Find(HTREEITEM item) const;
     QTreeWidgetItem* ParentFor(HTREEITEM item) const;
     void Take(TreeItem& item, const TVITEM& record);
+    QIcon IconOf(const TreeItem& item);
     void QueueAsking();
     TreeItem* UnaskedInView() const;
     std::optional<int> Ask(TreeItem& item);
     bool AskInView();
 
     QTreeWidget* tree_;
-    std::map<std::uintptr_t, TreeItem*> items_;  // the tree's own
+    std::map<std::uintptr_t, TreeItem*> items_;   // the tree's own
+    std::map<std::pair<int, int>, QIcon> icons_;  // by the image and the one while selected
     std::uintptr_t last_ = 0;
+    unsigned pass_ = 0;  // of asking for what is in view
     bool askingQueued_ = false;
 };
 

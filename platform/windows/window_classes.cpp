@@ -99,8 +99,10 @@ std::unique_ptr<Window> MakeControl(const QString& className, Station& station,
         return nullptr;
     }
     std::unique_ptr<Window> window = control->make(station, birth);
-    if (birth.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0) {
-        window->widget().setAccessibleName(AccessibleName(station, birth));
+    const QString name = AccessibleName(station, birth);
+    const bool isNameless = birth.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0;
+    if (isNameless && !name.isEmpty()) {
+        window->widget().setAccessibleName(name);
     }
     return window;
 }
