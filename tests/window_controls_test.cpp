@@ -2,8 +2,10 @@
 
 #include <QAbstractButton>
 #include <QClipboard>
+#include <QLineEdit>
 #include <QListView>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTabBar>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -194,6 +196,33 @@ TEST_F(ListTest, TapsToggleEntries) {
     EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 3);
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
+}
+
+TEST_F(ListTest, ManyEntriesFindTheirPlacesAtOnce) {
+    Fill({u"m", u"b", u"x"});
+    Send(list_, LB_SETSEL, 1, LPARAM{1});
+    QSignalSpy insertions(view_.model(), &QAbstractItemModel::rowsInserted);
+    for (int number = 1000; number > 0; --number) {
+        Send(list_, LB_ADDSTRING, 0, QString::number(number).toStdU16String().c_str());
+    }
+    LONG selected = -1;
+    EXPECT_EQ(Send(list_, LB_GETSELITEMS, 1, &selected), 1);
+    EXPECT_EQ(selected, 1001) << "the selection has not gone with its entry";
+    EXPECT_EQ(insertions.size(), 1);
+}
+
+TEST_F(ListTest, TheBlankAloneSelectsByKey) {
+    Fill({u"a", u"b", u"c", u"d"});
+    SetFocus(list_);
+    const std::pair<Qt::Key, LRESULT> rows[] = {
+        {Qt::Key_Space, 1}, {Qt::Key_Down, 1}, {Qt::Key_Down, 1}, {Qt::Key_Space, 2},
+        {Qt::Key_D, 2},     {Qt::Key_Home, 2}, {Qt::Key_Space, 1}};
+    for (const auto& [key, selected] : rows) {
+        QTest::keyClick(&view_, key);
+        EXPECT_EQ(Send(list_, LB_GETSELCOUNT), selected) << key;
+    }
+    Dispatch();
+    EXPECT_EQ(TakeCodes(), (Codes{LBN_SETFOCUS, LBN_SELCHANGE, LBN_SELCHANGE, LBN_SELCHANGE}));
 }
 
 TEST_F(DisplayTest, SlidersStayInTheirRange) {
@@ -444,10 +473,39 @@ TEST_F(TreeTest, WhoeverReadsAnItemIsGivenTheAnswer) {
     EXPECT_EQ(s_asked, 3);
 }
 
+TEST_F(TreeTest, UnseenUnitsAreShownAndReadBack) {
+    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 6);
+    const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 100, 212, 118}, 7);
+    const std::pair<std::u16string, QString> rows[] = {{u"a\t\r\n", "a<0009><000D><000A>"},
+                                                       {u"\x202Egpj.exe", "<202E>gpj.exe"},
+                                                       {u"a\xDC00\xD800", "a<DC00><D800>"},
+                                                       {u"\xDB40\xDC41", "<DB40><DC41>"},
+                                                       {u"\xF02A*", "<F02A>*"},
+                                                       {u"a\x00A0\xFE0F", "a<00A0><FE0F>"},
+                                                       {u"<000A><A>", "<003C>000A><A>"},
+                                                       {u"\xE9\xD83D\xDE00", "\u00E9\U0001F600"}};
+    for (const auto& [text, shown] : rows) {
+        WCHAR copies[2][16] = {};
+        Get(Insert(TVI_ROOT, text, 0), copies[0]);
+        Send(list, LB_RESETCONTENT);
+        Send(list, LB_ADDSTRING, 0, text.c_str());
+        Send(list, LB_GETTEXT, 0, copies[1]);
+        Send(edit, WM_SETTEXT, 0, text.c_str());
+        EXPECT_EQ((std::array<std::u16string, 3>{copies[0], copies[1], TextOf(edit)}),
+                  (std::array{text, text, text}));
+        EXPECT_EQ(dynamic_cast<QListView&>(Control(6)).model()->index(0, 0).data(), shown);
+        EXPECT_EQ(dynamic_cast<QTreeWidget&>(Control(5)).findItems(shown, {}).size(), 1);
+        EXPECT_EQ(dynamic_cast<QLineEdit&>(Control(7)).text(), shown);
+        QTest::keyClick(&Control(7), Qt::Key_End);
+        QTest::keyClick(&Control(7), Qt::Key_Z);
+        EXPECT_EQ(TextOf(edit), text + u"z");
+    }
+}
+
 TEST_F(TreeTest, OnlyRowsInViewAreAskedAbout) {
     g_hook = Answer;
     const HTREEITEM root = Insert(TVI_ROOT, u"\\", 1);
-    for (int index = 0; index < 100; ++index) {
+    for (int index = 0; index < 2000; ++index) {
         Insert(root, QStringLiteral("%1").arg(index).toStdU16String(), I_CHILDRENCALLBACK);
     }
     EXPECT_EQ(s_asked, 0);

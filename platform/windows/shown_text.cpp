@@ -12,9 +12,7 @@ namespace platform::windows {
 namespace {
 
 constexpr qsizetype kEscapeLength = 6;
-constexpr qsizetype kLongestPart = 16;  // of a word that is not broken
 constexpr QChar kLeftToRight(0x200E);
-constexpr QChar kPlaceToBreak(0x200B);
 
 struct Range {
     char32_t first;
@@ -124,17 +122,7 @@ QString ShownText(const QString& text) {
 QString ShownLines(const QString& text) {
     QStringList lines = QString(text).remove(u'\r').split(u'\n');
     for (QString& line : lines) {
-        QString broken;
-        qsizetype length = 0;
-        for (const QChar unit : ShownText(line)) {
-            length = unit == u' ' ? 0 : length + 1;
-            if (length > kLongestPart && !unit.isLowSurrogate()) {
-                broken += kPlaceToBreak;
-                length = 1;
-            }
-            broken += unit;
-        }
-        line = broken;
+        line = ShownText(line);
     }
     return lines.join(u'\n');
 }

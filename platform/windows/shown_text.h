@@ -18,7 +18,7 @@ QString TrueText(const QString& escaped);
 // a path keep their order from left to right, whatever script they are in.
 QString ShownText(const QString& text);
 
-// A text of several lines: its line ends stay, and a long word may be broken anywhere.
+// The same for a text of several lines, whose ends stay.
 QString ShownLines(const QString& text);
 
 }  // namespace platform::windows

@@ -22,7 +22,23 @@ class TreeItem : public QTreeWidgetItem {
     const OrderedText& text() const { return text_; }
     void SetText(const QString& text) {
         text_ = OrderedText(text);
-        setText(0, ShownText(text));
+        emitDataChanged();
+    }
+    void SetIcon(const QIcon& icon) {
+        icon_ = icon;
+        emitDataChanged();
+    }
+
+    // Most items are never on view.
+    QVariant data(int column, int role) const override {
+        switch (role) {
+            case Qt::DisplayRole:
+                return ShownText(text_.text());
+            case Qt::DecorationRole:
+                return icon_;
+            default:
+                return QTreeWidgetItem::data(column, role);
+        }
     }
 
     int children = 0;
@@ -34,6 +50,7 @@ class TreeItem : public QTreeWidgetItem {
   private:
     std::uintptr_t number_;
     OrderedText text_{QString()};
+    QIcon icon_;
 };
 
 namespace {
@@ -147,7 +164,7 @@ LRESULT TreeControl::Insert(LPARAM record) {
         place = PlaceAfter(*parent, Find(insertion->hInsertAfter));
     }
     TreeItem* const inserted = item.get();
-    items_.emplace(last_, inserted);
+    items_.emplace_hint(items_.end(), last_, inserted);
     parent->insertChild(place, item.release());
     QueueAsking();
     return reinterpret_cast<LRESULT>(inserted->handle());
@@ -242,7 +259,7 @@ void TreeControl::Take(TreeItem& item, const TVITEM& record) {
         item.selectedImage = record.iSelectedImage;
     }
     if ((record.mask & (TVIF_IMAGE | TVIF_SELECTEDIMAGE)) != 0) {
-        item.setIcon(0, IconOf(item));
+        item.SetIcon(IconOf(item));
     }
     if ((record.mask & TVIF_PARAM) != 0) {
         item.parameter = record.lParam;
