@@ -407,6 +407,7 @@ class TreeTest : public DisplayTest {
     }
 
     static QTreeWidgetItem& RowOf(int index) {
+        Send(s_tree, TVM_GETNEXTITEM, TVGN_CARET);
         return *dynamic_cast<QTreeWidget&>(Control(5)).topLevelItem(0)->child(index);
     }
 

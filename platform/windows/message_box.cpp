@@ -21,7 +21,7 @@ constexpr UINT kButtonsMask = 0xF;
 constexpr UINT kIconMask = 0xF0;
 constexpr int kIconSide = 24;
 constexpr int kMargin = 8;
-constexpr int kLongestPart = 16;  // of a word that is not broken
+constexpr int kLongestWord = 16;  // that is not broken
 constexpr QChar kPlaceToBreak(0x200B);
 constexpr int kTallestText = kScreenHeight * 3 / 4;
 
@@ -31,9 +31,8 @@ QString Breakable(const QString& text) {
     int length = 0;
     for (const QChar unit : text) {
         length = unit.isSpace() ? 0 : length + 1;
-        if (length > kLongestPart && !unit.isLowSurrogate()) {
+        if (length > kLongestWord && !unit.isLowSurrogate()) {
             breakable += kPlaceToBreak;
-            length = 1;
         }
         breakable += unit;
     }

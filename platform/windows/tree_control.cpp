@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "platform/windows/message_queue.h"
 #include "platform/windows/shown_text.h"
@@ -119,7 +120,12 @@ TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station,
     Adopt(std::move(tree), birth);
 }
 
+TreeControl::~TreeControl() = default;
+
 LRESULT TreeControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != TVM_INSERTITEM) {
+        Settle();
+    }
     switch (message) {
         case TVM_INSERTITEM:
             return Insert(lParam);
@@ -157,17 +163,38 @@ LRESULT TreeControl::Insert(LPARAM record) {
     }
     auto item = std::make_unique<TreeItem>(++last_);
     Take(*item, insertion->item);
-    int place = 0;
-    if (insertion->hInsertAfter == TVI_SORT) {
-        place = PlaceFor(*parent, item->text());
-    } else if (insertion->hInsertAfter != TVI_FIRST) {
-        place = PlaceAfter(*parent, Find(insertion->hInsertAfter));
-    }
     TreeItem* const inserted = item.get();
     items_.emplace_hint(items_.end(), last_, inserted);
-    parent->insertChild(place, item.release());
+    if (insertion->hInsertAfter == TVI_SORT) {
+        waiting_[parent].push_back(std::move(item));
+    } else {
+        Settle();
+        const bool first = insertion->hInsertAfter == TVI_FIRST;
+        parent->insertChild(first ? 0 : PlaceAfter(*parent, Find(insertion->hInsertAfter)),
+                            item.release());
+    }
     QueueAsking();
     return reinterpret_cast<LRESULT>(inserted->handle());
+}
+
+// Brings the items that wait to their places.
+void TreeControl::Settle() {
+    for (auto& [parent, items] : std::exchange(waiting_, {})) {
+        std::ranges::stable_sort(
+            items, [](const auto& one, const auto& other) { return one->text() < other->text(); });
+        if (parent->childCount() == 0) {
+            QList<QTreeWidgetItem*> children;
+            for (auto& item : items) {
+                children.push_back(item.release());
+            }
+            parent->addChildren(children);
+        } else {
+            for (auto& item : items) {
+                const int place = PlaceFor(*parent, item->text());
+                parent->insertChild(place, item.release());
+            }
+        }
+    }
 }
 
 LRESULT TreeControl::Expand(LPARAM item) {
@@ -178,6 +205,7 @@ LRESULT TreeControl::Expand(LPARAM item) {
     if (found->children == I_CHILDRENCALLBACK && !Ask(*found)) {
         return 0;
     }
+    Settle();
     if (found->childCount() == 0) {
         return 0;
     }
@@ -289,7 +317,8 @@ void TreeControl::QueueAsking() {
     }
 }
 
-TreeItem* TreeControl::UnaskedInView() const {
+TreeItem* TreeControl::UnaskedInView() {
+    Settle();
     const int height = tree_->viewport()->height();
     for (QTreeWidgetItem* row = tree_->itemAt(0, 0);
          row != nullptr && tree_->visualItemRect(row).top() < height; row = tree_->itemBelow(row)) {
