@@ -1,5 +1,6 @@
 #include "platform/windows/list_box_model.h"
 
+#include <QCoreApplication>
 #include <algorithm>
 
 #include "platform/windows/shown_text.h"
@@ -53,6 +54,11 @@ QVariant ListBoxModel::data(const QModelIndex& index, int role) const {
     return index.isValid() && role == Qt::DisplayRole
                ? ShownText(entries_[static_cast<std::size_t>(index.row())].text())
                : QVariant();
+}
+
+// The toolkit's turn has come.
+void ListBoxModel::customEvent(QEvent* /*event*/) {
+    Settle();
 }
 
 // Merges the sorted rows before `middle` with the sorted rows from there on. A row moves by as many

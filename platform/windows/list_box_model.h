@@ -29,6 +29,9 @@ class ListBoxModel : public QAbstractListModel {
     int rowCount(const QModelIndex& parent) const override;
     QVariant data(const QModelIndex& index, int role) const override;
 
+  protected:
+    void customEvent(QEvent* event) override;
+
   private:
     void MergeFrom(std::size_t middle);
 
