@@ -58,7 +58,8 @@ inline constexpr DWORD LBS_SORT = 0x0002;             // in the order of the alp
 inline constexpr DWORD LBS_MULTIPLESEL = 0x0008;      // each tap toggles one entry
 inline constexpr DWORD LBS_DISABLENOSCROLL = 0x1000;  // scroll bars stay on view, disabled
 
-inline constexpr UINT LB_ADDSTRING = 0x0180;     // lParam the text; its index, or LB_ERR
+inline constexpr UINT LB_ADDSTRING = 0x0180;     // lParam the text; 0 or more, or LB_ERR. The index
+                                                 // of its place is known when it is asked for
 inline constexpr UINT LB_RESETCONTENT = 0x0184;  // empties the list and keeps its extent
 inline constexpr UINT LB_SETSEL = 0x0185;        // wParam the new state, lParam the index
 inline constexpr UINT LB_GETTEXT = 0x0189;       // wParam the index, lParam a buffer that the text

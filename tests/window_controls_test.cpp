@@ -2,8 +2,10 @@
 
 #include <QAbstractButton>
 #include <QClipboard>
-#include <QListWidget>
+#include <QLineEdit>
+#include <QListView>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTabBar>
 #include <QToolButton>
 #include <QTreeWidget>
@@ -149,7 +151,7 @@ class ListTest : public DisplayTest {
     }
 
     HWND list_ = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 5);
-    QListWidget& view_ = dynamic_cast<QListWidget&>(Control(5));
+    QListView& view_ = dynamic_cast<QListView&>(Control(5));
 };
 
 TEST_F(ListTest, EntriesAreSortedWithoutRegardToCase) {
@@ -179,7 +181,7 @@ TEST_F(ListTest, EntriesAreSortedWithoutRegardToCase) {
 TEST_F(ListTest, TapsToggleEntries) {
     Fill({u"a", u"b", u"c"});
     for (const int row : {2, 0, 1, 1}) {
-        Click(*view_.viewport(), view_.visualItemRect(view_.item(row)).center());
+        Click(*view_.viewport(), view_.visualRect(view_.model()->index(row, 0)).center());
     }
     std::vector<LONG> selected = {-1, -1, -1};
     EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 2);
@@ -194,6 +196,31 @@ TEST_F(ListTest, TapsToggleEntries) {
     EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 3);
     Dispatch();
     EXPECT_TRUE(TakeTold().empty());
+}
+
+TEST_F(ListTest, ManyEntriesFindTheirPlacesAtOnce) {
+    Fill({u"m", u"b", u"x"});
+    Send(list_, LB_SETSEL, 1, LPARAM{1});
+    QSignalSpy insertions(view_.model(), &QAbstractItemModel::rowsInserted);
+    for (int number = 1000; number > 0; --number) {
+        Send(list_, LB_ADDSTRING, 0, QString::number(number).toStdU16String().c_str());
+    }
+    LONG selected = -1;
+    EXPECT_EQ(Send(list_, LB_GETSELITEMS, 1, &selected), 1);
+    EXPECT_EQ(selected, 1001) << "the selection has not gone with its entry";
+    EXPECT_EQ(insertions.size(), 1);
+}
+
+TEST_F(ListTest, TheBlankAloneSelectsByKey) {
+    Fill({u"a", u"b", u"c", u"d"});
+    SetFocus(list_);
+    const std::pair<Qt::Key, LRESULT> rows[] = {
+        {Qt::Key_Space, 1}, {Qt::Key_Down, 1}, {Qt::Key_Down, 1}, {Qt::Key_Space, 2},
+        {Qt::Key_D, 2},     {Qt::Key_Home, 2}, {Qt::Key_Space, 1}};
+    for (const auto& [key, selected] : rows) {
+        QTest::keyClick(&view_, key);
+        EXPECT_EQ(Send(list_, LB_GETSELCOUNT), selected) << key;
+    }
 }
 
 TEST_F(DisplayTest, SlidersStayInTheirRange) {
@@ -380,6 +407,7 @@ class TreeTest : public DisplayTest {
     }
 
     static QTreeWidgetItem& RowOf(int index) {
+        Send(s_tree, TVM_GETNEXTITEM, TVGN_CARET);
         return *dynamic_cast<QTreeWidget&>(Control(5)).topLevelItem(0)->child(index);
     }
 
@@ -444,10 +472,34 @@ TEST_F(TreeTest, WhoeverReadsAnItemIsGivenTheAnswer) {
     EXPECT_EQ(s_asked, 3);
 }
 
+TEST_F(TreeTest, UnseenUnitsAreShownAndReadBack) {
+    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 6);
+    const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 100, 212, 118}, 7);
+    const std::pair<std::u16string, QString> rows[] = {
+        {u"a\t\r\n\x202Eg\xDC00\xD800", "a<0009><000D><000A><202E>g<DC00><D800>"},
+        {u"\xDB40\xDC41\xF02A*\x00A0\xFE0F", "<DB40><DC41><F02A>*<00A0><FE0F>"},
+        {u"<000A><A>\xE9\xD83D\xDE00", "<003C>000A><A>\u00E9\U0001F600"}};
+    for (const auto& [text, shown] : rows) {
+        WCHAR copies[2][16] = {};
+        Get(Insert(TVI_ROOT, text, 0), copies[0]);
+        Send(list, LB_RESETCONTENT);
+        Send(list, LB_ADDSTRING, 0, text.c_str());
+        Send(list, LB_GETTEXT, 0, copies[1]);
+        Send(edit, WM_SETTEXT, 0, text.c_str());
+        EXPECT_EQ((std::array<std::u16string, 3>{copies[0], copies[1], TextOf(edit)}),
+                  (std::array{text, text, text}));
+        EXPECT_EQ(dynamic_cast<QListView&>(Control(6)).model()->index(0, 0).data(), shown);
+        EXPECT_EQ(dynamic_cast<QTreeWidget&>(Control(5)).findItems(shown, {}).size(), 1);
+        EXPECT_EQ(dynamic_cast<QLineEdit&>(Control(7)).text(), shown);
+        QTest::keyClick(&Control(7), Qt::Key_Z);
+        EXPECT_EQ(TextOf(edit), u'z' + text);
+    }
+}
+
 TEST_F(TreeTest, OnlyRowsInViewAreAskedAbout) {
     g_hook = Answer;
     const HTREEITEM root = Insert(TVI_ROOT, u"\\", 1);
-    for (int index = 0; index < 100; ++index) {
+    for (int index = 0; index < 2000; ++index) {
         Insert(root, QStringLiteral("%1").arg(index).toStdU16String(), I_CHILDRENCALLBACK);
     }
     EXPECT_EQ(s_asked, 0);

@@ -2,6 +2,7 @@
 
 #include <QAbstractButton>
 #include <QDialog>
+#include <QLabel>
 #include <QMenuBar>
 #include <QScrollBar>
 #include <QTimer>
@@ -151,13 +152,14 @@ TEST_F(DisplayTest, TheStylusOnABackgroundIsTold) {
 class BoxTest : public DisplayTest {
   protected:
     // Shows a box; `step` is what the user does once it is up.
-    static int Show(UINT type, std::function<void(QDialog&)> step) {
+    static int Show(UINT type, std::function<void(QDialog&)> step,
+                    const std::u16string& text = u"Text") {
         QTimer::singleShot(0, qApp, [step = std::move(step)] {
             auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
             ASSERT_NE(box, nullptr);
             step(*box);
         });
-        return MessageBoxW(nullptr, TEXT("Text"), TEXT("Caption"), type);
+        return MessageBoxW(nullptr, text.c_str(), TEXT("Caption"), type);
     }
 
     static void Press(QDialog& box, int answer) {
@@ -181,6 +183,20 @@ TEST_F(BoxTest, BoxesAreAnsweredByTheirUser) {
             row.pressed == 0 ? static_cast<void>(box.close()) : Press(box, row.pressed);
         });
         EXPECT_EQ(answer, row.answer) << row.type << ' ' << row.pressed;
+    }
+}
+
+TEST_F(BoxTest, NoTextDisturbsABox) {
+    const std::pair<std::u16string, QString> rows[] = {
+        {u"Two\r\nlines \x202Egpj.exe\xD800", "Two\nlines <202E>gpj.exe<D800>"},
+        {std::u16string(5000, u'W'), QString(5000, 'W')}};
+    for (const auto& [text, shown] : rows) {
+        const auto look = [&](QDialog& box) {
+            EXPECT_EQ(box.findChild<QLabel*>()->accessibleName(), shown);
+            EXPECT_EQ(QRect(0, 0, 240, 320) | box.rect(), QRect(0, 0, 240, 320));
+            Press(box, IDNO);
+        };
+        Show(MB_YESNO, look, text);
     }
 }
 

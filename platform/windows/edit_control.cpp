@@ -6,18 +6,25 @@
 #include <QLineEdit>
 
 #include "core/wide_text.h"
+#include "platform/windows/shown_text.h"
 #include "platform/windows/window_table.h"
 
 namespace platform::windows {
 
 namespace {
 
-// A pasted text may hold line ends, or even a zero at which it would end, and may end at the limit
-// in half a character.
+constexpr qsizetype kRoom = kTextCapacity - 1;
+
+// A pasted text may hold line ends, or even a zero at which it would end.
 QString WithoutControls(QString text) {
-    text.removeIf([](QChar unit) { return unit.category() == QChar::Other_Control; });
-    if (!text.isEmpty() && text.back().isHighSurrogate()) {
-        text.chop(1);
+    return text.removeIf([](QChar unit) { return unit.category() == QChar::Other_Control; });
+}
+
+// What the program can take in of a text that was typed, which may end there in half a character.
+QString Typed(const QString& escaped) {
+    QString text = TrueText(WithoutControls(escaped));
+    if (text.size() > kRoom) {
+        text.truncate(text[kRoom - 1].isHighSurrogate() ? kRoom - 1 : kRoom);
     }
     return text;
 }
@@ -25,8 +32,8 @@ QString WithoutControls(QString text) {
 // What its user sees is what the program gets.
 class Line : public QLineEdit {
   public:
-    Line(const QString& text, QWidget* parent) : QLineEdit(text, parent) {
-        connect(this, &QLineEdit::textEdited, this, &Line::DropControls);
+    Line(const QString& text, QWidget* parent) : QLineEdit(EscapedText(text), parent) {
+        connect(this, &QLineEdit::textEdited, this, &Line::Correct);
     }
 
   protected:
@@ -39,10 +46,10 @@ class Line : public QLineEdit {
     }
 
   private:
-    void DropControls(const QString& text) {
-        const QString kept = WithoutControls(text);
+    void Correct(const QString& text) {
+        const QString kept = EscapedText(Typed(text));
         if (kept != text) {
-            const auto place = WithoutControls(text.left(cursorPosition())).size();
+            const auto place = EscapedText(Typed(text.left(cursorPosition()))).size();
             selectAll();
             insert(kept);
             setCursorPosition(static_cast<int>(place));
@@ -55,8 +62,6 @@ class Line : public QLineEdit {
 EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
     auto line = std::make_unique<Line>(birth.text, birth.surface);
     line_ = line.get();
-    // More than the program can take in would be cut without a word.
-    line_->setMaxLength(static_cast<int>(kTextCapacity) - 1);
     line_->setFrame((birth.style & WS_BORDER) != 0);
     QObject::connect(line_, &QLineEdit::textEdited, line_, [this] {
         QueueCommand(EN_UPDATE);
@@ -81,11 +86,11 @@ LRESULT EditControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
 }
 
 QString EditControl::Text() const {
-    return line_->text();
+    return TrueText(line_->text());
 }
 
 void EditControl::SetText(const QString& text) {
-    line_->setText(text);
+    line_->setText(EscapedText(text));
     line_->setCursorPosition(0);
 }
 

@@ -1,24 +1,20 @@
 #include "platform/windows/list_box_control.h"
 
 #include <QKeyEvent>
-#include <QListWidget>
+#include <QListView>
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <functional>
 
-#include "platform/windows/text_order.h"
-
 namespace platform::windows {
 
-namespace {
-
-// A list whose rows are as wide as the program has said, and which tells what its user selects.
-class ListView : public QListWidget {
+// A list whose rows are as wide as the program has said, and which reports what its user selects.
+class ListView : public QListView {
   public:
     ListView(QWidget* parent, std::function<void(bool twice)> picked)
-        : QListWidget(parent), picked_(std::move(picked)) {}
+        : QListView(parent), picked_(std::move(picked)) {}
 
     void SetExtent(int pixels) {
         extent_ = pixels;
@@ -26,49 +22,72 @@ class ListView : public QListWidget {
     }
     int extent() const { return extent_; }
 
+    // A letter that is typed moves the current row on. What is selected is chosen by taps and the
+    // blank alone.
+    void keyboardSearch(const QString& search) override {
+        if (search != QStringLiteral(" ")) {
+            QListView::keyboardSearch(search);
+        }
+    }
+
   protected:
+    QItemSelectionModel::SelectionFlags selectionCommand(const QModelIndex& index,
+                                                         const QEvent* event) const override {
+        const bool byProgram = event == nullptr && selectionMode() == MultiSelection;
+        return byProgram ? QItemSelectionModel::NoUpdate
+                         : QListView::selectionCommand(index, event);
+    }
+    void selectionChanged(const QItemSelection& selected,
+                          const QItemSelection& deselected) override {
+        QListView::selectionChanged(selected, deselected);
+        changed_ = true;
+    }
     void mousePressEvent(QMouseEvent* event) override {
-        const QList<QListWidgetItem*> before = selectedItems();
-        QListWidget::mousePressEvent(event);
-        TellIfOther(before);
+        changed_ = false;
+        QListView::mousePressEvent(event);
+        ReportChange();
     }
     // A drag selects nothing: each tap is one entry's.
     void mouseMoveEvent(QMouseEvent* event) override { event->accept(); }
     void mouseDoubleClickEvent(QMouseEvent* event) override {
-        QListWidget::mousePressEvent(event);
+        QListView::mousePressEvent(event);
         picked_(true);
     }
     void keyPressEvent(QKeyEvent* event) override {
-        const QList<QListWidgetItem*> before = selectedItems();
-        QListWidget::keyPressEvent(event);
-        TellIfOther(before);
+        changed_ = false;
+        QListView::keyPressEvent(event);
+        ReportChange();
     }
 
   private:
-    void TellIfOther(const QList<QListWidgetItem*>& before) {
-        if (selectedItems() != before) {
+    void ReportChange() {
+        if (changed_) {
             picked_(false);
         }
     }
 
     std::function<void(bool twice)> picked_;
+    bool changed_ = false;
     int extent_ = 0;
 };
 
+namespace {
+
+// Rows of one height, which no text has to be laid out for.
 class RowDelegate : public QStyledItemDelegate {
   public:
     explicit RowDelegate(ListView* list) : QStyledItemDelegate(list), list_(*list) {}
 
-    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override {
-        const QSize own = QStyledItemDelegate::sizeHint(option, index);
-        return {list_.extent(), own.height()};
+    QSize sizeHint(const QStyleOptionViewItem& option,
+                   const QModelIndex& /*index*/) const override {
+        return {list_.extent(), option.fontMetrics.height()};
     }
 
   private:
     const ListView& list_;
 };
 
-void ShowBars(QListWidget& list, DWORD style) {
+void ShowBars(ListView& list, DWORD style) {
     const bool always = (style & LBS_DISABLENOSCROLL) != 0;
     const auto policy = [&](DWORD bar) {
         if ((style & bar) == 0) {
@@ -86,16 +105,18 @@ void ShowBars(QListWidget& list, DWORD style) {
 
 ListBoxControl::ListBoxControl(Station& station, const Birth& birth)
     : Window(station, birth),
-      sorted_((birth.style & LBS_SORT) != 0),
       multiple_((birth.style & LBS_MULTIPLESEL) != 0),
-      notifies_((birth.style & LBS_NOTIFY) != 0) {
+      notifies_((birth.style & LBS_NOTIFY) != 0),
+      model_(std::make_unique<ListBoxModel>((birth.style & LBS_SORT) != 0)) {
     auto list = std::make_unique<ListView>(birth.surface, [this](bool twice) {
         QueueNotice(LBN_SELCHANGE);
         if (twice) {
             QueueNotice(LBN_DBLCLK);
         }
     });
+    list->setModel(model_.get());
     list->setItemDelegate(new RowDelegate(list.get()));
+    list->setUniformItemSizes(true);
     list->setSelectionMode(multiple_ ? QAbstractItemView::MultiSelection
                                      : QAbstractItemView::SingleSelection);
     list->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -111,26 +132,24 @@ ListBoxControl::ListBoxControl(Station& station, const Birth& birth)
 LRESULT ListBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case LB_ADDSTRING:
-            return Add(TextOf(lParam));
+            return model_->Add(TextOf(lParam));
         case LB_RESETCONTENT:
-            list_->clear();
+            model_->Clear();
             return 0;
         case LB_SETSEL:
             return Select(wParam != 0, lParam);
         case LB_GETTEXT:
             return CopyEntry(wParam, lParam);
-        case LB_GETTEXTLEN: {
-            const QListWidgetItem* const entry = list_->item(static_cast<int>(wParam));
-            return entry == nullptr ? LB_ERR : entry->text().size();
-        }
+        case LB_GETTEXTLEN:
+            return TextLength(wParam);
         case LB_GETCOUNT:
-            return list_->count();
+            return model_->count();
         case LB_GETSELCOUNT:
-            return SelectedCount();
+            return multiple_ ? static_cast<LRESULT>(SelectedRows().size()) : LB_ERR;
         case LB_GETSELITEMS:
             return CopySelected(wParam, lParam);
         case LB_SETHORIZONTALEXTENT:
-            static_cast<ListView*>(list_)->SetExtent(static_cast<int>(wParam));
+            list_->SetExtent(static_cast<int>(wParam));
             return 0;
         default:
             return Window::Answer(message, wParam, lParam);
@@ -142,58 +161,55 @@ void ListBoxControl::FocusChanged(bool gained, Qt::FocusReason reason) {
     QueueNotice(gained ? LBN_SETFOCUS : LBN_KILLFOCUS);
 }
 
-LRESULT ListBoxControl::Add(const QString& text) {
-    int low = sorted_ ? 0 : list_->count();
-    int high = list_->count();
-    while (low < high) {
-        const int middle = low + (high - low) / 2;
-        if (ComesBefore(list_->item(middle)->text(), text)) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
+const QString* ListBoxControl::TextAt(WPARAM index) {
+    model_->Settle();
+    return model_->TextAt(index);
+}
+
+LRESULT ListBoxControl::TextLength(WPARAM index) {
+    const QString* const text = TextAt(index);
+    return text == nullptr ? LB_ERR : text->size();
+}
+
+LRESULT ListBoxControl::CopyEntry(WPARAM index, LPARAM buffer) {
+    const QString* const text = TextAt(index);
+    return text == nullptr ? LB_ERR
+                           : CopyText(*text, static_cast<WPARAM>(text->size()) + 1, buffer);
+}
+
+// In ascending order.
+std::vector<int> ListBoxControl::SelectedRows() {
+    model_->Settle();
+    std::vector<int> rows;
+    for (const QModelIndex& index : list_->selectionModel()->selectedIndexes()) {
+        rows.push_back(index.row());
     }
-    list_->insertItem(low, text);
-    return low;
+    std::ranges::sort(rows);
+    return rows;
 }
 
-LRESULT ListBoxControl::CopyEntry(WPARAM index, LPARAM buffer) const {
-    const QListWidgetItem* const entry = index < static_cast<WPARAM>(list_->count())
-                                             ? list_->item(static_cast<int>(index))
-                                             : nullptr;
-    if (entry == nullptr) {
-        return LB_ERR;
-    }
-    return CopyText(entry->text(), static_cast<WPARAM>(entry->text().size()) + 1, buffer);
-}
-
-LRESULT ListBoxControl::SelectedCount() const {
-    return multiple_ ? list_->selectedItems().size() : LB_ERR;
-}
-
-LRESULT ListBoxControl::CopySelected(WPARAM room, LPARAM indices) const {
+LRESULT ListBoxControl::CopySelected(WPARAM room, LPARAM indices) {
     if (!multiple_) {
         return LB_ERR;
     }
     auto* const places = reinterpret_cast<LONG*>(indices);  // NOLINT(performance-no-int-to-ptr)
-    WPARAM copied = 0;
-    for (int row = 0; row < list_->count() && copied < room && places != nullptr; ++row) {
-        if (list_->item(row)->isSelected()) {
-            places[copied++] = row;
-        }
-    }
-    return static_cast<LRESULT>(copied);
+    const std::vector<int> rows = SelectedRows();
+    const std::size_t count = places == nullptr ? 0 : std::min<std::size_t>(room, rows.size());
+    std::copy_n(rows.begin(), count, places);
+    return static_cast<LRESULT>(count);
 }
 
 LRESULT ListBoxControl::Select(bool selected, LPARAM index) {
-    if (!multiple_ || index < -1 || index >= list_->count()) {
+    model_->Settle();
+    const int count = model_->count();
+    if (!multiple_ || index < -1 || index >= count) {
         return LB_ERR;
     }
     const int first = index < 0 ? 0 : static_cast<int>(index);
-    const int last = index < 0 ? list_->count() - 1 : static_cast<int>(index);
-    for (int row = first; row <= last; ++row) {
-        list_->item(row)->setSelected(selected);
-    }
+    const int last = index < 0 ? count - 1 : static_cast<int>(index);
+    list_->selectionModel()->select(
+        {model_->index(first), model_->index(last)},
+        selected ? QItemSelectionModel::Select : QItemSelectionModel::Deselect);
     return 0;
 }
 

@@ -1,10 +1,11 @@
 #pragma once
 
+#include "platform/windows/list_box_model.h"
 #include "platform/windows/window.h"
 
-class QListWidget;
-
 namespace platform::windows {
+
+class ListView;
 
 // Class "LISTBOX".
 class ListBoxControl : public Window {
@@ -12,20 +13,22 @@ class ListBoxControl : public Window {
     ListBoxControl(Station& station, const Birth& birth);
 
     LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void PrepareToPaint() override { model_->Settle(); }
     void FocusChanged(bool gained, Qt::FocusReason reason) override;
 
   private:
-    LRESULT Add(const QString& text);
-    LRESULT CopyEntry(WPARAM index, LPARAM buffer) const;
-    LRESULT SelectedCount() const;
-    LRESULT CopySelected(WPARAM room, LPARAM indices) const;
+    const QString* TextAt(WPARAM index);
+    LRESULT TextLength(WPARAM index);
+    LRESULT CopyEntry(WPARAM index, LPARAM buffer);
+    std::vector<int> SelectedRows();
+    LRESULT CopySelected(WPARAM room, LPARAM indices);
     LRESULT Select(bool selected, LPARAM index);
     void QueueNotice(WORD code);
 
-    bool sorted_;
     bool multiple_;
     bool notifies_;
-    QListWidget* list_;
+    std::unique_ptr<ListBoxModel> model_;
+    ListView* list_;
 };
 
 }  // namespace platform::windows

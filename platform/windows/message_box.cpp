@@ -5,11 +5,13 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QStyle>
 #include <QVBoxLayout>
 
 #include "platform/safe_answer.h"
 #include "platform/windows/look.h"
+#include "platform/windows/shown_text.h"
 
 namespace platform::windows {
 
@@ -19,6 +21,23 @@ constexpr UINT kButtonsMask = 0xF;
 constexpr UINT kIconMask = 0xF0;
 constexpr int kIconSide = 24;
 constexpr int kMargin = 8;
+constexpr int kLongestWord = 16;  // that is not broken
+constexpr QChar kPlaceToBreak(0x200B);
+constexpr int kTallestText = kScreenHeight * 3 / 4;
+
+// Long words with places to break them at: a line would be cut where it has none.
+QString Breakable(const QString& text) {
+    QString breakable;
+    int length = 0;
+    for (const QChar unit : text) {
+        length = unit.isSpace() ? 0 : length + 1;
+        if (length > kLongestWord && !unit.isLowSurrogate()) {
+            breakable += kPlaceToBreak;
+        }
+        breakable += unit;
+    }
+    return breakable;
+}
 
 // A box that is closed is answered with its safe answer.
 class Box : public QDialog {
@@ -26,8 +45,8 @@ class Box : public QDialog {
     Box(QWidget* over, const QString& text, const QString& caption, UINT type)
         : QDialog(over, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
           safeAnswer_(SafeAnswer(type)) {
-        setWindowTitle(caption);
-        setAccessibleDescription(text);
+        setWindowTitle(ShownText(caption));
+        setAccessibleDescription(ShownLines(text));
         setModal(true);
         auto* const column = new QVBoxLayout(this);
         column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
@@ -65,12 +84,24 @@ class Box : public QDialog {
             row->addWidget(icon, 0, Qt::AlignTop);
             room -= kIconSide + kMargin;
         }
-        auto* const label = new QLabel(text);
+        auto* const label = new QLabel(Breakable(ShownLines(text)));
         label->setObjectName(QStringLiteral("boxText"));
+        label->setAccessibleName(ShownLines(text));
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
-        label->setFixedWidth(room);
-        row->addWidget(label);
+        label->setFixedSize(room, label->heightForWidth(room));
+        row->addWidget(label->height() > kTallestText ? NewScroller(label) : label);
+    }
+
+    // The buttons stay on the desktop whatever is said.
+    static QWidget* NewScroller(QLabel* label) {
+        auto* const area = new QScrollArea;
+        area->setFrameShape(QFrame::NoFrame);
+        area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        area->setFixedSize(label->width() + kScrollBarWidth, kTallestText);
+        area->setAccessibleName(label->accessibleName());
+        area->setWidget(label);
+        return area;
     }
 
     void AddButton(QHBoxLayout& row, const QString& text, int answer) {

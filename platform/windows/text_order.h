@@ -4,11 +4,22 @@
 
 namespace platform::windows {
 
-// The order of sorted lists: without regard to case, and by the characters where nothing else tells
-// two texts apart.
-inline bool ComesBefore(const QString& one, const QString& other) {
-    const int apartFromCase = QString::compare(one, other, Qt::CaseInsensitive);
-    return apartFromCase != 0 ? apartFromCase < 0 : one < other;
-}
+// A text with its place in the order of sorted lists: without regard to case, and by the characters
+// where nothing else tells two texts apart.
+class OrderedText {
+  public:
+    explicit OrderedText(const QString& text) : text_(text), folded_(text.toCaseFolded()) {}
+
+    const QString& text() const { return text_; }
+
+    bool operator<(const OrderedText& other) const {
+        const int apartFromCase = folded_.compare(other.folded_);
+        return apartFromCase != 0 ? apartFromCase < 0 : text_ < other.text_;
+    }
+
+  private:
+    QString text_;
+    QString folded_;
+};
 
 }  // namespace platform::windows

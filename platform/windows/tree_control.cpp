@@ -4,8 +4,10 @@
 #include <QScrollBar>
 #include <QStyle>
 #include <QTreeWidget>
+#include <algorithm>
 
 #include "platform/windows/message_queue.h"
+#include "platform/windows/shown_text.h"
 #include "platform/windows/text_order.h"
 #include "platform/windows/window_table.h"
 
@@ -18,24 +20,55 @@ class TreeItem : public QTreeWidgetItem {
     HTREEITEM handle() const {
         return reinterpret_cast<HTREEITEM>(number_);  // NOLINT(performance-no-int-to-ptr)
     }
+    const OrderedText& text() const { return text_; }
+    void SetText(const QString& text) {
+        text_ = OrderedText(text);
+        emitDataChanged();
+    }
+    void SetIcon(const QIcon& icon) {
+        icon_ = icon;
+        emitDataChanged();
+    }
+
+    // Most items are never on view.
+    QVariant data(int column, int role) const override {
+        switch (role) {
+            case Qt::DisplayRole:
+                return ShownText(text_.text());
+            case Qt::DecorationRole:
+                return icon_;
+            default:
+                return QTreeWidgetItem::data(column, role);
+        }
+    }
+
     int children = 0;
     int image = 0;
     int selectedImage = 0;
     LPARAM parameter = 0;
-    bool answered = false;  // asked in this pass, whether or not the program has stored its answer
+    unsigned asked = 0;  // the last pass in which it was, whether or not its answer was stored
 
   private:
     std::uintptr_t number_;
+    OrderedText text_{QString()};
+    QIcon icon_;
 };
 
 namespace {
 
-int PlaceFor(const QTreeWidgetItem& parent, const QString& text) {
-    int place = 0;
-    while (place < parent.childCount() && ComesBefore(parent.child(place)->text(0), text)) {
-        ++place;
+// Among children that are sorted.
+int PlaceFor(const QTreeWidgetItem& parent, const OrderedText& text) {
+    int low = 0;
+    int high = parent.childCount();
+    while (low < high) {
+        const int middle = low + (high - low) / 2;
+        if (static_cast<const TreeItem*>(parent.child(middle))->text() < text) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
     }
-    return place;
+    return low;
 }
 
 int PlaceAfter(const QTreeWidgetItem& parent, const QTreeWidgetItem* sibling) {
@@ -48,12 +81,6 @@ QPixmap PixmapFor(const QStyle& style, int image) {
     const int size = style.pixelMetric(QStyle::PM_SmallIconSize);
     return style.standardIcon(image == kDeviceIcon ? QStyle::SP_DriveHDIcon : QStyle::SP_DirIcon)
         .pixmap(size, size);
-}
-
-QIcon IconFor(const QStyle& style, const TreeItem& item) {
-    QIcon icon(PixmapFor(style, item.image));
-    icon.addPixmap(PixmapFor(style, item.selectedImage), QIcon::Selected);
-    return icon;
 }
 
 void ShowWhetherItOpens(QTreeWidgetItem& item, int children) {
@@ -75,6 +102,8 @@ HTREEITEM ItemAt(LPARAM argument) {
 TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station, birth) {
     auto tree = std::make_unique<QTreeWidget>(birth.surface);
     tree_ = tree.get();
+    tree_->setAccessibleName(QStringLiteral("Folders"));
+    tree_->setUniformRowHeights(true);
     tree_->setHeaderHidden(true);
     tree_->header()->setStretchLastSection(false);
     tree_->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
@@ -91,7 +120,12 @@ TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station,
     Adopt(std::move(tree), birth);
 }
 
+TreeControl::~TreeControl() = default;
+
 LRESULT TreeControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != TVM_INSERTITEM) {
+        Settle();
+    }
     switch (message) {
         case TVM_INSERTITEM:
             return Insert(lParam);
@@ -129,17 +163,38 @@ LRESULT TreeControl::Insert(LPARAM record) {
     }
     auto item = std::make_unique<TreeItem>(++last_);
     Take(*item, insertion->item);
-    int place = 0;
-    if (insertion->hInsertAfter == TVI_SORT) {
-        place = PlaceFor(*parent, item->text(0));
-    } else if (insertion->hInsertAfter != TVI_FIRST) {
-        place = PlaceAfter(*parent, Find(insertion->hInsertAfter));
-    }
     TreeItem* const inserted = item.get();
-    items_.emplace(last_, inserted);
-    parent->insertChild(place, item.release());
+    items_.emplace_hint(items_.end(), last_, inserted);
+    if (insertion->hInsertAfter == TVI_SORT) {
+        waiting_[parent].push_back(std::move(item));
+    } else {
+        Settle();
+        const bool first = insertion->hInsertAfter == TVI_FIRST;
+        parent->insertChild(first ? 0 : PlaceAfter(*parent, Find(insertion->hInsertAfter)),
+                            item.release());
+    }
     QueueAsking();
     return reinterpret_cast<LRESULT>(inserted->handle());
+}
+
+// Brings the items that wait to their places.
+void TreeControl::Settle() {
+    for (auto& [parent, items] : std::exchange(waiting_, {})) {
+        std::ranges::stable_sort(
+            items, [](const auto& one, const auto& other) { return one->text() < other->text(); });
+        if (parent->childCount() == 0) {
+            QList<QTreeWidgetItem*> children;
+            for (auto& item : items) {
+                children.push_back(item.release());
+            }
+            parent->addChildren(children);
+        } else {
+            for (auto& item : items) {
+                const int place = PlaceFor(*parent, item->text());
+                parent->insertChild(place, item.release());
+            }
+        }
+    }
 }
 
 LRESULT TreeControl::Expand(LPARAM item) {
@@ -150,6 +205,7 @@ LRESULT TreeControl::Expand(LPARAM item) {
     if (found->children == I_CHILDRENCALLBACK && !Ask(*found)) {
         return 0;
     }
+    Settle();
     if (found->childCount() == 0) {
         return 0;
     }
@@ -165,7 +221,7 @@ LRESULT TreeControl::Get(LPARAM record) {
         return FALSE;
     }
     if ((wanted->mask & TVIF_TEXT) != 0 && wanted->cchTextMax > 0) {
-        CopyText(item->text(0), static_cast<WPARAM>(wanted->cchTextMax),
+        CopyText(item->text().text(), static_cast<WPARAM>(wanted->cchTextMax),
                  reinterpret_cast<LPARAM>(wanted->pszText));
     }
     if ((wanted->mask & TVIF_IMAGE) != 0) {
@@ -222,7 +278,7 @@ QTreeWidgetItem* TreeControl::ParentFor(HTREEITEM item) const {
 
 void TreeControl::Take(TreeItem& item, const TVITEM& record) {
     if ((record.mask & TVIF_TEXT) != 0) {
-        item.setText(0, TextOf(reinterpret_cast<LPARAM>(record.pszText)));
+        item.SetText(TextOf(reinterpret_cast<LPARAM>(record.pszText)));
     }
     if ((record.mask & TVIF_IMAGE) != 0) {
         item.image = record.iImage;
@@ -231,7 +287,7 @@ void TreeControl::Take(TreeItem& item, const TVITEM& record) {
         item.selectedImage = record.iSelectedImage;
     }
     if ((record.mask & (TVIF_IMAGE | TVIF_SELECTEDIMAGE)) != 0) {
-        item.setIcon(0, IconFor(*tree_->style(), item));
+        item.SetIcon(IconOf(item));
     }
     if ((record.mask & TVIF_PARAM) != 0) {
         item.parameter = record.lParam;
@@ -240,6 +296,16 @@ void TreeControl::Take(TreeItem& item, const TVITEM& record) {
         item.children = record.cChildren;
         ShowWhetherItOpens(item, record.cChildren);
     }
+}
+
+// One for all items that have the same images.
+QIcon TreeControl::IconOf(const TreeItem& item) {
+    QIcon& icon = icons_[{item.image, item.selectedImage}];
+    if (icon.isNull()) {
+        icon = QIcon(PixmapFor(*tree_->style(), item.image));
+        icon.addPixmap(PixmapFor(*tree_->style(), item.selectedImage), QIcon::Selected);
+    }
+    return icon;
 }
 
 // Rows may have come into view.
@@ -251,12 +317,13 @@ void TreeControl::QueueAsking() {
     }
 }
 
-TreeItem* TreeControl::UnaskedInView() const {
+TreeItem* TreeControl::UnaskedInView() {
+    Settle();
     const int height = tree_->viewport()->height();
     for (QTreeWidgetItem* row = tree_->itemAt(0, 0);
          row != nullptr && tree_->visualItemRect(row).top() < height; row = tree_->itemBelow(row)) {
         auto* const item = static_cast<TreeItem*>(row);
-        if (item->children == I_CHILDRENCALLBACK && !item->answered) {
+        if (item->children == I_CHILDRENCALLBACK && item->asked != pass_) {
             return item;
         }
     }
@@ -268,7 +335,7 @@ TreeItem* TreeControl::UnaskedInView() const {
 std::optional<int> TreeControl::Ask(TreeItem& item) {
     const WindowTable& windows = station().windows;
     const HWND self = handle();
-    item.answered = true;
+    item.asked = pass_;
     NMTVDISPINFO question = {};
     question.hdr = {self, static_cast<DWORD_PTR>(id()), TVN_GETDISPINFO};
     question.item.mask = TVIF_CHILDREN;
@@ -290,9 +357,7 @@ bool TreeControl::AskInView() {
     if (!tree_->isVisible()) {
         return true;
     }
-    for (auto& [number, item] : items_) {
-        item->answered = false;
-    }
+    ++pass_;
     while (TreeItem* const item = UnaskedInView()) {
         if (!Ask(*item)) {
             return false;

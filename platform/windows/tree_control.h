@@ -3,8 +3,10 @@
 #include <QIcon>
 #include <cstdint>
 #include <map>
+#include <memory>
 #include <optional>
-#include <span>
+#include <utility>
+#include <vector>
 
 #include "platform/windows/window.h"
 
@@ -20,6 +22,7 @@ class TreeItem;
 class TreeControl : public Window {
   public:
     TreeControl(Station& station, const Birth& birth);
+    ~TreeControl() override;
 
     LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
     void CarryOut(const MSG& message) override;
@@ -27,6 +30,7 @@ class TreeControl : public Window {
 
   private:
     LRESULT Insert(LPARAM record);
+    void Settle();
     LRESULT Expand(LPARAM item);
     LRESULT Get(LPARAM record);
     bool GetChildren(TreeItem& item, TVITEM& wanted);
@@ -35,14 +39,20 @@ class TreeControl : public Window {
     TreeItem* Find(HTREEITEM item) const;
     QTreeWidgetItem* ParentFor(HTREEITEM item) const;
     void Take(TreeItem& item, const TVITEM& record);
+    QIcon IconOf(const TreeItem& item);
     void QueueAsking();
-    TreeItem* UnaskedInView() const;
+    TreeItem* UnaskedInView();
     std::optional<int> Ask(TreeItem& item);
     bool AskInView();
 
     QTreeWidget* tree_;
-    std::map<std::uintptr_t, TreeItem*> items_;  // the tree's own
+    std::map<std::uintptr_t, TreeItem*> items_;  // the tree's own, or in `waiting_`
+    // Items that are to be sorted, by their parents, until somebody looks at the tree: those that
+    // come one by one are sorted all at once.
+    std::map<QTreeWidgetItem*, std::vector<std::unique_ptr<TreeItem>>> waiting_;
+    std::map<std::pair<int, int>, QIcon> icons_;  // by the image and the one while selected
     std::uintptr_t last_ = 0;
+    unsigned pass_ = 0;  // of asking for what is in view
     bool askingQueued_ = false;
 };
 

@@ -1,5 +1,6 @@
 #include "platform/windows/window_classes.h"
 
+#include <QComboBox>
 #include <algorithm>
 #include <array>
 
@@ -99,8 +100,14 @@ std::unique_ptr<Window> MakeControl(const QString& className, Station& station,
         return nullptr;
     }
     std::unique_ptr<Window> window = control->make(station, birth);
-    if (birth.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0) {
-        window->widget().setAccessibleName(AccessibleName(station, birth));
+    const QString name = AccessibleName(station, birth);
+    const bool isNameless = birth.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0;
+    if (isNameless && !name.isEmpty()) {
+        window->widget().setAccessibleName(name);
+        // The toolkit may take a combo box's entry for its name.
+        if (dynamic_cast<const QComboBox*>(&window->widget()) != nullptr) {
+            window->widget().setAccessibleDescription(name);
+        }
     }
     return window;
 }
