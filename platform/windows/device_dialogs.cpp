@@ -4,12 +4,14 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QScreen>
+#include <QSettings>
 
 namespace platform::windows {
 
 namespace {
 
 constexpr QSize kDialogSize(400, 280);
+const QString kNowhere = QStringLiteral("/dev/null");
 const QString kCaption = QStringLiteral("Fennelbright");
 
 // Takes a folder that is not there as well: a device can be made of it.
@@ -32,10 +34,18 @@ class FolderDialog : public QFileDialog {
     }
 };
 
+// A path may be wider than a box: its lines end after any of its names.
+QString Breakable(const std::string& text) {
+    return QString::fromStdString(text).replace('/', QStringLiteral("/\u200B"));
+}
+
 }  // namespace
 
 ToolkitDialogs::ToolkitDialogs(std::unique_ptr<QApplication> application)
-    : application_(std::move(application)) {}
+    : application_(std::move(application)) {
+    // The toolkit would note in the user's home directory which folders were looked at.
+    QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, kNowhere);
+}
 
 std::string ToolkitDialogs::ChooseFolder() {
     FolderDialog dialog(folder_);
@@ -48,11 +58,11 @@ std::string ToolkitDialogs::ChooseFolder() {
 }
 
 void ToolkitDialogs::Tell(const std::string& text) {
-    boxes_.Show(nullptr, QString::fromStdString(text), kCaption, MB_OK);
+    boxes_.Show(nullptr, Breakable(text), kCaption, MB_OK);
 }
 
 bool ToolkitDialogs::Confirm(const std::string& question) {
-    return boxes_.Show(nullptr, QString::fromStdString(question), kCaption, MB_YESNO) == IDYES;
+    return boxes_.Show(nullptr, Breakable(question), kCaption, MB_YESNO) == IDYES;
 }
 
 }  // namespace platform::windows
