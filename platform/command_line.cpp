@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <optional>
 
+#include "platform/display.h"
 #include "platform/host_text.h"
 #include "platform/sample_device.h"
 
@@ -12,6 +13,7 @@ namespace platform {
 
 const char kHelp[] =
     "Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]\n"
+    "       fennelbright [OPTION]...\n"
     "       fennelbright --device DIR --boot [OPTION]...\n"
     "       fennelbright --new-device DIR\n"
     "\n"
@@ -33,7 +35,8 @@ const char kHelp[] =
     "  --help, --version\n"
     "\n"
     "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
-    "windows; without one the program opens its windows on the display.\n"
+    "windows; without one the program opens its windows on the display, and asks there for the\n"
+    "device directory if none is named.\n"
     "\n"
     "Exit codes: 0 the program has ended as it does; 1 the display was lost; 64 wrong usage; 65 "
     "the\n"
@@ -175,9 +178,15 @@ Status Take(int choice, const char* value, CommandLine& line) {
     }
 }
 
+// Whether the user can be asked for the device: the program is to open windows on a display.
+bool AsksForDevice(const CommandLine& line) {
+    return line.task == CommandLine::Task::Run && line.programLine.empty() && !line.noDisplay &&
+           DisplayIsThere();
+}
+
 Status CheckComplete(const CommandLine& line) {
     const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
-    if (runs && line.device.empty()) {
+    if (runs && line.device.empty() && !AsksForDevice(line)) {
         return Refuse("no device directory is named");
     }
     if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {

@@ -12,7 +12,7 @@ struct CommandLine {
     enum class Task { Run, Boot, MakeSampleDevice, ShowHelpPage, ShowHelp, ShowVersion };
 
     Task task = Task::Run;
-    std::string device;  // the directory to run on, or to make
+    std::string device;  // the directory to run on, or to make; empty: its user is to be asked
     std::u16string modulePath;
     std::u16string programLine;  // the program's own command line
     std::string helpPlace;       // of the help page on standard input that is to be shown

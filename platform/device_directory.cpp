@@ -170,6 +170,12 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     return device;
 }
 
+bool CanBecomeDevice(const char* path) {
+    const Result<DeviceDirectory> device = OpenDirectory(path);
+    return device ? CheckMeant(*device) && CheckEmpty(device->directory)
+                  : device.error().error == ENOENT;
+}
+
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
 Result<bool> LockDevice(const DeviceDirectory& device) {
     const Result<bool> locked = Lock(device.directory);

@@ -25,6 +25,9 @@ Result<DeviceDirectory> OpenDeviceDirectory(const char* path);
 // yet or be an empty directory. After a failure nothing that was there has changed.
 Result<DeviceDirectory> MakeDeviceDirectory(const char* path);
 
+// Whether MakeDeviceDirectory could be asked for it: it is missing or an empty directory.
+bool CanBecomeDevice(const char* path);
+
 // Takes the locks that keep a second run away, on the file tree and on the directory of the
 // registry, for as long as both are open in any process. False when another run holds one of them;
 // fails where the file system knows no locks.

@@ -212,12 +212,15 @@ Status FillSample(DeviceDirectory& device, const CommandLine& line) {
 
 }  // namespace
 
+Status MakeSampleDevice(const CommandLine& line) {
+    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
+    return device ? FillSample(*device, line) : Status(tl::unexpected<Failure>(device.error()));
+}
+
 int MakeSample(const CommandLine& line) {
     RunLog log(line.device);
     const LogInUse logInUse(log);
-    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
-    const Status made =
-        device ? FillSample(*device, line) : Status(tl::unexpected<Failure>(device.error()));
+    const Status made = MakeSampleDevice(line);
     if (!made) {
         log.Say("no whole sample device: " + Describe(made.error()));
     }

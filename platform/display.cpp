@@ -156,6 +156,18 @@ Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& n
     return windows;
 }
 
+Result<std::unique_ptr<DeviceDialogs>> OpenDeviceDialogs(double scale) {
+    const Result<void*> make = FindInModule(kMakeDeviceDialogs);
+    if (!make) {
+        return tl::unexpected<Failure>(make.error());
+    }
+    std::unique_ptr<DeviceDialogs> dialogs(reinterpret_cast<MakeDeviceDialogs*>(*make)(scale));
+    if (dialogs == nullptr) {
+        return FailBecause(kOpenWindows, "the display cannot be opened; --device names a device");
+    }
+    return dialogs;
+}
+
 Status ShowHelpPage(std::string_view page, const std::string& place, double scale) {
     const Result<void*> show = FindInModule(kShowHelpPage);
     if (!show) {

@@ -20,6 +20,10 @@ DisplayNeeds NeedsFor(const char* device, double scale);
 // folder that belongs to it, and opens them on the display. Once in a process.
 Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs);
 
+// Opens the dialogs that ask for a device directory, with the same module. They must be gone before
+// windows are opened.
+Result<std::unique_ptr<DeviceDialogs>> OpenDeviceDialogs(double scale);
+
 // Shows a page of help, HTML, at the place `place` of it until its user closes the window.
 Status ShowHelpPage(std::string_view page, const std::string& place, double scale);
 

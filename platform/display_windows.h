@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "platform/window_system.h"
@@ -32,6 +33,30 @@ using MakeDisplayWindows = DisplayWindows*(const DisplayNeeds* needs);
 inline constexpr char kMakeDisplayWindows[] = "FennelbrightMakeWindows";
 inline constexpr char kDisplayModule[] = "fennelbright-windows.so";
 
+// What is asked before there are windows of the program, where nobody has named a device directory.
+class DeviceDialogs {
+  public:
+    DeviceDialogs() = default;
+    virtual ~DeviceDialogs() = default;
+    DeviceDialogs(const DeviceDialogs&) = delete;
+    DeviceDialogs& operator=(const DeviceDialogs&) = delete;
+
+    // Lets the user choose a folder, which need not exist. Returns its path; empty when the user
+    // cancels.
+    virtual std::string ChooseFolder() = 0;
+
+    // Shows a text, UTF-8, until the user has read it.
+    virtual void Tell(const std::string& text) = 0;
+
+    // Whether the user says yes to a question.
+    virtual bool Confirm(const std::string& question) = 0;
+};
+
+// The function of the module for them. They become the caller's and must be gone before a window
+// system is made. Null where no display can be opened. `scale` is as above.
+using MakeDeviceDialogs = DeviceDialogs*(double scale);
+inline constexpr char kMakeDeviceDialogs[] = "FennelbrightMakeDeviceDialogs";
+
 // A page of help in a window of its own on the desktop, as whole as its text, at the place `place`.
 struct HelpPageNeeds {
     std::string_view page;  // HTML
@@ -39,8 +64,8 @@ struct HelpPageNeeds {
     double scale;           // as above
 };
 
-// The module's other function: shows the page until its user closes the window. False where no
-// display can be opened. Once in a process, and in none that has made a window system.
+// The function of the module for it: shows the page until its user closes the window. False where
+// no display can be opened. Once in a process, and in none that has made a window system.
 using ShowHelpPageFunction = bool(const HelpPageNeeds* needs);
 inline constexpr char kShowHelpPage[] = "FennelbrightShowHelpPage";
 

@@ -12,6 +12,7 @@
 
 #include "platform/boot.h"
 #include "platform/command_line.h"
+#include "platform/device_choice.h"
 #include "platform/device_run.h"
 #include "platform/help_viewer.h"
 
@@ -74,7 +75,8 @@ int Carry(CommandLine& line) {
         case CommandLine::Task::ShowHelpPage:
             return platform::RunHelpViewer(line);
         case CommandLine::Task::Run:
-            return platform::RunOnDevice(line);
+            return line.device.empty() ? platform::RunOnChosenDevice(line)
+                                       : platform::RunOnDevice(line);
     }
     return EX_SOFTWARE;
 }

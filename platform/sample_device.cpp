@@ -110,6 +110,9 @@ constexpr SampleShortcut kShortcuts[] = {
     {TEXT("\\Windows\\Start Menu\\Programs\\My Documents.lnk"), TEXT("\\My Documents\\")},
     {TEXT("\\Windows\\Start Menu\\Programs\\Pictures.lnk"), TEXT(":MSPIMG")},
     {TEXT("\\Windows\\Start Menu\\Programs\\Whole device.lnk"), TEXT("\\")},
+    {TEXT("\\Windows\\StartUp\\Calculator.lnk"), TEXT("\\Windows\\calc.exe")},
+    {TEXT("\\Windows\\StartUp\\Reader.lnk"),
+     TEXT("\"\\Program Files\\Reader\\Reader.exe\" -hidden")},
     // And these do not.
     {TEXT("\\Windows\\Start Menu\\Programs\\Games\\Harbour Chess.lnk"),
      TEXT("\"\\Program Files\\Harbour Chess\\Chess.exe\"")},

@@ -19,7 +19,7 @@ class User {
     User(Steps steps, std::deque<int> answers)
         : steps_(std::move(steps)), answers_(std::move(answers)) {
         QObject::connect(&clock_, &QTimer::timeout, &clock_, [this] { Act(); });
-        clock_.start(0);
+        clock_.start(1);  // with 0 it may strike twice before the program looks at what was done
     }
 
     const Entries& boxes() const { return boxes_; }

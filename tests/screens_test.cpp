@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <set>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -99,13 +100,30 @@ TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
         ExpectControls(program, 1);
         const CControlList first = g_Screens->GetScreenItems(0);
         EXPECT_EQ(g_Screens->GetScreenItems(6).First(), first.First());
-        for (const UINT id : {0u, 50001u, 50003u, 50052u, 60000u}) {
-            g_Screens->ControlCallback(id);
-        }
         EXPECT_EQ(program.windows.boxes,
                   (std::vector<std::string>{"[Error] CScreen::SwitchScreenTo() Unknown Screen",
                                             "[Error] CScreen::SwitchScreenTo() Unknown Screen",
                                             "[Error] CScreen::GetScreenItems() Unknown Screen"}));
+    }});
+}
+
+TEST(Screens, AControlWithoutAnActionDoesNothingAndAnUnknownOneIsToldOf) {
+    const std::set<UINT> acting = {50003, 50006, 50011, 50014, 50025, 50034, 50038, 50041, 50044};
+    InteractiveProgram program;
+    program.Run({[&] {
+        for (UINT id = 50001; id <= 50052; ++id) {
+            program.windows.uses = 0;
+            acting.contains(id) ? void() : g_Screens->ControlCallback(id);
+            EXPECT_EQ(program.windows.uses, 0) << id;
+        }
+        EXPECT_EQ(program.windows.boxes, std::vector<std::string>());
+        const UINT unknown[] = {0, IDCANCEL, 50000, 50053, 0x10000 + 50001};
+        for (const UINT id : unknown) {
+            g_Screens->ControlCallback(id);
+        }
+        EXPECT_EQ(
+            program.windows.boxes,
+            std::vector<std::string>(5, "[Error] CScreens::ControlCallback() Unknown control ID"));
     }});
 }
 

@@ -1,16 +1,20 @@
 // Runs the program on a sample device without a display and takes pictures at twice the handheld's
-// size: of every page, of every menu, and of what "Apply", "Power" and "Help" show.
+// size: of every page, of every menu, of the lists and the folder browser, and of what "Apply",
+// "Power" and "Help" show.
 //
 //     take_pictures FOLDER
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QLabel>
+#include <QListWidget>
 #include <QMenu>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <QTreeWidget>
 #include <cstdio>
 #include <functional>
 #include <initializer_list>
@@ -24,6 +28,7 @@
 #include "platform/device_run.h"
 #include "platform/directory_store.h"
 #include "platform/display.h"
+#include "platform/forwarding_store.h"
 #include "platform/sample_device.h"
 #include "platform/windows/help_window.h"
 #include "shell/help_page.h"
@@ -54,11 +59,15 @@ void PressInMenu(Qt::Key key) {
 class Photographer {
   public:
     explicit Photographer(QString folder) : folder_(std::move(folder)) {
+        steps_.emplace_back([] { Select("50047", 1); });
+        steps_.emplace_back([] { Tap("50046"); });
         for (const char* const page : {"clean-temp-files", "pocket-ie", "registry",
                                        "system-folders", "shortcuts", "performance"}) {
             steps_.emplace_back([this, page] { SaveScreen(page); });
             steps_.emplace_back([] { QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier); });
         }
+        AddLists();
+        AddBrowser();
         steps_.emplace_back([] { PressInMenu(Qt::Key_F10); });
         for (const char* const menu : {"menu-fennelbright", "menu-apply", "menu-power"}) {
             steps_.emplace_back([this, menu] { SaveScreen(menu); });
@@ -82,11 +91,58 @@ class Photographer {
     }
 
     // Whether every picture was taken, in its size.
-    bool complete() const { return complete_ && next_ == steps_.size() && !boxes_.empty(); }
+    bool complete() const {
+        return complete_ && searching_ && next_ == steps_.size() && !boxes_.empty();
+    }
+
+    // Called while the program is at work: takes a picture of the search indicator if it is up.
+    void LookAtSearch() {
+        for (const QLabel* const label : Host().findChildren<QLabel*>()) {
+            if (label->text() == QStringLiteral("SEARCHING...") && label->isVisible()) {
+                searching_ = true;
+                SaveScreen("searching");
+            }
+        }
+    }
 
   private:
-    static void Tap(const char* name) {
-        QTest::mouseClick(Host().findChild<QWidget*>(QString::fromLatin1(name)), Qt::LeftButton);
+    template <typename Widget = QWidget>
+    static Widget* Named(const char* name) {
+        return Host().findChild<Widget*>(QString::fromLatin1(name));
+    }
+
+    static void Tap(const char* name) { QTest::mouseClick(Named(name), Qt::LeftButton); }
+
+    static void Select(const char* list, int row) {
+        Named<QListWidget>(list)->item(row)->setSelected(true);
+    }
+
+    // The keyboard brings the second list into view, and most of the first.
+    void AddLists() {
+        for (const char* const tapped : {"50015", "50016", "50011", "50014"}) {
+            steps_.emplace_back([tapped] { Tap(tapped); });
+        }
+        steps_.emplace_back([] {
+            Select("50012", 1);
+            Select("50020", 0);
+            Named("50020")->setFocus(Qt::TabFocusReason);
+        });
+        steps_.emplace_back([this] { SaveScreen("search-lists"); });
+    }
+
+    void AddBrowser() {
+        steps_.emplace_back([] { Tap("50003"); });
+        for (const char* const folder : {"Storage Card", "Downloads"}) {
+            steps_.emplace_back([folder] {
+                auto& tree = *Host().findChild<QTreeWidget*>();
+                auto* const item = tree.findItems(QString::fromLatin1(folder),
+                                                  Qt::MatchExactly | Qt::MatchRecursive)[0];
+                tree.setCurrentItem(item);
+                item->setExpanded(true);
+            });
+        }
+        steps_.emplace_back([this] { SaveScreen("browse"); });
+        steps_.emplace_back([] { Tap("60002"); });
     }
 
     void AddMenu(std::initializer_list<Qt::Key> keys) {
@@ -135,6 +191,22 @@ class Photographer {
     std::size_t next_ = 0;
     std::set<QString> boxes_;
     bool complete_ = true;
+    bool searching_ = false;
+};
+
+// Calls `look` before each look for an entry of the device.
+class WatchedStore : public platform::ForwardingStore {
+  public:
+    WatchedStore(platform::DeviceStore& store, std::function<void()> look)
+        : ForwardingStore(store), look_(std::move(look)) {}
+
+    HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override {
+        look_();
+        return ForwardingStore::FindFirstFileW(pattern, data);
+    }
+
+  private:
+    std::function<void()> look_;
 };
 
 }  // namespace
@@ -157,9 +229,10 @@ int main(int count, char** words) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const platform::DisplayNeeds needs = platform::NeedsFor("A device", kScale);
     const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
-    const platform::StoreInUse storeInUse(store);
+    Photographer photographer(QString::fromUtf8(words[1]));
+    WatchedStore watched(store, [&photographer] { photographer.LookAtSearch(); });
+    const platform::StoreInUse storeInUse(watched);
     const platform::WindowsInUse windowsInUse(*windows);
-    const Photographer photographer(QString::fromUtf8(words[1]));
     std::u16string line;
     WinMain(nullptr, nullptr, line.data(), 0);
     if (!photographer.complete()) {

@@ -1,6 +1,7 @@
 // The functions that the module exports.
 
 #include "platform/display_windows.h"
+#include "platform/windows/device_dialogs.h"
 #include "platform/windows/help_window.h"
 #include "platform/windows/qt_windows.h"
 #include "platform/windows/toolkit.h"
@@ -11,6 +12,13 @@ extern "C" __attribute__((visibility("default"))) platform::DisplayWindows* Fenn
     return application == nullptr
                ? nullptr
                : new platform::windows::QtWindows(*needs, std::move(application));
+}
+
+extern "C" __attribute__((visibility("default"))) platform::DeviceDialogs*
+FennelbrightMakeDeviceDialogs(double scale) {
+    auto application = platform::windows::StartToolkit(scale);
+    return application == nullptr ? nullptr
+                                  : new platform::windows::ToolkitDialogs(std::move(application));
 }
 
 extern "C" __attribute__((visibility("default"))) bool FennelbrightShowHelpPage(
