@@ -16,8 +16,13 @@ void NotePassedOver(const WCHAR* what, const WCHAR* content);
 // What was to be stored as `what` could not be; what was stored there before is still there.
 void NoteNotStored(const WCHAR* what);
 
-// The options could not be read from the file `path`, so that none is ticked.
+// The options could not be read from the file `path`, so that none is ticked: it cannot be opened,
+// or not be read to its end.
 void NoteNoSettings(const WCHAR* path);
+void NoteSettingsNotRead(const WCHAR* path);
+
+// The path of the entry `name` of `directory` does not fit, so that the entry is left alone.
+void NoteTooLong(const WCHAR* directory, const WCHAR* name);
 
 // The look for `target` has failed. Nothing is said of it unless something is kept because of it.
 void NoteLookFailed(const WCHAR* target);
@@ -25,11 +30,12 @@ void NoteLookFailed(const WCHAR* target);
 // `kept` stays, because the look that was noted last, without which it would go, has failed.
 void NoteKept(const WCHAR* kept);
 
-// Nothing moves from `source` to `destination`, because one of them could not be reached.
+// Nothing moves from `source` to `destination`: one of them could not be reached, or something
+// stands in the way.
 void NoteNothingMoves(const WCHAR* source, const WCHAR* destination);
 
 // The directory `newPath`, which is to be made next, will stand for the directory `oldPath`: it is
-// never open to more than that one..
+// never open to more than that one.
 void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath);
 
 // What could be moved from `oldPath` to `newPath` is there now; the new directory, unless it was

@@ -20,8 +20,9 @@ bool EndsInBackslash(const WCHAR* path) {
 }
 
 void DeleteFoundFile(const WCHAR* directory, TreeLevel& level) {
-    if (FormatText(level.path, TEXT("%s%s"), {directory, level.entries.name()}) &&
-        DeleteFileW(level.path.data()) != 0) {
+    if (!FormatText(level.path, TEXT("%s%s"), {directory, level.entries.name()})) {
+        NoteTooLong(directory, level.entries.name());
+    } else if (DeleteFileW(level.path.data()) != 0) {
         BytesCleaned += level.entries.sizeLow();
     }
 }
@@ -29,6 +30,7 @@ void DeleteFoundFile(const WCHAR* directory, TreeLevel& level) {
 // NOLINTNEXTLINE(misc-no-recursion)
 void DeleteFoundDirectory(const WCHAR* directory, TreeLevel& level, bool removeDirectories) {
     if (!FormatText(level.path, TEXT("%s%s\\"), {directory, level.entries.name()})) {
+        NoteTooLong(directory, level.entries.name());
         return;
     }
     DeleteTree(level.path.data(), true, removeDirectories);
@@ -44,10 +46,20 @@ bool IsMovingOver() {
     return GetLastError() == ERROR_NO_SYSTEM_RESOURCES;
 }
 
+// Puts both paths of the entry that the walk stands on into the level. Returns whether they fit.
+bool PutPaths(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
+    const WCHAR* const name = level.entries.name();
+    const bool fits = FormatText(level.path, TEXT("%s\\%s"), {source, name}) &&
+                      FormatText(level.destination, TEXT("%s%s"), {destination, name});
+    if (!fits) {
+        NoteTooLong(source, name);
+    }
+    return fits;
+}
+
 // The functions that move return false when nothing more may move.
 bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
-    return !FormatText(level.path, TEXT("%s\\%s"), {source, level.entries.name()}) ||
-           !FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()}) ||
+    return !PutPaths(source, destination, level) ||
            MoveFileW(level.path.data(), level.destination.data()) != 0 || !IsMovingOver();
 }
 
@@ -56,6 +68,9 @@ bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, MoveLevel& lev
 // into itself.
 bool FindStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const FoundEntries standing(level.destination.data());
+    if (standing && !standing.isDirectory()) {
+        NoteNothingMoves(level.path.data(), level.destination.data());
+    }
     return standing && standing.isDirectory() &&
            FormatText(level.destination, TEXT("%s%s"), {destination, standing.name()}) &&
            !IsSameOrInside(source, level.destination.data());
@@ -86,15 +101,12 @@ MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, MoveL
 
 // NOLINTNEXTLINE(misc-no-recursion)
 bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
-    const WCHAR* const name = level.entries.name();
-    if (!FormatText(level.path, TEXT("%s\\%s"), {source, name}) ||
-        IsSameOrInside(destination, level.path.data()) ||
-        !FormatText(level.destination, TEXT("%s%s"), {destination, name})) {
+    if (!PutPaths(source, destination, level) || IsSameOrInside(destination, level.path.data())) {
         return true;
     }
     NoteDirectoryMoves(level.path.data(), level.destination.data());
     const MoveResult result = MoveIntoStanding(source, destination, level);
-    FormatText(level.destination, TEXT("%s%s"), {destination, name});
+    FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()});
     NoteDirectoryMoved(level.path.data(), level.destination.data());
     if (result == MoveResult::Done) {
         // Fails while anything that could not be moved is still in it, and so loses nothing.

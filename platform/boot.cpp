@@ -30,13 +30,16 @@ StartupShortcut ReadShortcut(DeviceStore& store, const WCHAR* name, std::u16stri
     if (store.SHGetShortcutTarget(shortcut.path.c_str(), target.data(), kLongestTarget) != 0) {
         shortcut.target = target.c_str();
         shortcut.arguments = ArgumentsFor(program, shortcut.target);
+    } else if (ErrorCodeOf(store.LastFailure()) != DWORD{ERROR_BAD_FORMAT}) {
+        shortcut.unread = store.LastFailure();
     }
     return shortcut;
 }
 
 }  // namespace
 
-std::vector<StartupShortcut> StartupShortcuts(DeviceStore& store, std::u16string_view program) {
+Result<std::vector<StartupShortcut>> StartupShortcuts(DeviceStore& store,
+                                                      std::u16string_view program) {
     std::vector<StartupShortcut> shortcuts;
     WIN32_FIND_DATA data;
     const std::u16string pattern = std::u16string(kStartupFolder) + u"*.lnk";
@@ -47,7 +50,13 @@ std::vector<StartupShortcut> StartupShortcuts(DeviceStore& store, std::u16string
             shortcuts.push_back(ReadShortcut(store, data.cFileName, program));
         }
     }
-    store.FindClose(find);
+    const Failure end = store.LastFailure();
+    if (find != INVALID_HANDLE_VALUE) {
+        store.FindClose(find);
+    }
+    if (!IsNotThere(end) && ErrorCodeOf(end) != DWORD{ERROR_NO_MORE_FILES}) {
+        return FailOf(end, ReadableText(kStartupFolder));
+    }
     std::sort(shortcuts.begin(), shortcuts.end(),
               [](const auto& left, const auto& right) { return left.path < right.path; });
     return shortcuts;
@@ -124,6 +133,10 @@ Result<int> RunHostAgain(const std::vector<std::string>& words) {
 
 int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog& log) {
     const std::string name = ReadableText(shortcut.path);
+    if (shortcut.unread) {
+        log.SayUndone(name + ": " + Describe(*shortcut.unread));
+        return 0;
+    }
     if (!shortcut.arguments) {
         log.Say(name + " is passed over: " +
                 (shortcut.target.empty() ? "it is no shortcut"
@@ -152,11 +165,16 @@ int BootDevice(const CommandLine& line) {
     }
     // Without a lock: that is for the runs themselves.
     FileStore store(std::move(device->files), line.modulePath);
+    const auto shortcuts = StartupShortcuts(store, line.modulePath);
+    if (!shortcuts) {
+        log.SayUndone(Describe(shortcuts.error()));
+        return log.ExitCode(line.strict);
+    }
     int result = 0;
-    for (const StartupShortcut& shortcut : StartupShortcuts(store, line.modulePath)) {
+    for (const StartupShortcut& shortcut : *shortcuts) {
         result = WorseExitCode(result, RunShortcut(line, shortcut, log));
     }
-    return result;
+    return WorseExitCode(result, log.ExitCode(line.strict));
 }
 
 }  // namespace platform

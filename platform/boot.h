@@ -17,11 +17,13 @@ struct StartupShortcut {
     std::u16string path;
     std::u16string target;                    // its whole text; empty when it is no shortcut
     std::optional<std::u16string> arguments;  // none when it starts another program
+    std::optional<Failure> unread;            // why it could not be read; none when it could
 };
 
 // The shortcuts of the StartUp folder, by name. `program` is the path of this program on the
 // device.
-std::vector<StartupShortcut> StartupShortcuts(DeviceStore& store, std::u16string_view program);
+Result<std::vector<StartupShortcut>> StartupShortcuts(DeviceStore& store,
+                                                      std::u16string_view program);
 
 // The arguments with which a shortcut's target starts `program`; none when it starts another one.
 // The path can be in quotes or not; what is behind it, without blanks in front, are the arguments.

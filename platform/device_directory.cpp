@@ -117,6 +117,9 @@ Result<bool> Lock(const Descriptor& directory) {
     if (flock(directory.get(), LOCK_EX | LOCK_NB) == 0) {
         return true;
     }
+    if (errno == EBADF) {
+        return FailBecause("lock it", "its \"files\" cannot be opened for reading");
+    }
     if (errno != EWOULDBLOCK) {
         return Fail("lock it", errno);
     }

@@ -84,7 +84,7 @@ DeviceRun::ExitCode DeviceRun::TakeLock() {
         return EX_TEMPFAIL;
     }
     if (!locked) {
-        log_.Say("its file system knows no locks, so see to it that nothing else works on it: " +
+        log_.Say("it cannot be locked, so see to it that nothing else works on it: " +
                  ReasonOf(locked.error()));
     }
     isLocked_ = locked.has_value();
@@ -165,7 +165,7 @@ int DeviceRun::Finish() {
     [[maybe_unused]] const Status stored = store().StoreRegistry();
     if (recorder_) {
         if (const Status finished = recorder_->Finish(); !finished) {
-            log_.Say(Describe(finished.error()));
+            log_.SayUndone(Describe(finished.error()));
         }
     }
     return log_.ExitCode(line_.strict);

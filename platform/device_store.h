@@ -66,6 +66,9 @@ class DeviceStore {
     };
     virtual RegistryChanges ChangesOfRegistry() const = 0;
 
+    // Whether a change, counted from 1, was lost, because another program has deleted its key.
+    virtual bool IsChangeLost(std::uint64_t change) const = 0;
+
     // Stores what has changed in the registry. A failure leaves the file as it was, and the changes
     // to be stored with the next ones.
     virtual Status StoreRegistry() = 0;

@@ -44,6 +44,7 @@ class DirectoryStore : public FileStore {
     void SetCleanRebootFlag() override { erases_ = true; }
 
     RegistryChanges ChangesOfRegistry() const override;
+    bool IsChangeLost(std::uint64_t change) const override { return registry_->IsLost(change); }
     Status StoreRegistry() override;
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,

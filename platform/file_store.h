@@ -56,6 +56,7 @@ class FileStore : public DeviceStore {
     const Failure& LastFailure() const override { return lastFailure_; }
     std::optional<std::uint64_t> DeletedSize() const override { return deletedSize_; }
     RegistryChanges ChangesOfRegistry() const override { return {}; }
+    bool IsChangeLost(std::uint64_t /*change*/) const override { return false; }
     Status StoreRegistry() override { return {}; }
     void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override;
     void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override;

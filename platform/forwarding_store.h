@@ -73,6 +73,7 @@ class ForwardingStore : public DeviceStore {
     const Failure& LastFailure() const override { return inner_.LastFailure(); }
     std::optional<std::uint64_t> DeletedSize() const override { return inner_.DeletedSize(); }
     RegistryChanges ChangesOfRegistry() const override { return inner_.ChangesOfRegistry(); }
+    bool IsChangeLost(std::uint64_t change) const override { return inner_.IsChangeLost(change); }
     Status StoreRegistry() override { return inner_.StoreRegistry(); }
     void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override {
         inner_.DirectoryMoves(oldPath, newPath);

@@ -51,6 +51,17 @@ void NoteNoSettings(const WCHAR* path) {
     }
 }
 
+void NoteSettingsNotRead(const WCHAR* path) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(path) +
+                                            " cannot be read to its end, so nothing is done");
+}
+
+void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(name) + " is left alone in " +
+                                            platform::ReadableText(directory) +
+                                            ": its path would be longer than 1023 characters");
+}
+
 void NoteLookFailed(const WCHAR* target) {
     g_failedLook = platform::ReadableText(target) + " cannot be looked for: " + LastReason();
 }

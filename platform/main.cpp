@@ -38,13 +38,16 @@ void OccupyStandardStreams() {
     close(stream);
 }
 
+const char* g_device = "";  // as its user named it
+
 // Memory cannot run out in the middle of anything that would have to be undone: what is stored
 // whole stays so however the process ends. Going on, or leaving through the toolkit, could not be
 // relied on.
 void EndWithoutMemory() {
-    constexpr std::string_view line =
-        "fennelbright: out of memory; what was not stored by now is not\n";
-    [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, line.data(), line.size());
+    for (const std::string_view part :
+         {"fennelbright: ", g_device, ": out of memory; what was not stored by now is not\n"}) {
+        [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, part.data(), part.size());
+    }
     _exit(EX_OSERR);
 }
 
@@ -91,5 +94,6 @@ int main(int count, char** words) {
                      platform::ReasonOf(line.error()).c_str());
         return EX_USAGE;
     }
+    g_device = line->device.c_str();
     return Carry(*line);
 }

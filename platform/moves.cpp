@@ -2,7 +2,9 @@
 
 #include <fcntl.h>
 #include <linux/fs.h>
+#include <linux/magic.h>
 #include <sys/stat.h>
+#include <sys/vfs.h>
 #include <sys/xattr.h>
 #include <unistd.h>
 
@@ -176,8 +178,12 @@ bool LooksLike(const SourceFile& source, Candidate& candidate) {
 // Whether it holds, safely stored, what the file holds.
 bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
     const Result<Descriptor> copy = OpenRegularFile(candidate.directory, candidate.name);
-    return copy && HaveSameContent(file.descriptor(), copy->get()) && fsync(copy->get()) == 0 &&
-           SyncEntries(candidate.directory).has_value();
+    // What an overlay shows may lie in the very directory that the file is in.
+    struct statfs system {};
+    const bool isOverlay =
+        copy && (fstatfs(copy->get(), &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC);
+    return copy && !isOverlay && HaveSameContent(file.descriptor(), copy->get()) &&
+           fsync(copy->get()) == 0 && SyncEntries(candidate.directory).has_value();
 }
 
 // Whether it still has its name. What was kept in mind of another view of the same files may be

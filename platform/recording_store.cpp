@@ -295,8 +295,11 @@ void RecordingStore::SettleRegistry() {
     const std::uint64_t stored = ChangesOfRegistry().stored;
     while (!pending_.empty() && pending_.front().number <= stored) {
         const Pending& change = pending_.front();
-        ++*change.total;
-        WriteLine(change.step, change.change);
+        const bool isLost = IsChangeLost(change.number);
+        ++(isLost ? notDone_ : *change.total);
+        WriteLine(change.step,
+                  isLost ? "not " + change.place + " (another program has deleted its key)"
+                         : change.change);
         pending_.pop_front();
     }
 }

@@ -211,8 +211,8 @@ void Registry::AddChange(Change change) {
                    FoldText(old.name) == FoldText(change.name);
         });
     }
+    change.number = ++made_;
     pending_.push_back(std::move(change));
-    ++made_;
 }
 
 LONG Registry::RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* /*reserved*/,
@@ -269,33 +269,50 @@ LONG Registry::RegCloseKey(HKEY key) {
     return ERROR_SUCCESS;
 }
 
-void Registry::Apply(const Change& change, RegistryText& text) {
+// A key that is to be deleted and is gone already is no loss.
+bool Registry::Apply(const Change& change, RegistryText& text) {
     const KeyIndex key = text.FindKey(change.path);
-    if (key == 0) {
-        return;
-    }
-    if (change.deletion) {
+    if (key != 0 && change.deletion) {
         text.DeleteKey(key);
-    } else {
-        text.SetValue(key, change.name, change.data.type, change.data.bytes);
+    } else if (key != 0) {
+        return text.SetValue(key, change.name, change.data.type, change.data.bytes) !=
+               SetResult::kUnfit;
     }
+    return key != 0 || change.deletion;
 }
 
 Status Registry::Store() {
-    if (pending_.empty()) {
+    // Another program can store something else again and again, but hardly so often.
+    constexpr int kTries = 8;
+    for (int tries = 0; !pending_.empty(); ++tries) {
+        if (Status refreshed = Refresh(); !refreshed) {
+            return refreshed;
+        }
+        const Result<std::optional<FileVersion>> replaced =
+            file_.Replace(text_.Serialize(), version_);
+        if (!replaced) {
+            return tl::unexpected<Failure>(replaced.error());
+        }
+        if (*replaced) {
+            version_ = **replaced;
+            pending_.clear();
+            stored_ = made_;
+        } else if (tries == kTries) {
+            return FailOf({"store it", {}, EBUSY, "another program stores it over and over"},
+                          "registry.reg");
+        }
+    }
+    return lost_.empty() ? Status() : SayLost();
+}
+
+// Once for each storing in which changes were lost.
+Status Registry::SayLost() {
+    if (lost_.size() == lostSaid_) {
         return {};
     }
-    if (const Status refreshed = Refresh(); !refreshed) {
-        return refreshed;
-    }
-    const Result<FileVersion> replaced = file_.Replace(text_.Serialize());
-    if (!replaced) {
-        return tl::unexpected<Failure>(replaced.error());
-    }
-    version_ = *replaced;
-    pending_.clear();
-    stored_ = made_;
-    return {};
+    lostSaid_ = lost_.size();
+    return FailOf({"store every change", {}, 0, "another program has deleted the keys of some"},
+                  "registry.reg");
 }
 
 // Takes over what other programs have stored, if there is anything.
@@ -312,7 +329,9 @@ Status Registry::Refresh() {
         return tl::unexpected<Failure>(read.error());
     }
     for (const Change& change : pending_) {
-        Apply(change, read->text);
+        if (!Apply(change, read->text)) {
+            lost_.insert(change.number);
+        }
     }
     text_ = std::move(read->text);
     version_ = read->version;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <set>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,8 +43,11 @@ class Registry {
     std::uint64_t made() const { return made_; }
     std::uint64_t stored() const { return stored_; }
 
+    // Whether one of these, counted from 1, was lost: another program has deleted its key.
+    bool IsLost(std::uint64_t change) const { return lost_.contains(change); }
+
     // Stores the changes that are not stored yet. After a failure the file is as it was, and the
-    // changes are stored with the next ones.
+    // changes are stored with the next ones; but those that are lost are, and the rest is stored.
     Status Store();
 
     // Whether changes could be stored, but for the room. A device without a registry has none.
@@ -66,6 +70,7 @@ class Registry {
         bool deletion = false;
         std::u16string name;
         RegistryData data;
+        std::uint64_t number = 0;  // counted from 1
     };
 
     // A text that was set without a terminator, which its form in the file does not show.
@@ -87,7 +92,8 @@ class Registry {
                                       std::u16string_view name) const;
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
-    static void Apply(const Change& change, RegistryText& text);
+    static bool Apply(const Change& change, RegistryText& text);
+    Status SayLost();
     Status Refresh();
 
     RegistryFile file_;
@@ -99,6 +105,8 @@ class Registry {
     std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
     std::uint64_t made_ = 0;
     std::uint64_t stored_ = 0;
+    std::set<std::uint64_t> lost_;  // numbers of changes
+    std::size_t lostSaid_ = 0;
 };
 
 }  // namespace platform

@@ -80,6 +80,18 @@ Status CheckChangeable(int directory, const char* name) {
     return {};
 }
 
+// In a directory where each one may replace only what is his own, a file of somebody else's stays.
+Status CheckOwned(int directory, const struct stat& old) {
+    struct stat around {};
+    if (fstat(directory, &around) != 0) {
+        return Fail("look at it", errno);
+    }
+    const bool isShared = (around.st_mode & S_ISVTX) != 0 && geteuid() != 0;
+    return isShared && geteuid() != old.st_uid && geteuid() != around.st_uid
+               ? Fail("replace it", EPERM)
+               : Status();
+}
+
 }  // namespace
 
 FileVersion::FileVersion(const struct stat& status)
@@ -137,6 +149,7 @@ Status RegistryFile::CheckReplaceable() const {
         return FailOf(possible.error(), kName);
     }
     possible = CheckChangeable(directory_, "");
+    possible = possible ? CheckOwned(directory_, *old) : std::move(possible);
     if (possible) {
         possible = UnpublishedFile::Create(directory_, directory_).map([](const auto& /*file*/) {});
     }
@@ -166,7 +179,8 @@ Result<std::unique_ptr<UnpublishedFile>> RegistryFile::NewFile() {
     return UnpublishedFile::Create(directory_, directory_);
 }
 
-Result<FileVersion> RegistryFile::Replace(std::string_view bytes) {
+Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
+                                                         const FileVersion& replaced) {
     const Result<struct stat> old = LookAt(directory_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
@@ -182,7 +196,15 @@ Result<FileVersion> RegistryFile::Replace(std::string_view bytes) {
     if (exists) {
         TakeModeAndOwner((*file)->descriptor(), *old);
     }
-    if (const Status published = Publish(**file, bytes); !published) {
+    if (const Status written = Write(**file, bytes); !written) {
+        return FailOf(written.error(), kName);
+    }
+    const Result<FileVersion> current = Look();
+    if (!current || !(*current == replaced)) {
+        return current.map(
+            [](const FileVersion& /*other*/) { return std::optional<FileVersion>(); });
+    }
+    if (const Status published = (*file)->PublishInPlace(directory_, kName); !published) {
         return FailOf(published.error(), kName);
     }
     struct stat status {};
@@ -192,15 +214,15 @@ Result<FileVersion> RegistryFile::Replace(std::string_view bytes) {
     return FileVersion(status);
 }
 
-// Writes the whole content; what was kept as room and is not needed goes.
-Status RegistryFile::Publish(UnpublishedFile& file, std::string_view bytes) const {
+// Writes the whole content and stores it; what was kept as room and is not needed goes.
+Status RegistryFile::Write(UnpublishedFile& file, std::string_view bytes) const {
     if (const Status written = WriteWhole(file.descriptor(), bytes); !written) {
         return written;
     }
     if (ftruncate(file.descriptor(), static_cast<off_t>(bytes.size())) != 0) {
         return Fail("write", errno);
     }
-    return file.PublishInPlace(directory_, kName);
+    return file.Store();
 }
 
 }  // namespace platform

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -57,14 +58,15 @@ class RegistryFile {
     // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
     Status ReserveRoom(std::size_t size);
 
-    // Puts a file with these bytes in the place of the old one, which keeps its content after any
-    // failure, and returns its version. Mode and owner stay as they were, as far as that is
+    // Puts a file with these bytes in the place of the one with the version `replaced`, which keeps
+    // its content after any failure, and returns the new version; nothing where another program has
+    // stored another one by the last moment. Mode and owner stay as they were, as far as that is
     // allowed. A file that may not be written is left alone.
-    Result<FileVersion> Replace(std::string_view bytes);
+    Result<std::optional<FileVersion>> Replace(std::string_view bytes, const FileVersion& replaced);
 
   private:
     Result<std::unique_ptr<UnpublishedFile>> NewFile();
-    Status Publish(UnpublishedFile& file, std::string_view bytes) const;
+    Status Write(UnpublishedFile& file, std::string_view bytes) const;
 
     int directory_;
     std::unique_ptr<UnpublishedFile> reserved_;  // null where no room is kept

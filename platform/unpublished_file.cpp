@@ -89,12 +89,22 @@ void UnpublishedFile::Withdraw(int directory, const char* name) const {
     }
 }
 
-Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
+// With the name that publishing needs: nothing that takes time is left to be done then.
+Status UnpublishedFile::Store() {
+    if (isStored_) {
+        return {};
+    }
     if (fsync(descriptor()) != 0) {
         return Fail(kStore, errno);
     }
-    if (Status named = reserved_ ? Status() : Reserve(); !named) {
-        return named;
+    Status named = reserved_ ? Status() : Reserve();
+    isStored_ = named.has_value();
+    return named;
+}
+
+Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
+    if (Status stored = Store(); !stored) {
+        return stored;
     }
     if (renameat(volume_, reserved_->c_str(), directory, name) != 0) {
         return Fail("replace the old file", errno);

@@ -26,6 +26,11 @@ class UnpublishedFile {
 
     int descriptor() const { return descriptor_.get(); }
 
+    // Stores the content safely; PublishInPlace does so too unless that is done. Nothing may be
+    // written afterwards. What another program does in the time that this takes can be looked at
+    // before the file is published.
+    Status Store();
+
     // Gives the file its name, with content and name safely stored. PublishNew fails where
     // something has that name, and after a failure the file has none. PublishInPlace replaces what
     // has that name; after a failure it stands for the old file or the new one, whole.
@@ -45,6 +50,7 @@ class UnpublishedFile {
     Descriptor descriptor_;
     int volume_;
     std::optional<HostName> reserved_;  // its name in the volume's root while it has one
+    bool isStored_ = false;
 };
 
 // Gives `file` the mode and, where that is allowed, the owner that `from` tells. Where it is not,

@@ -30,8 +30,7 @@ bool BuildSettingsPath(PathText& path) {
 }
 
 // An unattended run has nobody who would see that there are no options.
-std::FILE* OpenSettingsForReading() {
-    PathText path{};
+std::FILE* OpenSettingsForReading(PathText& path) {
     if (!BuildSettingsPath(path)) {
         return nullptr;
     }
@@ -113,7 +112,8 @@ void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, boo
 }  // namespace
 
 std::int32_t LoadSettings(CSettings& settings) {
-    std::FILE* const file = OpenSettingsForReading();
+    PathText path{};
+    std::FILE* const file = OpenSettingsForReading(path);
     if (file == nullptr) {
         if (!g_Silent) {
             TickFirstRunDefault();
@@ -127,11 +127,16 @@ std::int32_t LoadSettings(CSettings& settings) {
         const bool inStep = ReadTexts(file, mask, settings);
         ReadPositions(file, mask, settings, inStep);
     }
+    const bool isRead = std::ferror(file) == 0;
+    std::fclose(file);
+    if (!isRead) {
+        NoteSettingsNotRead(path.data());
+    }
     if (!g_Silent) {
         RestoreSettings(settings, mask);
     }
-    std::fclose(file);
-    return result;
+    // What was not ticked would be done the other way round.
+    return isRead || !g_Silent ? result : kNoMask;
 }
 
 void SaveSettings(CSettings& settings) {

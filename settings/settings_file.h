@@ -14,7 +14,7 @@ inline constexpr std::int32_t kNoMask = -1;
 // interactive run then has everything put into the controls, and `settings` without texts. Returns
 // kNoMask when the file cannot be opened, in which case `settings` is left alone and the
 // interactive run starts from the first-run default. A file of nothing but set bits gives the same
-// number; a silent run takes nothing from it.
+// number; a silent run takes nothing from it, nor from a file that cannot be read to its end.
 std::int32_t LoadSettings(CSettings& settings);
 
 // Captures the controls and replaces "settings.dat" with them; `settings` holds none of the

@@ -7,6 +7,8 @@
 
 #include <filesystem>
 
+#include "core/application.h"
+#include "core/win_main.h"
 #include "platform/erasing.h"
 #include "platform/recording_store.h"
 #include "platform/run_log.h"
@@ -148,6 +150,59 @@ TEST(DirectoryStoreTest, NothingMovesWithoutRoomForTheRegistry) {
     EXPECT_NE(store.MoveFileW(u"\\A\\f", u"\\B\\f"), 0);
     EXPECT_EQ(WriteNumber(store), ERROR_SUCCESS);
     EXPECT_TRUE(store.StoreRegistry().has_value());
+}
+
+// What another program has stored meanwhile stays, and what it has deleted is not reported as done.
+TEST(DirectoryStoreTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
+    const TemporaryDevice device;
+    const std::string registry = device.path() + "/registry.reg";
+    const std::string report = device.path() + "/report";
+    WriteFile(registry, kKey);
+    std::FILE* const file = std::fopen(report.c_str(), "we");
+    platform::RunLog log("");
+    const platform::LogInUse logInUse(log);
+    platform::DirectoryStore store(device.OpenFiles(), u"", device.OpenRegistry());
+    platform::RecordingStore recorder(store, file, log);
+    ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
+    WriteFile(registry, "; another editor\n");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(recorder.StoreRegistry().has_value());
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("another program"), std::string::npos);
+    std::fclose(file);
+    EXPECT_EQ(ReadFile(registry), "; another editor\n");
+    EXPECT_EQ(ReadFile(report),
+              "not written [HKCU\\Key] \"Number\" (another program has deleted its key)\n");
+    EXPECT_EQ(log.ExitCode(false), 74);
+}
+
+// A store whose files can be opened and not be read.
+class UnreadableFiles : public platform::ForwardingStore {
+  public:
+    using ForwardingStore::ForwardingStore;
+    std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
+        return fopencookie(nullptr, "r",
+                           {.read = [](void*, char*, std::size_t) -> ssize_t { return -1; },
+                            .write = nullptr,
+                            .seek = nullptr,
+                            .close = nullptr});
+    }
+};
+
+TEST(DirectoryStoreTest, SettingsThatCannotBeReadTickNothing) {
+    const TemporaryDevice device;
+    device.Make({"Windows/StartUp/Fennelbright.lnk=keep", "App/settings.dat=1234"});
+    platform::FileStore real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
+    UnreadableFiles store(real);
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(store);
+    const platform::WindowsInUse windowsInUse(windows);
+    testing::internal::CaptureStderr();
+    std::u16string silent = u"silent";
+    WinMain(nullptr, nullptr, silent.data(), 0);
+    g_Silent = false;
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read to its end"),
+              std::string::npos);
+    EXPECT_EQ(device.Listing().back(), "Windows/StartUp/Fennelbright.lnk=keep");
 }
 
 }  // namespace
