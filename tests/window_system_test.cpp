@@ -191,7 +191,7 @@ TEST_F(BoxTest, NoTextDisturbsABox) {
         {u"Two\r\nlines \x202Egpj.exe\xD800", "Two\nlines <202E>gpj.exe<D800>"},
         {std::u16string(5000, u'W'), QString(5000, 'W')}};
     for (const auto& [text, shown] : rows) {
-        const auto look = [&](QDialog& box) {
+        const auto look = [&shown = shown](QDialog& box) {
             EXPECT_EQ(box.findChild<QLabel*>()->accessibleName(), shown);
             EXPECT_EQ(QRect(0, 0, 240, 320) | box.rect(), QRect(0, 0, 240, 320));
             Press(box, IDNO);

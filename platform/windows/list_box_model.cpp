@@ -9,8 +9,7 @@ namespace platform::windows {
 
 int ListBoxModel::Add(const QString& text) {
     if (added_.empty()) {
-        QMetaObject::invokeMethod(
-            this, [this] { Settle(); }, Qt::QueuedConnection);
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
     added_.push_back(text);
     return count() - 1;
