@@ -53,7 +53,10 @@ grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
 # Nobody has named a device: its user is asked, and makes one.
 open_display
-answer() { xdotool search --sync --onlyvisible --name "$1" windowfocus --sync "${@:2}"; }
+answer() {
+  xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
+  xdotool "${@:2}"
+}
 "$program" &
 running=$!
 answer "^Choose a device" key Escape
