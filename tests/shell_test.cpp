@@ -28,11 +28,11 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
         LPARAM lParam;
         bool passedOn;
     } cases[] = {
-        {WM_LBUTTONUP, 0, 0, false},      {WM_VSCROLL, SB_ENDSCROLL, 0, false},
-        {WM_COMMAND, 50001, 0, false},    {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, false},
-        {WM_COMMAND, 50052, 0, false},    {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), true},
-        {WM_NOTIFY, 0, 0, true},          {WM_LBUTTONDOWN, 0, 0, true},
-        {WM_CLOSE, 0, 0, true},           {WM_HSCROLL, 0, 0, true},
+        {WM_LBUTTONUP, 0, 0, false},   {WM_VSCROLL, SB_ENDSCROLL, 0, false},
+        {WM_COMMAND, 50001, 0, false}, {WM_COMMAND, MAKELONG(50002, EN_CHANGE), 0, false},
+        {WM_COMMAND, 50052, 0, false}, {WM_NOTIFY, 0, reinterpret_cast<LPARAM>(&other), true},
+        {WM_NOTIFY, 0, 0, true},       {WM_LBUTTONDOWN, 0, 0, true},
+        {WM_CLOSE, 0, 0, true},        {WM_HSCROLL, 0, 0, true},
     };
     InteractiveProgram program;
     program.Run({[&] {
