@@ -328,8 +328,6 @@ class FakeWindows : public CollectedBoxes {
             case TBM_SETPOS:
                 control.position = std::clamp(static_cast<int>(lParam), 0, control.highest);
                 return 0;
-            case LB_GETSELCOUNT:
-                return 0;
             case TCM_INSERTITEM:
                 return Goes("TCM_INSERTITEM " + std::to_string(wParam)) ? InsertTab(control, lParam)
                                                                         : -1;

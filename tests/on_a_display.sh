@@ -51,7 +51,26 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 "$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
+# Nobody has named a device: its user is asked, and makes one.
 open_display
+answer() {
+  xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
+  xdotool "${@:2}"
+}
+"$program" &
+running=$!
+answer "^Choose a device" key Escape
+ended "when its user cancelled"
+"$program" --scale 2 &
+running=$!
+answer "^Choose a device" type "$scratch/mine"
+xdotool key Return
+answer "^Fennelbright$" key Return  # "Yes"
+window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+kill -TERM "$running"
+ended "on a device that it made"
+[ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
+
 start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1

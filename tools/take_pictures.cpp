@@ -153,7 +153,8 @@ class Photographer {
 
     void SaveHelp() {
         platform::windows::HelpWindow help(
-            platform::windows::PageText(QByteArrayView(kHelpPage.data(), kHelpPage.size())),
+            platform::windows::PageText(
+                QByteArrayView(kHelpPage.data(), static_cast<qsizetype>(kHelpPage.size()))),
             QStringLiteral("Main_Contents"));
         help.show();
         Save(help.grab(), "help");
