@@ -222,7 +222,6 @@ TEST(Settings, ThePathIsTheModulesLessSixteenCharacters) {
         {u"\\P\\Q\\sixteen-char.exe", 8},
         {u"\\P\\Q\\name14char.exe", 4},  // two characters too many go
         {u"0123456789abcdef", 16},
-        {u"\\P\\short.exe", kNoMask},
         {u"", kNoMask},
         {std::u16string(2000, u'x'), kNoMask},
     };
