@@ -73,10 +73,7 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
         {"into itself", R"("\\Old")", u"\\Old\\Sub\\", R"("\\Old\\Sub\\")", kInside},
         {"out of a part", R"("\\Old\\Sub")", u"\\Old\\", R"("\\Old\\")", kOutside},
         {"root", R"("\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
-        {"root, doubled", R"("\\\\\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
-        {"empty", R"("")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
         {"relative", R"("Old")", u"\\New\\", R"("\\New\\")", kMoved},
-        {"half a character", "hex:5c,00,4f", u"\\New\\", R"("\\New\\")", kUnmoved, true},
         {"pattern", R"("\\Ol?")", u"\\New\\", R"("\\New\\")", kUnmoved},
     };
     for (const Folder& folder : kFolders) {
@@ -142,13 +139,10 @@ TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
         {R"("InstallDir"="\\Apps\\Live. .")", true},
         {R"("InstallDir"="\\Apps\\fil?")", true},
         {R"("InstallDir"="\\Apps\\Dead")", false},
-        {R"("InstallDir"="\\Apps\\Dea?")", false},
         {R"("InstallDir"="\\Apps\\..")", false},
         {R"("InstallDir"="")", false},
-        {R"("InstallDir"=hex:)", false},
         {R"("Other"="\\Apps\\Dead")", true},
         {R"("InstallDir"=hex:5c,00,44)", true},  // half a character
-        {R"("InstallDir"="\\)" + std::string(1030, 'n') + '"', true},
         {noRoomForItsEnd, true},
     };
     for (const auto& [values, stays] : cases) {

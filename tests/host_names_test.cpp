@@ -71,21 +71,5 @@ TEST(HostNames, CaseDoesNotTellNamesApart) {
     }
 }
 
-TEST(HostNames, PatternsMatchWithoutCase) {
-    const struct {
-        std::u16string pattern, name;
-        bool matches;
-    } cases[] = {
-        {u"*", u"noext", true},       {u"*.*", u"noext", true},       {u"*.lnk", u"b.LNK", true},
-        {u"*.lnk", u"d.lnkx", false}, {u"*.lnk", u"x.y.lnk", true},   {u"*.lnk", u".lnk", true},
-        {u"a?c", u"abc", true},       {u"a?c", u"ac", false},         {u"Foo*", u"foo", true},
-        {u"*a*b", u"xaxab", true},    {u"*a*b", u"xaxa", false},      {u"a**", u"a", true},
-        {u"?", u"", false},           {u"*.tm?", u"a.tmp.tmp", true},
-    };
-    for (const auto& expected : cases) {
-        EXPECT_EQ(MatchesPattern(expected.pattern, expected.name), expected.matches);
-    }
-}
-
 }  // namespace
 }  // namespace platform

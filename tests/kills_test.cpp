@@ -39,12 +39,18 @@ BOOL MoveFromCard() {
 BOOL MoveDirectory() {
     return MoveFileW(u"\\A\\d", u"\\B\\d");
 }
-BOOL Write() {
-    std::FILE* const file = _wfopen(u"\\A\\f", u"wb");
+BOOL WriteTo(const WCHAR* path) {
+    std::FILE* const file = _wfopen(path, u"wb");
     if (file != nullptr) {
         std::fputs(kLong.c_str(), file);
     }
     return file != nullptr && std::fclose(file) == 0 ? 1 : 0;
+}
+BOOL Write() {
+    return WriteTo(u"\\A\\f");
+}
+BOOL WriteOnCard() {
+    return WriteTo(u"\\Card\\B\\F");
 }
 
 constexpr int kNoAnswer = 2;
@@ -69,6 +75,7 @@ const Case kCases[] = {
     {"FromCard", {"Card/B/f=" + kLong, "A/"}, MoveFromCard, kBack, kNone},
     {"Replace", {"A/f=old"}, Write, kWritten, {}},
     {"ReplaceByName", {"A/f=old"}, Write, kWritten, kNone},
+    {"ReplaceOnCard", {"Card/B/f=old"}, WriteOnCard, {"Card/B/", "Card/B/f=" + kLong}, kNone},
     {"Make", {"A/"}, Write, kWritten, {}},
     {"MakeByName", {"A/"}, Write, kWritten, kNone},
 };

@@ -6,8 +6,6 @@
 #include <limits>
 #include <string>
 
-#include "core/win_main.h"
-
 namespace {
 
 TEST(FormatText, FitsWholeOrLeavesNothing) {
@@ -29,15 +27,6 @@ TEST(FormatText, PutsNumbersAndKeepsWhatIsNoPlaceholder) {
     EXPECT_EQ(std::u16string(text.data()), u"-2147483648");
     EXPECT_TRUE(FormatText(text, TEXT("%s"), {TEXT("%s%d")}));
     EXPECT_EQ(std::u16string(text.data()), u"%s%d");
-}
-
-TEST(RunMode, TheFirstCharacterDecides) {
-    for (const WCHAR* const line : {u"silent", u"silent\"", u"install", u"nx"}) {
-        EXPECT_TRUE(IsSilentCommandLine(line));
-    }
-    for (const WCHAR* const line : {u"", u"Silent", u" silent", u"/silent", u"xn"}) {
-        EXPECT_FALSE(IsSilentCommandLine(line));
-    }
 }
 
 }  // namespace
