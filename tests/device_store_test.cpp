@@ -316,4 +316,33 @@ TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
 }
 
+TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
+    device_.Make({"a="});
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\*", &data);
+    EXPECT_NE(FindClose(find), 0);
+    for (const HANDLE handle : {find, HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        EXPECT_EQ(FindClose(handle), 0);
+        EXPECT_EQ(FindNextFileW(handle, &data), 0);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    }
+}
+
+TEST_P(DeviceStoreTest, EntriesThatVanishDoNotEndAWalk) {
+    for (int index = 0; index < 500; ++index) {
+        device_.Make({"d/file" + std::to_string(index) + '='});
+    }
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\d\\*", &data);
+    std::filesystem::remove_all(HostPath("d"));
+    int found = 1;
+    for (; FindNextFileW(find, &data) != 0; ++found) {
+    }
+    FindClose(find);
+    EXPECT_LT(found, 500);
+    EXPECT_FALSE(Exists(u"\\d"));
+}
+
 }  // namespace

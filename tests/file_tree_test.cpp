@@ -132,7 +132,7 @@ const struct {
     {"names that are taken", "A/f=1 A/g=2 A/s/h=3 A/s/i=4 B/F=x B/S/H=y", u"\\A", u"\\B\\",
      "A/f=1 A/s/h=3 B/F=x B/S/H=y B/S/i=4 B/g=2"},
     {"names of the other kind", "A/d/f=1 A/g=2 B/d=x B/g/y=z", u"\\A", u"\\B\\",
-     "A/d/f=1 A/g=2 B/d=x B/g/y=z"},
+     "A/d/f=1 A/g=2 B/d=x B/g/y=z", false},
     {"out of a link", "A/f=1 B/ L>A", u"\\L", u"\\B\\", "A/f=1 B/ L>A", false},
     {"through a link", "A/f=1 B/ L>B", u"\\A", u"\\L\\", "A/f=1 B/ L>B", false},
     {"links and pipes as they are", "A/l>/etc A/p| B/", u"\\A", u"\\B\\", "A/ B/l>/etc B/p|"},

@@ -12,6 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "platform/boot.h"
 #include "tests/apply_device.h"
 #include "tests/settings_bytes.h"
 
@@ -29,13 +30,14 @@ struct Circumstances {
     std::string home = {};      // the user's home directory, if not empty
     bool closedOutput = false;  // nobody reads its standard output
     rlim_t fileSize = RLIM_INFINITY;
+    rlim_t memory = RLIM_INFINITY;
 };
 
-void LimitFileSize(rlim_t most) {
+void Limit(__rlimit_resource resource, rlim_t most) {
     rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
+    getrlimit(resource, &limit);
     limit.rlim_cur = std::min(most, limit.rlim_max);
-    setrlimit(RLIMIT_FSIZE, &limit);
+    setrlimit(resource, &limit);
 }
 
 [[noreturn]] void BecomeProgram(const std::vector<std::string>& words, const Circumstances& unusual,
@@ -53,7 +55,8 @@ void LimitFileSize(rlim_t most) {
         arguments.push_back(const_cast<char*>(word.c_str()));
     }
     arguments.push_back(nullptr);
-    LimitFileSize(unusual.fileSize);
+    Limit(RLIMIT_FSIZE, unusual.fileSize);
+    Limit(RLIMIT_AS, unusual.memory);
     execv(FENNELBRIGHT_PROGRAM, arguments.data());
     _exit(127);
 }
@@ -345,6 +348,42 @@ TEST(Program, AReportThatNobodyReadsDoesNotStopTheWork) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.errors.find("cannot write the report"), std::string::npos);
     EXPECT_EQ(device.Listing().size(), 4U);
+}
+
+TEST(Program, MemoryThatRunsOutEndsTheRunAndChangesNothing) {
+#if defined(__SANITIZE_ADDRESS__)
+    GTEST_SKIP() << "the sanitizer needs more memory than that";
+#endif
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
+    WriteFile(device.path() + "/registry.reg", kQuietTweaks + std::string(40'000'000, ';'));
+    const Outcome outcome =
+        RunProgram({"--device", device.path(), "silent"}, {.memory = rlim_t{32} << 20});
+    EXPECT_EQ(outcome.exitCode, 71);
+    EXPECT_NE(outcome.errors.find("out of memory"), std::string::npos);
+    EXPECT_TRUE(std::filesystem::exists(device.files() + "/Temp/keep"));
+}
+
+TEST(Program, TheWorstOfSeveralExitCodesCounts) {
+    const std::vector<int> worstFirst = {139, 71, 1, 73, 75, 65, 66, 69, 74, 78, 0};
+    for (std::size_t worse = 0; worse < worstFirst.size(); ++worse) {
+        for (std::size_t better = worse; better < worstFirst.size(); ++better) {
+            EXPECT_EQ(platform::WorseExitCode(worstFirst[worse], worstFirst[better]),
+                      worstFirst[worse]);
+            EXPECT_EQ(platform::WorseExitCode(worstFirst[better], worstFirst[worse]),
+                      worstFirst[worse]);
+        }
+    }
+}
+
+TEST(Program, ABoxIsOneLineAndWaitsForNobody) {
+    const TemporaryDevice device;
+    device.Make({"Temp/keep=1"});
+    const Outcome outcome =
+        RunProgram({"--device", device.path(), "--no-display", "--module", "\\x.exe", "silent"});
+    EXPECT_EQ(outcome.exitCode, 0);
+    EXPECT_EQ(outcome.errors, "[Error!!!] Failed retrieving application directory\n");
+    EXPECT_EQ(device.Listing(), (Entries{"Temp/", "Temp/keep=1"}));
 }
 
 }  // namespace

@@ -277,5 +277,25 @@ TEST_F(RegistryTest, AFullDiskLeavesTheOldFile) {
     EXPECT_EQ(Content().size(), kFile.size() + 9010);
 }
 
+TEST_F(RegistryTest, ManyChangesAreOneWrite) {
+    std::string many;
+    for (int number = 0; number < 5000; ++number) {
+        many += kApps + '\\' + std::to_string(number) + "]\n";
+    }
+    Write(many + "[HKEY_USERS]\n");
+    const ino_t number = Number();
+    const Keys keys = Open();
+    const HKEY apps = keys.Open(u"Software\\Apps");
+    WCHAR name[20] = {};
+    for (DWORD size = 20; keys.Enumerate(apps, 0, name, &size) == ERROR_SUCCESS; size = 20) {
+        ASSERT_EQ(keys->RegDeleteKeyW(apps, name), ERROR_SUCCESS);
+    }
+    EXPECT_EQ(Number(), number);
+    EXPECT_TRUE(keys->Store().has_value());
+    EXPECT_EQ(keys->made(), 5000U);
+    EXPECT_EQ(keys->stored(), 5000U);
+    EXPECT_EQ(Content(), "[HKEY_USERS]\n\n" + kApps + "]\n");
+}
+
 }  // namespace
 }  // namespace platform
