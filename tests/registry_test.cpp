@@ -222,7 +222,9 @@ TEST_F(RegistryTest, WhatOthersChangedMeanwhileStays) {
                              kApps + "\\Three\\Sub]\n");
     Write("; another editor\n");
     EXPECT_EQ(second.Set(lost, u"Size", 2), ERROR_SUCCESS);
-    EXPECT_TRUE(second->Store().has_value());
+    EXPECT_FALSE(second->Store().has_value());
+    EXPECT_TRUE(second->IsLost(second->made()));
+    EXPECT_FALSE(second->IsLost(second->made() - 1));
     EXPECT_EQ(Content(), "; another editor\n");
     EXPECT_EQ(second.Set(lost, u"Size", 3), ERROR_KEY_DELETED);
 }
