@@ -1,7 +1,7 @@
 // The lists of the pages and the folder browser, on a display that nobody sees.
 
 #include <QLineEdit>
-#include <QListWidget>
+#include <QListView>
 #include <QTreeWidget>
 #include <algorithm>
 #include <filesystem>
@@ -18,8 +18,8 @@ std::string BoxTexts() {
     return (text(50002) + '|' + text(50005)).toStdString();
 }
 
-QListWidget& List(int id) {
-    return dynamic_cast<QListWidget&>(Control(id));
+QListView& List(int id) {
+    return dynamic_cast<QListView&>(Control(id));
 }
 
 QTreeWidget* Tree() {
@@ -33,10 +33,11 @@ auto Tap(int id) {
 
 auto Select(int id, const char* text) {
     return [id, text] {
-        QListWidgetItem* const entry =
-            List(id).findItems(QString::fromLatin1(text), Qt::MatchExactly).value(0);
-        ASSERT_NE(entry, nullptr) << text;
-        Click(*List(id).viewport(), List(id).visualItemRect(entry).center());
+        const QAbstractItemModel& entries = *List(id).model();
+        const auto found =
+            entries.match(entries.index(0, 0), Qt::DisplayRole, text, 1, Qt::MatchExactly);
+        ASSERT_EQ(found.size(), 1) << text;
+        Click(*List(id).viewport(), List(id).visualRect(found[0]).center());
     };
 }
 

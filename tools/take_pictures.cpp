@@ -8,7 +8,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QLabel>
-#include <QListWidget>
+#include <QListView>
 #include <QMenu>
 #include <QPainter>
 #include <QTemporaryDir>
@@ -114,7 +114,8 @@ class Photographer {
     static void Tap(const char* name) { QTest::mouseClick(Named(name), Qt::LeftButton); }
 
     static void Select(const char* list, int row) {
-        Named<QListWidget>(list)->item(row)->setSelected(true);
+        auto* const view = Named<QListView>(list);
+        view->selectionModel()->select(view->model()->index(row, 0), QItemSelectionModel::Select);
     }
 
     // The keyboard brings the second list into view, and most of the first.
