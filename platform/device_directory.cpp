@@ -181,7 +181,7 @@ bool CanBecomeDevice(const char* path) {
 
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
 Result<bool> LockDevice(const DeviceDirectory& device) {
-    const Result<bool> locked = Lock(device.directory);
+    Result<bool> locked = Lock(device.directory);
     if (!locked || !*locked || !device.files) {
         return locked;
     }
