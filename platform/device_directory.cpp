@@ -140,7 +140,7 @@ Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
         return device;
     }
     Result<Descriptor> files = OpenFiles(device->directory);
-    const Status found = files ? Status() : CheckWithoutFiles(device->directory, files.error());
+    Status found = files ? Status() : CheckWithoutFiles(device->directory, files.error());
     device->files = std::move(files).value_or(Descriptor());
     const Status meant = CheckMeant(*device);
     if (!meant || !found) {
@@ -185,7 +185,7 @@ Result<bool> LockDevice(const DeviceDirectory& device) {
     if (!locked || !*locked || !device.files) {
         return locked;
     }
-    const Result<bool> both = Lock(device.files);
+    Result<bool> both = Lock(device.files);
     return both && !*both ? IsSameDirectory(device.directory, device.files) : both;
 }
 

@@ -198,7 +198,7 @@ int RunOnDevice(CommandLine& line) {
 namespace {
 
 Status FillSample(DeviceDirectory& device, const CommandLine& line) {
-    if (const Status written = WriteSampleRegistry(device.directory.get()); !written) {
+    if (Status written = WriteSampleRegistry(device.directory.get()); !written) {
         return written;
     }
     auto registry = Registry::Open(device.directory.get());

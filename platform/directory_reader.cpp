@@ -23,7 +23,7 @@ Result<bool> DirectoryReader::FillBlock(int directory) {
 Result<bool> DirectoryReader::Next(int directory) {
     for (;;) {
         if (position_ >= length_) {
-            const Result<bool> filled = FillBlock(directory);
+            Result<bool> filled = FillBlock(directory);
             if (!filled || !*filled) {
                 return filled;
             }

@@ -57,8 +57,8 @@ Status DirectoryStore::BeforeMove() {
         return ready;
     }
     const bool isRefused = refusedInStep_ == LogInUse::Current().stepsBegun();
-    const Status kept = isRefused ? FailBecause("move", "another move was refused before")
-                                  : registry_->ReserveRoom();
+    Status kept = isRefused ? FailBecause("move", "another move was refused before")
+                            : registry_->ReserveRoom();
     return kept ? kept : RefuseMove(kept.error());
 }
 

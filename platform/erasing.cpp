@@ -148,7 +148,7 @@ Status Erasing::OpenFolder() {
 }
 
 Status Erasing::MoveFiles() {
-    const Status moved = RenameIfFree(device_, kFilesName, folder_.get(), kFilesName);
+    Status moved = RenameIfFree(device_, kFilesName, folder_.get(), kFilesName);
     hasFiles_ = moved.has_value();
     return moved || moved.error().error == ENOENT ? Status() : moved;
 }

@@ -351,7 +351,7 @@ Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
         return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
     }
     const Result<Descriptor> from = tree_.OpenVolume(oldPath);
-    const Result<Descriptor> to = tree_.OpenVolume(newPath);
+    Result<Descriptor> to = tree_.OpenVolume(newPath);
     if (!from || !to) {
         return tl::unexpected<Failure>((from ? to : from).error());
     }

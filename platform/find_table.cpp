@@ -13,7 +13,7 @@ Result<bool> Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
     for (;;) {
         subdirectory_.Close();
         facts_.reset();
-        const Result<bool> more = reader_.Next(directory());
+        Result<bool> more = reader_.Next(directory());
         if (!more || !*more || Examine(tree, data)) {
             return more;
         }

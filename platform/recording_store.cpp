@@ -305,7 +305,7 @@ void RecordingStore::SettleRegistry() {
 }
 
 Status RecordingStore::StoreRegistry() {
-    const Status stored = ForwardingStore::StoreRegistry();
+    Status stored = ForwardingStore::StoreRegistry();
     whyNotStored_ = stored ? "" : ReasonOf(stored.error());
     SettleRegistry();
     return stored;

@@ -216,7 +216,7 @@ Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
 
 // Writes the whole content and stores it; what was kept as room and is not needed goes.
 Status RegistryFile::Write(UnpublishedFile& file, std::string_view bytes) const {
-    if (const Status written = WriteWhole(file.descriptor(), bytes); !written) {
+    if (Status written = WriteWhole(file.descriptor(), bytes); !written) {
         return written;
     }
     if (ftruncate(file.descriptor(), static_cast<off_t>(bytes.size())) != 0) {

@@ -82,7 +82,7 @@ std::string WithHandheldLineEnds(std::string_view text) {
 Status WriteSampleRegistry(int directory) {
     const Descriptor file(openat(directory, "registry.reg",
                                  O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, 0666));
-    const Status written =
+    Status written =
         file ? WriteWhole(file.get(), WithHandheldLineEnds(kRegistry)) : Fail("make it", errno);
     return written ? written : FailOf(written.error(), "registry.reg");
 }

@@ -113,7 +113,7 @@ HostName ListedName(int directory, const HostName& name) {
         !IsSameEntry(directory, other.c_str(), name.c_str())) {
         return name;
     }
-    const Result<std::optional<HostName>> listed = FindSpelling(directory, device.view());
+    Result<std::optional<HostName>> listed = FindSpelling(directory, device.view());
     return listed ? listed->value_or(name) : name;
 }
 

@@ -8,9 +8,9 @@
 
 namespace {
 
-constexpr std::size_t kExtension = 3;        // characters that count
-constexpr std::int32_t kVisible = 32;        // characters that a list shows without being scrolled
-constexpr std::int32_t kCharacterWidth = 6;  // pixels
+constexpr std::size_t kExtension = 3;  // characters that count
+constexpr std::int32_t kVisible = 32;  // characters that a list shows without being scrolled
+constexpr WPARAM kCharacterWidth = 6;  // pixels
 
 // The most characters of any path listed by each kind of search; they only grow.
 std::int32_t g_LongestDirectory = kVisible;
@@ -35,7 +35,7 @@ void List(HWND listBox, const WCHAR* text, std::int32_t& longest) {
     const auto length = static_cast<std::int32_t>(wcslen(text));
     if (length > longest) {
         longest = length;
-        SendMessageW(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(length * kCharacterWidth),
+        SendMessageW(listBox, LB_SETHORIZONTALEXTENT, static_cast<WPARAM>(length) * kCharacterWidth,
                      0);
     }
 }

@@ -356,9 +356,9 @@ TEST(Program, MemoryThatRunsOutEndsTheRunAndChangesNothing) {
 #endif
     const TemporaryDevice device;
     device.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
-    WriteFile(device.path() + "/registry.reg", kQuietTweaks + std::string(40'000'000, ';'));
+    WriteFile(device.path() + "/registry.reg", kQuietTweaks + std::string(8'000'000, ';'));
     const Outcome outcome =
-        RunProgram({"--device", device.path(), "silent"}, {.memory = rlim_t{32} << 20});
+        RunProgram({"--device", device.path(), "silent"}, {.memory = rlim_t{12} << 20});
     EXPECT_EQ(outcome.exitCode, 71);
     EXPECT_NE(outcome.errors.find("out of memory"), std::string::npos);
     EXPECT_TRUE(std::filesystem::exists(device.files() + "/Temp/keep"));

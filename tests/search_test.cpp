@@ -111,7 +111,7 @@ TEST_F(SearchTest, TheExtentFollowsTheLongestPathAlone) {
     for (const WCHAR* const extension : {u"one", u"two", u"one", u"six"}) {
         Found([extension] { SearchFiles(nullptr, extension, u"\\"); });
     }
-    EXPECT_EQ(windows_.extents, (std::vector<WPARAM>{35 * 6, 36 * 6}));
+    EXPECT_EQ(windows_.extents, (std::vector<WPARAM>{210, 216}));
 }
 
 TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
@@ -119,7 +119,7 @@ TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
     for (int level = 0; level < 5; ++level) {
         path.append(200, 'x').append(1, '/');
     }
-    for (const std::size_t length : {13, 14, 1}) {
+    for (const std::size_t length : {13U, 14U, 1U}) {
         device_.Make({std::string(path).append(length, 'y').append(".tmp=")});
     }
     EXPECT_EQ(Found([] { SearchFiles(nullptr, u"tmp", u"\\"); }).size(), 2U);
