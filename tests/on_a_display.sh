@@ -71,6 +71,26 @@ kill -TERM "$running"
 ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
 
+# A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
+for pause in 0.3 1 3; do
+  rm -f "$scratch/mine/files/Program Files/Fennelbright/settings.dat"
+  "$program" --device "$scratch/mine" --scale 2 &
+  running=$!
+  window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+  # "Browse", the sign beside "My Documents", "Personal" below it, "OK", the box beside the path
+  for place in "386 118" "36 128" "140 272" "160 558" "30 82"; do
+    xdotool mousemove --window "$window" ${place% *} ${place#* } click 1
+    sleep "$pause"
+  done
+  xdotool key F10 Right Up Return
+  xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+  kill -TERM "$running"
+  ended "when it was asked to at a box"
+  [ -e "$scratch/mine/files/My Documents/Personal/Budget.pxl" ] || break
+done
+[ ! -e "$scratch/mine/files/My Documents/Personal/Letters/Landlord.psw" ] || fail "not browsed for"
+[ -e "$scratch/mine/files/My Documents/Letter.txt" ] || fail "more went than was browsed for"
+
 start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1
