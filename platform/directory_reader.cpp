@@ -10,7 +10,18 @@
 
 namespace platform {
 
+namespace {
+
+constexpr std::size_t kLargeBlock = 32768;
+constexpr std::size_t kLargestEntry = sizeof(dirent64);  // what may be left of a block that is full
+
+}  // namespace
+
 Result<bool> DirectoryReader::FillBlock(int directory) {
+    if (large_ == nullptr && length_ + kLargestEntry > block_.size()) {
+        large_ = std::make_unique_for_overwrite<char[]>(kLargeBlock);
+        block_ = {large_.get(), kLargeBlock};
+    }
     const ssize_t length = getdents64(directory, block_.data(), block_.size());
     position_ = 0;
     length_ = length > 0 ? static_cast<std::size_t>(length) : 0;

@@ -2,17 +2,23 @@
 
 #include <array>
 #include <cstddef>
+#include <memory>
+#include <span>
 
 #include "platform/failure.h"
 
 namespace platform {
 
-// Reads the entries of an open directory in blocks. "." and ".." are passed over.
+// Reads the entries of an open directory in blocks. "." and ".." are passed over. Most directories
+// are small, and a walk has a reader for each level of a tree; only one that has filled its block
+// gets a larger one.
 class DirectoryReader {
   public:
     // The device's entries, or those with reserved names as well, which the device does not have.
     enum class Names { Device, All };
     explicit DirectoryReader(Names names = Names::Device) : names_(names) {}
+    DirectoryReader(const DirectoryReader&) = delete;
+    DirectoryReader& operator=(const DirectoryReader&) = delete;
 
     struct Entry {
         const char* name;    // terminated; valid until the next call of Next
@@ -31,7 +37,9 @@ class DirectoryReader {
     Entry entry_{};
     std::size_t position_ = 0;
     std::size_t length_ = 0;
-    alignas(8) std::array<char, 4096> block_;
+    std::span<char> block_ = small_;
+    alignas(8) std::array<char, 4096> small_;
+    std::unique_ptr<char[]> large_;
 };
 
 }  // namespace platform
