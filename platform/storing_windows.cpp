@@ -20,7 +20,7 @@ BOOL StoringWindows::GetMessageW(MSG* message, HWND window, UINT lowest, UINT hi
 
 int StoringWindows::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
     Store();
-    if (std::u16string_view(caption) == u"Error") {
+    if (std::u16string_view(caption).starts_with(u"Error")) {
         log_.CountUndone();
     }
     return ForwardingWindows::MessageBoxW(owner, text, caption, type);

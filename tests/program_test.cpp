@@ -383,6 +383,9 @@ TEST(Program, ABoxIsOneLineAndWaitsForNobody) {
         RunProgram({"--device", device.path(), "--no-display", "--module", "\\x.exe", "silent"});
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_EQ(outcome.errors, "[Error!!!] Failed retrieving application directory\n");
+    EXPECT_EQ(
+        RunProgram({"--device", device.path(), "--strict", "--module", "\\x.exe", "s"}).exitCode,
+        74);
     EXPECT_EQ(device.Listing(), (Entries{"Temp/", "Temp/keep=1"}));
 }
 

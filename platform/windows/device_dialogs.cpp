@@ -34,11 +34,6 @@ class FolderDialog : public QFileDialog {
     }
 };
 
-// A path may be wider than a box: its lines end after any of its names.
-QString Breakable(const std::string& text) {
-    return QString::fromStdString(text).replace('/', QStringLiteral("/\u200B"));
-}
-
 }  // namespace
 
 ToolkitDialogs::ToolkitDialogs(std::unique_ptr<QApplication> application)
@@ -58,11 +53,11 @@ std::string ToolkitDialogs::ChooseFolder() {
 }
 
 void ToolkitDialogs::Tell(const std::string& text) {
-    boxes_.Show(nullptr, Breakable(text), kCaption, MB_OK);
+    boxes_.Show(nullptr, QString::fromStdString(text), kCaption, MB_OK);
 }
 
 bool ToolkitDialogs::Confirm(const std::string& question) {
-    return boxes_.Show(nullptr, Breakable(question), kCaption, MB_YESNO) == IDYES;
+    return boxes_.Show(nullptr, QString::fromStdString(question), kCaption, MB_YESNO) == IDYES;
 }
 
 }  // namespace platform::windows

@@ -66,10 +66,12 @@ class ScreenOff::Cover : public QLabel {
         if (!isPressed_) {
             return;
         }
-        hide();
+        // Before the cover goes: the toolkit would give the keyboard to the page's first control,
+        // and the page would scroll to that.
         if (before_ != nullptr) {
             before_->setFocus(Qt::OtherFocusReason);
         }
+        hide();
     }
 
     QPointer<QWidget> before_;  // had the keyboard
