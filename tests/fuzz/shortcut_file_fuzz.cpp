@@ -18,8 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!target || target->size() >= 1024) {
         return 0;
     }
-    CommandLineTargetExists(*target);
-    if (PathByExtension(*target).size() > target->size() ||
+    if (LookForTarget(*target) == Look::Failed ||
         platform::ShortcutTarget(platform::ShortcutContent(*target)) != target) {
         std::abort();
     }
