@@ -170,6 +170,13 @@ int BootDevice(const CommandLine& line) {
         log.SayUndone(Describe(shortcuts.error()));
         return log.ExitCode(line.strict);
     }
+    const auto isOurs = [](const StartupShortcut& shortcut) {
+        return shortcut.arguments.has_value();
+    };
+    if (std::none_of(shortcuts->begin(), shortcuts->end(), isOurs)) {
+        log.Say("nothing is run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
+                ReadableText(line.modulePath));
+    }
     int result = 0;
     for (const StartupShortcut& shortcut : *shortcuts) {
         result = WorseExitCode(result, RunShortcut(line, shortcut, log));
