@@ -15,9 +15,9 @@
 #include <string>
 
 #include "core/win_main.h"
-#include "platform/device_directory.h"
-#include "platform/directory_store.h"
-#include "platform/display.h"
+#include "platform/device/device_directory.h"
+#include "platform/device/directory_store.h"
+#include "platform/display/display.h"
 
 extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
 

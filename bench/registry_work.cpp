@@ -17,9 +17,9 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/descriptor.h"
-#include "platform/registry.h"
-#include "platform/registry_text.h"
+#include "platform/io/descriptor.h"
+#include "platform/registry/registry.h"
+#include "platform/registry/text/registry_text.h"
 
 namespace {
 

@@ -19,11 +19,11 @@
 
 #include "core/application.h"
 #include "engine/file_tree.h"
-#include "platform/console_windows.h"
-#include "platform/descriptor.h"
-#include "platform/device_store.h"
-#include "platform/file_store.h"
-#include "platform/host_text.h"
+#include "platform/display/console_boxes.h"
+#include "platform/files/file_store.h"
+#include "platform/io/descriptor.h"
+#include "platform/seam/device_store.h"
+#include "platform/text/readable_text.h"
 #include "search/tree_search.h"
 #include "shell/windows.h"
 

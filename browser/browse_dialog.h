@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // The folder browser: a dialog with a tree of the device's folders that fills a path box. It lives
 // on the program's one message loop until OK, which puts the selected folder's path into the box,

@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "core/wide_text.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // The tree of the device's folders in the folder browser. It is filled one level ahead of what its
 // user has opened: a folder gets its own folders when it comes into view.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 #include "core/settings_record.h"
 
 class CDisplayWindow;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // Tells the user about a failure and waits until that has been seen.
 inline void ShowError(const WCHAR* text) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The platform's codes for what went well and for why something failed, with its own values.
 inline constexpr LONG ERROR_SUCCESS = 0;

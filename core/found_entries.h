@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/device_store.h"
+#include "core/file_operations.h"
 
 // Whether the last operation that failed has failed because the entry, or a directory on its path,
 // is not there.

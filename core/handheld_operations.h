@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The operations that only a handheld's platform has: its shortcuts, its power, and what its shell
-// adds to windows and dialogs. Paths, handles and failures are those of core/device_store.h and
-// core/window_system.h. The sizes of records are those that they have on the device, whatever they
-// are here.
+// adds to windows and dialogs. Paths, handles and failures are those of core/file_operations.h and
+// core/window_operations.h. The sizes of records are those that they have on the device, whatever
+// they are here.
 
 // Puts the target text of the shortcut at `path`, terminated, into `buffer` of `limit` characters
 // and returns nonzero. The text is a command line as it stands in the shortcut: quotes and

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // What the program tells the host that no operation of the platform says. Nothing of it is shown to
 // the device's user, and nothing waits for an answer. Where a reason belongs to a note, it is the

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/error_codes.h"
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The operations through which the program reaches the device's registry. Names of keys and values
 // match without regard to case and keep the case they were made with. A path of keys has its names

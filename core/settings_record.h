@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // A text of the settings: null, or a buffer of kTextCapacity characters with a terminated text.
 using SettingsText = std::unique_ptr<WCHAR[]>;

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The standard library's texts of the platform's characters.
 using WideString = std::basic_string<WCHAR>;

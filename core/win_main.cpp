@@ -4,7 +4,7 @@
 
 #include "core/application.h"
 #include "core/wide_text.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "engine/apply_sequence.h"
 #include "shell/interactive_run.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // Whether a start with this command line is a silent run: its first character is one of the
 // letters of "silent". The rest is not looked at, because the StartUp shortcut leaves a stray quote

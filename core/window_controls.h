@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The controls: their class names, styles, messages and notifications, with the platform's values.
 // A message that a control does not know, or whose argument names nothing, changes nothing and

@@ -5,7 +5,7 @@
 #include "core/error_box.h"
 #include "core/host_notes.h"
 #include "engine/entry_looks.h"
-#include "engine/location_value.h"
+#include "engine/folder_location.h"
 
 namespace {
 

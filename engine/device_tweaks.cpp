@@ -2,10 +2,10 @@
 
 #include <cstdio>
 
-#include "core/device_store.h"
+#include "core/apply_options.h"
 #include "core/error_box.h"
+#include "core/file_operations.h"
 #include "core/handheld_operations.h"
-#include "core/options.h"
 #include "engine/option_rows.h"
 #include "engine/registry_key.h"
 

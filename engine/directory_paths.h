@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 #include "core/wide_text.h"
 
 // Puts the canonical path of the directory that `path` names into `canonical`: each name spelt as

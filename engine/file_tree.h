@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The two walkers that carry the engine's bulk work. What cannot be deleted or moved is passed
 // over, as is an entry whose path does not fit a buffer of kTextCapacity.

@@ -1,9 +1,9 @@
 #include "engine/folder_relocation.h"
 
+#include "core/apply_options.h"
 #include "core/error_box.h"
-#include "core/options.h"
 #include "engine/file_tree.h"
-#include "engine/location_value.h"
+#include "engine/folder_location.h"
 #include "engine/option_rows.h"
 
 namespace {

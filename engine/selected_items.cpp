@@ -6,7 +6,7 @@
 
 #include "core/application.h"
 #include "core/found_entries.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "engine/file_tree.h"
 #include "screens/screens.h"
 

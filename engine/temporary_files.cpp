@@ -1,6 +1,6 @@
 #include "engine/temporary_files.h"
 
-#include "core/options.h"
+#include "core/apply_options.h"
 #include "engine/file_tree.h"
 #include "engine/option_rows.h"
 

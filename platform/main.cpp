@@ -10,11 +10,11 @@
 #include <new>
 #include <string_view>
 
-#include "platform/boot.h"
-#include "platform/command_line.h"
-#include "platform/device_choice.h"
-#include "platform/device_run.h"
-#include "platform/help_viewer.h"
+#include "platform/host/boot.h"
+#include "platform/host/command_line.h"
+#include "platform/host/device_choice.h"
+#include "platform/host/device_run.h"
+#include "platform/host/help_viewer.h"
 
 namespace {
 

@@ -2,7 +2,7 @@
 
 #include <initializer_list>
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "search/startup_list.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The class of a control and its exact style.
 struct ControlKind {

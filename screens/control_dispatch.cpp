@@ -7,7 +7,7 @@
 #include "browser/browse_dialog.h"
 #include "core/application.h"
 #include "core/error_box.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "screens/screens.h"
 #include "search/tree_search.h"
 #include "shell/windows.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // Carries out what the control with this ID does at once when its user acts on it: the "Browse"
 // buttons open the folder browser for their path boxes, the "Refresh" buttons fill their lists. All

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The ordered list of a page's controls. An item's index is its place in the order of appending.
 // A copy is a view: it shares the items of the list that it was copied from and shows as many as

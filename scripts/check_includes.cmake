@@ -1,5 +1,5 @@
 # Fails when a source of the program includes anything but the C++ standard library and the program
-# itself, tests for a platform, or says how wide a character is, which core/plain_types.h alone does.
+# itself, tests for a platform, or says how wide a character is, which core/platform_types.h alone does.
 set(folders core settings engine screens search browser shell)
 set(faults "")
 foreach(folder IN LISTS folders)

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/application.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "shell/window_making.h"
 #include "shell/windows.h"
 

@@ -1,7 +1,7 @@
 #include "search/startup_list.h"
 
 #include "core/found_entries.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 void FillStartupList(HWND listBox) {
     for (FoundEntries found(TEXT("\\Windows\\StartUp\\*.lnk")); found; found.Next()) {

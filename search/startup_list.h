@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // Adds the names of the shortcuts in the StartUp folder to the list box. A folder that is not there
 // or cannot be read has none.

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "core/tree_level.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "search/search_indicator.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The searches that fill the lists of the first page. Each walks the tree below `path`, which has
 // no backslash at its end unless it is the root "\", and adds what it finds to the list box behind

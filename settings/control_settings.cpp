@@ -1,9 +1,9 @@
 #include "settings/control_settings.h"
 
 #include "core/application.h"
-#include "core/options.h"
+#include "core/apply_options.h"
 #include "core/wide_text.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "screens/screens.h"
 
 namespace {

@@ -4,11 +4,11 @@
 #include <optional>
 
 #include "core/application.h"
-#include "core/device_store.h"
+#include "core/apply_options.h"
+#include "core/file_operations.h"
 #include "core/host_notes.h"
-#include "core/options.h"
 #include "core/wide_text.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "settings/control_settings.h"
 
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "screens/control_list.h"
 
 // The box that says what the program is: a top-level window with one label, which leaves the menu

@@ -2,7 +2,7 @@
 
 #include <string_view>
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // The program's help page, in the form of the handheld's help viewer: HTML of which the viewer
 // shows a topic at a time, from the anchor that it is asked for to the next marker. ASCII.

@@ -2,7 +2,7 @@
 
 #include "core/application.h"
 #include "core/settings_record.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 #include "screens/screens.h"
 #include "settings/settings_file.h"
 #include "shell/about_box.h"

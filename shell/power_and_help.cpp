@@ -1,8 +1,8 @@
 #include "shell/power_and_help.h"
 
-#include "core/device_store.h"
+#include "core/file_operations.h"
 #include "core/handheld_operations.h"
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 namespace {
 

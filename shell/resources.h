@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "core/plain_types.h"
+#include "core/platform_types.h"
 
 // What the executable carries for the platform: menus and icons, found by their IDs. All of it
 // lives as long as the process.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // What all windows of the program are made with.
 

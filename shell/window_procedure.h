@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // The procedure of the program's windows: scrolls the page, follows the tabs and routes commands;
 // a command that it does not know itself goes to the screens as a control's. Returns 1 for what it

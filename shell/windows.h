@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/window_system.h"
+#include "core/window_operations.h"
 
 // The windows that the pages stand in, each reached through its pointer in core/application.h: the
 // main window, below it menu bar and tab control, and below that the display window. A failure is

@@ -24,13 +24,13 @@
 #include <vector>
 
 #include "core/win_main.h"
-#include "platform/device_directory.h"
-#include "platform/device_run.h"
-#include "platform/directory_store.h"
-#include "platform/display.h"
-#include "platform/forwarding_store.h"
-#include "platform/sample_device.h"
-#include "platform/windows/help_window.h"
+#include "platform/device/device_directory.h"
+#include "platform/device/directory_store.h"
+#include "platform/device/sample_device.h"
+#include "platform/display/display.h"
+#include "platform/host/device_run.h"
+#include "platform/qt/desktop/help_window.h"
+#include "platform/seam/forwarding_store.h"
 #include "shell/help_page.h"
 
 extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
@@ -153,8 +153,8 @@ class Photographer {
     }
 
     void SaveHelp() {
-        platform::windows::HelpWindow help(
-            platform::windows::PageText(
+        platform::qt::HelpWindow help(
+            platform::qt::PageText(
                 QByteArrayView(kHelpPage.data(), static_cast<qsizetype>(kHelpPage.size()))),
             QStringLiteral("Main_Contents"));
         help.show();

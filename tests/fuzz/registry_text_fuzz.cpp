@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "core/registry_operations.h"
-#include "platform/registry_text.h"
+#include "platform/registry/text/registry_text.h"
 
 // Any bytes at all are either no registry file, or one that is written as it was read, takes a
 // change and a deletion, and is read with both of them and with everything else afterwards.

@@ -5,9 +5,9 @@
 #include <cstdlib>
 
 #include "core/application.h"
-#include "core/options.h"
+#include "core/apply_options.h"
 #include "core/wide_text.h"
-#include "platform/file_store.h"
+#include "platform/files/file_store.h"
 #include "settings/settings_file.h"
 
 namespace {

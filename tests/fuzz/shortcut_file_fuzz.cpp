@@ -7,8 +7,8 @@
 #include <string>
 
 #include "engine/shortcut_target.h"
-#include "platform/file_store.h"
-#include "platform/shortcut_file.h"
+#include "platform/files/file_store.h"
+#include "platform/files/shortcut_file.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     static platform::FileStore store(platform::Descriptor(), u"\\Fennelbright.exe");

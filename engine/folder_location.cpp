@@ -1,0 +1,42 @@
+#include "engine/folder_location.h"
+
+#include <algorithm>
+
+#include "core/error_box.h"
+#include "core/host_notes.h"
+
+TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
+    DWORD size = sizeof text;
+    const LONG result = RegQueryValueExW(key.get(), name, nullptr, nullptr,
+                                         reinterpret_cast<BYTE*>(text.data()), &size);
+    const std::size_t length = result == ERROR_SUCCESS ? size / sizeof(WCHAR) : 0;
+    const auto end = text.begin() + static_cast<std::ptrdiff_t>(length);
+    const bool hasEnd = length < text.size() || std::find(text.begin(), end, TEXT('\0')) != end;
+    if (result != ERROR_SUCCESS || size % sizeof(WCHAR) != 0 || !hasEnd) {
+        text[0] = 0;
+        return result == ERROR_SUCCESS ? TextRead::NoText : TextRead::Failed;
+    }
+    // What lies behind the value was never part of it.
+    std::fill(end, text.end(), TEXT('\0'));
+    return TextRead::Whole;
+}
+
+bool IsUsablePath(const PathText& text, LocationUse use) {
+    const WideView path(text.data());
+    return (use == LocationUse::Moved || path.starts_with(TEXT('\\'))) &&
+           path.find_first_not_of(TEXT('\\')) != WideView::npos && path.size() + 1 < text.size();
+}
+
+LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
+                          LocationUse use, PathText& path) {
+    const TextRead read = ReadText(key, name, path);
+    if (read == TextRead::Failed) {
+        ShowError(failure);
+        return LocationRead::Failed;
+    }
+    if (read == TextRead::NoText || !IsUsablePath(path, use)) {
+        NotePassedOver(name, path.data());
+        return LocationRead::PassedOver;
+    }
+    return LocationRead::Usable;
+}

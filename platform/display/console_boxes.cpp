@@ -1,0 +1,15 @@
+#include "platform/display/console_boxes.h"
+
+#include "platform/display/unattended_answer.h"
+#include "platform/text/readable_text.h"
+
+namespace platform {
+
+int ConsoleWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
+                                UINT type) {
+    const std::string line = '[' + ReadableText(caption) + "] " + ReadableText(text) + '\n';
+    std::fputs(line.c_str(), lines_);
+    return SafeAnswer(type);
+}
+
+}  // namespace platform

@@ -1,0 +1,182 @@
+#include "platform/display/display.h"
+
+#include <dlfcn.h>
+#include <netdb.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+#include <charconv>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "platform/display/console_boxes.h"
+#include "platform/io/descriptor.h"
+
+namespace platform {
+
+namespace {
+
+constexpr const char* kOpenWindows = "open the program's windows";
+constexpr char kLibraryFolder[] = "/../lib/fennelbright/";
+constexpr int kFirstPort = 6000;
+
+std::string Environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string() : value;
+}
+
+// A name that begins with a zero byte is one of the kernel's own name space.
+bool CanConnect(std::string_view name) {
+    sockaddr_un address = {};
+    address.sun_family = AF_UNIX;
+    if (name.empty() || name.size() >= sizeof address.sun_path) {
+        return false;
+    }
+    std::memcpy(address.sun_path, name.data(), name.size());
+    const auto length = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + name.size() +
+                                               (name.front() == 0 ? 0 : 1));
+    const Descriptor connection(socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
+    return connect(connection.get(), reinterpret_cast<const sockaddr*>(&address), length) == 0;
+}
+
+bool CanConnectTo(const std::string& host, int port) {
+    addrinfo wanted = {};
+    wanted.ai_socktype = SOCK_STREAM;
+    addrinfo* found = nullptr;
+    if (getaddrinfo(host.c_str(), std::to_string(port).c_str(), &wanted, &found) != 0) {
+        return false;
+    }
+    const std::unique_ptr<addrinfo, void (*)(addrinfo*)> all(found, freeaddrinfo);
+    for (const addrinfo* each = all.get(); each != nullptr; each = each->ai_next) {
+        const Descriptor connection(socket(each->ai_family, SOCK_STREAM | SOCK_CLOEXEC, 0));
+        if (connect(connection.get(), each->ai_addr, each->ai_addrlen) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// A display is named [HOST]:NUMBER[.SCREEN].
+bool XDisplayIsThere(const std::string& display) {
+    const std::size_t colon = display.rfind(':');
+    if (colon == std::string::npos) {
+        return false;
+    }
+    int number = -1;
+    std::from_chars(display.data() + colon + 1, display.data() + display.size(), number);
+    if (number < 0) {
+        return false;
+    }
+    const std::string host = display.substr(0, colon);
+    if (!host.empty() && host != "unix") {
+        return CanConnectTo(host, kFirstPort + number);
+    }
+    const std::string path = "/tmp/.X11-unix/X" + std::to_string(number);
+    return CanConnect(path) || CanConnect(std::string(1, '\0') + path);
+}
+
+bool WaylandIsThere() {
+    const std::string name = Environment("WAYLAND_DISPLAY");
+    if (name.empty()) {
+        return false;
+    }
+    return CanConnect(name.front() == '/' ? name : Environment("XDG_RUNTIME_DIR") + '/' + name);
+}
+
+std::string FolderOfExecutable() {
+    char path[4096];
+    const ssize_t length = readlink("/proc/self/exe", path, sizeof path);
+    const std::string_view whole(path, length < 0 ? 0 : static_cast<std::size_t>(length));
+    return std::string(whole.substr(0, whole.rfind('/')));
+}
+
+bool IsFile(const std::string& path) {
+    struct stat status {};
+    return stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode);
+}
+
+// Whatever the environment says of folders, these two are tried.
+void* LoadModule() {
+    const std::string folder = FolderOfExecutable();
+    const std::string beside = folder + '/' + kDisplayModule;
+    const std::string library = folder + kLibraryFolder + kDisplayModule;
+    return dlopen(IsFile(beside) ? beside.c_str() : library.c_str(),
+                  RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+}
+
+// The module's function of this name, loaded with the module.
+Result<void*> FindInModule(const char* name) {
+    void* const module = LoadModule();
+    void* const found = module == nullptr ? nullptr : dlsym(module, name);
+    if (found == nullptr) {
+        const char* const reason = dlerror();
+        return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
+                      reason == nullptr ? kDisplayModule : reason);
+    }
+    return found;
+}
+
+int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
+    return ConsoleWindows(stderr).MessageBoxW(nullptr, text, caption, type);
+}
+
+}  // namespace
+
+bool DisplayIsThere() {
+    const std::string kinds = Environment("QT_QPA_PLATFORM");
+    const std::string_view chosen = std::string_view(kinds).substr(0, kinds.find_first_of(":;"));
+    if (chosen == "offscreen" || chosen.starts_with("minimal")) {
+        return false;  // nobody sees them
+    }
+    if (!chosen.empty() && chosen != "xcb" && !chosen.starts_with("wayland")) {
+        return true;
+    }
+    return XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere();
+}
+
+DisplayNeeds NeedsFor(const char* device, double scale) {
+    return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
+}
+
+Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs) {
+    const Result<void*> make = FindInModule(kMakeDisplayWindows);
+    if (!make) {
+        return tl::unexpected<Failure>(make.error());
+    }
+    std::unique_ptr<DisplayWindows> windows(reinterpret_cast<MakeDisplayWindows*>(*make)(&needs));
+    if (windows == nullptr) {
+        return FailBecause(kOpenWindows,
+                           "the display cannot be opened; \"silent\" runs without one");
+    }
+    return windows;
+}
+
+Result<std::unique_ptr<DeviceDialogs>> OpenDeviceDialogs(double scale) {
+    const Result<void*> make = FindInModule(kMakeDeviceDialogs);
+    if (!make) {
+        return tl::unexpected<Failure>(make.error());
+    }
+    std::unique_ptr<DeviceDialogs> dialogs(reinterpret_cast<MakeDeviceDialogs*>(*make)(scale));
+    if (dialogs == nullptr) {
+        return FailBecause(kOpenWindows, "the display cannot be opened; --device names a device");
+    }
+    return dialogs;
+}
+
+Status ShowHelpPage(std::string_view page, const std::string& place, double scale) {
+    const Result<void*> show = FindInModule(kShowHelpPage);
+    if (!show) {
+        return tl::unexpected<Failure>(show.error());
+    }
+    const HelpPageNeeds needs = {page, place.c_str(), scale};
+    return reinterpret_cast<ShowHelpPageFunction*>(*show)(&needs)
+               ? Status()
+               : FailBecause(kOpenWindows, "the display cannot be opened");
+}
+
+}  // namespace platform

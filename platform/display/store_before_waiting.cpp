@@ -1,0 +1,29 @@
+#include "platform/display/store_before_waiting.h"
+
+#include <string_view>
+
+namespace platform {
+
+// What could not be stored is tried again when there is more of it.
+void StoringWindows::Store() {
+    const std::uint64_t made = store_.ChangesOfRegistry().made;
+    if (made > tried_) {
+        tried_ = made;
+        [[maybe_unused]] const Status stored = store_.StoreRegistry();
+    }
+}
+
+BOOL StoringWindows::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) {
+    Store();
+    return ForwardingWindows::GetMessageW(message, window, lowest, highest);
+}
+
+int StoringWindows::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
+    Store();
+    if (std::u16string_view(caption).starts_with(u"Error")) {
+        log_.CountUndone();
+    }
+    return ForwardingWindows::MessageBoxW(owner, text, caption, type);
+}
+
+}  // namespace platform

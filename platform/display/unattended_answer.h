@@ -1,0 +1,13 @@
+#pragma once
+
+#include "core/window_operations.h"
+
+namespace platform {
+
+// What a box is answered with when nobody does: OK, or No where Yes and No are offered.
+inline int SafeAnswer(UINT type) {
+    constexpr UINT kButtonsMask = 0xF;
+    return (type & kButtonsMask) == MB_YESNO ? IDNO : IDOK;
+}
+
+}  // namespace platform

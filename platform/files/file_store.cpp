@@ -1,0 +1,583 @@
+#include "platform/files/file_store.h"
+#include "platform/io/whole_file.h"
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/files/dos_attributes.h"
+#include "platform/files/killed_run_recovery.h"
+#include "platform/files/shortcut_file.h"
+#include "platform/io/atomic_file.h"
+#include "platform/io/file_move.h"
+
+namespace platform {
+
+namespace {
+
+constexpr const char* kReadOnly = "it is read-only";
+
+bool IsSameDirectory(int left, int right) {
+    struct stat one {};
+    struct stat other {};
+    return fstat(left, &one) == 0 && fstat(right, &other) == 0 && one.st_dev == other.st_dev &&
+           one.st_ino == other.st_ino;
+}
+
+// Whether a file can be replaced: it is a regular one that can be written.
+Status CheckWritable(int directory, const HostName& name, const EntryFacts& facts) {
+    if (!facts.isRegularFile()) {
+        return FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
+    }
+    if (facts.isReadOnly()) {
+        return FailBecause("write", kReadOnly, ERROR_ACCESS_DENIED);
+    }
+    if (faccessat(directory, name.c_str(), W_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) != 0) {
+        return Fail("write", errno);
+    }
+    return {};
+}
+
+// The same for a place where nothing has the name.
+tl::unexpected<Failure> NotThere(const char* tried) {
+    return Fail(tried, ENOENT);
+}
+
+}  // namespace
+
+BOOL FileStore::Answer(const Status& done) {
+    if (!done) {
+        lastFailure_ = done.error();
+    }
+    return done ? 1 : 0;
+}
+
+// Whatever walks a directory has it open already, and names the entries in it by the same path.
+Status FileStore::ReachDirectory(std::u16string_view path, Place& place) {
+    if (const Search* const search = searches_.InDirectory(path)) {
+        place.directory = search->directory();
+        place.directoryIsRoot = search->directoryIsRoot();
+        return {};
+    }
+    Result<OpenedDirectory> opened = tree_.OpenDirectory(path, OpenFor::Reaching);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
+    }
+    place.owned = std::move(*opened);
+    place.directory = place.owned.descriptor.get();
+    place.directoryIsRoot = place.owned.isRoot;
+    return {};
+}
+
+// Tries the exact name first; what it says when that fails for another reason than absence counts.
+Status FileStore::Examine(Place& place, std::u16string_view device) const {
+    Result<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
+    if (!facts && facts.error().error == ENOENT) {
+        const Result<std::optional<HostName>> spelling =
+            tree_.spellings().Find(place.directory, device);
+        if (!spelling) {
+            return tl::unexpected<Failure>(spelling.error());
+        }
+        if (*spelling) {
+            place.name = **spelling;
+            facts = FactsOf(place.directory, place.name.c_str());
+        }
+    }
+    if (!facts) {
+        return tl::unexpected<Failure>(facts.error());
+    }
+    place.facts = *facts;
+    return {};
+}
+
+Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge knowledge) {
+    const SplitPath split = SplitAtName(path);
+    Place place;
+    if (!HostNameOf(split.name, place.name)) {
+        return NotThere("look at");
+    }
+    if (Status reached = ReachDirectory(split.directory, place); !reached) {
+        return tl::unexpected<Failure>(reached.error());
+    }
+    const Search* const search =
+        knowledge == Knowledge::OfSearch ? searches_.InDirectory(split.directory) : nullptr;
+    const std::optional<EntryFacts> known =
+        search != nullptr ? search->FactsIfCurrent(place.name.view()) : std::nullopt;
+    if (known) {
+        place.facts = *known;
+    } else if (Status examined = Examine(place, split.name); !examined) {
+        return tl::unexpected<Failure>(examined.error());
+    }
+    if (split.directoryOnly && !place.facts.isDirectory()) {
+        return Fail("open", S_ISLNK(place.facts.mode) ? ELOOP : ENOTDIR);
+    }
+    return place;
+}
+
+Result<FileStore::Target> FileStore::LocateTarget(std::u16string_view path) {
+    const SplitPath split = SplitAtName(path);
+    Target target{nullptr, split.name, {}};
+    if (!HostNameOf(split.name, target.host)) {
+        return FailBecause("make", "no entry can have that name", ERROR_INVALID_NAME);
+    }
+    const Result<FilledDirectory*> directory = filled_.Get(tree_, split.directory);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
+    }
+    target.directory = *directory;
+    return target;
+}
+
+// A directory that the search around it has just come to is open already.
+Result<OpenedDirectory> FileStore::OpenForSearch(std::u16string_view path) {
+    const SplitPath split = SplitAtName(path);
+    Search* const around = searches_.InDirectory(split.directory);
+    HostName name;
+    if (around != nullptr && HostNameOf(split.name, name)) {
+        if (Descriptor subdirectory = around->TakeSubdirectory(name.view())) {
+            return OpenedDirectory{std::move(subdirectory), false};
+        }
+    }
+    return tree_.OpenDirectory(path, OpenFor::Reading);
+}
+
+Result<HANDLE> FileStore::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
+    Result<OpenedDirectory> directory = OpenForSearch(pattern.directory);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
+    }
+    auto search = std::make_unique<Search>(pattern.directory, pattern.name, std::move(*directory));
+    const Result<bool> found = search->Next(tree_, data);
+    if (!found) {
+        return tl::unexpected<Failure>(found.error());
+    }
+    if (!*found) {
+        return NotThere("find");
+    }
+    return searches_.Add(std::move(search));
+}
+
+Result<HANDLE> FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
+    if (SplitAtName(path).name.empty()) {
+        if (path.empty() || tree_.root() < 0) {
+            return Fail("look at", ENOTDIR);
+        }
+        PutFindData({}, EntryFacts{S_IFDIR}, 0, data);
+        return searches_.Add(nullptr);
+    }
+    const Result<Place> place = Locate(path, Knowledge::Fresh);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    DWORD attributes = 0;
+    HostName listed = place->name;
+    if (place->facts.isDirectory()) {
+        listed = ListedName(place->directory, place->name);
+        const Result<Descriptor> opened = tree_.OpenSubdirectory(
+            place->directory, place->directoryIsRoot, place->name.c_str(), OpenFor::Reading);
+        attributes = opened ? HiddenAndSystem(opened->get()) : 0;
+    }
+    PutFindData(DeviceNameOf(listed.view()).view(), place->facts, attributes, data);
+    return searches_.Add(nullptr);
+}
+
+Result<HANDLE> FileStore::FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data) {
+    const SplitPath split = SplitAtName(pattern);
+    if (!HasWildcard(split.name)) {
+        return FindEntry(pattern, data);
+    }
+    return split.directoryOnly ? NotThere("find") : FindInDirectory(split, data);
+}
+
+HANDLE FileStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+    const Result<HANDLE> found = FindFirst(pattern, *data);
+    if (!found) {
+        lastFailure_ = found.error();
+    }
+    return found.value_or(INVALID_HANDLE_VALUE);
+}
+
+Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
+    if (!searches_.IsOpen(find)) {
+        return Fail("go on with the search", EBADF);
+    }
+    Search* const search = searches_.Get(find);
+    const Result<bool> more = search != nullptr ? search->Next(tree_, data) : false;
+    if (!more) {
+        return tl::unexpected<Failure>(more.error());
+    }
+    return *more ? Status() : FailBecause("go on", "there is nothing more", ERROR_NO_MORE_FILES);
+}
+
+BOOL FileStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
+    tree_.spellings().EndLooks();
+    return Answer(FindNext(find, *data));
+}
+
+BOOL FileStore::FindClose(HANDLE find) {
+    const bool closed = searches_.Remove(find);
+    ForgetFilledDirectories();
+    return Answer(closed ? Status() : Fail("close the search", EBADF));
+}
+
+Status FileStore::Delete(std::u16string_view path) {
+    const Result<Place> place = Locate(path, Knowledge::OfSearch);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (place->facts.isDirectory()) {
+        return Fail("delete", EISDIR);
+    }
+    if (place->facts.isReadOnly()) {
+        return FailBecause("delete", kReadOnly, ERROR_ACCESS_DENIED);
+    }
+    if (Status ready = BeforeChange(); !ready) {
+        return ready;
+    }
+    if (unlinkat(place->directory, place->name.c_str(), 0) != 0) {
+        return Fail("delete", errno);
+    }
+    deletedSize_ = place->facts.size;
+    return {};
+}
+
+BOOL FileStore::DeleteFileW(const WCHAR* path) {
+    return Answer(Delete(path));
+}
+
+Status FileStore::RemoveDirectory(std::u16string_view path) {
+    const Result<Place> place = Locate(path, Knowledge::OfSearch);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (!place->facts.isDirectory()) {
+        return FailBecause("remove", "it is no directory", ERROR_DIRECTORY);
+    }
+    if (Status ready = BeforeChange(); !ready) {
+        return ready;
+    }
+    if (unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) != 0) {
+        return Fail("remove", errno == EEXIST ? ENOTEMPTY : errno);
+    }
+    return {};
+}
+
+BOOL FileStore::RemoveDirectoryW(const WCHAR* path) {
+    return Answer(RemoveDirectory(path));
+}
+
+Status FileStore::CreateDirectory(std::u16string_view path) {
+    const Result<Target> target = LocateTarget(path);
+    if (!target) {
+        return tl::unexpected<Failure>(target.error());
+    }
+    FilledDirectory& directory = *target->directory;
+    const auto existing = directory.Existing(target->device, target->host);
+    if (!existing) {
+        return tl::unexpected<Failure>(existing.error());
+    }
+    if (*existing) {
+        return Fail("make", EEXIST);
+    }
+    if (Status ready = BeforeMove(); !ready) {
+        return ready;
+    }
+    if (mkdirat(directory.descriptor.get(), target->host.c_str(), moved_.ModeFor(path)) != 0) {
+        return Fail("make", errno);
+    }
+    moved_.Made(path);
+    directory.names.Add(target->device);
+    return {};
+}
+
+BOOL FileStore::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
+    const BOOL made = Answer(CreateDirectory(path));
+    ForgetFilledDirectories();
+    return made;
+}
+
+BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
+    const Result<Place> source = Locate(oldPath, Knowledge::OfSearch);
+    const BOOL moved = Answer(source ? Move(*source, oldPath, newPath)
+                                     : Status(tl::unexpected<Failure>(source.error())));
+    ForgetFilledDirectories();
+    return moved;
+}
+
+Status FileStore::Move(const Place& source, std::u16string_view oldPath,
+                       std::u16string_view newPath) {
+    if (SplitAtName(newPath).directoryOnly && !source.facts.isDirectory()) {
+        return FailBecause("move", "it is no directory", ERROR_DIRECTORY);
+    }
+    const Result<Target> target = LocateTarget(newPath);
+    if (!target) {
+        return tl::unexpected<Failure>(target.error());
+    }
+    FilledDirectory& directory = *target->directory;
+    const int into = directory.descriptor.get();
+    const auto existing = directory.Existing(target->device, target->host);
+    if (!existing) {
+        return tl::unexpected<Failure>(existing.error());
+    }
+    const bool isItself = *existing && (*existing)->view() == source.name.view() &&
+                          IsSameDirectory(source.directory, into);
+    if (isItself) {
+        return {};
+    }
+    if (*existing && (*existing)->view() != target->host.view()) {
+        return Fail("move", EEXIST);
+    }
+    if (Status ready = BeforeMove(); !ready) {
+        return ready;
+    }
+    Status moved = *existing ? FinishMoveTo(source, oldPath, *target)
+                             : MoveTo(source, oldPath, newPath, *target);
+    if (moved) {
+        directory.names.Add(target->device);
+    }
+    return moved;
+}
+
+Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
+                         std::u16string_view newPath, const Target& target) {
+    const int into = target.directory->descriptor.get();
+    const char* const name = target.host.c_str();
+    Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
+    if (moved || moved.error().error != EXDEV) {
+        return moved;
+    }
+    if (!source.facts.isRegularFile()) {
+        return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
+    }
+    const Result<Descriptor> from = tree_.OpenVolume(oldPath);
+    Result<Descriptor> to = tree_.OpenVolume(newPath);
+    if (!from || !to) {
+        return tl::unexpected<Failure>((from ? to : from).error());
+    }
+    return MoveToVolume({source.directory, source.name.c_str(), from->get(), oldPath},
+                        {into, name, to->get()});
+}
+
+// A move that was cut off left the entry under both names.
+Status FileStore::FinishMoveTo(const Place& source, std::u16string_view oldPath,
+                               const Target& target) {
+    const Result<Descriptor> volume = tree_.OpenVolume(oldPath);
+    if (!volume || !source.facts.isRegularFile()) {
+        return Fail("move", EEXIST);
+    }
+    return FinishMove({source.directory, source.name.c_str(), volume->get(), oldPath},
+                      target.directory->descriptor.get(), target.host.c_str());
+}
+
+// What a directory holds is only known to stay as it is for as long as the walk that fills it.
+void FileStore::ForgetFilledDirectories() {
+    tree_.spellings().EndLooks();
+    if (searches_.empty()) {
+        filled_.Clear();
+    }
+}
+
+std::FILE* FileStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
+    const std::u16string_view wanted(mode);
+    Result<std::FILE*> opened =
+        FailBecause("open", "the mode is not known", ERROR_INVALID_PARAMETER);
+    if (wanted == u"r" || wanted == u"rb") {
+        opened = OpenForReading(path);
+    } else if (wanted == u"wb") {
+        opened = OpenForWriting(path, Existing::Replaced);
+    }
+    if (!opened) {
+        lastFailure_ = opened.error();
+    }
+    return opened.value_or(nullptr);
+}
+
+Result<Descriptor> FileStore::OpenFile(std::u16string_view path, Knowledge knowledge) {
+    const Result<Place> place = Locate(path, knowledge);
+    if (!place) {
+        return tl::unexpected<Failure>(place.error());
+    }
+    if (!place->facts.isRegularFile()) {
+        return FailBecause("open", "it is no regular file", ERROR_ACCESS_DENIED);
+    }
+    return OpenRegularFile(place->directory, place->name.c_str());
+}
+
+Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
+    Result<Descriptor> opened = OpenFile(path, Knowledge::Fresh);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
+    }
+    std::FILE* const file = fdopen(opened->get(), "rb");
+    if (file == nullptr) {
+        return Fail("open", errno);
+    }
+    opened->Release();
+    return file;
+}
+
+Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
+    tree_.spellings().EndLooks();
+    const SplitPath split = SplitAtName(path);
+    Place place;
+    if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
+        return FailBecause("write", "no file can have that name", ERROR_INVALID_NAME);
+    }
+    Result<OpenedDirectory> opened = tree_.OpenDirectory(split.directory, OpenFor::Reading);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
+    }
+    place.directory = opened->descriptor.get();
+    const Result<std::optional<struct stat>> replaced = Replaced(place, split.name, existing);
+    if (!replaced) {
+        return tl::unexpected<Failure>(replaced.error());
+    }
+    Result<Descriptor> volume = tree_.OpenVolume(path);
+    if (!volume) {
+        return tl::unexpected<Failure>(volume.error());
+    }
+    if (Status ready = BeforeChange(); !ready) {
+        return tl::unexpected<Failure>(ready.error());
+    }
+    return OpenPublishingStream(std::move(opened->descriptor), std::move(*volume), place.name,
+                                *replaced, lastFailure_);
+}
+
+// The file that the one to be written takes the place of, if there is one.
+Result<std::optional<struct stat>> FileStore::Replaced(Place& place, std::u16string_view device,
+                                                       Existing existing) const {
+    const Status examined = Examine(place, device);
+    if (!examined && examined.error().error == ENOENT) {
+        return std::optional<struct stat>();
+    }
+    if (!examined) {
+        return tl::unexpected<Failure>(examined.error());
+    }
+    if (existing == Existing::Kept) {
+        return Fail("make", EEXIST);
+    }
+    if (Status writable = CheckWritable(place.directory, place.name, place.facts); !writable) {
+        return tl::unexpected<Failure>(writable.error());
+    }
+    std::optional<struct stat> status(std::in_place);
+    if (fstatat(place.directory, place.name.c_str(), &*status, AT_SYMLINK_NOFOLLOW) != 0) {
+        return Fail("look at", errno);
+    }
+    return status;
+}
+
+DWORD FileStore::GetModuleFileNameW(HINSTANCE /*module*/, WCHAR* buffer, DWORD limit) {
+    if (modulePath_.size() >= limit) {
+        lastFailure_ = Failure{"give", {}, ERANGE, "it does not fit", ERROR_INSUFFICIENT_BUFFER};
+        return 0;
+    }
+    *std::copy(modulePath_.begin(), modulePath_.end(), buffer) = 0;
+    return static_cast<DWORD>(modulePath_.size());
+}
+
+Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) {
+    const Result<Descriptor> file = OpenFile(path, Knowledge::OfSearch);
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    Result<std::u16string> target = ReadShortcut(file->get());
+    if (target && (limit <= 0 || target->size() >= static_cast<std::size_t>(limit))) {
+        return FailBecause("read", "its target does not fit", ERROR_INSUFFICIENT_BUFFER);
+    }
+    return target;
+}
+
+// The looks that follow are for its target, of which a text can name very many.
+BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
+    tree_.spellings().BeginLooks();
+    const Result<std::u16string> target = TargetOf(path, limit);
+    if (!target) {
+        lastFailure_ = target.error();
+        return 0;
+    }
+    *std::copy(target->begin(), target->end(), buffer) = 0;
+    return 1;
+}
+
+Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view target) {
+    const Result<std::FILE*> file = OpenForWriting(path, Existing::Kept);
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    const std::string content = ShortcutContent(target);
+    std::fwrite(content.data(), 1, content.size(), *file);
+    if (std::fclose(*file) != 0) {
+        return tl::unexpected<Failure>(lastFailure_);
+    }
+    return {};
+}
+
+BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+    return Answer(CreateShortcut(path, target));
+}
+
+BOOL FileStore::CreateProcessW(const WCHAR* image, const WCHAR* commandLine,
+                               void* /*processSecurity*/, void* /*threadSecurity*/,
+                               BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
+                               WCHAR* /*directory*/, void* /*startup*/, void* /*information*/) {
+    return Answer(StartProgram(image, commandLine));
+}
+
+Status FileStore::StartProgram(std::u16string_view /*image*/, std::u16string_view /*commandLine*/) {
+    return Fail("start the program", ENOENT);
+}
+
+Result<std::string> FileStore::ReadWhole(std::u16string_view path, std::size_t limit) {
+    const Result<Descriptor> file = OpenFile(path, Knowledge::Fresh);
+    return file ? ReadToEnd(file->get(), limit) : tl::unexpected<Failure>(file.error());
+}
+
+BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
+                                void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
+    return Answer(FailBecause("control", "the device has no such control", ERROR_NOT_SUPPORTED));
+}
+
+void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
+    moved_.Begin(tree_, oldPath, newPath);
+}
+
+void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
+    moved_.End(tree_, oldPath);
+}
+
+void FileStore::ClearUp() {
+    ClearUpVolumes(tree_);
+}
+
+LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,
+                              DWORD /*access*/, HKEY* result) {
+    *result = nullptr;
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegQueryValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD* /*reserved*/,
+                                 DWORD* /*type*/, BYTE* /*data*/, DWORD* /*size*/) {
+    return ERROR_FILE_NOT_FOUND;
+}
+
+LONG FileStore::RegSetValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD /*reserved*/,
+                               DWORD /*type*/, const BYTE* /*data*/, DWORD /*size*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegEnumKeyExW(HKEY /*key*/, DWORD /*index*/, WCHAR* /*name*/, DWORD* /*size*/,
+                              DWORD* /*reserved*/, WCHAR* /*className*/, DWORD* /*classSize*/,
+                              void* /*lastWriteTime*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegDeleteKeyW(HKEY /*key*/, const WCHAR* /*subkey*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+LONG FileStore::RegCloseKey(HKEY /*key*/) {
+    return ERROR_INVALID_HANDLE;
+}
+
+}  // namespace platform

@@ -1,0 +1,139 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/files/destination_directories.h"
+#include "platform/files/moved_directory_attributes.h"
+#include "platform/files/open_searches.h"
+#include "platform/files/path_resolver.h"
+#include "platform/seam/device_store.h"
+
+namespace platform {
+
+// The device store of a device that has files and shortcuts but no registry and no power switch:
+// the handheld's files are the host's files below one root directory.
+class FileStore : public DeviceStore {
+  public:
+    // `root` is the open root directory of the device's files, none for a device without files.
+    // `modulePath` is where the program's executable lies on the device.
+    FileStore(Descriptor root, std::u16string modulePath)
+        : tree_(std::move(root)), modulePath_(std::move(modulePath)) {}
+
+    HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
+    BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
+    BOOL FindClose(HANDLE find) override;
+    BOOL DeleteFileW(const WCHAR* path) override;
+    BOOL RemoveDirectoryW(const WCHAR* path) override;
+    BOOL CreateDirectoryW(const WCHAR* path, void* security) override;
+    BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
+    std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override;
+    DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override;
+    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                        void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                        WCHAR* directory, void* startup, void* information) override;
+    BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override;
+    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
+    BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
+                         DWORD* returned) override;
+    void SetCleanRebootFlag() override {}
+
+    // Without a registry no key is ever there.
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override;
+    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                          DWORD* size) override;
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override;
+    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override;
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
+    LONG RegCloseKey(HKEY key) override;
+
+    const Failure& LastFailure() const override { return lastFailure_; }
+    std::optional<std::uint64_t> DeletedSize() const override { return deletedSize_; }
+    RegistryChanges ChangesOfRegistry() const override { return {}; }
+    bool IsChangeLost(std::uint64_t /*change*/) const override { return false; }
+    Status StoreRegistry() override { return {}; }
+    void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override;
+    void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override;
+    void NothingMoves(const WCHAR* /*source*/, const WCHAR* /*destination*/) override {}
+
+    // Clears up after processes that were killed: removes what they left unpublished and gives the
+    // sources that they had set aside their names back. Only while no other process is at work on
+    // the device.
+    void ClearUp();
+
+  protected:
+    // Asked before anything in the file tree changes, and before an entry is moved or a directory
+    // made; where they fail, nothing is changed.
+    virtual Status BeforeChange() { return {}; }
+    virtual Status BeforeMove() { return {}; }
+
+    // Starts a program; here there is none.
+    virtual Status StartProgram(std::u16string_view image, std::u16string_view commandLine);
+
+    // The content of a file of at most `limit` bytes.
+    Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);
+
+    // Keeps the reason of a failure. Returns whether there was none, as the platform has it.
+    BOOL Answer(const Status& done);
+
+  private:
+    // An entry that is there, reached through its open directory.
+    struct Place {
+        int directory = -1;
+        OpenedDirectory owned;  // empty where a search has the directory open
+        bool directoryIsRoot = false;
+        HostName name;
+        EntryFacts facts;
+    };
+    // A name in a directory that is being filled.
+    struct Target {
+        FilledDirectory* directory;
+        std::u16string_view device;
+        HostName host;
+    };
+    // Whether facts that a search found a moment ago will do.
+    enum class Knowledge { Fresh, OfSearch };
+    // What becomes of a file that has the name of the one to be written.
+    enum class Existing { Replaced, Kept };
+
+    Status ReachDirectory(std::u16string_view path, Place& place);
+    Result<Place> Locate(std::u16string_view path, Knowledge knowledge);
+    Status Examine(Place& place, std::u16string_view device) const;
+    Result<Target> LocateTarget(std::u16string_view path);
+    Result<OpenedDirectory> OpenForSearch(std::u16string_view path);
+    Result<HANDLE> FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data);
+    Result<HANDLE> FindEntry(std::u16string_view path, WIN32_FIND_DATA& data);
+    Result<HANDLE> FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data);
+    Status FindNext(HANDLE find, WIN32_FIND_DATA& data);
+    Status Delete(std::u16string_view path);
+    Status RemoveDirectory(std::u16string_view path);
+    Status CreateDirectory(std::u16string_view path);
+    Status Move(const Place& source, std::u16string_view oldPath, std::u16string_view newPath);
+    Status MoveTo(const Place& source, std::u16string_view oldPath, std::u16string_view newPath,
+                  const Target& target);
+    Status FinishMoveTo(const Place& source, std::u16string_view oldPath, const Target& target);
+    void ForgetFilledDirectories();
+    Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
+    Result<std::FILE*> OpenForReading(std::u16string_view path);
+    Result<std::FILE*> OpenForWriting(std::u16string_view path, Existing existing);
+    Result<std::optional<struct stat>> Replaced(Place& place, std::u16string_view device,
+                                                Existing existing) const;
+    Result<std::u16string> TargetOf(std::u16string_view path, int limit);
+    Status CreateShortcut(std::u16string_view path, std::u16string_view target);
+
+    DeviceTree tree_;
+    std::u16string modulePath_;
+    FindTable searches_;
+    FilledDirectories filled_;
+    MovedDirectories moved_;
+    Failure lastFailure_;
+    std::optional<std::uint64_t> deletedSize_;
+};
+
+}  // namespace platform

@@ -1,0 +1,19 @@
+#pragma once
+
+#include "platform/diagnostics/failure.h"
+
+namespace platform {
+
+class DeviceTree;
+
+// Clears up after processes that were killed, on all volumes of the device: removes what they left
+// unpublished and gives the files that they had set aside their names back. What cannot be put
+// right stays, and the run says so. Only while no other process is at work on the device.
+void ClearUpVolumes(const DeviceTree& tree);
+
+// Removes the files that earlier processes left unpublished in an open directory, whatever way it
+// is open, and nothing else. Only while no other process is at work there. A file that cannot be
+// removed stays and is no failure.
+Status RemoveUnpublishedFilesIn(int directory);
+
+}  // namespace platform

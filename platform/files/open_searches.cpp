@@ -1,0 +1,116 @@
+#include "platform/files/open_searches.h"
+
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "platform/files/dos_attributes.h"
+
+namespace platform {
+
+Result<bool> Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
+    for (;;) {
+        subdirectory_.Close();
+        facts_.reset();
+        Result<bool> more = reader_.Next(directory());
+        if (!more || !*more || Examine(tree, data)) {
+            return more;
+        }
+    }
+}
+
+// Nothing for an entry that has vanished meanwhile. One that cannot be looked at is listed all the
+// same, as what the directory says it is, so that whoever works on it meets the failure.
+std::optional<EntryFacts> Search::LookAt(const DirectoryReader::Entry& entry) {
+    if (entry.type == DT_DIR) {
+        return facts_ = EntryFacts{S_IFDIR};
+    }
+    const Result<EntryFacts> facts = FactsOf(directory(), entry.name);
+    if (facts) {
+        return facts_ = *facts;
+    }
+    const EntryFacts unknown{static_cast<mode_t>(DTTOIF(entry.type) | S_IWUSR)};
+    return facts.error().error == ENOENT ? std::nullopt : std::optional(unknown);
+}
+
+// Returns false for an entry that does not match, and for one that has vanished meanwhile.
+bool Search::Examine(const DeviceTree& tree, WIN32_FIND_DATA& data) {
+    const DirectoryReader::Entry& entry = reader_.entry();
+    const DeviceName name = DeviceNameOf(entry.name);
+    if (name.view().empty() || (pattern_ != u"*" && !MatchesPattern(pattern_, name.view()))) {
+        return false;
+    }
+    const std::optional<EntryFacts> facts = LookAt(entry);
+    if (!facts) {
+        return false;
+    }
+    DWORD attributes = 0;
+    if (facts->isDirectory()) {
+        // Whoever is shown a directory mostly walks it next, and its attributes have to be read
+        // from it opened in any case.
+        subdirectory_ =
+            tree.OpenSubdirectory(directory(), directoryIsRoot(), entry.name, OpenFor::Reading)
+                .value_or(Descriptor());
+        attributes = subdirectory_ ? HiddenAndSystem(subdirectory_.get()) : 0;
+    }
+    PutFindData(name.view(), *facts, attributes, data);
+    return true;
+}
+
+std::optional<EntryFacts> Search::FactsIfCurrent(std::string_view host) const {
+    return facts_ && host == reader_.entry().name ? facts_ : std::nullopt;
+}
+
+Descriptor Search::TakeSubdirectory(std::string_view host) {
+    return subdirectory_ && host == reader_.entry().name ? std::move(subdirectory_) : Descriptor();
+}
+
+HANDLE FindTable::Add(std::unique_ptr<Search> search) {
+    open_.push_back({++lastNumber_, std::move(search)});
+    return reinterpret_cast<HANDLE>(lastNumber_);  // NOLINT(performance-no-int-to-ptr)
+}
+
+// The innermost search is used most, so it is looked for first.
+std::vector<FindTable::OpenSearch>::const_iterator FindTable::Find(HANDLE handle) const {
+    const auto number = reinterpret_cast<std::uintptr_t>(handle);
+    const auto found = std::find_if(open_.rbegin(), open_.rend(), [number](const OpenSearch& open) {
+        return open.number == number;
+    });
+    return found == open_.rend() ? open_.end() : std::prev(found.base());
+}
+
+bool FindTable::Remove(HANDLE handle) {
+    const auto found = Find(handle);
+    if (found == open_.end()) {
+        return false;
+    }
+    open_.erase(found);
+    return true;
+}
+
+Search* FindTable::Get(HANDLE handle) const {
+    const auto found = Find(handle);
+    return found == open_.end() ? nullptr : found->search.get();
+}
+
+Search* FindTable::InDirectory(std::u16string_view path) const {
+    const auto found = std::find_if(open_.rbegin(), open_.rend(), [path](const OpenSearch& open) {
+        return open.search != nullptr && open.search->path() == path;
+    });
+    return found == open_.rend() ? nullptr : found->search.get();
+}
+
+void PutFindData(std::u16string_view name, const EntryFacts& facts, DWORD attributes,
+                 WIN32_FIND_DATA& data) {
+    data.dwFileAttributes = attributes | (facts.isDirectory() ? FILE_ATTRIBUTE_DIRECTORY : 0) |
+                            (facts.isReadOnly() ? FILE_ATTRIBUTE_READONLY : 0);
+    if (data.dwFileAttributes == 0) {
+        data.dwFileAttributes = FILE_ATTRIBUTE_NORMAL;
+    }
+    data.nFileSizeHigh = static_cast<DWORD>(facts.size >> 32);
+    data.nFileSizeLow = static_cast<DWORD>(facts.size);
+    *std::copy(name.begin(), name.end(), data.cFileName) = 0;
+}
+
+}  // namespace platform

@@ -1,0 +1,221 @@
+#include "platform/host/command_line.h"
+
+#include <getopt.h>
+
+#include <cstdlib>
+#include <optional>
+
+#include "platform/device/sample_device.h"
+#include "platform/display/display.h"
+#include "platform/text/readable_text.h"
+
+namespace platform {
+
+const char kHelp[] =
+    "Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]\n"
+    "       fennelbright [OPTION]...\n"
+    "       fennelbright --device DIR --boot [OPTION]...\n"
+    "       fennelbright --new-device DIR\n"
+    "\n"
+    "Cleans up and tunes the handheld whose files and registry are in DIR.\n"
+    "\n"
+    "  --device DIR      the device directory: \"files\" in it is the handheld's file tree,\n"
+    "                    \"registry.reg\" its registry\n"
+    "  --module PATH     where the program lies on the device; settings.dat is beside it\n"
+    "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
+    "  --report          say on standard output what was done, and what could not be\n"
+    "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
+    "  --no-display      open no window; messages go to standard error\n"
+    "  --boot            do what the device does when it starts: run the program for each "
+    "shortcut\n"
+    "                    of \\Windows\\StartUp that names it\n"
+    "  --scale N         show the handheld's screen N times as large, 1 to 8 (as large as the\n"
+    "                    desktop allows)\n"
+    "  --new-device DIR  make a sample device\n"
+    "  --help, --version\n"
+    "\n"
+    "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
+    "windows; without one the program opens its windows on the display, and asks there for the\n"
+    "device directory if none is named.\n"
+    "\n"
+    "Exit codes: 0 the program has ended as it does; 1 the display was lost; 64 wrong usage; 65 "
+    "the\n"
+    "registry cannot be read; 66 no usable device directory; 69 no display for the program's\n"
+    "windows; 71 out of memory; 73 what is to be made or stored cannot be; 74 registry or "
+    "settings\n"
+    "are not stored; 75 the device is in use by another run; 78 no settings, with --strict.\n";
+
+namespace {
+
+// What stands between the options comes as choice 1.
+enum Choice {
+    kWord = 1,
+    kDevice,
+    kModule,
+    kReport,
+    kStrict,
+    kNoDisplay,
+    kScale,
+    kBoot,
+    kNewDevice,
+    kShowHelpPage,
+    kHelpChoice,
+    kVersion
+};
+
+constexpr double kLargestScale = 8;
+
+constexpr option kChoices[] = {
+    {"device", required_argument, nullptr, kDevice},
+    {"module", required_argument, nullptr, kModule},
+    {"report", no_argument, nullptr, kReport},
+    {"strict", no_argument, nullptr, kStrict},
+    {"no-display", no_argument, nullptr, kNoDisplay},
+    {"boot", no_argument, nullptr, kBoot},
+    {"scale", required_argument, nullptr, kScale},
+    {"new-device", required_argument, nullptr, kNewDevice},
+    // With which the program starts its help viewer; nobody else has a use for it.
+    {"show-help-page", required_argument, nullptr, kShowHelpPage},
+    {"help", no_argument, nullptr, kHelpChoice},
+    {"version", no_argument, nullptr, kVersion},
+    {nullptr, 0, nullptr, 0},
+};
+
+constexpr const char* kUnderstand = "understand the command line";
+
+Status Refuse(const char* reason) {
+    return FailBecause(kUnderstand, reason);
+}
+
+Status RefuseUnless(bool holds, const char* reason) {
+    return holds ? Status() : Refuse(reason);
+}
+
+// Appends a word to the program's own command line.
+Status TakeWord(const char* value, CommandLine& line) {
+    const std::optional<std::u16string> word = WideText(value);
+    if (!word) {
+        return Refuse("a word of the command line is not UTF-8");
+    }
+    line.programLine += line.programLine.empty() ? u"" : u" ";
+    line.programLine += *word;
+    return {};
+}
+
+// Who asks for help is not to start anything.
+void SetTask(CommandLine& line, CommandLine::Task task) {
+    if (line.task != CommandLine::Task::ShowHelp && line.task != CommandLine::Task::ShowVersion) {
+        line.task = task;
+    }
+}
+
+Status TakeScale(const char* value, CommandLine& line) {
+    char* end = nullptr;
+    line.scale = std::strtod(value, &end);
+    const bool whole = end != value && *end == '\0';
+    return RefuseUnless(whole && line.scale >= 1 && line.scale <= kLargestScale,
+                        "the scale is not from 1 to 8");
+}
+
+Status TakeDevice(const char* value, CommandLine::Task task, CommandLine& line) {
+    if (!line.device.empty()) {
+        return Refuse("more than one device directory is named");
+    }
+    line.device = value;
+    SetTask(line, task);
+    return RefuseUnless(!line.device.empty(), "the device directory is named by an empty word");
+}
+
+Status TakeModule(const char* value, CommandLine& line) {
+    line.modulePath = WideText(value).value_or(std::u16string());
+    return RefuseUnless(!line.modulePath.empty(), "the path after --module is empty or not UTF-8");
+}
+
+// Options that take no value and only set something.
+Status TakeSwitch(int choice, CommandLine& line) {
+    switch (choice) {
+        case kReport:
+            line.report = true;
+            return {};
+        case kStrict:
+            line.strict = true;
+            return {};
+        case kNoDisplay:
+            line.noDisplay = true;
+            return {};
+        case kBoot:
+            SetTask(line, CommandLine::Task::Boot);
+            return {};
+        case kHelpChoice:
+            line.task = CommandLine::Task::ShowHelp;
+            return {};
+        case kVersion:
+            line.task = CommandLine::Task::ShowVersion;
+            return {};
+        default:
+            return Refuse("nothing was started");
+    }
+}
+
+Status Take(int choice, const char* value, CommandLine& line) {
+    switch (choice) {
+        case kWord:
+            return TakeWord(value, line);
+        case kDevice:
+            return TakeDevice(value, line.task, line);
+        case kNewDevice:
+            return TakeDevice(value, CommandLine::Task::MakeSampleDevice, line);
+        case kModule:
+            return TakeModule(value, line);
+        case kScale:
+            return TakeScale(value, line);
+        case kShowHelpPage:
+            line.helpPlace = value;
+            SetTask(line, CommandLine::Task::ShowHelpPage);
+            return {};
+        default:
+            return TakeSwitch(choice, line);
+    }
+}
+
+// Whether the user can be asked for the device: the program is to open windows on a display.
+bool AsksForDevice(const CommandLine& line) {
+    return line.task == CommandLine::Task::Run && line.programLine.empty() && !line.noDisplay &&
+           DisplayIsThere();
+}
+
+Status CheckComplete(const CommandLine& line) {
+    const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
+    if (runs && line.device.empty() && !AsksForDevice(line)) {
+        return Refuse("no device directory is named");
+    }
+    if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
+        return Refuse("a sample device takes no command line");
+    }
+    if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
+        return Refuse("the shortcuts have the command lines for --boot");
+    }
+    return {};
+}
+
+}  // namespace
+
+Result<CommandLine> ParseCommandLine(int count, char** words) {
+    CommandLine line;
+    line.modulePath = kDefaultModulePath;
+    Status taken;
+    for (int choice = 0;
+         taken && (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
+        taken = Take(choice, optarg, line);
+    }
+    for (; taken && optind < count; ++optind) {
+        taken = TakeWord(words[optind], line);
+    }
+    taken = taken ? CheckComplete(line) : taken;
+    if (!taken) {
+        return tl::unexpected<Failure>(taken.error());
+    }
+    return line;
+}
+
+}  // namespace platform

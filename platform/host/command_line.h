@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "core/platform_types.h"
+#include "platform/diagnostics/failure.h"
+
+namespace platform {
+
+// What the words of the host's command line ask for.
+struct CommandLine {
+    enum class Task { Run, Boot, MakeSampleDevice, ShowHelpPage, ShowHelp, ShowVersion };
+
+    Task task = Task::Run;
+    std::string device;  // the directory to run on, or to make; empty: its user is to be asked
+    std::u16string modulePath;
+    std::u16string programLine;  // the program's own command line
+    std::string helpPlace;       // of the help page on standard input that is to be shown
+    bool report = false;
+    bool strict = false;
+    bool noDisplay = false;
+    double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
+};
+
+// Reads the command line. About an option that it does not know, getopt_long writes a line to
+// standard error first.
+Result<CommandLine> ParseCommandLine(int count, char** words);
+
+extern const char kHelp[];
+
+}  // namespace platform

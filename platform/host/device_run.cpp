@@ -1,0 +1,230 @@
+#include "platform/host/device_run.h"
+
+#include <sysexits.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+
+#include "core/win_main.h"
+#include "platform/device/device_directory.h"
+#include "platform/device/directory_store.h"
+#include "platform/device/sample_device.h"
+#include "platform/device/sample_registry.h"
+#include "platform/diagnostics/run_log.h"
+#include "platform/display/console_boxes.h"
+#include "platform/display/display.h"
+#include "platform/display/responsive_store.h"
+#include "platform/display/silent_run_boxes.h"
+#include "platform/display/store_before_waiting.h"
+#include "platform/files/killed_run_recovery.h"
+#include "platform/report/recording_store.h"
+
+namespace platform {
+
+namespace {
+
+// One run of the program on one device. Each step returns the exit code with which the run ends
+// there; nothing when it goes on.
+class DeviceRun {
+  public:
+    explicit DeviceRun(CommandLine& line)
+        : line_(line), log_(line.device), logInUse_(log_), isSilent_(IsSilent(line)) {}
+
+    int Carry();
+
+  private:
+    using ExitCode = std::optional<int>;
+
+    static bool IsSilent(const CommandLine& line) {
+        return IsSilentCommandLine(line.programLine.c_str());
+    }
+
+    ExitCode Refuse(int code, const Failure& failure);
+    ExitCode OpenDevice();
+    ExitCode TakeLock();
+    ExitCode OpenStore();
+    ExitCode OpenWindows();
+    DeviceStore& store();
+    int RunProgram(DeviceStore& store, WindowSystem& windows);
+    int RunWithWindows();
+    int Finish();
+    [[noreturn]] void EndOnTheSpot(int code);
+
+    CommandLine& line_;
+    RunLog log_;
+    LogInUse logInUse_;
+    bool isSilent_;
+    bool isLocked_ = false;
+    DeviceDirectory device_;
+    std::unique_ptr<DirectoryStore> store_;
+    std::unique_ptr<DisplayWindows> windows_;  // of an interactive run
+    std::optional<RecordingStore> recorder_;   // where somebody wants to know what was done
+};
+
+DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
+    log_.Say(Describe(failure));
+    return code;
+}
+
+DeviceRun::ExitCode DeviceRun::OpenDevice() {
+    Result<DeviceDirectory> device = OpenDeviceDirectory(line_.device.c_str());
+    if (!device) {
+        return Refuse(EX_NOINPUT, device.error());
+    }
+    device_ = std::move(*device);
+    return {};
+}
+
+DeviceRun::ExitCode DeviceRun::TakeLock() {
+    const Result<bool> locked = LockDevice(device_);
+    if (locked && !*locked) {
+        log_.Say("in use by another run; try again when that has ended");
+        return EX_TEMPFAIL;
+    }
+    if (!locked) {
+        log_.Say("it cannot be locked, so see to it that nothing else works on it: " +
+                 ReasonOf(locked.error()));
+    }
+    isLocked_ = locked.has_value();
+    return {};
+}
+
+DeviceRun::ExitCode DeviceRun::OpenStore() {
+    auto registry = Registry::Open(device_.directory.get());
+    if (!registry) {
+        return Refuse(EX_DATAERR, registry.error());
+    }
+    store_ = std::make_unique<DirectoryStore>(std::move(device_.files), line_.modulePath,
+                                              std::move(*registry),
+                                              [this](int code) { EndOnTheSpot(code); });
+    if (isLocked_) {
+        store_->ClearUp();
+        RemoveUnpublishedFilesIn(device_.directory.get());
+    }
+    if (line_.report || line_.strict) {
+        recorder_.emplace(*store_, line_.report ? stdout : nullptr, log_);
+    }
+    return {};
+}
+
+DeviceStore& DeviceRun::store() {
+    if (recorder_) {
+        return *recorder_;
+    }
+    return *store_;
+}
+
+// The registry is asked before its owner ticks and chooses what could not be stored then.
+DeviceRun::ExitCode DeviceRun::OpenWindows() {
+    if (isSilent_) {
+        return {};
+    }
+    if (const Status storable = store_->CheckStorable(); !storable) {
+        return Refuse(EX_CANTCREAT, storable.error());
+    }
+    Result<std::unique_ptr<DisplayWindows>> windows = FailBecause(
+        "open the program's windows", "--no-display keeps them away; \"silent\" runs without them");
+    if (!line_.noDisplay) {
+        windows = DisplayIsThere()
+                      ? OpenDisplayWindows(NeedsFor(line_.device.c_str(), line_.scale))
+                      : FailBecause("open the program's windows",
+                                    "no display answers under DISPLAY or WAYLAND_DISPLAY; "
+                                    "\"silent\" runs without one");
+    }
+    if (!windows) {
+        return Refuse(EX_UNAVAILABLE, windows.error());
+    }
+    windows_ = std::move(*windows);
+    store_->OfferHelp(std::make_unique<HelpViewers>("/proc/self/exe", line_.scale));
+    return {};
+}
+
+int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
+    StoringWindows storing(windows, store, log_);
+    const StoreInUse storeInUse(store);
+    const WindowsInUse windowsInUse(storing);
+    return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
+}
+
+int DeviceRun::RunWithWindows() {
+    if (windows_ != nullptr) {
+        AnsweringStore answering(store(), *windows_);
+        return RunProgram(answering, *windows_);
+    }
+    if (line_.noDisplay) {
+        ConsoleWindows console(stderr);
+        return RunProgram(store(), console);
+    }
+    BoxesOnDemand boxes(NeedsFor(line_.device.c_str(), line_.scale), stderr);
+    return RunProgram(store(), boxes);
+}
+
+int DeviceRun::Finish() {
+    [[maybe_unused]] const Status stored = store().StoreRegistry();
+    if (recorder_) {
+        if (const Status finished = recorder_->Finish(); !finished) {
+            log_.SayUndone(Describe(finished.error()));
+        }
+    }
+    return log_.ExitCode(line_.strict);
+}
+
+// What a process that ends on the spot still holds is written first; nobody destroys anything.
+void DeviceRun::EndOnTheSpot(int code) {
+    const int result = code == 0 ? Finish() : code;
+    std::fflush(nullptr);
+    std::_Exit(result);
+}
+
+int DeviceRun::Carry() {
+    for (const auto step : {&DeviceRun::OpenDevice, &DeviceRun::TakeLock, &DeviceRun::OpenStore,
+                            &DeviceRun::OpenWindows}) {
+        if (const ExitCode refused = (this->*step)()) {
+            return *refused;
+        }
+    }
+    RunWithWindows();
+    return Finish();
+}
+
+}  // namespace
+
+int RunOnDevice(CommandLine& line) {
+    return DeviceRun(line).Carry();
+}
+
+namespace {
+
+Status FillSample(DeviceDirectory& device, const CommandLine& line) {
+    if (Status written = WriteSampleRegistry(device.directory.get()); !written) {
+        return written;
+    }
+    auto registry = Registry::Open(device.directory.get());
+    if (!registry) {
+        return tl::unexpected<Failure>(registry.error());
+    }
+    DirectoryStore store(std::move(device.files), line.modulePath, std::move(*registry));
+    const StoreInUse inUse(store);
+    return FillSampleDevice(store);
+}
+
+}  // namespace
+
+Status MakeSampleDevice(const CommandLine& line) {
+    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
+    return device ? FillSample(*device, line) : Status(tl::unexpected<Failure>(device.error()));
+}
+
+int MakeSample(const CommandLine& line) {
+    RunLog log(line.device);
+    const LogInUse logInUse(log);
+    const Status made = MakeSampleDevice(line);
+    if (!made) {
+        log.Say("no whole sample device: " + Describe(made.error()));
+    }
+    return made ? 0 : EX_CANTCREAT;
+}
+
+}  // namespace platform

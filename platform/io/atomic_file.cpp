@@ -1,0 +1,199 @@
+#include "platform/io/atomic_file.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <string>
+
+#include "platform/files/path_resolver.h"
+#include "platform/io/file_move.h"
+
+namespace platform {
+
+namespace {
+
+constexpr char kStore[] = "store the new file";
+constexpr mode_t kNewFileMode = 0666;
+
+// The only way by which everyone may give a nameless file a name.
+constexpr char kOpenFiles[] = "/proc/self/fd/";
+
+}  // namespace
+
+Result<std::unique_ptr<UnpublishedFile>> UnpublishedFile::Create(int directory, int volume) {
+    std::optional<HostName> reserved;
+    Descriptor file;
+    if (access(kOpenFiles, F_OK) == 0) {
+        file = Descriptor(openat(directory, ".", O_TMPFILE | O_RDWR | O_CLOEXEC, kNewFileMode));
+    }
+    if (!file) {
+        reserved = NewReservedName();
+        file = Descriptor(openat(volume, reserved->c_str(),
+                                 O_CREAT | O_EXCL | O_RDWR | O_NOFOLLOW | O_CLOEXEC, kNewFileMode));
+    }
+    if (!file) {
+        return Fail("make a file", errno);
+    }
+    return std::unique_ptr<UnpublishedFile>(new UnpublishedFile(std::move(file), volume, reserved));
+}
+
+UnpublishedFile::~UnpublishedFile() {
+    if (reserved_) {
+        unlinkat(volume_, reserved_->c_str(), 0);
+    }
+}
+
+Status UnpublishedFile::Link(int directory, const char* name) const {
+    const std::string path = kOpenFiles + std::to_string(descriptor());
+    if (linkat(AT_FDCWD, path.c_str(), directory, name, AT_SYMLINK_FOLLOW) != 0) {
+        return Fail("name the new file", errno);
+    }
+    return {};
+}
+
+// A link cannot replace a file, only a renaming can: so the file needs a name first.
+Status UnpublishedFile::Reserve() {
+    const HostName reserved = NewReservedName();
+    Status linked = Link(volume_, reserved.c_str());
+    if (linked) {
+        reserved_ = reserved;
+    }
+    return linked;
+}
+
+Status UnpublishedFile::PublishNew(int directory, const char* name) {
+    if (fsync(descriptor()) != 0) {
+        return Fail(kStore, errno);
+    }
+    if (!reserved_) {
+        if (Status linked = Link(directory, name); !linked) {
+            return linked;
+        }
+    } else if (Status renamed =
+                   RenameWithoutReplacing(volume_, reserved_->c_str(), directory, name);
+               !renamed) {
+        return renamed;
+    }
+    reserved_.reset();
+    Status synced = SyncEntries(directory);
+    if (!synced) {
+        Withdraw(directory, name);
+    }
+    return synced;
+}
+
+void UnpublishedFile::Withdraw(int directory, const char* name) const {
+    struct stat mine {};
+    if (fstat(descriptor(), &mine) == 0 && StandsFor(directory, name, mine)) {
+        unlinkat(directory, name, 0);
+    }
+}
+
+// With the name that publishing needs: nothing that takes time is left to be done then.
+Status UnpublishedFile::Store() {
+    if (isStored_) {
+        return {};
+    }
+    if (fsync(descriptor()) != 0) {
+        return Fail(kStore, errno);
+    }
+    Status named = reserved_ ? Status() : Reserve();
+    isStored_ = named.has_value();
+    return named;
+}
+
+Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
+    if (Status stored = Store(); !stored) {
+        return stored;
+    }
+    if (renameat(volume_, reserved_->c_str(), directory, name) != 0) {
+        return Fail("replace the old file", errno);
+    }
+    reserved_.reset();
+    return SyncEntries(directory);
+}
+
+void TakeModeAndOwner(int file, const struct stat& from) {
+    mode_t mode = from.st_mode & (S_ISDIR(from.st_mode) ? 07777 : 0777);
+    // Only root can give a file away, and others only to groups of their own. In another group the
+    // members of both are given no more than either kind of stranger had.
+    if (fchown(file, from.st_uid, from.st_gid) != 0 &&
+        fchown(file, static_cast<uid_t>(-1), from.st_gid) != 0) {
+        const mode_t both = mode >> 3 & mode & S_IRWXO;
+        mode = (mode & (S_ISVTX | S_IRWXU)) | both << 3 | both;
+    }
+    fchmod(file, mode);
+}
+
+namespace {
+
+struct PublishingStream {
+    Descriptor directory;
+    Descriptor volume;
+    HostName name;
+    std::optional<struct stat> replaced;
+    Failure& failure;
+    std::unique_ptr<UnpublishedFile> file;
+    Status written;
+};
+
+ssize_t WriteStream(void* cookie, const char* bytes, std::size_t count) {
+    auto& stream = *static_cast<PublishingStream*>(cookie);
+    if (stream.written) {
+        stream.written = WriteWhole(stream.file->descriptor(), {bytes, count});
+    }
+    return stream.written ? static_cast<ssize_t>(count) : 0;
+}
+
+Status Replace(const PublishingStream& stream) {
+    const Result<Descriptor> old = OpenRegularFile(stream.directory.get(), stream.name.c_str());
+    if (old) {
+        CopyUserAttributes(old->get(), stream.file->descriptor());
+    }
+    TakeModeAndOwner(stream.file->descriptor(), *stream.replaced);
+    return stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
+}
+
+Status Publish(const PublishingStream& stream) {
+    if (!stream.written) {
+        return stream.written;
+    }
+    return stream.replaced ? Replace(stream)
+                           : stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
+}
+
+int CloseStream(void* cookie) {
+    const std::unique_ptr<PublishingStream> stream(static_cast<PublishingStream*>(cookie));
+    const Status published = Publish(*stream);
+    if (published) {
+        return 0;
+    }
+    stream->failure = published.error();
+    errno = published.error().error;
+    return -1;
+}
+
+}  // namespace
+
+Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
+                                        const HostName& name,
+                                        const std::optional<struct stat>& replaced,
+                                        Failure& failure) {
+    auto file = UnpublishedFile::Create(directory.get(), volume.get());
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    auto stream = std::unique_ptr<PublishingStream>(
+        new PublishingStream{std::move(directory), std::move(volume), name, replaced, failure,
+                             std::move(*file), Status()});
+    std::FILE* const opened =
+        fopencookie(stream.get(), "w",
+                    {.read = nullptr, .write = WriteStream, .seek = nullptr, .close = CloseStream});
+    if (opened == nullptr) {
+        return Fail("open", errno);
+    }
+    static_cast<void>(stream.release());
+    return opened;
+}
+
+}  // namespace platform

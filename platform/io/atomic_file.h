@@ -1,0 +1,68 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <memory>
+#include <optional>
+
+#include "platform/diagnostics/failure.h"
+#include "platform/io/descriptor.h"
+#include "platform/text/device_names.h"
+
+namespace platform {
+
+// A new file whose content is not complete yet. It has no name where the file system allows that,
+// else a reserved one in its volume's root directory. It goes with the object unless it was
+// published.
+class UnpublishedFile {
+  public:
+    // An empty file, readable and writable by its owner, to be published in `directory`; `volume`
+    // is the root of the same volume and stays the caller's to keep open.
+    static Result<std::unique_ptr<UnpublishedFile>> Create(int directory, int volume);
+    ~UnpublishedFile();
+    UnpublishedFile(const UnpublishedFile&) = delete;
+    UnpublishedFile& operator=(const UnpublishedFile&) = delete;
+
+    int descriptor() const { return descriptor_.get(); }
+
+    // Stores the content safely; PublishInPlace does so too unless that is done. Nothing may be
+    // written afterwards. What another program does in the time that this takes can be looked at
+    // before the file is published.
+    Status Store();
+
+    // Gives the file its name, with content and name safely stored. PublishNew fails where
+    // something has that name, and after a failure the file has none. PublishInPlace replaces what
+    // has that name; after a failure it stands for the old file or the new one, whole.
+    Status PublishNew(int directory, const char* name);
+    Status PublishInPlace(int directory, const char* name);
+
+    // Takes the name that PublishNew gave away again, unless it stands for another file by now.
+    void Withdraw(int directory, const char* name) const;
+
+  private:
+    UnpublishedFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
+        : descriptor_(std::move(descriptor)), volume_(volume), reserved_(reserved) {}
+
+    Status Link(int directory, const char* name) const;
+    Status Reserve();
+
+    Descriptor descriptor_;
+    int volume_;
+    std::optional<HostName> reserved_;  // its name in the volume's root while it has one
+    bool isStored_ = false;
+};
+
+// Gives `file` the mode and, where that is allowed, the owner that `from` tells. Where it is not,
+// the mode is cut so that nobody but the owner may do more than `from` tells.
+void TakeModeAndOwner(int file, const struct stat& from);
+
+// A stream for writing a file that has its new content, and its name, only from the moment when
+// fclose has returned 0; when that fails, errno and `failure`, which must live as long as the
+// stream, say why. `replaced` is what the name stands for now, if anything.
+Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
+                                        const HostName& name,
+                                        const std::optional<struct stat>& replaced,
+                                        Failure& failure);
+
+}  // namespace platform

@@ -1,0 +1,341 @@
+#include "platform/io/file_move.h"
+
+#include <fcntl.h>
+#include <linux/fs.h>
+#include <linux/magic.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "platform/files/path_resolver.h"
+#include "platform/io/atomic_file.h"
+#include "platform/io/watched_file.h"
+
+namespace platform {
+
+namespace {
+
+constexpr char kMove[] = "move";
+using Block = std::array<char, 65536>;
+constexpr char kAccessList[] = "system.posix_acl_access";
+constexpr std::size_t kLargestAttribute = 65536;  // the kernel's own limit
+
+Result<std::size_t> ReadBlock(int file, Block& block) {
+    const ssize_t length = read(file, block.data(), block.size());
+    if (length < 0) {
+        return Fail("read", errno);
+    }
+    return static_cast<std::size_t>(length);
+}
+
+Status CopyContent(const WatchedFile& from, int to) {
+    const auto block = std::make_unique<Block>();
+    while (from.IsLeftAlone()) {
+        const Result<std::size_t> length = ReadBlock(from.descriptor(), *block);
+        if (!length) {
+            return tl::unexpected<Failure>(length.error());
+        }
+        if (*length == 0) {
+            return {};
+        }
+        if (Status written = WriteWhole(to, {block->data(), *length}); !written) {
+            return written;
+        }
+    }
+    return Fail(kMove, EBUSY);
+}
+
+Status CopyWhole(const WatchedFile& from, int to) {
+    if (Status copied = CopyContent(from, to); !copied) {
+        return copied;
+    }
+    CopyUserAttributes(from.descriptor(), to);  // while the mode still allows it
+    TakeModeAndOwner(to, from.facts());
+    const std::array<timespec, 2> times = {from.facts().st_atim, from.facts().st_mtim};
+    futimens(to, times.data());
+    return {};
+}
+
+// A link and then the removal of the old name: there is no moment in which one name holds part of
+// the file. A file that got the old name in between is left alone.
+Status LinkAndUnlink(int fromDirectory, const char* from, int toDirectory, const char* to) {
+    struct stat moved {};
+    if (linkat(fromDirectory, from, toDirectory, to, 0) != 0 ||
+        fstatat(toDirectory, to, &moved, AT_SYMLINK_NOFOLLOW) != 0) {
+        return Fail(kMove, errno);
+    }
+    if (!StandsFor(fromDirectory, from, moved) || unlinkat(fromDirectory, from, 0) == 0) {
+        return {};
+    }
+    const int error = errno;
+    if (!StandsFor(fromDirectory, from, moved)) {
+        return {};
+    }
+    unlinkat(toDirectory, to, 0);
+    return Fail(kMove, error);
+}
+
+// Whether a file cannot have a second name, not whether this one is taken.
+bool KnowsNoLinks(int error) {
+    return error == EPERM || error == EOPNOTSUPP || error == EMLINK || error == ENOSYS ||
+           error == EINVAL;
+}
+
+Status DeleteSetAside(const WatchedFile& file, const SourceFile& source, const SetAside& aside) {
+    return file.IsWholeAt(source.volume, aside.name()) ? aside.Delete() : Fail(kMove, EBUSY);
+}
+
+// A full volume has no room for the record of a file set aside. A lease does without.
+Status DeleteInPlace(const WatchedFile& file, const SourceFile& source) {
+    const bool deleted = file.isLeased() && file.IsWholeAt(source.directory, source.name) &&
+                         unlinkat(source.directory, source.name, 0) == 0;
+    return deleted ? Status() : Fail(kMove, EBUSY);
+}
+
+bool IsForWantOfRoom(const Failure& failure) {
+    return failure.error == ENOSPC || failure.error == EDQUOT;
+}
+
+// Deletes the file unless it has changed since it was copied. After a failure, `copy` goes if the
+// file has its name for sure.
+Status DeleteCopied(const WatchedFile& file, const SourceFile& source, const Destination& to,
+                    const UnpublishedFile& copy) {
+    const Result<SetAside> aside =
+        file.IsUntouched() ? SetAside::Take(source) : Result<SetAside>(Fail(kMove, EBUSY));
+    Status deleted;
+    if (aside) {
+        deleted = DeleteSetAside(file, source, *aside);
+    } else if (IsForWantOfRoom(aside.error())) {
+        deleted = DeleteInPlace(file, source);
+    } else {
+        deleted = tl::unexpected<Failure>(aside.error());
+    }
+    if (deleted) {
+        return deleted;
+    }
+    const bool isBack =
+        aside ? aside->GiveBack().has_value() : FactsOf(source.directory, source.name).has_value();
+    if (isBack) {
+        copy.Withdraw(to.directory, to.name);
+    }
+    return deleted;
+}
+
+// Whether a file system that keeps times in coarser steps shows `time` as `shown`.
+bool IsShownAs(const timespec& time, const timespec& shown) {
+    constexpr long kSteps[] = {1, 100, 1'000, 10'000'000, 1'000'000'000};  // nanoseconds
+    const timespec even = {time.tv_sec - (time.tv_sec & 1), 0};
+    return IsEqual(even, shown) ||
+           std::any_of(std::begin(kSteps), std::end(kSteps), [&](long step) {
+               return IsEqual({time.tv_sec, time.tv_nsec - time.tv_nsec % step}, shown);
+           });
+}
+
+bool HaveSameContent(int left, int right) {
+    const auto one = std::make_unique<Block>();
+    const auto other = std::make_unique<Block>();
+    for (;;) {
+        const Result<std::size_t> length = ReadBlock(left, *one);
+        const Result<std::size_t> otherLength = ReadBlock(right, *other);
+        if (!length || !otherLength || *length != *otherLength ||
+            std::memcmp(one->data(), other->data(), *length) != 0) {
+            return false;
+        }
+        if (*length == 0) {
+            return true;
+        }
+    }
+}
+
+// What may be a copy of a file, or a second name of it.
+struct Candidate {
+    int directory;
+    const char* name;
+    struct stat facts {};
+};
+
+// By what can be seen without opening them.
+bool LooksLike(const SourceFile& source, Candidate& candidate) {
+    struct stat file {};
+    return fstatat(source.directory, source.name, &file, AT_SYMLINK_NOFOLLOW) == 0 &&
+           fstatat(candidate.directory, candidate.name, &candidate.facts, AT_SYMLINK_NOFOLLOW) ==
+               0 &&
+           S_ISREG(file.st_mode) && S_ISREG(candidate.facts.st_mode) &&
+           file.st_size == candidate.facts.st_size &&
+           IsShownAs(file.st_mtim, candidate.facts.st_mtim);
+}
+
+// Whether it holds, safely stored, what the file holds.
+bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
+    const Result<Descriptor> copy = OpenRegularFile(candidate.directory, candidate.name);
+    // What an overlay shows may lie in the very directory that the file is in.
+    struct statfs system {};
+    const bool isOverlay =
+        copy && (fstatfs(copy->get(), &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC);
+    return copy && !isOverlay && HaveSameContent(file.descriptor(), copy->get()) &&
+           fsync(copy->get()) == 0 && SyncEntries(candidate.directory).has_value();
+}
+
+// Whether it still has its name. What was kept in mind of another view of the same files may be
+// out of date, so it is asked for in ways that go past that.
+bool IsStillThere(const Candidate& candidate) {
+    struct statx now {};
+    const auto listed = FindSpelling(candidate.directory, DeviceNameOf(candidate.name).view());
+    return listed && *listed && (*listed)->view() == candidate.name &&
+           statx(candidate.directory, candidate.name, AT_SYMLINK_NOFOLLOW | AT_STATX_FORCE_SYNC,
+                 STATX_BASIC_STATS, &now) == 0 &&
+           now.stx_ino == candidate.facts.st_ino &&
+           now.stx_size == static_cast<std::uint64_t>(candidate.facts.st_size) &&
+           IsEqual({now.stx_mtime.tv_sec, now.stx_mtime.tv_nsec}, candidate.facts.st_mtim);
+}
+
+// Two paths can lead to one and the same file, through a second mount: then the copy has vanished
+// as soon as the file is set aside.
+Status DeleteIfCopyStays(const WatchedFile& file, const SourceFile& source,
+                         const Candidate& candidate) {
+    const Result<SetAside> aside = SetAside::Take(source);
+    if (!aside) {
+        return tl::unexpected<Failure>(aside.error());
+    }
+    Status deleted =
+        IsStillThere(candidate) ? DeleteSetAside(file, source, *aside) : Fail(kMove, EEXIST);
+    if (!deleted) {
+        static_cast<void>(aside->GiveBack());
+    }
+    return deleted;
+}
+
+}  // namespace
+
+Status RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory,
+                              const char* to) {
+    if (renameat2(fromDirectory, from, toDirectory, to, RENAME_NOREPLACE) == 0) {
+        return {};
+    }
+    if (errno != EINVAL && errno != ENOSYS) {
+        return Fail(kMove, errno);
+    }
+    // The file system does not know the flag, or a directory would go into itself.
+    const Result<EntryFacts> facts = FactsOf(fromDirectory, from);
+    if (!facts) {
+        return tl::unexpected<Failure>(facts.error());
+    }
+    if (!facts->isDirectory()) {
+        Status linked = LinkAndUnlink(fromDirectory, from, toDirectory, to);
+        if (linked || !KnowsNoLinks(linked.error().error)) {
+            return linked;
+        }
+    }
+    return RenameIfFree(fromDirectory, from, toDirectory, to);
+}
+
+Status RenameIfFree(int fromDirectory, const char* from, int toDirectory, const char* to) {
+    const Result<EntryFacts> taken = FactsOf(toDirectory, to);
+    if (taken || taken.error().error != ENOENT) {
+        return Fail(kMove, taken ? EEXIST : taken.error().error);
+    }
+    return renameat(fromDirectory, from, toDirectory, to) == 0 ? Status() : Fail(kMove, errno);
+}
+
+Status MoveToVolume(const SourceFile& source, const Destination& destination) {
+    const Result<WatchedFile> file = WatchedFile::Open(source.directory, source.name);
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    const auto copy = UnpublishedFile::Create(destination.directory, destination.volume);
+    if (!copy) {
+        return tl::unexpected<Failure>(copy.error());
+    }
+    if (Status copied = CopyWhole(*file, (*copy)->descriptor()); !copied) {
+        return copied;
+    }
+    if (Status published = (*copy)->PublishNew(destination.directory, destination.name);
+        !published) {
+        return published;
+    }
+    return DeleteCopied(*file, source, destination, **copy);
+}
+
+Status FinishMove(const SourceFile& source, int directory, const char* name) {
+    Status taken = Fail(kMove, EEXIST);
+    Candidate candidate{directory, name};
+    if (!LooksLike(source, candidate)) {
+        return taken;
+    }
+    if (renameat2(source.directory, source.name, directory, name, RENAME_NOREPLACE) == 0) {
+        return {};  // what had the name has gone this moment
+    }
+    const bool isElsewhere = errno == EXDEV;
+    if (!isElsewhere && !AreTwoNamesOfOneFile(source.directory, source.name, directory, name)) {
+        return taken;
+    }
+    const Result<WatchedFile> file = WatchedFile::Open(source.directory, source.name);
+    const bool finished = file && IsStoredCopy(*file, candidate) &&
+                          DeleteIfCopyStays(*file, source, candidate).has_value();
+    return finished ? Status() : taken;
+}
+
+bool AreTwoNamesOfOneFile(int directory, const char* name, int otherDirectory, const char* other) {
+    struct stat file {};
+    return fstatat(directory, name, &file, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(file.st_mode) &&
+           file.st_nlink >= 2 && StandsFor(otherDirectory, other, file);
+}
+
+bool StandsFor(int directory, const char* name, const struct stat& file) {
+    struct stat now {};
+    return fstatat(directory, name, &now, AT_SYMLINK_NOFOLLOW) == 0 && now.st_dev == file.st_dev &&
+           now.st_ino == file.st_ino;
+}
+
+Status SyncEntries(int directory) {
+    const bool done =
+        fsync(directory) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EBADF;
+    return done ? Status() : Fail("store the directory", errno);
+}
+
+void CopyUserAttributes(int from, int to) {
+    // A list that came from the directory around it would let in others as soon as the mode allows.
+    fremovexattr(to, kAccessList);
+    if (flistxattr(from, nullptr, 0) <= 0) {
+        return;
+    }
+    std::vector<char> names(kLargestAttribute);
+    std::vector<char> value(kLargestAttribute);
+    const ssize_t length = flistxattr(from, names.data(), names.size());
+    for (ssize_t at = 0; at < length;) {
+        const char* const name = &names[static_cast<std::size_t>(at)];
+        const std::string_view text(name);
+        at += static_cast<ssize_t>(text.size()) + 1;
+        const bool goesAlong = text.starts_with("user.") || text == kAccessList;
+        const ssize_t size = goesAlong ? fgetxattr(from, name, value.data(), value.size()) : -1;
+        if (size >= 0) {
+            fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
+        }
+    }
+}
+
+Status WriteWhole(int file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t written = write(file, bytes.data(), bytes.size());
+        if (written < 0 && errno == EINTR) {
+            continue;
+        }
+        if (written <= 0) {
+            return Fail("write", written == 0 ? ENOSPC : errno);
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    return {};
+}
+
+}  // namespace platform

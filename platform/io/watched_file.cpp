@@ -1,0 +1,68 @@
+#include "platform/io/watched_file.h"
+
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+
+#include "platform/files/path_resolver.h"
+
+namespace platform {
+
+namespace {
+
+// File servers refuse a lease for reasons of their own.
+bool IsOnFileServer(int file) {
+    struct statfs system {};
+    if (fstatfs(file, &system) != 0) {
+        return false;
+    }
+    const auto type = static_cast<std::uint32_t>(system.f_type);
+    return type == NFS_SUPER_MAGIC || type == CIFS_SUPER_MAGIC || type == SMB2_SUPER_MAGIC;
+}
+
+}  // namespace
+
+bool IsEqual(const timespec& left, const timespec& right) {
+    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
+}
+
+Result<WatchedFile> WatchedFile::Open(int directory, const char* name) {
+    Result<Descriptor> opened = OpenRegularFile(directory, name);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
+    }
+    WatchedFile file(std::move(*opened));
+    if (const Status watched = file.Watch(); !watched) {
+        return tl::unexpected<Failure>(watched.error());
+    }
+    return file;
+}
+
+// A lease is granted only while nobody has the file open for writing, and then lets such an opening
+// wait until it ends or has been held for very long.
+Status WatchedFile::Watch() {
+    // What tells of somebody who waits is a signal that would end the process, if it is not chosen.
+    leased_ =
+        fcntl(descriptor(), F_SETSIG, SIGURG) == 0 && fcntl(descriptor(), F_SETLEASE, F_RDLCK) == 0;
+    if (!leased_ && errno == EAGAIN && !IsOnFileServer(descriptor())) {
+        return Fail("move", EBUSY);
+    }
+    return fstat(descriptor(), &facts_) == 0 ? Status() : Fail("move", errno);
+}
+
+bool WatchedFile::IsUntouched() const {
+    struct stat now {};
+    return IsLeftAlone() && fstat(descriptor(), &now) == 0 && IsEqual(now.st_ctim, facts_.st_ctim);
+}
+
+bool WatchedFile::IsWholeAt(int directory, const char* name) const {
+    struct stat now {};
+    return fstatat(directory, name, &now, AT_SYMLINK_NOFOLLOW) == 0 &&
+           now.st_dev == facts_.st_dev && now.st_ino == facts_.st_ino &&
+           now.st_size == facts_.st_size && IsEqual(now.st_mtim, facts_.st_mtim) && IsLeftAlone();
+}
+
+}  // namespace platform

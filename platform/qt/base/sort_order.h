@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QString>
+
+namespace platform::qt {
+
+// A text with its place in the order of sorted lists: without regard to case, and by the characters
+// where nothing else tells two texts apart.
+class OrderedText {
+  public:
+    explicit OrderedText(const QString& text) : text_(text), folded_(text.toCaseFolded()) {}
+
+    const QString& text() const { return text_; }
+
+    bool operator<(const OrderedText& other) const {
+        const int apartFromCase = folded_.compare(other.folded_);
+        return apartFromCase != 0 ? apartFromCase < 0 : text_ < other.text_;
+    }
+
+  private:
+    QString text_;
+    QString folded_;
+};
+
+}  // namespace platform::qt

@@ -1,0 +1,85 @@
+#include "platform/qt/controls/button_control.h"
+
+#include <QCheckBox>
+#include <QKeyEvent>
+#include <QPushButton>
+
+namespace platform::qt {
+
+namespace {
+
+constexpr DWORD kKindMask = 0xF;
+
+// With the toolkit, arrow keys wander from button to button, and on into a combo box, whose choice
+// they change.
+bool IsArrow(const QKeyEvent& event) {
+    return event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
+}
+
+// A button that Enter pushes while it has the keyboard.
+class PushButton : public QPushButton {
+  public:
+    using QPushButton::QPushButton;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+            click();
+        } else {
+            IsArrow(*event) ? event->ignore() : QPushButton::keyPressEvent(event);
+        }
+    }
+};
+
+// A box that a tap anywhere on it toggles.
+class CheckBox : public QCheckBox {
+  public:
+    using QCheckBox::QCheckBox;
+
+  protected:
+    bool hitButton(const QPoint& at) const override { return rect().contains(at); }
+    void keyPressEvent(QKeyEvent* event) override {
+        IsArrow(*event) ? event->ignore() : QCheckBox::keyPressEvent(event);
+    }
+};
+
+std::unique_ptr<QAbstractButton> NewButton(const Birth& birth) {
+    if ((birth.style & kKindMask) == BS_AUTOCHECKBOX) {
+        return std::make_unique<CheckBox>(birth.surface);
+    }
+    return std::make_unique<PushButton>(birth.surface);
+}
+
+}  // namespace
+
+ButtonControl::ButtonControl(Station& station, const Birth& birth) : Window(station, birth) {
+    auto button = NewButton(birth);
+    button_ = button.get();
+    button_->setText(birth.text);
+    QObject::connect(button_, &QAbstractButton::clicked, button_,
+                     [this] { QueueCommand(BN_CLICKED); });
+    Adopt(std::move(button), birth);
+}
+
+LRESULT ButtonControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    switch (message) {
+        case BM_GETCHECK:
+            return button_->isChecked() ? 1 : 0;
+        case BM_SETCHECK:
+            button_->setChecked(wParam != 0);
+            return 0;
+        default:
+            return Window::Answer(message, wParam, lParam);
+    }
+}
+
+void ButtonControl::SetText(const QString& text) {
+    Window::SetText(text);
+    button_->setText(text);
+}
+
+QString ButtonControl::LabelForNext() const {
+    return button_->isCheckable() ? Text() : QString();
+}
+
+}  // namespace platform::qt

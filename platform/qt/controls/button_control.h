@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/qt/base/window.h"
+
+class QAbstractButton;
+
+namespace platform::qt {
+
+// Class "BUTTON": a push button, or a box that toggles its own tick.
+class ButtonControl : public Window {
+  public:
+    ButtonControl(Station& station, const Birth& birth);
+
+    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    void SetText(const QString& text) override;
+    QString LabelForNext() const override;
+
+  private:
+    QAbstractButton* button_;
+};
+
+}  // namespace platform::qt

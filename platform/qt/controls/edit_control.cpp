@@ -1,0 +1,102 @@
+#include "platform/qt/controls/edit_control.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+
+#include "core/wide_text.h"
+#include "platform/qt/base/shown_text.h"
+#include "platform/qt/base/window_table.h"
+
+namespace platform::qt {
+
+namespace {
+
+constexpr qsizetype kRoom = kTextCapacity - 1;
+
+// A pasted text may hold line ends, or even a zero at which it would end.
+QString WithoutControls(QString text) {
+    return text.removeIf([](QChar unit) { return unit.category() == QChar::Other_Control; });
+}
+
+// What the program can take in of a text that was typed, which may end there in half a character.
+QString Typed(const QString& escaped) {
+    QString text = TrueText(WithoutControls(escaped));
+    if (text.size() > kRoom) {
+        text.truncate(text[kRoom - 1].isHighSurrogate() ? kRoom - 1 : kRoom);
+    }
+    return text;
+}
+
+// What its user sees is what the program gets.
+class Line : public QLineEdit {
+  public:
+    Line(const QString& text, QWidget* parent) : QLineEdit(EscapedText(text), parent) {
+        connect(this, &QLineEdit::textEdited, this, &Line::Correct);
+    }
+
+  protected:
+    // The toolkit would replace what is selected by nothing.
+    void keyPressEvent(QKeyEvent* event) override {
+        if (!event->matches(QKeySequence::Paste) ||
+            !WithoutControls(QGuiApplication::clipboard()->text()).isEmpty()) {
+            QLineEdit::keyPressEvent(event);
+        }
+    }
+
+  private:
+    void Correct(const QString& text) {
+        const QString kept = EscapedText(Typed(text));
+        if (kept != text) {
+            const auto place = EscapedText(Typed(text.left(cursorPosition()))).size();
+            selectAll();
+            insert(kept);
+            setCursorPosition(static_cast<int>(place));
+        }
+    }
+};
+
+}  // namespace
+
+EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
+    auto line = std::make_unique<Line>(birth.text, birth.surface);
+    line_ = line.get();
+    line_->setFrame((birth.style & WS_BORDER) != 0);
+    QObject::connect(line_, &QLineEdit::textEdited, line_, [this] {
+        QueueCommand(EN_UPDATE);
+        QueueCommand(EN_CHANGE);
+    });
+    Adopt(std::move(line), birth);
+}
+
+// A text that the program sets is told of at once, as the change of a text that it is.
+LRESULT EditControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message != WM_SETTEXT) {
+        return Window::Answer(message, wParam, lParam);
+    }
+    const WindowTable& windows = station().windows;
+    const HWND self = handle();
+    SetText(TextOf(lParam));
+    SendCommand(EN_UPDATE);
+    if (windows.Find(self) != nullptr) {
+        SendCommand(EN_CHANGE);
+    }
+    return TRUE;
+}
+
+QString EditControl::Text() const {
+    return TrueText(line_->text());
+}
+
+void EditControl::SetText(const QString& text) {
+    line_->setText(EscapedText(text));
+    line_->setCursorPosition(0);
+}
+
+void EditControl::FocusChanged(bool gained, Qt::FocusReason reason) {
+    Window::FocusChanged(gained, reason);
+    QueueCommand(gained ? EN_SETFOCUS : EN_KILLFOCUS);
+}
+
+}  // namespace platform::qt

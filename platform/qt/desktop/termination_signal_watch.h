@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QSocketNotifier>
+#include <functional>
+#include <memory>
+
+namespace platform::qt {
+
+// Brings the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) to the toolkit's loop.
+class TerminateSignals {
+  public:
+    // From now on a signal calls `asked`, below the toolkit. One object at a time.
+    explicit TerminateSignals(std::function<void()> asked);
+    ~TerminateSignals();
+    TerminateSignals(const TerminateSignals&) = delete;
+    TerminateSignals& operator=(const TerminateSignals&) = delete;
+
+  private:
+    std::function<void()> asked_;
+    std::unique_ptr<QSocketNotifier> notifier_;
+};
+
+}  // namespace platform::qt

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QMenuBar>
+#include <QPushButton>
+#include <QWidget>
+#include <functional>
+
+#include "platform/qt/base/window.h"
+#include "shell/resources.h"
+
+class QLabel;
+
+namespace platform::qt {
+
+// What the user does to the desktop's window or the caption. Called below the toolkit.
+struct HostEvents {
+    std::function<void()> okPressed;
+    std::function<void()> closePressed;
+    std::function<void(int step)> tabKeyPressed;  // 1: the next tab, -1: the one before
+};
+
+// The window on the desktop: the handheld's screen with its caption bar. Windows and the menu bar
+// stand on it.
+class HostWindow : public QWidget {
+  public:
+    HostWindow(const QString& title, HostEvents events);
+
+    // Shows the title of the front window, and the OK button if it has one.
+    void SetCaption(const QString& text, bool hasOk);
+
+    // Keeps the menu bar before all windows.
+    void RaiseMenuBar();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    HostEvents events_;
+    QLabel* title_;  // both its own
+    QPushButton* ok_;
+};
+
+}  // namespace platform::qt

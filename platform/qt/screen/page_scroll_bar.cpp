@@ -1,0 +1,64 @@
+#include "platform/qt/screen/page_scroll_bar.h"
+
+#include <QSignalBlocker>
+#include <QWheelEvent>
+
+#include "platform/qt/base/message_queue.h"
+
+namespace platform::qt {
+
+PageBar::PageBar(QWidget* parent, Told told)
+    : QScrollBar(Qt::Vertical, parent), told_(std::move(told)) {
+    setTracking(false);
+    setContextMenuPolicy(Qt::PreventContextMenu);
+    connect(this, &QScrollBar::actionTriggered, this, &PageBar::PressPart);
+    connect(this, &QScrollBar::sliderReleased, this,
+            [this] { told_(kBarThumb, static_cast<WPARAM>(sliderPosition())); });
+}
+
+void PageBar::Show(const ScrollRange& range) {
+    const QSignalBlocker quiet(this);
+    setRange(range.lowest(), range.highest());
+    setPageStep(static_cast<int>(range.page()));
+    setValue(range.position());
+    setEnabled(range.CanScroll());
+    setVisible(range.CanScroll() || range.StaysOnView());
+}
+
+// What is done to a disabled bar is not done to the page below it either.
+bool PageBar::event(QEvent* event) {
+    const bool stylus = event->type() == QEvent::MouseButtonPress ||
+                        event->type() == QEvent::MouseButtonRelease ||
+                        event->type() == QEvent::MouseButtonDblClick;
+    if (stylus && !isEnabled()) {
+        event->accept();
+        return true;
+    }
+    return QScrollBar::event(event);
+}
+
+// The page is what the wheel scrolls.
+void PageBar::wheelEvent(QWheelEvent* event) {
+    event->ignore();
+}
+
+void PageBar::PressPart(int action) {
+    if (action == SliderMove) {
+        return;
+    }
+    setSliderPosition(value());
+    switch (action) {
+        case SliderSingleStepAdd:
+            return told_(kBarStep, SB_LINEDOWN);
+        case SliderSingleStepSub:
+            return told_(kBarStep, SB_LINEUP);
+        case SliderPageStepAdd:
+            return told_(kBarStep, SB_PAGEDOWN);
+        case SliderPageStepSub:
+            return told_(kBarStep, SB_PAGEUP);
+        default:
+            return;
+    }
+}
+
+}  // namespace platform::qt

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <set>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "core/registry_operations.h"
+#include "platform/registry/registry_file.h"
+#include "platform/registry/text/registry_text.h"
+
+namespace platform {
+
+// The registry of a device: the operations of core/registry_operations.h on the file registry.reg
+// of a device directory. The functions that bear the platform's names keep the contracts there.
+//
+// Changes are seen at once and stored by Store(). What other programs have changed in the file by
+// then is kept: the file is read anew, and the changes of this process alone are applied to it. A
+// change to a key that another program has deleted is dropped with the key.
+class Registry {
+  public:
+    // Reads the registry of the open device directory, which stays the caller's and must outlive
+    // the object; one without keys when there is no file, which is then made with the first change.
+    static Result<std::unique_ptr<Registry>> Open(int directory);
+
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
+    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
+                          DWORD* size);
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size);
+    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime);
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
+    LONG RegCloseKey(HKEY key);
+
+    // The open device directory, which stays its owner's.
+    int directory() const { return file_.directory(); }
+
+    // How many changes there were, and how many of them, the first ones, are stored.
+    std::uint64_t made() const { return made_; }
+    std::uint64_t stored() const { return stored_; }
+
+    // Whether one of these, counted from 1, was lost: another program has deleted its key.
+    bool IsLost(std::uint64_t change) const { return lost_.contains(change); }
+
+    // Stores the changes that are not stored yet. After a failure the file is as it was, and the
+    // changes are stored with the next ones; but those that are lost are, and the rest is stored.
+    Status Store();
+
+    // Whether changes could be stored, but for the room. A device without a registry has none.
+    Status CheckStorable() const { return file_.CheckReplaceable(); }
+
+    // Keeps the room that the next Store() takes. A registry that could not be stored the last time
+    // counts as one without room.
+    Status ReserveRoom();
+
+  private:
+    // An open key, or a root. Paths are folded and have one backslash between names.
+    struct OpenKey {
+        std::u16string path;
+        bool deleted = false;
+    };
+
+    // What was done to the registry since it was stored.
+    struct Change {
+        std::u16string path;
+        bool deletion = false;
+        std::u16string name;
+        RegistryData data;
+        std::uint64_t number = 0;  // counted from 1
+    };
+
+    // A text that was set without a terminator, which its form in the file does not show.
+    struct OpenText {
+        RegistryData stored;  // as the file gives it
+        RegistryData set;
+    };
+
+    Registry(int directory, RegistryText text, const FileVersion& version);
+
+    struct ReadText {
+        RegistryText text;
+        FileVersion version;
+    };
+    static Result<ReadText> Read(const RegistryFile& file);
+    OpenKey* FindOpen(HKEY key);
+    LONG FindKey(HKEY handle, OpenKey*& open, KeyIndex& key);
+    std::optional<RegistryData> Value(const OpenKey& open, KeyIndex key,
+                                      std::u16string_view name) const;
+    void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
+    void AddChange(Change change);
+    static bool Apply(const Change& change, RegistryText& text);
+    Status SayLost();
+    Status Refresh();
+
+    RegistryFile file_;
+    RegistryText text_;
+    FileVersion version_;
+    std::unordered_map<std::uintptr_t, OpenKey> open_;
+    std::uintptr_t lastHandle_ = 0;
+    std::vector<Change> pending_;
+    std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
+    std::uint64_t made_ = 0;
+    std::uint64_t stored_ = 0;
+    std::set<std::uint64_t> lost_;  // numbers of changes
+    std::size_t lostSaid_ = 0;
+};
+
+}  // namespace platform

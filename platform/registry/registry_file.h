@@ -1,0 +1,75 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/diagnostics/failure.h"
+#include "platform/io/atomic_file.h"
+
+namespace platform {
+
+// Tells whether a file is still the one that was read, with the content that it had.
+class FileVersion {
+  public:
+    FileVersion() = default;  // of a file that is not there
+    explicit FileVersion(const struct stat& status);
+
+    bool exists() const { return exists_; }
+    std::size_t size() const { return static_cast<std::size_t>(size_); }
+    bool operator==(const FileVersion&) const = default;
+
+  private:
+    bool exists_ = false;
+    dev_t device_ = 0;
+    ino_t number_ = 0;
+    off_t size_ = 0;
+    time_t modified_ = 0;
+    long modifiedNanoseconds_ = 0;
+    time_t changed_ = 0;
+    long changedNanoseconds_ = 0;
+};
+
+// The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
+// not followed, a pipe not waited for.
+class RegistryFile {
+  public:
+    // `directory` is the open device directory; it stays the caller's and must outlive the object.
+    explicit RegistryFile(int directory) : directory_(directory) {}
+
+    int directory() const { return directory_; }
+
+    struct Content {
+        std::string bytes;  // empty when there is no file
+        FileVersion version;
+    };
+    Result<Content> Read() const;
+
+    // What is there now. Fails when it is neither a regular file nor nothing.
+    Result<FileVersion> Look() const;
+
+    // Whether Replace could do its work now, but for the room: the file and its directory can be
+    // written, nothing keeps the file from being replaced, and a new one can be made beside it.
+    Status CheckReplaceable() const;
+
+    // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
+    Status ReserveRoom(std::size_t size);
+
+    // Puts a file with these bytes in the place of the one with the version `replaced`, which keeps
+    // its content after any failure, and returns the new version; nothing where another program has
+    // stored another one by the last moment. Mode and owner stay as they were, as far as that is
+    // allowed. A file that may not be written is left alone.
+    Result<std::optional<FileVersion>> Replace(std::string_view bytes, const FileVersion& replaced);
+
+  private:
+    Result<std::unique_ptr<UnpublishedFile>> NewFile();
+    Status Write(UnpublishedFile& file, std::string_view bytes) const;
+
+    int directory_;
+    std::unique_ptr<UnpublishedFile> reserved_;  // null where no room is kept
+};
+
+}  // namespace platform

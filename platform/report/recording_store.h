@@ -1,0 +1,89 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <deque>
+#include <map>
+#include <string>
+#include <string_view>
+
+#include "platform/diagnostics/run_log.h"
+#include "platform/seam/forwarding_store.h"
+
+namespace platform {
+
+// Reports what is done to the device and what could not be: a line for each thing, after it was
+// done, with the step of the Apply sequence that did it, and the totals when asked. A change of the
+// registry is done when it is stored.
+class RecordingStore : public ForwardingStore {
+  public:
+    // All stay the caller's. `report` may be null: then nothing is written, and the log alone
+    // counts what could not be done.
+    RecordingStore(DeviceStore& inner, std::FILE* report, RunLog& log);
+
+    // What could not be done because it was done already, or is not there, is not reported.
+    HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
+    BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
+    BOOL FindClose(HANDLE find) override;
+    BOOL DeleteFileW(const WCHAR* path) override;
+    BOOL RemoveDirectoryW(const WCHAR* path) override;
+    BOOL CreateDirectoryW(const WCHAR* path, void* security) override;
+    BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
+    BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
+    BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
+                         DWORD* returned) override;
+    void SetCleanRebootFlag() override;
+
+    // A value that is written as it was already is not reported.
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override;
+    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
+                        DWORD size) override;
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
+    LONG RegCloseKey(HKEY key) override;
+
+    Status StoreRegistry() override;
+    void NothingMoves(const WCHAR* source, const WCHAR* destination) override;
+
+    // Writes the last lines. Fails when the report could not be written whole.
+    Status Finish();
+
+  private:
+    // A change of the registry that is not known to be stored yet.
+    struct Pending {
+        std::uint64_t number;  // of the change, as the inner store counts them
+        int step;
+        std::string change;    // what is reported when it is stored
+        std::string place;     // and what when it is not
+        std::uint64_t* total;  // which of the totals counts it
+    };
+
+    void WriteLine(int step, const std::string& line);
+    void Report(const std::string& line);
+    void ReportUndone(const std::string& what);
+    void ReportUndone(const std::string& what, const std::string& reason);
+    void ReportSearch(const std::string& pattern);
+    void SettleRegistry();
+    LONG NoteChange(LONG result, Pending change, std::uint64_t before);
+    std::string PathBelow(HKEY key, std::u16string_view subkey) const;
+
+    std::FILE* report_;
+    RunLog& log_;
+    std::map<HKEY, std::string> openKeys_;    // the path of each, in readable form
+    std::map<HANDLE, std::string> searches_;  // the pattern of each open search, the same
+    std::deque<Pending> pending_;
+    std::string whyNotStored_;
+    bool erases_ = false;  // the next restart does
+    bool isWritten_ = true;
+    std::uint64_t filesDeleted_ = 0;
+    std::uint64_t bytesDeleted_ = 0;
+    std::uint64_t entriesMoved_ = 0;
+    std::uint64_t directoriesMade_ = 0;
+    std::uint64_t directoriesRemoved_ = 0;
+    std::uint64_t shortcutsMade_ = 0;
+    std::uint64_t valuesWritten_ = 0;
+    std::uint64_t keysDeleted_ = 0;
+    std::uint64_t notDone_ = 0;
+};
+
+}  // namespace platform

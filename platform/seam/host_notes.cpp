@@ -1,0 +1,84 @@
+#include "core/host_notes.h"
+
+#include <string>
+
+#include "platform/diagnostics/run_log.h"
+#include "platform/seam/device_store.h"
+#include "platform/text/readable_text.h"
+
+namespace {
+
+std::string g_failedLook;  // in readable form, with its reason
+
+std::string Quoted(const WCHAR* text) {
+    return '"' + platform::ReadableText(text) + '"';
+}
+
+std::string LastReason() {
+    return platform::ReasonOf(platform::StoreInUse::Current().LastFailure());
+}
+
+}  // namespace
+
+void NoteStep(int number) {
+    platform::LogInUse::Current().BeginStep(number);
+}
+
+void NotePassedOver(const WCHAR* what, const WCHAR* content) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(what) + " is passed over: " +
+                                            Quoted(content) + " is no path that can be used");
+}
+
+void NoteNotStored(const WCHAR* what) {
+    platform::RunLog& log = platform::LogInUse::Current();
+    log.NoteNotStored();
+    log.SayUndone(platform::ReadableText(what) +
+                  " cannot be written, so the old one stays: " + LastReason());
+}
+
+void NoteNoSettings(const WCHAR* path) {
+    const std::u16string_view text(path);
+    const std::size_t end = text.rfind(u'\\');
+    const std::string name = platform::ReadableText(text.substr(end + 1));
+    const std::string place = platform::ReadableText(text.substr(0, end));
+    platform::RunLog& log = platform::LogInUse::Current();
+    if (platform::IsNotThere(platform::StoreInUse::Current().LastFailure())) {
+        log.NoteNoSettings();
+        log.Say("no " + name + " in " + place + ": nothing is ticked");
+    } else {
+        log.SayUndone(name + " in " + place +
+                      " cannot be read, so nothing is done: " + LastReason());
+    }
+}
+
+void NoteSettingsNotRead(const WCHAR* path) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(path) +
+                                            " cannot be read to its end, so nothing is done");
+}
+
+void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(name) + " is left alone in " +
+                                            platform::ReadableText(directory) +
+                                            ": its path would be longer than 1023 characters");
+}
+
+void NoteLookFailed(const WCHAR* target) {
+    g_failedLook = platform::ReadableText(target) + " cannot be looked for: " + LastReason();
+}
+
+void NoteKept(const WCHAR* kept) {
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(kept) +
+                                            " stays: " + g_failedLook);
+}
+
+void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
+    platform::StoreInUse::Current().DirectoryMoves(oldPath, newPath);
+}
+
+void NoteDirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) {
+    platform::StoreInUse::Current().DirectoryMoved(oldPath, newPath);
+}
+
+void NoteNothingMoves(const WCHAR* source, const WCHAR* destination) {
+    platform::StoreInUse::Current().NothingMoves(source, destination);
+}

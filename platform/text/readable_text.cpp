@@ -1,0 +1,104 @@
+#include "platform/text/readable_text.h"
+
+#include <utf8proc.h>
+
+#include <array>
+#include <cstdio>
+
+#include "platform/text/device_names.h"
+#include "platform/text/utf16.h"
+
+namespace platform {
+
+namespace {
+
+bool IsSeen(utf8proc_int32_t character) {
+    switch (utf8proc_category(character)) {
+        case UTF8PROC_CATEGORY_CC:
+        case UTF8PROC_CATEGORY_CF:
+        case UTF8PROC_CATEGORY_CN:
+        case UTF8PROC_CATEGORY_CO:
+        case UTF8PROC_CATEGORY_CS:
+        case UTF8PROC_CATEGORY_ZL:
+        case UTF8PROC_CATEGORY_ZP:
+            return false;
+        default:
+            return true;
+    }
+}
+
+void AppendUtf8(std::string& text, utf8proc_int32_t character) {
+    std::array<utf8proc_uint8_t, 4> bytes{};
+    const auto length = utf8proc_encode_char(character, bytes.data());
+    text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
+}
+
+void AppendEscape(std::string& text, char16_t unit) {
+    std::array<char, 8> escape{};
+    std::snprintf(escape.data(), escape.size(), "<%04X>", static_cast<unsigned>(unit));
+    text += escape.data();
+}
+
+}  // namespace
+
+std::optional<std::u16string> WideText(std::string_view utf8) {
+    std::u16string text;
+    while (!utf8.empty()) {
+        utf8proc_int32_t character = -1;
+        const auto length =
+            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
+                             static_cast<utf8proc_ssize_t>(utf8.size()), &character);
+        if (length <= 0) {
+            return std::nullopt;
+        }
+        PutCharacter(character, [&text](char16_t unit) { text += unit; });
+        utf8.remove_prefix(static_cast<std::size_t>(length));
+    }
+    return text;
+}
+
+std::string Utf8Text(std::u16string_view text) {
+    std::string utf8;
+    for (std::size_t index = 0; index < text.size();) {
+        AppendUtf8(utf8, TakeCharacter(text, index));
+    }
+    return utf8;
+}
+
+std::string ReadableText(std::u16string_view text) {
+    std::string readable;
+    for (std::size_t index = 0; index < text.size();) {
+        const std::size_t begin = index;
+        const utf8proc_int32_t character = TakeCharacter(text, index);
+        if (character == u'\n') {
+            readable += ' ';
+        } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
+            continue;  // the line feed behind it makes the blank
+        } else if (IsSeen(character)) {
+            AppendUtf8(readable, character);
+        } else {
+            for (const char16_t unit : text.substr(begin, index - begin)) {
+                AppendEscape(readable, unit);
+            }
+        }
+    }
+    return readable;
+}
+
+std::string ReadableBytes(std::string_view bytes) {
+    std::u16string text;
+    while (!bytes.empty()) {
+        utf8proc_int32_t character = -1;
+        const auto length =
+            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(bytes.data()),
+                             static_cast<utf8proc_ssize_t>(bytes.size()), &character);
+        // The units that stand for bytes in names of the device are never seen either.
+        const auto byte = static_cast<unsigned char>(bytes.front());
+        PutCharacter(length > 0 ? character : kEscapeBase + byte,
+                     [&text](char16_t unit) { text += unit; });
+        bytes.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
+    }
+    return ReadableText(text);
+}
+
+}  // namespace platform

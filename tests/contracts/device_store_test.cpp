@@ -1,0 +1,348 @@
+// The contract of the device store, on the real store and on every wrapper around it.
+
+#include "core/file_operations.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+
+#include "platform/files/file_store.h"
+#include "platform/report/recording_store.h"
+#include "platform/text/readable_text.h"
+#include "tests/support/temporary_device.h"
+
+namespace {
+
+using Paths = std::vector<std::u16string>;
+
+using Wrap = std::unique_ptr<platform::DeviceStore> (*)(platform::DeviceStore&);
+
+std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
+    static std::FILE* const report = std::fopen("/dev/null", "w");
+    static platform::RunLog log("");
+    return std::make_unique<platform::RecordingStore>(store, report, log);
+}
+std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
+    return std::make_unique<platform::ForwardingStore>(store);
+}
+
+DWORD g_reason = 0;  // why the last search found nothing
+
+class DeviceStoreTest : public testing::TestWithParam<Wrap> {
+  protected:
+    void Open() {
+        real_ = std::make_unique<platform::FileStore>(device_.OpenFiles(), u"\\Program.exe");
+        real_->ClearUp();
+        store_ = GetParam()(*real_);
+        inUse_ = std::make_unique<platform::StoreInUse>(*store_);
+    }
+
+    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
+    static Entries Search(const std::u16string& pattern) {
+        Entries names;
+        WIN32_FIND_DATA data;
+        const HANDLE find = FindFirstFileW(pattern.c_str(), &data);
+        g_reason = find == INVALID_HANDLE_VALUE ? GetLastError() : 0;
+        for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
+             found = FindNextFileW(find, &data)) {
+            const bool isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+            names.push_back(platform::ReadableText(data.cFileName) + (isDirectory ? "\\" : ""));
+        }
+        FindClose(find);
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+
+    static bool Exists(const std::u16string& path) { return !Search(path).empty(); }
+
+    std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
+
+    TemporaryDevice device_;
+
+  private:
+    std::unique_ptr<platform::FileStore> real_;
+    std::unique_ptr<platform::DeviceStore> store_;
+    std::unique_ptr<platform::StoreInUse> inUse_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::Values(Forward, Record));
+
+TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
+    device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",
+                  "ff/sub/deep=", "ff/st*r=", "empty/"});
+    Open();
+    const std::string all = ".hid a.lnk b.LNK c.lnk.bak noext st<F02A>r sub\\";
+    const std::pair<std::u16string, std::string> cases[] = {{u"\\ff\\*", all},
+                                                            {u"\\ff\\*.*", all},
+                                                            {u"\\FF\\*.lnk", "a.lnk b.LNK"},
+                                                            {u"\\FF\\A.LNK", "a.lnk"},
+                                                            {u"\\\\ff\\\\a.lnk", "a.lnk"},
+                                                            {u"ff\\\\*.bak", "c.lnk.bak"},
+                                                            {u"\\ff\\*.l*b?k", "c.lnk.bak"},
+                                                            {u"\\ff\\.hi?d", ""},
+                                                            {u"\\ff", "ff\\"},
+                                                            {u"\\ff\\", "ff\\"},
+                                                            {u"\\", "\\"},
+                                                            {u"\\*", "empty\\ ff\\"},
+                                                            {u"\\ff\\st\uF02Ar", "st<F02A>r"}};
+    for (const auto& [pattern, found] : cases) {
+        EXPECT_EQ(Search(pattern), Words(found)) << platform::ReadableText(pattern);
+    }
+    device_.Make({"ff/link>sub"});
+    const std::pair<const WCHAR*, LONG> missing[] = {
+        {u"", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\a.lnk\\", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\none", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\none*", ERROR_FILE_NOT_FOUND},
+        {u"\\none\\*", ERROR_PATH_NOT_FOUND},
+        {u"\\empty\\*", ERROR_FILE_NOT_FOUND},
+        {u"\\f*\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\..", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\sub\\..\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\.\\a.lnk", ERROR_PATH_NOT_FOUND},
+        {u"\\ff/a.lnk", ERROR_FILE_NOT_FOUND},
+        {u"\\ff\\a.lnk\\*", ERROR_PATH_NOT_FOUND},
+        {u"\\ff\\link\\x", ERROR_CANT_ACCESS_FILE},
+        {u"\\ff\\LINK\\*", ERROR_CANT_ACCESS_FILE}};
+    for (const auto& [pattern, reason] : missing) {
+        EXPECT_EQ(Search(pattern), Entries()) << platform::ReadableText(pattern);
+        EXPECT_EQ(g_reason, static_cast<DWORD>(reason)) << platform::ReadableText(pattern);
+    }
+}
+
+TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
+    device_.Make({"big=", "locked=abc", "hidden/", "plain/"});
+    ASSERT_EQ(truncate(HostPath("big").c_str(), (3LL << 32) + 7), 0);
+    chmod(HostPath("locked").c_str(), 0444);
+    const bool hidden = setxattr(HostPath("hidden").c_str(), "user.DOSATTRIB", "0x6", 3, 0) == 0;
+    Open();
+    constexpr DWORD kHidden = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const struct {
+        std::u16string path;
+        DWORD attributes, high, low;
+    } cases[] = {
+        {u"\\big", FILE_ATTRIBUTE_NORMAL, 3, 7},
+        {u"\\locked", FILE_ATTRIBUTE_READONLY, 0, 3},
+        {u"\\plain", FILE_ATTRIBUTE_DIRECTORY, 0, 0},
+        {u"\\hidden", FILE_ATTRIBUTE_DIRECTORY | (hidden ? kHidden : 0), 0, 0},
+    };
+    for (const auto& expected : cases) {
+        // A single entry and one of a list are told alike.
+        for (const std::u16string& pattern : {expected.path, expected.path + u"*"}) {
+            WIN32_FIND_DATA data{};
+            FindClose(FindFirstFileW(pattern.c_str(), &data));
+            EXPECT_EQ(data.dwFileAttributes, expected.attributes);
+            EXPECT_EQ(data.nFileSizeHigh, expected.high);
+            EXPECT_EQ(data.nFileSizeLow, expected.low);
+        }
+    }
+}
+
+TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
+    device_.Make(
+        Words("d/a=1 d/a2=1 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
+              "d/full/x=3 outside/keep=4"));
+    chmod(HostPath("d/locked").c_str(), 0444);
+    Open();
+    const std::pair<const WCHAR*, LONG> kept[] = {{u"\\d\\locked", ERROR_ACCESS_DENIED},
+                                                  {u"\\d\\sub", ERROR_ACCESS_DENIED},
+                                                  {u"\\d\\none", ERROR_FILE_NOT_FOUND},
+                                                  {u"\\d\\a\\", ERROR_PATH_NOT_FOUND},
+                                                  {u"\\d\\link\\x", ERROR_CANT_ACCESS_FILE},
+                                                  {u"\\d\\*", ERROR_FILE_NOT_FOUND},
+                                                  {u"", ERROR_FILE_NOT_FOUND},
+                                                  {u"\\", ERROR_FILE_NOT_FOUND}};
+    for (const auto& [path, reason] : kept) {
+        EXPECT_EQ(DeleteFileW(path), 0) << platform::ReadableText(path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
+    }
+    for (const std::u16string& path : Paths{u"\\d\\a", u"\\D\\LINK", u"\\d\\loop", u"\\d\\pipe"}) {
+        EXPECT_NE(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(RemoveDirectoryW(u"\\d\\full"), 0);
+    EXPECT_NE(DeleteFileW(u"\\d\\a2"), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIR_NOT_EMPTY}) << "success changes nothing";
+    EXPECT_EQ(RemoveDirectoryW(u"\\d\\locked"), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_DIRECTORY});
+    EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
+    EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
+    EXPECT_EQ(device_.Listing(),
+              (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
+}
+
+TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
+    TemporaryDevice outside;
+    outside.Make({"secret=s", "dir/secret=s"});
+    device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
+                  "file=f"});
+    Open();
+    const Paths paths = {u"\\link\\secret", u"\\up\\registry.reg", u"\\abs\\etc\\passwd",
+                         u"\\sub\\in\\secret", u"\\..\\files\\file"};
+    for (const std::u16string& path : paths) {
+        EXPECT_FALSE(Exists(path)) << platform::ReadableText(path);
+        EXPECT_EQ(DeleteFileW(path.c_str()), 0);
+        EXPECT_EQ(_wfopen(path.c_str(), u"rb"), nullptr);
+        EXPECT_EQ(_wfopen(path.c_str(), u"wb"), nullptr);
+        EXPECT_EQ(MoveFileW(u"\\file", path.c_str()), 0);
+        EXPECT_EQ(MoveFileW(path.c_str(), u"\\got"), 0);
+    }
+    EXPECT_EQ(CreateDirectoryW(u"\\link\\new", nullptr), 0);
+    EXPECT_EQ(Search(u"\\link\\*"), Entries{});
+    EXPECT_EQ(outside.Listing(), (Entries{"dir/", "dir/secret=s", "secret=s"}));
+}
+
+TEST_P(DeviceStoreTest, MovesNeverReplace) {
+    device_.Make(Words("a/x=1 a/Y=2 b/X=3 b/y=4 a/d/in=5 c/ a/link>x file=6"));
+    Open();
+    // Names that are taken, in another case too; places that are not there, names that are none,
+    // and a directory's own inside.
+    const struct {
+        const WCHAR* from;
+        const WCHAR* to;
+        LONG reason;
+    } refused[] = {{u"\\a\\x", u"\\b\\x", ERROR_ALREADY_EXISTS},
+                   {u"\\a\\Y", u"\\b\\y", ERROR_ALREADY_EXISTS},
+                   {u"\\a\\x", u"\\none\\x", ERROR_PATH_NOT_FOUND},
+                   {u"\\a\\x", u"\\file\\x", ERROR_PATH_NOT_FOUND},
+                   {u"\\a\\none", u"\\c\\none", ERROR_FILE_NOT_FOUND},
+                   {u"\\a\\x", u"\\c\\x\\", ERROR_DIRECTORY},
+                   {u"\\a\\x", u"\\c\\a:b", ERROR_INVALID_NAME},
+                   {u"\\a\\x", u"", ERROR_INVALID_NAME},
+                   {u"\\", u"\\c\\root", ERROR_FILE_NOT_FOUND},
+                   {u"\\a\\d", u"\\a\\d\\e", ERROR_INVALID_PARAMETER}};
+    for (const auto& move : refused) {
+        EXPECT_EQ(MoveFileW(move.from, move.to), 0) << platform::ReadableText(move.to);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(move.reason))
+            << platform::ReadableText(move.to);
+    }
+    const std::pair<const WCHAR*, const WCHAR*> moved[] = {{u"\\a\\x", u"\\A\\X"},
+                                                           {u"\\a\\d", u"\\\\a\\D\\"},
+                                                           {u"\\A\\X", u"\\c\\New"},
+                                                           {u"\\a\\d", u"\\c\\d"},
+                                                           {u"\\a\\link", u"\\c\\link"}};
+    for (const auto& [from, to] : moved) {
+        EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
+    }
+    EXPECT_EQ(device_.Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
+                                       "file=6"));
+}
+
+TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
+    device_.Make({"from/a=1", "from/b=2", "to/A=3"});
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\from\\*", &data);
+    EXPECT_EQ(MoveFileW(u"\\from\\a", u"\\to\\a"), 0);
+    EXPECT_NE(DeleteFileW(u"\\to\\A"), 0);
+    EXPECT_NE(MoveFileW(u"\\from\\a", u"\\to\\a"), 0);
+    EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\a"), 0);
+    EXPECT_EQ(CreateDirectoryW(u"\\to\\A", nullptr), 0);
+    EXPECT_NE(CreateDirectoryW(u"\\to\\d", nullptr), 0);
+    EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\D"), 0);
+    FindClose(find);
+    EXPECT_EQ(device_.Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
+}
+
+TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
+    device_.Make({"Dir/"});
+    Open();
+    EXPECT_NE(CreateDirectoryW(u"\\DIR\\M\u00DCll\\", nullptr), 0);
+    const std::pair<const WCHAR*, LONG> refused[] = {{u"\\dIR", ERROR_ALREADY_EXISTS},
+                                                     {u"\\none\\x", ERROR_PATH_NOT_FOUND},
+                                                     {u"\\Dir\\a?b", ERROR_INVALID_NAME},
+                                                     {u"\\", ERROR_INVALID_NAME},
+                                                     {u"\\dir\\m\u00FCLL", ERROR_ALREADY_EXISTS}};
+    for (const auto& [path, reason] : refused) {
+        EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(device_.Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
+}
+
+TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
+    device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
+    chmod(HostPath("locked").c_str(), 0444);
+    Open();
+    const struct {
+        const WCHAR* path;
+        const WCHAR* mode;
+        LONG reason;
+    } refused[] = {
+        {u"\\dir", u"r", ERROR_ACCESS_DENIED},       {u"\\pipe", u"rb", ERROR_ACCESS_DENIED},
+        {u"\\link", u"rb", ERROR_ACCESS_DENIED},     {u"\\none", u"r", ERROR_FILE_NOT_FOUND},
+        {u"\\", u"rb", ERROR_FILE_NOT_FOUND},        {u"", u"rb", ERROR_FILE_NOT_FOUND},
+        {u"\\dir", u"wb", ERROR_ACCESS_DENIED},      {u"\\pipe", u"wb", ERROR_ACCESS_DENIED},
+        {u"\\link", u"wb", ERROR_ACCESS_DENIED},     {u"\\locked", u"wb", ERROR_ACCESS_DENIED},
+        {u"\\no\\dir", u"wb", ERROR_PATH_NOT_FOUND}, {u"\\a", u"a", ERROR_INVALID_PARAMETER}};
+    for (const auto& open : refused) {
+        EXPECT_EQ(_wfopen(open.path, open.mode), nullptr) << platform::ReadableText(open.path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(open.reason))
+            << platform::ReadableText(open.path);
+    }
+}
+
+TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
+    device_.Make({"d/Old=before"});
+    chmod(HostPath("d/Old").c_str(), 0640);
+    const bool noted = setxattr(HostPath("d/Old").c_str(), "user.note", "n", 1, 0) == 0;
+    Open();
+    for (const std::u16string& path : Paths{u"\\d\\OLD", u"\\d\\New"}) {
+        std::FILE* const file = _wfopen(path.c_str(), u"wb");
+        ASSERT_NE(file, nullptr);
+        std::fputs("after", file);
+        std::fflush(file);
+        EXPECT_EQ(ReadFile(HostPath("d/Old")), path == u"\\d\\OLD" ? "before" : "after");
+        EXPECT_FALSE(Exists(u"\\d\\New"));
+        EXPECT_EQ(std::fclose(file), 0);
+    }
+    EXPECT_EQ(device_.Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
+    struct stat published {};
+    ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
+    EXPECT_EQ(published.st_mode & 0777, 0640U);
+    char note = 0;
+    EXPECT_EQ(getxattr(HostPath("d/Old").c_str(), "user.note", &note, 1) == 1, noted);
+}
+
+TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
+    device_.Make({".fennelbright-new-0123456789abcdef=half", "sub/", ".fennelbright-new-x=mine"});
+    Open();
+    EXPECT_EQ(device_.Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
+    WriteFile(HostPath(".fennelbright-new-00000000000000ff"), "half");
+    EXPECT_EQ(Search(u"\\*"), (Entries{".fennelbright-new-x", "sub\\"}));
+    EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
+}
+
+TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
+    device_.Make({"a="});
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\*", &data);
+    EXPECT_NE(FindClose(find), 0);
+    for (const HANDLE handle : {find, HANDLE{nullptr}, INVALID_HANDLE_VALUE}) {
+        EXPECT_EQ(FindClose(handle), 0);
+        EXPECT_EQ(FindNextFileW(handle, &data), 0);
+        EXPECT_EQ(GetLastError(), DWORD{ERROR_INVALID_HANDLE});
+    }
+}
+
+TEST_P(DeviceStoreTest, EntriesThatVanishDoNotEndAWalk) {
+    for (int index = 0; index < 500; ++index) {
+        device_.Make({"d/file" + std::to_string(index) + '='});
+    }
+    Open();
+    WIN32_FIND_DATA data;
+    const HANDLE find = FindFirstFileW(u"\\d\\*", &data);
+    std::filesystem::remove_all(HostPath("d"));
+    int found = 1;
+    for (; FindNextFileW(find, &data) != 0; ++found) {
+    }
+    FindClose(find);
+    EXPECT_LT(found, 500);
+    EXPECT_FALSE(Exists(u"\\d"));
+}
+
+}  // namespace

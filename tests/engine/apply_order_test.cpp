@@ -1,0 +1,113 @@
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <memory>
+
+#include "core/application.h"
+#include "core/win_main.h"
+#include "platform/device/directory_store.h"
+#include "platform/report/recording_store.h"
+#include "tests/support/apply_device.h"
+#include "tests/support/settings_bytes.h"
+
+namespace {
+
+// All options, and a position for each of the four.
+std::string Everything() {
+    std::string bytes = Number(0x1FFFFFF);
+    for (const WCHAR* const text :
+         {u"\\1\\", u"\\2\\", u"log", u"\\8\\", u"\\12\\", u"\\14\\", u"\\15\\", u"\\16\\"}) {
+        bytes += Record(text);
+    }
+    return bytes + Number(2) + Number(1) + Number(0) + Number(1);
+}
+
+constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
+"DatabaseLocation"="\\Go"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders]
+"Cache"="\\C"
+"History"="\\H"
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Content]
+"CacheLimit"=dword:00000009
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Cookies]
+"CacheLimit"=dword:00000009
+[HKEY_CURRENT_USER\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\History]
+"CacheLimit"=dword:00000009
+[HKEY_LOCAL_MACHINE\Explorer\Shell Folders]
+"Favorites"="\\Fav"
+"Fonts"="\\Fonts"
+"My Documents"="\\My"
+[HKEY_LOCAL_MACHINE\Software\Apps\Gone]
+"InstallDir"="\\Gone"
+[HKEY_LOCAL_MACHINE\System\GDI\GLYPHCACHE]
+"limit"=dword:00000009
+)";
+
+TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
+    const TemporaryDevice device;
+    device.Make(
+        Words("1/a= 2/a= Temp/a= Windows/Temp/a= C/a= H/a= "
+              "8/ 12/ 14/ 15/ 16/ Windows/StartUp/"));
+    device.Make({"My Documents/Temp/a=", "Windows/Start Menu/a.lnk=5#\\Gone",
+                 "App/settings.dat=" + Everything()});
+    WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
+    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                   device.OpenRegistry());
+    const std::string report = device.path() + "/report";
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
+                                                                std::fclose);
+    platform::RunLog log("");
+    const platform::LogInUse logInUse(log);
+    platform::RecordingStore recorder(store, lines.get(), log);
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(recorder);
+    const platform::WindowsInUse windowsInUse(windows);
+    std::u16string silent = u"silent";
+    WinMain(nullptr, nullptr, silent.data(), 0);
+    g_Silent = false;
+    EXPECT_TRUE(recorder.StoreRegistry().has_value());
+    EXPECT_EQ(windows.boxes, Entries());
+    const std::string folders = "[HKLM\\Explorer\\Shell Folders] ";
+    const std::string browser = "[HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\";
+    const std::string limits = browser + "Internet Settings\\5.0\\Cache\\";
+    EXPECT_EQ(ReadFile(report),
+              "step 1: deleted \\1\\a (0 bytes)\n"
+              "step 2: deleted \\2\\a (0 bytes)\n"
+              "step 3: deleted \\Temp\\a (0 bytes)\n"
+              "step 4: deleted \\Windows\\Temp\\a (0 bytes)\n"
+              "step 5: deleted \\My Documents\\Temp\\a (0 bytes)\n"
+              "step 6: deleted \\C\\a (0 bytes)\n"
+              "step 7: deleted \\H\\a (0 bytes)\n"
+              "step 8: wrote " +
+                  browser +
+                  "Explorer\\Shell Folders] \"Cache\": \"\\C\" -> \"\\8\\\"\n"
+                  "step 9: wrote " +
+                  limits +
+                  "Content] \"CacheLimit\": 9 -> 3072\n"
+                  "step 10: wrote " +
+                  limits +
+                  "History] \"CacheLimit\": 9 -> 512\n"
+                  "step 11: wrote " +
+                  limits +
+                  "Cookies] \"CacheLimit\": 9 -> 256\n"
+                  "step 12: wrote [HKCU\\Software\\AvantGo] \"DatabaseLocation\": \"\\Go\" -> "
+                  "\"\\12\\\"\n"
+                  "step 13: deleted key [HKLM\\Software\\Apps\\Gone]\n"
+                  "step 14: wrote " +
+                  folders +
+                  "\"Favorites\": \"\\Fav\" -> \"\\14\\\"\n"
+                  "step 15: wrote " +
+                  folders +
+                  "\"Fonts\": \"\\Fonts\" -> \"\\15\\\"\n"
+                  "step 16: wrote " +
+                  folders +
+                  "\"My Documents\": \"\\My\" -> \"\\16\\\"\n"
+                  "step 17: deleted \\Windows\\Start Menu\\a.lnk (7 bytes)\n"
+                  "step 18: wrote [HKLM\\System\\GDI\\GLYPHCACHE] \"limit\": 9 -> 16384\n"
+                  "step 19: made shortcut \\Windows\\StartUp\\Fennelbright.lnk to "
+                  "\"\\App\\Fennelbright.exe\" silent\"\n"
+                  "step 20: wrote [HKLM\\System\\GWE\\Menu] \"AniType\": 6 -> 0\n"
+                  "step 21: wrote [HKLM\\System\\GWE] \"Animate\": 1 -> 0\n");
+}
+
+}  // namespace

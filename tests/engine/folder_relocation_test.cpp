@@ -1,0 +1,170 @@
+#include "engine/folder_relocation.h"
+
+#include <gtest/gtest.h>
+
+#include "core/apply_options.h"
+#include "platform/device/directory_store.h"
+#include "tests/support/apply_device.h"
+
+namespace {
+
+struct Folder {
+    std::uint32_t option;
+    const char* key;
+    const char* value;
+    const char* keyMissing;
+    const char* valueMissing;
+};
+
+constexpr char kShellFolders[] = "[HKEY_LOCAL_MACHINE\\Explorer\\Shell Folders]\n";
+
+constexpr Folder kFolders[] = {
+    {OPT_MOVE_AVANTGO, "[HKEY_CURRENT_USER\\Software\\AvantGo]\n", "DatabaseLocation",
+     "[Error] Unable to locate AvantGo cache", "[Error] Unable to locate AvantGo cache directory"},
+    {OPT_MOVE_FAVORITES, kShellFolders, "Favorites", "[Error] Unable to locate Favorites",
+     "[Error] Unable to locate Favorties directory"},
+    {OPT_MOVE_FONTS, kShellFolders, "Fonts", "[Error] Unable to locate Fonts",
+     "[Error] Unable to locate Fonts directory"},
+    {OPT_MOVE_MYDOCS, kShellFolders, "My Documents", "[Error] Unable to locate My Documents",
+     "[Error] Unable to locate My Documents directory"},
+};
+
+std::string Registry(const Folder& folder, const std::string& data) {
+    return std::string(kQuietTweaks) + folder.key + "\"" + folder.value + "\"=" + data + "\n";
+}
+
+const Entries kFiles = Words("Old/a=1 Old/Sub/b=2 New/");
+const Entries kUnmoved = Words("New/ Old/ Old/Sub/ Old/Sub/b=2 Old/a=1");
+const Entries kMoved = Words("New/ New/Sub/ New/Sub/b=2 New/a=1 Old/");
+const Entries kInside = Words("New/ Old/ Old/Sub/ Old/Sub/a=1 Old/Sub/b=2");
+const Entries kOutside = Words("New/ Old/ Old/Sub/ Old/a=1 Old/b=2");
+
+TEST(FolderRelocationTest, TellsOfMissingKeysAndValues) {
+    for (const Folder& folder : kFolders) {
+        for (const std::string key : {"", folder.key}) {
+            const std::string registry = kQuietTweaks + key;
+            const ApplyResult result = ApplySilently({kFiles, registry, folder.option, u"\\New\\"});
+            EXPECT_EQ(result.boxes, key.empty() ? (Entries{folder.keyMissing, folder.valueMissing})
+                                                : Entries{folder.valueMissing});
+            EXPECT_EQ(result.files, kUnmoved);
+            EXPECT_EQ(result.registry, registry);
+        }
+    }
+}
+
+TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
+    const struct {
+        const char* what;
+        const char* data;    // of the value, before
+        const WCHAR* typed;  // null: the settings hold none
+        const char* after;
+        Entries files;
+        bool noted = false;
+    } cases[] = {
+        {"moved", R"("\\Old")", u"\\New\\", R"("\\New\\")", kMoved},
+        {"old one with a backslash", R"("\\old\\")", u"\\New\\", R"("\\New\\")", kMoved},
+        {"typed without a backslash", R"("\\Old")", u"\\new", R"("\\new")", kMoved},
+        {"no terminator", "hex:5c,00,4f,00,6c,00,64,00", u"\\New\\", R"("\\New\\")", kMoved},
+        {"empty destination", R"("\\Old")", u"", R"("\\Old")", kUnmoved},
+        {"no destination", R"("\\Old")", nullptr, R"("\\Old")", kUnmoved},
+        {"missing destination", R"("\\Old")", u"\\None\\", R"("\\None\\")", kUnmoved},
+        {"missing source", R"("\\None")", u"\\New\\", R"("\\New\\")", kUnmoved},
+        {"same place", R"("\\Old")", u"\\OLD\\\\", R"("\\OLD\\\\")", kUnmoved},
+        {"into itself", R"("\\Old")", u"\\Old\\Sub\\", R"("\\Old\\Sub\\")", kInside},
+        {"out of a part", R"("\\Old\\Sub")", u"\\Old\\", R"("\\Old\\")", kOutside},
+        {"root", R"("\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
+        {"relative", R"("Old")", u"\\New\\", R"("\\New\\")", kMoved},
+        {"pattern", R"("\\Ol?")", u"\\New\\", R"("\\New\\")", kUnmoved},
+    };
+    for (const Folder& folder : kFolders) {
+        for (const auto& move : cases) {
+            SCOPED_TRACE(std::string(folder.value) + ", " + move.what);
+            const ApplyResult result =
+                ApplySilently({kFiles, Registry(folder, move.data), folder.option, move.typed});
+            EXPECT_EQ(result.files, move.files);
+            EXPECT_EQ(result.registry, Registry(folder, move.after));
+            EXPECT_EQ(result.notes.empty(), !move.noted) << result.notes;
+            EXPECT_EQ(result.boxes, Entries());
+            EXPECT_EQ(result.bytesCleaned, 0U);
+        }
+    }
+}
+
+// Lets nothing move from the n-th time on, as when the registry cannot be stored.
+class ClosingStore : public platform::DirectoryStore {
+  public:
+    using DirectoryStore::DirectoryStore;
+    int open = 0;
+
+  protected:
+    platform::Status BeforeMove() override {
+        return --open > 0 ? platform::Status()
+                          : platform::FailBecause("move", "no", ERROR_NO_SYSTEM_RESOURCES);
+    }
+};
+
+TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
+    for (const int closing : {1, 2, 3}) {
+        const TemporaryDevice device;
+        device.Make(kFiles);
+        WriteFile(device.path() + "/registry.reg", Registry(kFolders[1], R"("\\Old")"));
+        ClosingStore store(device.OpenFiles(), u"", device.OpenRegistry());
+        store.open = closing;
+        const platform::StoreInUse inUse(store);
+        CSettings settings;
+        settings.FavoritesDir = NewSettingsText();
+        FormatText({settings.FavoritesDir.get(), 9}, u"\\New\\", {});
+        ApplyRun run{kFolders[1].option, settings};
+        RelocateFolder(run, kFolders[1].option);
+        EXPECT_EQ(store.open, 0) << closing;
+        EXPECT_EQ(store.ChangesOfRegistry().made, 0U);
+    }
+}
+
+std::string App(const std::string& name, const std::string& values) {
+    return "[HKEY_LOCAL_MACHINE\\Software\\Apps\\" + name + "]\n" + values + "\n";
+}
+
+TEST(ApplicationKeysTest, DeletesTheKeysOfWhatIsGone) {
+    std::string noRoomForItsEnd = "\"InstallDir\"=hex:5c,00";
+    for (int count = 1; count < 1024; ++count) {
+        noRoomForItsEnd += ",6e,00";
+    }
+    const std::pair<std::string, bool> cases[] = {
+        {R"("InstallDir"="\\Apps\\Live")", true},
+        {R"("InstallDir"="\\apps\\live\\")", true},
+        {R"("InstallDir"="\\Apps\\file")", true},
+        {R"("InstallDir"="\\")", true},
+        {R"("InstallDir"=hex:5c,00,41,00,70,00,70,00,73,00)", true},  // without terminator
+        {R"("InstallDir"="\\Apps\\Live. .")", true},
+        {R"("InstallDir"="\\Apps\\fil?")", true},
+        {R"("InstallDir"="\\Apps\\Dead")", false},
+        {R"("InstallDir"="\\Apps\\..")", false},
+        {R"("InstallDir"="")", false},
+        {R"("Other"="\\Apps\\Dead")", true},
+        {R"("InstallDir"=hex:5c,00,44)", true},  // half a character
+        {noRoomForItsEnd, true},
+    };
+    for (const auto& [values, stays] : cases) {
+        const ApplyResult result = ApplySilently(
+            {{"Apps/Live/", "Apps/file="}, kQuietTweaks + App("One", values), OPT_CLEAR_REGISTRY});
+        EXPECT_EQ(result.registry.find("Apps\\One") != std::string::npos, stays) << values;
+        EXPECT_EQ(result.boxes, Entries()) << values;
+        EXPECT_EQ(result.notes, "") << values;
+    }
+    EXPECT_EQ(ApplySilently({{}, kQuietTweaks, OPT_CLEAR_REGISTRY}).boxes,
+              Entries{"[Error] Failed retrieving registry information"});
+}
+
+TEST(ApplicationKeysTest, LeavesTheKeyThatMovesUpForTheNextRun) {
+    const std::string dead = R"("InstallDir"="\\Dead")";
+    const std::string live = R"("InstallDir"="\\Live")";
+    std::string registry = kQuietTweaks + App("A", dead) + App("B", dead) + App("C", live) +
+                           App("D", dead) + App("D\\Sub", live);
+    for (const std::string& after : {App("B", dead) + App("C", live), App("C", live)}) {
+        registry = ApplySilently({{"Live/"}, registry, OPT_CLEAR_REGISTRY}).registry;
+        EXPECT_EQ(registry, kQuietTweaks + after);
+    }
+}
+
+}  // namespace

@@ -1,0 +1,194 @@
+// Runs that are killed after any of their system calls, or in which any of these fails.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <cstdio>
+
+#include "platform/files/file_store.h"
+#include "platform/text/device_names.h"
+#include "tests/support/mounted_device.h"
+#include "tests/support/system_calls.h"
+
+namespace {
+
+using Action = BOOL (*)();  // whether it was done
+
+const std::string kLong(100000, 'x');  // more than one writing
+
+struct Case {
+    const char* name;
+    Entries before;
+    Action action;
+    Entries after;
+    SystemCalls system;
+};
+
+BOOL MoveWithin() {
+    return MoveFileW(u"\\A\\f", u"\\B\\g");
+}
+BOOL MoveToCard() {
+    return MoveFileW(u"\\A\\f", u"\\Card\\B\\g");
+}
+BOOL MoveFromCard() {
+    return MoveFileW(u"\\card\\b\\f", u"\\A\\g");
+}
+BOOL MoveDirectory() {
+    return MoveFileW(u"\\A\\d", u"\\B\\d");
+}
+BOOL WriteTo(const WCHAR* path) {
+    std::FILE* const file = _wfopen(path, u"wb");
+    if (file != nullptr) {
+        std::fputs(kLong.c_str(), file);
+    }
+    return file != nullptr && std::fclose(file) == 0 ? 1 : 0;
+}
+BOOL Write() {
+    return WriteTo(u"\\A\\f");
+}
+BOOL WriteOnCard() {
+    return WriteTo(u"\\Card\\B\\F");
+}
+
+constexpr int kNoAnswer = 2;
+
+// Without nameless files, renaming flags, links.
+constexpr SystemCalls kNone = {false, false, false};
+constexpr SystemCalls kNoFlags = {true, false, true};
+
+const Entries kHere = {"A/f=" + kLong, "B/", "Card/B/"};
+const Entries kMoved = {"A/", "B/", "B/g=" + kLong, "Card/B/"};
+const Entries kOnCard = {"A/", "B/", "Card/B/", "Card/B/g=" + kLong};
+const Entries kBack = {"A/", "A/g=" + kLong, "Card/B/"};
+const Entries kWritten = {"A/", "A/f=" + kLong};
+
+const Case kCases[] = {
+    {"Move", kHere, MoveWithin, kMoved, {}},
+    {"MoveByLink", kHere, MoveWithin, kMoved, kNoFlags},
+    {"MoveByLook", kHere, MoveWithin, kMoved, kNone},
+    {"Directory", {"A/d/f=old", "B/"}, MoveDirectory, {"A/", "B/", "B/d/", "B/d/f=old"}, kNoFlags},
+    {"ToCard", kHere, MoveToCard, kOnCard, {}},
+    {"ToCardByLink", kHere, MoveToCard, kOnCard, {false, false, true}},
+    {"FromCard", {"Card/B/f=" + kLong, "A/"}, MoveFromCard, kBack, kNone},
+    {"Replace", {"A/f=old"}, Write, kWritten, {}},
+    {"ReplaceByName", {"A/f=old"}, Write, kWritten, kNone},
+    {"ReplaceOnCard", {"Card/B/f=old"}, WriteOnCard, {"Card/B/", "Card/B/f=" + kLong}, kNone},
+    {"Make", {"A/"}, Write, kWritten, {}},
+    {"MakeByName", {"A/"}, Write, kWritten, kNone},
+};
+
+class KillsTest : public testing::TestWithParam<Case> {
+  protected:
+    void SetUp() override {
+        if (!EnterMountNamespace()) {
+            GTEST_SKIP() << "this user may not mount anything";
+        }
+        device_.Mount("");
+        device_.Mount("Card");
+        after_ = GetParam().after;
+        after_.emplace_back("Card/");
+        std::sort(after_.begin(), after_.end());
+    }
+    void TearDown() override { g_calls = {}; }
+
+    void Reset() const {
+        device_.Clear();
+        device_.Make(GetParam().before);
+    }
+
+    // One run: what is done first, and then the action. Returns whether that was done or has left a
+    // reason.
+    bool Run() const {
+        platform::FileStore store(device_.OpenFiles(), u"");
+        const platform::StoreInUse inUse(store);
+        store.ClearUp();
+        return GetParam().action() != 0 || GetLastError() != 0;
+    }
+
+    // Runs with a fault at the call of that number. Returns whether there were so many calls.
+    bool RunWithFault(int number, int error) const {
+        const pid_t child = fork();
+        if (child == 0) {
+            g_calls = GetParam().system;
+            g_calls.faultAt = number;
+            g_calls.error = error;
+            const bool isSilent = error == 0 || std::freopen("/dev/null", "w", stderr) != nullptr;
+            _exit(isSilent && Run() ? static_cast<int>(g_calls.faultAt > 0) : kNoAnswer);
+        }
+        int status = 0;
+        EXPECT_EQ(waitpid(child, &status, 0), child);
+        const bool isKilled = WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
+        EXPECT_TRUE(isKilled || WIFEXITED(status));
+        EXPECT_FALSE(isKilled && error != 0);
+        EXPECT_TRUE(isKilled || WEXITSTATUS(status) != kNoAnswer);
+        return isKilled || (error != 0 && WEXITSTATUS(status) == 0);
+    }
+
+    // Whatever has a name of its own is whole, and a whole file is there.
+    void ExpectNothingLost() const {
+        bool isThere = GetParam().before == Entries{"A/"};
+        for (const std::string& entry : device_.Listing()) {
+            const std::string path = entry.substr(0, entry.find('='));
+            const bool isWhole = entry.ends_with("=" + kLong) || entry.ends_with("=old");
+            const std::string name = path.substr(path.rfind('/') + 1);
+            EXPECT_TRUE(isWhole || entry.ends_with('/') || platform::IsReservedName(name)) << path;
+            isThere = isThere || isWhole;
+        }
+        EXPECT_TRUE(isThere);
+    }
+
+    void ExpectFinishedByNextRun() const {
+        g_calls = GetParam().system;
+        testing::internal::CaptureStderr();
+        Run();
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        EXPECT_EQ(device_.Listing(), after_);
+        g_calls = {};
+    }
+
+    Entries after_;
+    MountedDevice device_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Calls, KillsTest, testing::ValuesIn(kCases),
+                         [](const auto& each) { return each.param.name; });
+
+TEST_P(KillsTest, AKillAfterAnyCallLosesNothing) {
+    for (int number = 1;; ++number) {
+        SCOPED_TRACE(number);
+        for (int next = 1 + number % 5;; next += 5) {
+            SCOPED_TRACE(next);
+            Reset();
+            if (!RunWithFault(number, 0)) {
+                EXPECT_GT(number, 2);
+                return;
+            }
+            ExpectNothingLost();
+            const bool isKilledAgain = RunWithFault(next, 0);
+            ExpectNothingLost();
+            ExpectFinishedByNextRun();
+            if (!isKilledAgain || HasFailure()) {
+                break;
+            }
+        }
+    }
+}
+
+TEST_P(KillsTest, AnyCallThatFailsLosesNothing) {
+    for (const int error : {EIO, ENOSPC, EACCES}) {
+        for (int number = 1;; ++number) {
+            SCOPED_TRACE(number);
+            Reset();
+            if (!RunWithFault(number, error)) {
+                break;
+            }
+            ExpectNothingLost();
+            ExpectFinishedByNextRun();
+        }
+    }
+}
+
+}  // namespace

@@ -1,0 +1,161 @@
+// The lists of the pages and the folder browser, on a display that nobody sees.
+
+#include <QLineEdit>
+#include <QListView>
+#include <QTreeWidget>
+#include <algorithm>
+#include <filesystem>
+#include <string>
+
+#include "tests/support/apply_device.h"
+#include "tests/support/display_fixture.h"
+#include "tests/support/displayed_run.h"
+
+namespace {
+
+std::string BoxTexts() {
+    const auto text = [](int id) { return dynamic_cast<QLineEdit&>(Control(id)).text(); };
+    return (text(50002) + '|' + text(50005)).toStdString();
+}
+
+QListView& List(int id) {
+    return dynamic_cast<QListView&>(Control(id));
+}
+
+QTreeWidget* Tree() {
+    return Host().findChild<QTreeWidget*>();
+}
+
+// What a user does. First a tap on a control, then the selection of an entry of a list.
+auto Tap(int id) {
+    return [id] { Click(Control(id)); };
+}
+
+auto Select(int id, const char* text) {
+    return [id, text] {
+        const auto found = List(id).model()->match(List(id).model()->index(0, 0), Qt::DisplayRole,
+                                                   QString::fromLatin1(text), 1, Qt::MatchExactly);
+        ASSERT_EQ(found.size(), 1) << text;
+        Click(*List(id).viewport(), List(id).visualRect(found[0]).center());
+    };
+}
+
+// In the browser: selects a folder and opens it.
+auto Open(const char* name) {
+    return [name] {
+        const auto found =
+            Tree()->findItems(QString::fromLatin1(name), Qt::MatchExactly | Qt::MatchRecursive);
+        ASSERT_EQ(found.size(), 1) << name;
+        Click(*Tree()->viewport(), Tree()->visualItemRect(found[0]).center());
+        found[0]->isExpanded() ? void() : QTest::keyClick(Tree(), Qt::Key_Right);
+    };
+}
+
+void NextTab() {
+    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
+}
+
+void Press(std::initializer_list<Qt::Key> keys) {
+    for (const Qt::Key key : keys) {
+        QWidget* const menu = QApplication::activePopupWidget();
+        QTest::keyClick(menu != nullptr ? menu : &Host(), key);
+    }
+}
+
+void Apply() {
+    Press({Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+}
+
+class DisplayedLists : public testing::Test {
+  protected:
+    DisplayedLists() {
+        device_.Make({std::string("App/settings.dat=\0\0\0\0", 21), "Games/Cache/a=12345",
+                      "Games/Cache/sub/b=1", "Games/keep=1"});
+        WriteFile(device_.path() + "/registry.reg", kQuietTweaks);
+    }
+
+    // Runs the program and returns what has gone but for the settings, which keep the ticks.
+    Entries Lost(const Steps& steps, std::initializer_list<const char*> bytes) {
+        Entries boxes;
+        for (const char* const each : bytes) {
+            boxes.push_back("[Cleaning Finished] " + std::string(each) + " Bytes Cleaned");
+        }
+        const Entries before = device_.Listing();
+        EXPECT_EQ(RunDisplayed(device_, steps), boxes);
+        const Entries after = device_.Listing();
+        Entries lost;
+        std::ranges::set_difference(before, after, std::back_inserter(lost));
+        std::erase_if(lost, [](const auto& entry) { return entry.starts_with("App/"); });
+        return lost;
+    }
+
+    TemporaryDevice device_;
+};
+
+TEST_F(DisplayedLists, AChosenFolderIsCleaned) {
+    const auto look = [] {
+        EXPECT_EQ(Tree()->parentWidget()->geometry(), QRect(0, 26, 240, 268));
+        EXPECT_EQ(Tree()->geometry(), QRect(10, 10, 220, 228));
+        EXPECT_EQ(Control(60001).geometry(), QRect(50, 243, 60, 20));
+        EXPECT_EQ(Control(60002).geometry(), QRect(130, 243, 60, 20));
+    };
+    const auto read = [] { EXPECT_EQ(BoxTexts(), "\\Games\\Cache\\|"); };
+    EXPECT_EQ(
+        Lost({Tap(50003), Open("Games"), Open("Cache"), look, Tap(60001), read, Tap(50001), Apply},
+             {"6"}),
+        (Entries{"Games/Cache/a=12345", "Games/Cache/sub/b=1"}));
+}
+
+TEST_F(DisplayedLists, WhatIsSelectedGoesAndNothingElse) {
+    device_.Make({"x/Temp/a=123", "MyTemp/b=4567", "l/one.tmp=12", "l/two.tmp=345",
+                  "Windows/StartUp/a.lnk=1#a", "Windows/StartUp/b.lnk=1#b"});
+    EXPECT_EQ(Lost({Tap(50015), Tap(50011), Tap(50014), Select(50012, "\\x\\Temp\\"),
+                    Select(50020, "\\l\\two.tmp"), NextTab, NextTab, NextTab, NextTab,
+                    Select(50047, "a.lnk"), Apply, Apply, Tap(50046), Apply, Apply},
+                   {"6", "0", "3", "0"}),
+              (Entries{"Windows/StartUp/a.lnk=1#a", "l/two.tmp=345", "x/Temp/a=123"}));
+}
+
+TEST_F(DisplayedLists, OfThreeThousandSelectedEntriesTheFirst1024Go) {
+    for (int file = 1000; file < 4000; ++file) {
+        device_.Make({"t/" + std::to_string(file) + ".tmp=1"});
+    }
+    const Entries lost =
+        Lost({Tap(50015), Tap(50014), [] { List(50020).selectAll(); }, Apply}, {"1024"});
+    EXPECT_EQ(lost.size(), 1024U);
+    EXPECT_EQ(lost.back(), "t/2023.tmp=1");
+}
+
+TEST_F(DisplayedLists, TheBrowserServesItsBoxHoweverItEnds) {
+    // Two things are done before the program looks at the first.
+    const auto another = [] { Click(Control(50003)), Click(Control(50006)); };
+    const auto nextPage = [] { Click(Control(50003)), NextTab(); };
+    const auto vanish = [this] { std::filesystem::remove_all(device_.files() + "/Games"); };
+    const auto exit = [] { Press({Qt::Key_F10, Qt::Key_Down, Qt::Key_Return}); };
+    const struct {
+        Steps steps;
+        std::string texts;  // of the first two boxes at the end; empty: the program ends
+    } cases[] = {
+        {{Tap(50003), Tap(60001)}, "|b"},
+        {{Tap(50003), Open("\\"), Tap(60001)}, "\\|b"},
+        {{Tap(50003), Open("Games"), Tap(60002)}, "a|b"},
+        {{another, Open("Games"), Tap(60001)}, "a|\\Games\\"},
+        {{nextPage, Open("Games"), Tap(60001)}, "\\Games\\|b"},
+        {{Tap(50003), Open("Games"), Apply, Tap(60002)}, "a|b"},
+        {{Tap(50003), Open("Games"), exit}, ""},
+        {{Tap(50003), Open("Games"), [] { Host().close(); }}, ""},
+        {{Tap(50003), vanish, Open("Games"), Tap(60001)}, "\\Games\\|b"},
+    };
+    for (const auto& each : cases) {
+        SCOPED_TRACE(&each - cases);
+        std::string seen;
+        Steps steps = {[] { QTest::keyClicks(&Control(50002), QStringLiteral("a")); },
+                       [] { QTest::keyClicks(&Control(50005), QStringLiteral("b")); }};
+        steps.insert(steps.end(), each.steps.begin(), each.steps.end());
+        steps.emplace_back([&] { seen = Tree() == nullptr ? BoxTexts() : "the browser is open"; });
+        RunDisplayed(device_, steps);
+        EXPECT_EQ(seen, each.texts);
+    }
+}
+
+}  // namespace

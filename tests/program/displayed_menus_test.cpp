@@ -1,0 +1,191 @@
+// The menus "Power" and "Help", chosen by keys on a display that nobody sees.
+
+#include <sys/stat.h>
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QTextBrowser>
+#include <filesystem>
+#include <string>
+
+#include "core/application.h"
+#include "platform/device/directory_store.h"
+#include "platform/qt/desktop/help_window.h"
+#include "shell/about_box.h"
+#include "tests/support/display_fixture.h"
+#include "tests/support/displayed_run.h"
+
+namespace {
+
+using platform::qt::HelpWindow;
+
+const std::string kFirst =
+    "[Please Confirm] WARNING: Hard Reseting Will Erase ALL data!!!\n\nMarlowtide accepts no "
+    "reposibility for data loss resulting from the use of this function.\n\nDo you wish to perform "
+    "a hard reset?";
+const std::string kSecond = "[Please Confirm] Are you really sure?";
+
+// From the first menu on.
+using Keys = std::initializer_list<Qt::Key>;
+const Keys kOff = {Qt::Key_F10, Qt::Key_Right, Qt::Key_Right, Qt::Key_Return};
+const Keys kSoftReset = {Qt::Key_F10, Qt::Key_Right, Qt::Key_Right, Qt::Key_Down, Qt::Key_Return};
+const Keys kHardReset = {Qt::Key_F10, Qt::Key_Right, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return};
+const Keys kIndex = {Qt::Key_F10, Qt::Key_Left, Qt::Key_Return};
+const Keys kAbout = {Qt::Key_F10, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return};
+const Keys kExit = {Qt::Key_F10, Qt::Key_Down, Qt::Key_Return};
+
+TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
+    const struct {
+        Keys keys;
+        std::deque<int> answers;
+        Entries boxes;
+        Entries calls;
+    } cases[] = {
+        {kSoftReset, {}, {}, {"restart"}},
+        {kHardReset, {}, {kFirst}, {}},  // closed without an answer
+        {kHardReset, {IDNO}, {kFirst}, {}},
+        {kHardReset, {IDYES}, {kFirst, kSecond}, {}},
+        {kHardReset, {IDYES, IDNO}, {kFirst, kSecond}, {}},
+        {kHardReset, {IDYES, IDYES}, {kFirst, kSecond}, {"erase", "restart"}},
+        {kIndex, {}, {}, {"start peghelp.exe file:brightdoc.htm#Main_Contents"}},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDevice device;
+        device.Make({"App/"});
+        Entries calls;
+        Steps steps;
+        AddMenu(steps, each.keys);
+        steps.emplace_back([&] { EXPECT_EQ(device.Listing(), Entries{"App/"}); });
+        EXPECT_EQ(RunDisplayed(device, steps, each.answers, &calls), each.boxes);
+        EXPECT_EQ(calls, each.calls);
+    }
+}
+
+QWidget* Cover() {
+    return Host().findChild<QWidget*>(QStringLiteral("screenOff"));
+}
+
+TEST(DisplayedMenus, TheKeyOrClickThatSwitchesTheDeviceOnIsNotTheProgramS) {
+    const auto isTicked = [] { return dynamic_cast<QCheckBox&>(Control(50001)).isChecked(); };
+    const auto pressKey = [] { QTest::keyClick(Host().windowHandle(), Qt::Key_Space); };
+    const auto click = [] {
+        const QPoint at = Control(50001).mapTo(&Host(), QPoint(9, 9));
+        QTest::mouseClick(Host().windowHandle(), Qt::LeftButton, Qt::NoModifier, at);
+    };
+    for (const std::function<void()>& act : {std::function<void()>(pressKey), {click}}) {
+        const TemporaryDevice device;
+        device.Make({"App/"});
+        Steps steps = {[] { Control(50001).setFocus(); }};
+        AddMenu(steps, kOff);
+        steps.insert(steps.end(),
+                     {[] { EXPECT_EQ(Cover()->visibleRegion().boundingRect(), Host().rect()); },
+                      [] { QTest::keyRelease(Host().windowHandle(), Qt::Key_Return); },
+                      [] { EXPECT_TRUE(Cover()->isVisible()); }, act,
+                      [&] { EXPECT_FALSE(Cover()->isVisible() || isTicked()); }, act,
+                      [&] { EXPECT_TRUE(isTicked()); }});
+        EXPECT_EQ(RunDisplayed(device, steps), Entries());
+    }
+}
+
+QWidget& CaptionOk() {
+    return *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
+}
+
+QLabel* AboutLabel() {
+    for (auto* const label : Host().findChildren<QLabel*>()) {
+        if (label->text().startsWith(QStringLiteral("Fennelbright V1.01\n"))) {
+            return label;
+        }
+    }
+    return nullptr;
+}
+
+TEST(DisplayedMenus, TheAboutBoxOpensAndClosesAsOftenAsItsUserLikes) {
+    const TemporaryDevice device;
+    device.Make({"App/"});
+    const auto closeByKey = [] {
+        EXPECT_EQ(g_AboutControls.Count(), 1u);
+        EXPECT_EQ(BoundsOf(g_AboutWindow), QRect(0, 26, 240, 268));
+        EXPECT_EQ(AboutLabel()->geometry(), QRect(2, 2, 200, 50));
+        EXPECT_LE(AboutLabel()->sizeHint().height(), 50);
+        EXPECT_EQ(AboutLabel()->text().count(u'\n'), 2);
+        CaptionOk().setFocus(Qt::TabFocusReason);
+        QTest::keyClick(Host().windowHandle(), Qt::Key_Space);
+    };
+    Steps steps;
+    for (int round = 0; round < 2; ++round) {
+        AddMenu(steps, kAbout);
+        AddMenu(steps, kAbout);
+        steps.emplace_back(closeByKey);
+        steps.emplace_back(
+            [] { EXPECT_TRUE(g_AboutWindow == nullptr && AboutLabel() == nullptr); });
+    }
+    AddMenu(steps, kAbout);
+    steps.emplace_back([&] { EXPECT_EQ(device.Listing(), Entries{"App/"}); });
+    AddMenu(steps, kExit);
+    steps.emplace_back([] { ADD_FAILURE() << "the program goes on"; });
+    RunDisplayed(device, steps);
+    EXPECT_EQ(device.Listing().size(), 2u);
+    EXPECT_EQ(g_AboutWindow, nullptr);
+}
+
+class HelpTest : public DisplayTest {};
+
+TEST_F(HelpTest, APageIsReadByKeysAndLeadsNowhereElse) {
+    QString page = QStringLiteral(
+        "<title>T</title><a href='file:///etc/hosts'>out</a> "
+        "<a href='#b'>in</a><img src='file:///x.png'>");
+    page += QStringLiteral("<p>line").repeated(100) + "<a name='a'></a>here" +
+            QStringLiteral("<p>line").repeated(100) + "<a name='b'></a>there" +
+            QStringLiteral("<p>line").repeated(100);
+    HelpWindow window(page, QStringLiteral("a"));
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    auto& text = *window.findChild<QTextBrowser*>();
+    const int begin = text.verticalScrollBar()->value();
+    EXPECT_GT(begin, 0);
+    Q_EMIT text.anchorClicked(QUrl(QStringLiteral("file:///etc/hosts")));
+    EXPECT_EQ(text.verticalScrollBar()->value(), begin);
+    Q_EMIT text.anchorClicked(QUrl(QStringLiteral("#b")));
+    EXPECT_GT(text.verticalScrollBar()->value(), begin);
+    QTest::keyClick(&window, Qt::Key_Left, Qt::AltModifier);
+    EXPECT_EQ(text.verticalScrollBar()->value(), begin);
+    QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
+    QTest::keyClicks(window.findChild<QLineEdit*>(), QStringLiteral("there"));
+    QTest::keyClick(window.findChild<QLineEdit*>(), Qt::Key_Return);
+    EXPECT_EQ(text.textCursor().selectedText(), "there");
+    EXPECT_EQ(window.windowTitle(), "T");
+}
+
+TEST_F(HelpTest, AViewerHasItsPageAndNothingElse) {
+    const TemporaryDevice device;
+    const std::string script = device.path() + "/viewer";
+    const std::string seen = device.path() + "/seen";
+    WriteFile(script, "#!/bin/sh\n(echo $1; cat; ls /proc/$$/fd) >" + seen + ".new\nmv " + seen +
+                          ".new " + seen + "\n");
+    ASSERT_EQ(chmod(script.c_str(), 0700), 0);
+    platform::DirectoryStore store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    store.OfferHelp(std::make_unique<platform::HelpViewers>(script, 0));
+    const platform::StoreInUse inUse(store);
+    const auto start = [](const WCHAR* image) {
+        return CreateProcessW(image, u"file:page.htm#P", nullptr, nullptr, FALSE, 0, nullptr,
+                              nullptr, nullptr, nullptr);
+    };
+    device.Make({"Windows/PAGE.HTM=of the device\n"});
+    EXPECT_NE(start(u"peghelp.exe"), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(seen); }));
+    EXPECT_EQ(ReadFile(seen), "--show-help-page=P\nof the device\n0\n1\n10\n2\n");
+    EXPECT_EQ(start(u"other.exe"), 0);
+    EXPECT_EQ(GetLastError(), static_cast<DWORD>(ERROR_FILE_NOT_FOUND));
+    std::filesystem::remove(seen);
+    std::filesystem::remove_all(device.files() + "/Windows");
+    EXPECT_NE(start(u"peghelp.exe"), 0);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return std::filesystem::exists(seen); }));
+    EXPECT_NE(ReadFile(seen).find("<A NAME=\"Main_Contents\">"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,89 @@
+#include "tests/support/apply_device.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "core/application.h"
+#include "core/apply_options.h"
+#include "core/wide_text.h"
+#include "engine/apply_sequence.h"
+#include "platform/device/directory_store.h"
+#include "platform/text/readable_text.h"
+#include "settings/settings_file.h"
+#include "tests/support/failing_store.h"
+
+const char kQuietTweaks[] =
+    "[HKEY_LOCAL_MACHINE\\System\\GWE]\n\"Animate\"=dword:00000001\n"
+    "[HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\n\"AniType\"=dword:00000006\n";
+
+namespace {
+
+constexpr const WCHAR* kModule = TEXT("\\App\\Fennelbright.exe");
+
+void WriteSettingsOf(const ApplyInput& input) {
+    CSettings settings;
+    for (const Option& option : AllOptions()) {
+        if (option.text != nullptr && input.text != nullptr) {
+            settings.*option.text = NewSettingsText();
+            std::copy_n(input.text, wcslen(input.text), (settings.*option.text).get());
+        }
+        if (option.position != nullptr) {
+            settings.*option.position = input.position;
+        }
+    }
+    std::FILE* const file = OpenSettingsForWriting();
+    ASSERT_NE(file, nullptr);
+    WriteSettings(file, input.mask, settings);
+    ASSERT_EQ(std::fclose(file), 0);
+}
+
+}  // namespace
+
+int CollectedBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
+    EXPECT_EQ(owner, nullptr);
+    boxes.push_back('[' + platform::ReadableText(caption) + "] " + platform::ReadableText(text) +
+                    (type == MB_OK ? "" : "?"));
+    return IDOK;
+}
+
+ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int reason) {
+    TemporaryDevice device;
+    device.Make(input.files);
+    device.Make({"App/"});
+    if (!input.registry.empty()) {
+        WriteFile(device.path() + "/registry.reg", input.registry);
+    }
+    platform::DirectoryStore store(device.OpenFiles(), kModule, device.OpenRegistry());
+    {
+        const platform::StoreInUse inUse(store);
+        WriteSettingsOf(input);
+    }
+    ApplyResult result;
+    FailingStore faulty(store, failing, reason);
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(faulty);
+    const platform::WindowsInUse windowsInUse(windows);
+    BytesCleaned = 0;
+    testing::internal::CaptureStderr();
+    CSettings settings;
+    g_Settings = &settings;
+    g_Silent = true;
+    try {
+        ApplySettings(input.allowRestart);
+    } catch (const DeviceRestarted&) {
+        result.restarts = 1;
+    }
+    g_Settings = nullptr;
+    result.notes = testing::internal::GetCapturedStderr();
+    EXPECT_TRUE(store.StoreRegistry().has_value());
+    result.boxes = windows.boxes;
+    result.bytesCleaned = BytesCleaned;
+    result.registry = ReadFile(device.path() + "/registry.reg");
+    result.files = device.Listing();
+    std::erase_if(result.files, [](const std::string& entry) { return entry.starts_with("App/"); });
+    if (calls != nullptr) {
+        *calls = faulty.calls();
+    }
+    return result;
+}

@@ -1,0 +1,128 @@
+#include "tests/support/display_fixture.h"
+
+#include "core/window_operations.h"
+#include "platform/display/display.h"
+
+LRESULT (*g_hook)(const Told& told) = nullptr;
+
+namespace {
+
+AllTold g_told;
+bool g_turningLoop = false;
+
+bool IsKept(UINT message) {
+    return message == WM_COMMAND || message == WM_NOTIFY || message == WM_VSCROLL ||
+           message == WM_HSCROLL || message == WM_LBUTTONUP;
+}
+
+LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    EXPECT_FALSE(g_turningLoop) << "the program runs below the toolkit";
+    if (!IsKept(message)) {
+        EXPECT_TRUE(message == WM_LBUTTONDOWN || message == WM_SETTEXT) << message;
+        return DefWindowProcW(window, message, wParam, lParam);
+    }
+    const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;
+    g_told.push_back({window, message, wParam, lParam, code});
+    return g_hook == nullptr ? 0 : g_hook(Told(g_told.back()));
+}
+
+}  // namespace
+
+extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+
+std::unique_ptr<platform::DisplayWindows> OpenUnseen() {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    const platform::DisplayNeeds needs = platform::NeedsFor("A device", 1);
+    return std::unique_ptr<platform::DisplayWindows>(FennelbrightMakeWindows(&needs));
+}
+
+QWidget& Host() {
+    for (QWidget* const window : QApplication::topLevelWidgets()) {
+        if (window->findChild<QWidget*>(QStringLiteral("captionOk")) != nullptr) {
+            return *window;
+        }
+    }
+    ADD_FAILURE() << "no window on the desktop";
+    std::abort();
+}
+
+QWidget& Control(int id) {
+    auto* const found = Host().findChild<QWidget*>(QString::number(id));
+    EXPECT_NE(found, nullptr) << id;
+    return *found;
+}
+
+void Click(QWidget& widget, QPoint at) {
+    QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
+}
+
+QRect BoundsOf(HWND window) {
+    RECT bounds{};
+    EXPECT_NE(GetWindowRect(window, &bounds), 0);
+    return {QPoint(bounds.left, bounds.top), QPoint(bounds.right - 1, bounds.bottom - 1)};
+}
+
+DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
+    g_told.clear();
+    g_hook = nullptr;
+    WNDCLASS record{};
+    record.lpfnWndProc = Keep;
+    record.lpszClassName = TEXT("Kept");
+    record.hbrBackground = SystemColorBrush(COLOR_WINDOW);
+    RegisterClassW(&record);
+    main_ = Open(TEXT("Kept"));
+    page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
+                            kPage.left, kPage.top, kPage.right - kPage.left,
+                            kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
+}
+
+DisplayTest::~DisplayTest() {
+    g_hook = nullptr;
+}
+
+HWND DisplayTest::Open(const WCHAR* className) {
+    return CreateWindowExW(WS_EX_CAPTIONOKBTN, className, TEXT("Top"), WS_VISIBLE, CW_USEDEFAULT,
+                           CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr,
+                           nullptr);
+}
+
+HWND DisplayTest::Add(const WCHAR* className, DWORD style, const RECT& place, int id,
+                      const WCHAR* text) {
+    return CreateWindowExW(0, className, text, style | WS_CHILD | WS_VISIBLE, place.left, place.top,
+                           place.right - place.left, place.bottom - place.top, page_,
+                           reinterpret_cast<HMENU>(static_cast<DWORD_PTR>(id)), nullptr, nullptr);
+}
+
+void DisplayTest::Dispatch() {
+    QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit));
+    MSG message{};
+    while (true) {
+        g_turningLoop = true;
+        const BOOL more = GetMessageW(&message, nullptr, 0, 0);
+        g_turningLoop = false;
+        if (more == 0) {
+            return;
+        }
+        TranslateMessage(&message);
+        DispatchMessageW(&message);
+    }
+}
+
+AllTold DisplayTest::TakeTold() {
+    return std::exchange(g_told, {});
+}
+
+LRESULT DisplayTest::Send(HWND window, UINT message, WPARAM wParam, const void* lParam) {
+    return SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(lParam));
+}
+
+Codes DisplayTest::TakeCodes() {
+    Codes codes;
+    for (const Told& told : TakeTold()) {
+        if (told.message == WM_COMMAND || told.message == WM_NOTIFY) {
+            codes.push_back(told.message == WM_NOTIFY ? told.code : HIWORD(told.wParam));
+        }
+    }
+    return codes;
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QTest>
+#include <QWidget>
+#include <memory>
+#include <vector>
+
+#include "platform/display/window_module.h"
+
+// The window system on a display that nobody sees.
+std::unique_ptr<platform::DisplayWindows> OpenUnseen();
+
+// What a window's procedure was told.
+struct Told {
+    HWND window;
+    UINT message;
+    WPARAM wParam;
+    LPARAM lParam;
+    UINT code = 0;  // of WM_NOTIFY
+
+    bool operator==(const Told&) const = default;
+};
+
+using AllTold = std::vector<Told>;
+using Codes = std::vector<UINT>;
+
+// The window on the desktop.
+QWidget& Host();
+
+// The widget of the control with this ID.
+QWidget& Control(int id);
+
+// Taps a widget, in its middle if no place is given.
+void Click(QWidget& widget, QPoint at = {});
+
+// Where a window stands on the screen.
+QRect BoundsOf(HWND window);
+
+// The unseen window system with a main window and a page that scrolls on it. Their procedure keeps
+// what it is told.
+class DisplayTest : public testing::Test {
+  public:
+    DisplayTest();
+    ~DisplayTest() override;
+
+  protected:
+    static constexpr RECT kPage = {4, 4, 236, 243};
+
+    // Makes a top-level window with an OK.
+    static HWND Open(const WCHAR* className);
+
+    // Makes a control on the page.
+    HWND Add(const WCHAR* className, DWORD style, const RECT& place, int id,
+             const WCHAR* text = TEXT(""));
+
+    // Takes and dispatches what waits in the queue, and what comes of it, until none is left.
+    static void Dispatch();
+
+    // What was told since the last call, of these messages alone: WM_COMMAND, WM_NOTIFY,
+    // WM_VSCROLL, WM_HSCROLL and the stylus.
+    static AllTold TakeTold();
+
+    // The same, of WM_COMMAND and WM_NOTIFY the codes alone.
+    static Codes TakeCodes();
+
+    static LRESULT Send(HWND window, UINT message, WPARAM wParam = 0, const void* lParam = nullptr);
+    static LRESULT Send(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+        return SendMessageW(window, message, wParam, lParam);
+    }
+
+    platform::DisplayWindows& windows() { return *windows_; }
+
+    HWND main_ = nullptr;
+    HWND page_ = nullptr;
+
+  private:
+    std::unique_ptr<platform::DisplayWindows> windows_;
+    platform::WindowsInUse inUse_;
+};
+
+// Called by the procedure with every message that is kept; what it returns is the result.
+extern LRESULT (*g_hook)(const Told& told);

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QWidget>
+#include <deque>
+#include <functional>
+#include <initializer_list>
+#include <vector>
+
+#include "tests/support/temporary_device.h"
+
+// What a user does, a step each time that the program waits.
+using Steps = std::vector<std::function<void()>>;
+
+// Adds the keys that choose an item of the menus.
+void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys);
+
+// Runs the program on a device and on a display that nobody sees; behind the last step taps the OK.
+// Boxes get the next one of `answers`, or are closed where there is none. Returns the boxes,
+// "[caption] text"; `calls` receives "erase", "restart" and "start IMAGE WORDS", none of which
+// happens.
+Entries RunDisplayed(const TemporaryDevice& device, const Steps& steps,
+                     std::deque<int> answers = {}, Entries* calls = nullptr);

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cerrno>
+
+#include "platform/files/file_store.h"
+#include "platform/seam/forwarding_store.h"
+
+// Thrown in place of what ends the program, so that nothing after it runs.
+struct DeviceRestarted {};
+
+// Lets the n-th call come back with failure and its own reason, without having done anything; all
+// others go on but for the restarts, which would end the process.
+class FailingStore : public platform::ForwardingStore {
+  public:
+    // `failing` counts from 1; 0 lets every call through. `reason` is an errno.
+    FailingStore(platform::DeviceStore& inner, int failing, int reason = EIO)
+        : ForwardingStore(inner), failing_(failing), reason_{"go on", {}, reason} {}
+
+    int calls() const { return calls_; }
+
+    const platform::Failure& LastFailure() const override {
+        return calls_ == failing_ ? reason_ : ForwardingStore::LastFailure();
+    }
+
+    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
+                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
+        if (code == IOCTL_HAL_REBOOT) {
+            throw DeviceRestarted();
+        }
+        return 0;
+    }
+
+  protected:
+    platform::DeviceStore& inner() override {
+        return ++calls_ == failing_ ? nothing_ : ForwardingStore::inner();
+    }
+
+  private:
+    // Without a file tree, without a registry, and with a path that no buffer holds.
+    platform::FileStore nothing_{platform::Descriptor(), std::u16string(5000, u'x')};
+    int failing_;
+    platform::Failure reason_;
+    int calls_ = 0;
+};

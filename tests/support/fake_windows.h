@@ -1,0 +1,377 @@
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <deque>
+#include <functional>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include "core/application.h"
+#include "core/wide_text.h"
+#include "platform/text/readable_text.h"
+#include "tests/support/apply_device.h"
+
+// NOLINTBEGIN(performance-no-int-to-ptr)
+
+// What the fake keeps of one window. Its bounds count from its parent's client area.
+struct FakeWindow {
+    std::u16string className;
+    std::u16string text;
+    DWORD style = 0;
+    DWORD extendedStyle = 0;
+    RECT bounds{};
+    HWND parent = nullptr;
+    DWORD_PTR id = 0;
+    WNDPROC procedure = nullptr;  // null: a control
+    bool visible = false;
+    LRESULT check = 0;
+    int position = -1;                      // of combo box, slider or tab control
+    int highest = 100;                      // position of a slider
+    std::vector<std::u16string> entries{};  // of combo box or tab control
+    SCROLLINFO scroll{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0};
+};
+
+// A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
+// is done by the steps below.
+class FakeWindows : public CollectedBoxes {
+  public:
+    static constexpr LRESULT kDefaultResult = 77;  // what DefWindowProcW returns
+
+    std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
+    std::set<std::string> failing;   // calls, spelt as above, that come back with failure
+    int failingUse = 0;              // the use of the fake that fails, from 1; 0: none
+    LRESULT failure = 0;             // what a message gives that fails
+    int uses = 0;
+    int strayHandles = 0;  // uses of a handle that is neither null nor a living window's
+    std::map<HWND, FakeWindow> windows;
+
+    // Each is carried out when the program waits for a message and none is queued. Behind the last
+    // one the OK on the main window's caption is pressed.
+    std::deque<std::function<void()>> steps;
+
+    void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam = 0) {
+        queue_.push_back({window, message, wParam, lParam, 0, {}});
+    }
+
+    // The only window of this class; null when there is none.
+    HWND Find(const std::u16string& className) const {
+        const auto found = std::ranges::find_if(
+            windows, [&](const auto& window) { return window.second.className == className; });
+        return found == windows.end() ? nullptr : found->first;
+    }
+
+    FakeWindow& At(HWND window) { return windows.at(window); }
+
+    WORD RegisterClassW(const WNDCLASS* windowClass) override {
+        EXPECT_TRUE(windowClass->style == 3 && windowClass->hInstance == g_Instance);
+        EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
+        return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
+               classes_.emplace(windowClass->lpszClassName, windowClass->lpfnWndProc).second;
+    }
+
+    BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override {
+        EXPECT_EQ(instance, g_Instance);
+        Goes("UnregisterClassW " + platform::ReadableText(className));
+        return classes_.erase(className) != 0;
+    }
+
+    HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
+                         DWORD style, int x, int y, int width, int height, HWND parent, HMENU menu,
+                         HINSTANCE instance, void* parameter) override {
+        EXPECT_TRUE(instance == g_Instance && parameter == nullptr);
+        const auto known = classes_.find(className);
+        FakeWindow window = {className, text, style, extendedStyle};
+        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
+                                           : RECT{x, y, x + width, y + height};
+        window.parent = parent;
+        window.id = reinterpret_cast<DWORD_PTR>(menu);
+        window.visible = (style & WS_VISIBLE) != 0;
+        window.procedure = known == classes_.end() ? nullptr : known->second;
+        const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
+        const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
+                          (known != classes_.end() || kControlClasses.contains(className)) &&
+                          ((style & WS_CHILD) == 0 || Living(parent) != nullptr);
+        return goes ? Add(std::move(window)) : nullptr;
+    }
+
+    BOOL DestroyWindow(HWND window) override {
+        if (!Goes("DestroyWindow", window)) {
+            return 0;
+        }
+        windows.erase(window);
+        std::size_t gone = 1;
+        while (gone != 0) {  // the children go too, and theirs
+            gone = std::erase_if(windows, [this](const auto& other) {
+                const HWND parent = other.second.parent;
+                return parent != nullptr && !windows.contains(parent);
+            });
+        }
+        return 1;
+    }
+
+    BOOL ShowWindow(HWND window, int command) override {
+        return Goes("ShowWindow", window, ' ' + std::to_string(command)) &&
+               std::exchange(At(window).visible, command == SW_SHOWNORMAL);
+    }
+
+    BOOL UpdateWindow(HWND window) override { return Goes("UpdateWindow", window); }
+
+    BOOL GetClientRect(HWND window, RECT* rectangle) override {
+        const FakeWindow* const found = Living(window);
+        if (found == nullptr) {
+            return 0;
+        }
+        const int bar = (found->style & WS_VSCROLL) != 0 ? kScrollBarWidth : 0;
+        *rectangle = {0, 0, found->bounds.right - found->bounds.left - bar,
+                      found->bounds.bottom - found->bounds.top};
+        return 1;
+    }
+
+    BOOL GetWindowRect(HWND window, RECT* rectangle) override {
+        const FakeWindow* const found = Living(window);
+        // Only asked of windows that stand on the screen.
+        *rectangle = found != nullptr ? found->bounds : *rectangle;
+        return found != nullptr;
+    }
+
+    BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override {
+        EXPECT_EQ(repaint, FALSE);
+        const bool goes = Goes("MoveWindow", window);
+        if (goes) {
+            At(window).bounds = {x, y, x + width, y + height};
+        }
+        return goes;
+    }
+
+    BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override {
+        EXPECT_TRUE(window == nullptr && lowest == 0 && highest == 0);
+        if (Fails()) {
+            return -1;
+        }
+        if (queue_.empty()) {
+            NextStep();
+        }
+        if (queue_.empty()) {
+            return 0;
+        }
+        *message = queue_.front();
+        queue_.pop_front();
+        return message->message != WM_QUIT;
+    }
+
+    LRESULT DispatchMessageW(const MSG* message) override {
+        return SendMessageW(message->hwnd, message->message, message->wParam, message->lParam);
+    }
+
+    LRESULT DefWindowProcW(HWND window, UINT message, WPARAM /*wParam*/,
+                           LPARAM /*lParam*/) override {
+        Goes("DefWindowProcW", window, ' ' + std::to_string(message));
+        return kDefaultResult;
+    }
+
+    LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
+        FakeWindow* const target = Living(window);
+        if (target == nullptr) {
+            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : failure;
+        }
+        return target->procedure != nullptr ? target->procedure(window, message, wParam, lParam)
+                                            : Answer(window, *target, message, wParam, lParam);
+    }
+
+    BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28);
+        const FakeWindow* const found = Living(window);
+        if (found == nullptr) {
+            return 0;
+        }
+        const UINT mask = std::exchange(*info, found->scroll).fMask;
+        info->fMask = mask;
+        return 1;
+    }
+
+    int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override {
+        EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28 && redraw == TRUE);
+        if (!Goes("SetScrollInfo", window)) {
+            return 0;
+        }
+        SCROLLINFO& kept = At(window).scroll = *info;
+        return kept.nPos = std::clamp(kept.nPos, kept.nMin, std::max(kept.nMin, kept.nMax));
+    }
+
+    int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
+                       HRGN updateRegion, RECT* update, UINT flags) override {
+        EXPECT_TRUE(dx == 0 && scroll == nullptr && clip != nullptr && updateRegion == nullptr &&
+                    update == nullptr && flags == SW_SCROLLCHILDREN);
+        if (!Goes("ScrollWindowEx", window, ' ' + std::to_string(dy))) {
+            return 0;
+        }
+        for (auto& [handle, child] : windows) {
+            if (child.parent == window) {
+                child.bounds.top += dy;
+                child.bounds.bottom += dy;
+            }
+        }
+        return 2;
+    }
+
+    BOOL SHCreateMenuBar(SHMENUBARINFO* info) override {
+        EXPECT_TRUE(info->cbSize == 36 && info->dwFlags == SHCMBF_HMENU &&
+                    info->nToolBarId == 101 && info->hInstRes == g_Instance);
+        if (!Goes("SHCreateMenuBar", info->hwndParent)) {
+            return 0;
+        }
+        FakeWindow bar;
+        bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
+        bar.parent = info->hwndParent;
+        info->hwndMB = Add(std::move(bar));
+        return 1;
+    }
+
+  private:
+    static constexpr int kCaptionHeight = 26;
+    static constexpr int kBarHeight = 26;
+    static constexpr int kScrollBarWidth = 13;
+    static constexpr int kScreenWidth = 240;
+    static constexpr int kScreenHeight = 320;
+
+    const std::set<std::u16string> kControlClasses = {
+        u"BUTTON",         u"EDIT", u"COMBOBOX", u"LISTBOX", u"STATIC", u"msctls_trackbar32",
+        u"SysTabControl32"};
+
+    // The next thing that the user does, once nothing is left to be done.
+    void NextStep() {
+        if (!steps.empty()) {
+            const std::function<void()> step = std::move(steps.front());
+            steps.pop_front();
+            return step();
+        }
+        const auto shown = std::ranges::find_if(
+            windows, [](const auto& other) { return other.second.procedure != nullptr; });
+        g_Running = g_Running && shown != windows.end();  // else nobody could ask for the end
+        if (g_Running) {
+            Post(shown->first, WM_COMMAND, IDOK);
+        }
+    }
+
+    bool Fails() { return ++uses == failingUse; }
+
+    // Keeps the call and returns whether it is to succeed.
+    bool Goes(const std::string& call) {
+        calls.push_back(call);
+        return !Fails() && !failing.contains(call);
+    }
+
+    // The same for a call that does something to a window.
+    bool Goes(const std::string& operation, HWND window, const std::string& rest = "") {
+        const FakeWindow* const target = Living(window);
+        if (target == nullptr) {
+            Goes(operation + " nothing" + rest);
+            return false;
+        }
+        const std::string id = target->id == 0 ? "" : ' ' + std::to_string(target->id);
+        return Goes(operation + ' ' + platform::ReadableText(target->className.c_str()) + id +
+                    rest);
+    }
+
+    FakeWindow* Living(HWND window) {
+        const auto found = windows.find(window);
+        if (found == windows.end()) {
+            strayHandles += window == nullptr ? 0 : 1;
+        }
+        return found == windows.end() || Fails() ? nullptr : &found->second;
+    }
+
+    HWND Add(FakeWindow window) {
+        const auto handle = reinterpret_cast<HWND>(++lastHandle_);
+        windows.emplace(handle, std::move(window));
+        return handle;
+    }
+
+    LRESULT Answer(HWND handle, FakeWindow& control, UINT message, WPARAM wParam, LPARAM lParam) {
+        const auto number = static_cast<int>(static_cast<LPARAM>(wParam));
+        const bool ofCombo = message >= CB_ADDSTRING && message <= CB_SETCURSEL;
+        const bool ofSlider = message >= TBM_GETPOS && message <= TBM_SETRANGE;
+        EXPECT_EQ(ofCombo, control.className == u"COMBOBOX" && message != WM_GETTEXT);
+        EXPECT_EQ(ofSlider, control.className == u"msctls_trackbar32");
+        switch (message) {
+            case BM_GETCHECK:
+                return control.check;
+            case BM_SETCHECK:
+                control.check = number;
+                return 0;
+            case WM_GETTEXT:
+                return CopyText(ShownText(control), wParam, lParam);
+            case WM_SETTEXT:
+                control.text = TextOf(lParam);
+                return SendMessageW(control.parent, WM_COMMAND,
+                                    MAKELONG(static_cast<WORD>(control.id), EN_CHANGE),
+                                    reinterpret_cast<LPARAM>(handle));
+            case CB_ADDSTRING:
+                control.entries.emplace_back(TextOf(lParam));
+                return static_cast<LRESULT>(control.entries.size()) - 1;
+            case CB_SETCURSEL:
+                if (number < -1 || number >= static_cast<int>(control.entries.size())) {
+                    return CB_ERR;
+                }
+                return control.position = number;
+            case CB_GETCURSEL:
+            case TBM_GETPOS:
+            case TCM_GETCURSEL:
+                return control.position;
+            case TBM_SETRANGE:
+                control.highest = HIWORD(static_cast<DWORD_PTR>(lParam));
+                return 0;
+            case TBM_SETPOS:
+                control.position = std::clamp(static_cast<int>(lParam), 0, control.highest);
+                return 0;
+            case TCM_INSERTITEM:
+                return Goes("TCM_INSERTITEM " + std::to_string(wParam)) ? InsertTab(control, lParam)
+                                                                        : -1;
+            case TCM_ADJUSTRECT: {
+                auto* area = reinterpret_cast<RECT*>(lParam);
+                *area = {area->left + 4, area->top + 4, area->right - 4, area->bottom - 25};
+                return 0;
+            }
+            case LB_GETSELCOUNT:
+                return 0;
+            default:
+                ADD_FAILURE() << "unexpected message " << message;
+                return 0;
+        }
+    }
+
+    static std::u16string ShownText(const FakeWindow& control) {
+        return control.className != u"COMBOBOX" ? control.text
+               : control.position < 0
+                   ? u""
+                   : control.entries.at(static_cast<std::size_t>(control.position));
+    }
+
+    static const WCHAR* TextOf(LPARAM lParam) { return reinterpret_cast<const WCHAR*>(lParam); }
+
+    static LRESULT CopyText(const std::u16string& text, WPARAM room, LPARAM lParam) {
+        auto* buffer = reinterpret_cast<WCHAR*>(lParam);
+        const std::size_t count = text.copy(buffer, room - 1);
+        buffer[count] = 0;
+        return static_cast<LRESULT>(count);
+    }
+
+    static LRESULT InsertTab(FakeWindow& control, LPARAM lParam) {
+        const auto* item = reinterpret_cast<const TCITEM*>(lParam);
+        EXPECT_EQ(item->mask, TCIF_TEXT);
+        EXPECT_EQ(item->iImage, -1);
+        control.entries.emplace_back(item->pszText);
+        control.position = std::max(control.position, 0);
+        return static_cast<LRESULT>(control.entries.size()) - 1;
+    }
+
+    std::map<std::u16string, WNDPROC> classes_;
+    std::deque<MSG> queue_;
+    DWORD_PTR lastHandle_ = 0x1000;
+};
+
+// NOLINTEND(performance-no-int-to-ptr)

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/io/descriptor.h"
+#include "platform/registry/registry.h"
+
+// A device directory of a test's own, removed with the object.
+class TemporaryDevice {
+  public:
+    // An empty file tree in a new directory below `parent`, by default the system's temporary one.
+    explicit TemporaryDevice(const std::string& parent = "");
+    ~TemporaryDevice();
+    TemporaryDevice(const TemporaryDevice&) = delete;
+    TemporaryDevice& operator=(const TemporaryDevice&) = delete;
+
+    const std::string& path() const { return path_; }       // of the device directory
+    std::string files() const { return path_ + "/files"; }  // of its file tree
+    platform::Descriptor OpenFiles() const;
+    std::unique_ptr<platform::Registry> OpenRegistry() const;  // of registry.reg in path()
+
+    // Makes what `entries` list, host paths below files(): "a/b/" a directory, "a/b=text" a file,
+    // "a/b>target" a symbolic link, "a/b|" a pipe. Parents are made as needed.
+    void Make(const std::vector<std::string>& entries) const;
+
+    // The file tree in the same notation, sorted by path.
+    std::vector<std::string> Listing() const;
+
+  private:
+    std::string path_;
+    platform::Descriptor directory_;
+};
+
+using Entries = std::vector<std::string>;
+
+// The parts of a text between its spaces.
+Entries Words(const std::string& text);
+
+// The whole content of a file; empty when it cannot be read.
+std::string ReadFile(const std::string& path);
+void WriteFile(const std::string& path, std::string_view content);
