@@ -19,7 +19,8 @@
 #include "platform/device/directory_store.h"
 #include "platform/display/display.h"
 
-extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
+    const platform::WindowModuleParams* params);
 
 namespace {
 
@@ -87,8 +88,8 @@ int main(int count, char** words) {
                                    u"\\Program Files\\Fennelbright\\Fennelbright.exe",
                                    platform::Registry::Open(device.directory.get()).value());
     const platform::StoreInUse storeInUse(store);
-    const platform::DisplayNeeds needs = platform::NeedsFor(words[1], 1);
-    const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
+    const platform::WindowModuleParams params = platform::WindowParamsFor(words[1], 1);
+    const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));
     const platform::WindowsInUse windowsInUse(*windows);
     PaintWatcher watcher(count == 3 ? std::atoi(words[2]) : 0);
     qApp->installEventFilter(&watcher);

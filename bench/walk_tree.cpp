@@ -50,7 +50,7 @@ std::optional<Walk> ReadWalk(int count, char** words) {
 }
 
 void SearchWithoutWindows(const WCHAR* directory) {
-    platform::ConsoleWindows windows(stderr);
+    platform::ConsoleBoxes windows(stderr);
     const platform::WindowsInUse inUse(windows);
     CDisplayWindow display;
     g_DisplayWindow = &display;

@@ -34,12 +34,11 @@ void RunSilent() {
 
 }  // namespace
 
-int WinMain(HINSTANCE instance, HINSTANCE /*previousInstance*/, WCHAR* commandLine,
-            int /*showCommand*/) {
+int WinMain(HINSTANCE hInstance, HINSTANCE /*hPrevInstance*/, WCHAR* lpCmdLine, int /*nShowCmd*/) {
     InitCommonControls();
-    g_Instance = instance;
+    g_Instance = hInstance;
     g_Running = true;
-    if (IsSilentCommandLine(commandLine)) {
+    if (IsSilentCommandLine(lpCmdLine)) {
         RunSilent();
     } else {
         RunInteractive();

@@ -9,4 +9,4 @@ bool IsSilentCommandLine(const WCHAR* commandLine);
 
 // The program's entry. Carries out the run that the command line asks for and returns 0. The other
 // two arguments are not used.
-int WinMain(HINSTANCE instance, HINSTANCE previousInstance, WCHAR* commandLine, int showCommand);
+int WinMain(HINSTANCE hInstance, HINSTANCE hPrevInstance, WCHAR* lpCmdLine, int nShowCmd);

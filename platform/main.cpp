@@ -63,7 +63,7 @@ void PrepareProcess() {
     AllowManyDescriptors();
 }
 
-int Carry(CommandLine& line) {
+int RunTask(CommandLine& line) {
     switch (line.task) {
         case CommandLine::Task::ShowHelp:
             std::fputs(platform::kHelp, stdout);
@@ -95,5 +95,5 @@ int main(int count, char** words) {
         return EX_USAGE;
     }
     g_device = line->device.c_str();
-    return Carry(*line);
+    return RunTask(*line);
 }

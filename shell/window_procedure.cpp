@@ -206,8 +206,8 @@ constexpr MessageRow kMessages[] = {
 
 }  // namespace
 
-LRESULT MainWindowProc(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT MainWindowProc(HWND hWnd, UINT message, WPARAM wParam, LPARAM lParam) {
     const auto* row = std::ranges::find(kMessages, message, &MessageRow::message);
-    return row != std::end(kMessages) ? row->handle(window, wParam, lParam)
-                                      : DefWindowProcW(window, message, wParam, lParam);
+    return row != std::end(kMessages) ? row->handle(hWnd, wParam, lParam)
+                                      : DefWindowProcW(hWnd, message, wParam, lParam);
 }

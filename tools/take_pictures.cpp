@@ -33,7 +33,8 @@
 #include "platform/seam/forwarding_store.h"
 #include "shell/help_page.h"
 
-extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
+    const platform::WindowModuleParams* params);
 
 namespace {
 
@@ -229,8 +230,8 @@ int main(int count, char** words) {
     platform::DirectoryStore store(std::move(device.files), sample.modulePath,
                                    platform::Registry::Open(device.directory.get()).value());
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::DisplayNeeds needs = platform::NeedsFor("A device", kScale);
-    const std::unique_ptr<platform::DisplayWindows> windows(FennelbrightMakeWindows(&needs));
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", kScale);
+    const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));
     Photographer photographer(QString::fromUtf8(words[1]));
     WatchedStore watched(store, [&photographer] { photographer.LookAtSearch(); });
     const platform::StoreInUse storeInUse(watched);

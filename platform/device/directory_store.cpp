@@ -25,7 +25,7 @@ void DirectoryStore::EnsureStorable() {
     if (const Status storable = CheckStorable(); !storable) {
         LogInUse::Current().Say("nothing was changed, because the registry could not be stored: " +
                                 Describe(storable.error()));
-        endRun_(EX_CANTCREAT);
+        exit_(EX_CANTCREAT);
     }
 }
 
@@ -81,9 +81,9 @@ BOOL DirectoryStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, v
     }
     if (const Status erased = std::exchange(erases_, false) ? Erase() : Status(); !erased) {
         LogInUse::Current().Say("not erased, and not restarted: " + Describe(erased.error()));
-        return Answer(erased);
+        return KeepFailure(erased);
     }
-    endRun_(EXIT_SUCCESS);
+    exit_(EXIT_SUCCESS);
     std::abort();
 }
 

@@ -20,15 +20,15 @@ class DirectoryStore : public FileStore {
   public:
     // Ends the run on the spot with this exit code, 0 for a restart of the device; does not return.
     // The default ends the process.
-    using EndRun = std::function<void(int)>;
+    using Exit = std::function<void(int)>;
 
     // `files` and `modulePath` are those of FileStore.
     DirectoryStore(
         Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
-        EndRun endRun = [](int code) { std::_Exit(code); })
+        Exit exit = [](int code) { std::_Exit(code); })
         : FileStore(std::move(files), std::move(modulePath)),
           registry_(std::move(registry)),
-          endRun_(std::move(endRun)) {}
+          exit_(std::move(exit)) {}
 
     // Whether the registry can be stored, but for the room. Asked once by the store itself before
     // the first change, where it ends the run if it fails, unless it was asked before.
@@ -70,7 +70,7 @@ class DirectoryStore : public FileStore {
     Status Erase();
 
     std::unique_ptr<Registry> registry_;
-    EndRun endRun_;
+    Exit exit_;
     std::unique_ptr<HelpViewers> viewers_;  // null where nobody could see them
     bool erases_ = false;                   // the next restart does
     bool isChecked_ = false;

@@ -176,7 +176,7 @@ Status Erasing::KeepAccess() {
         return Fail(kErase, errno);
     }
     if (hasFiles_ && fstatat(folder_.get(), kFilesName, &old, AT_SYMLINK_NOFOLLOW) == 0) {
-        TakeModeAndOwner(files.get(), old);
+        ApplyModeAndOwner(files.get(), old);
     }
     return {};
 }

@@ -5,11 +5,10 @@
 
 namespace platform {
 
-int ConsoleWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
-                                UINT type) {
+int ConsoleBoxes::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) {
     const std::string line = '[' + ReadableText(caption) + "] " + ReadableText(text) + '\n';
     std::fputs(line.c_str(), lines_);
-    return SafeAnswer(type);
+    return UnattendedAnswer(type);
 }
 
 }  // namespace platform

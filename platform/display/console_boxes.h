@@ -8,10 +8,10 @@ namespace platform {
 
 // The window system of a run without a display: a box goes out as one line "[caption] text" and is
 // answered at once. No other line begins with "[".
-class ConsoleWindows : public NoWindows {
+class ConsoleBoxes : public RefusingWindowSystem {
   public:
     // `lines` stays the caller's.
-    explicit ConsoleWindows(std::FILE* lines) : lines_(lines) {}
+    explicit ConsoleBoxes(std::FILE* lines) : lines_(lines) {}
 
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
 

@@ -103,8 +103,8 @@ bool IsFile(const std::string& path) {
 // Whatever the environment says of folders, these two are tried.
 void* LoadModule() {
     const std::string folder = FolderOfExecutable();
-    const std::string beside = folder + '/' + kDisplayModule;
-    const std::string library = folder + kLibraryFolder + kDisplayModule;
+    const std::string beside = folder + '/' + kWindowModule;
+    const std::string library = folder + kLibraryFolder + kWindowModule;
     return dlopen(IsFile(beside) ? beside.c_str() : library.c_str(),
                   RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
 }
@@ -116,13 +116,13 @@ Result<void*> FindInModule(const char* name) {
     if (found == nullptr) {
         const char* const reason = dlerror();
         return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
-                      reason == nullptr ? kDisplayModule : reason);
+                      reason == nullptr ? kWindowModule : reason);
     }
     return found;
 }
 
 int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
-    return ConsoleWindows(stderr).MessageBoxW(nullptr, text, caption, type);
+    return ConsoleBoxes(stderr).MessageBoxW(nullptr, text, caption, type);
 }
 
 }  // namespace
@@ -139,16 +139,18 @@ bool DisplayIsThere() {
     return XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere();
 }
 
-DisplayNeeds NeedsFor(const char* device, double scale) {
+WindowModuleParams WindowParamsFor(const char* device, double scale) {
     return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
 }
 
-Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs) {
-    const Result<void*> make = FindInModule(kMakeDisplayWindows);
+Result<std::unique_ptr<DisplayWindowSystem>> OpenDisplayWindowSystem(
+    const WindowModuleParams& params) {
+    const Result<void*> make = FindInModule(kMakeDisplayWindowSystem);
     if (!make) {
         return tl::unexpected<Failure>(make.error());
     }
-    std::unique_ptr<DisplayWindows> windows(reinterpret_cast<MakeDisplayWindows*>(*make)(&needs));
+    std::unique_ptr<DisplayWindowSystem> windows(
+        reinterpret_cast<MakeDisplayWindowSystem*>(*make)(&params));
     if (windows == nullptr) {
         return FailBecause(kOpenWindows,
                            "the display cannot be opened; \"silent\" runs without one");
@@ -173,8 +175,8 @@ Status ShowHelpPage(std::string_view page, const std::string& place, double scal
     if (!show) {
         return tl::unexpected<Failure>(show.error());
     }
-    const HelpPageNeeds needs = {page, place.c_str(), scale};
-    return reinterpret_cast<ShowHelpPageFunction*>(*show)(&needs)
+    const HelpPageParams params = {page, place.c_str(), scale};
+    return reinterpret_cast<ShowHelpPageFunction*>(*show)(&params)
                ? Status()
                : FailBecause(kOpenWindows, "the display cannot be opened");
 }

@@ -14,11 +14,12 @@ bool DisplayIsThere();
 
 // What the windows are handed, for a device directory, whose text must outlive it, and a scale (0:
 // fitting for the desktop).
-DisplayNeeds NeedsFor(const char* device, double scale);
+WindowModuleParams WindowParamsFor(const char* device, double scale);
 
 // Loads the module of the windows, which is searched for beside the executable and in the library
 // folder that belongs to it, and opens them on the display. Once in a process.
-Result<std::unique_ptr<DisplayWindows>> OpenDisplayWindows(const DisplayNeeds& needs);
+Result<std::unique_ptr<DisplayWindowSystem>> OpenDisplayWindowSystem(
+    const WindowModuleParams& params);
 
 // Opens the dialogs that ask for a device directory, with the same module. They must be gone before
 // windows are opened.

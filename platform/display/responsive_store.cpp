@@ -8,31 +8,31 @@ constexpr std::chrono::milliseconds kPatience{100};
 
 }  // namespace
 
-HANDLE AnsweringStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
-    AnswerNowAndThen();
+HANDLE ResponsiveStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+    ServeDesktopNowAndThen();
     return ForwardingStore::FindFirstFileW(pattern, data);
 }
 
-BOOL AnsweringStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
-    AnswerNowAndThen();
+BOOL ResponsiveStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
+    ServeDesktopNowAndThen();
     return ForwardingStore::FindNextFileW(find, data);
 }
 
-BOOL AnsweringStore::DeleteFileW(const WCHAR* path) {
-    AnswerNowAndThen();
+BOOL ResponsiveStore::DeleteFileW(const WCHAR* path) {
+    ServeDesktopNowAndThen();
     return ForwardingStore::DeleteFileW(path);
 }
 
-BOOL AnsweringStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
-    AnswerNowAndThen();
+BOOL ResponsiveStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
+    ServeDesktopNowAndThen();
     return ForwardingStore::MoveFileW(oldPath, newPath);
 }
 
-void AnsweringStore::AnswerNowAndThen() {
+void ResponsiveStore::ServeDesktopNowAndThen() {
     const auto now = std::chrono::steady_clock::now();
-    if (now - answered_ >= kPatience) {
-        windows_.AnswerDesktop();
-        answered_ = std::chrono::steady_clock::now();
+    if (now - served_ >= kPatience) {
+        windows_.ServeDesktop();
+        served_ = std::chrono::steady_clock::now();
     }
 }
 

@@ -9,10 +9,10 @@ namespace platform {
 
 // A store that lets the windows answer the desktop now and then while the program works on it. It
 // looks at the clock before the operations of which long work consists.
-class AnsweringStore : public ForwardingStore {
+class ResponsiveStore : public ForwardingStore {
   public:
     // Both stay the caller's.
-    AnsweringStore(DeviceStore& inner, DisplayWindows& windows)
+    ResponsiveStore(DeviceStore& inner, DisplayWindowSystem& windows)
         : ForwardingStore(inner), windows_(windows) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
@@ -21,10 +21,10 @@ class AnsweringStore : public ForwardingStore {
     BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
 
   private:
-    void AnswerNowAndThen();
+    void ServeDesktopNowAndThen();
 
-    DisplayWindows& windows_;
-    std::chrono::steady_clock::time_point answered_;
+    DisplayWindowSystem& windows_;
+    std::chrono::steady_clock::time_point served_;
 };
 
 }  // namespace platform

@@ -26,20 +26,20 @@ void AnswerBox(int /*signal*/) {
 
 }  // namespace
 
-int BoxesOnDemand::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
+int SilentRunBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
     if (!hasFailed_ && g_askedToEnd == 0 && DisplayIsThere()) {
         if (const std::optional<int> answer = ShowOnDisplay(text, caption, type)) {
             return *answer;
         }
         hasFailed_ = true;
     }
-    return ConsoleWindows::MessageBoxW(owner, text, caption, type);
+    return ConsoleBoxes::MessageBoxW(owner, text, caption, type);
 }
 
 // The process of a box, which goes when the run does.
-void BoxesOnDemand::ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* caption,
-                                   UINT type) const {
-    const sigset_t endSignals = EndSignals();
+void SilentRunBoxes::ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* caption,
+                                    UINT type) const {
+    const sigset_t endSignals = TerminationSignals();
     sigprocmask(SIG_UNBLOCK, &endSignals, nullptr);
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // Copies of the run's locks would keep the next run away if this one were killed.
@@ -47,16 +47,16 @@ void BoxesOnDemand::ShowBoxAndExit(pid_t run, const WCHAR* text, const WCHAR* ca
     if (getppid() != run) {
         _exit(0);
     }
-    const auto windows = OpenDisplayWindows(needs_);
+    const auto windows = OpenDisplayWindowSystem(params_);
     _exit(windows ? kAnswered + (*windows)->MessageBoxW(nullptr, text, caption, type) : 0);
 }
 
-std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* caption,
-                                                UINT type) const {
+std::optional<int> SilentRunBoxes::ShowOnDisplay(const WCHAR* text, const WCHAR* caption,
+                                                 UINT type) const {
     std::fflush(nullptr);  // else both processes would write what waits
     const pid_t run = getpid();
     // A signal waits until there is a box that it can be handed to.
-    const sigset_t endSignals = EndSignals();
+    const sigset_t endSignals = TerminationSignals();
     sigprocmask(SIG_BLOCK, &endSignals, nullptr);
     const pid_t box = fork();
     if (box == 0) {
@@ -64,13 +64,13 @@ std::optional<int> BoxesOnDemand::ShowOnDisplay(const WCHAR* text, const WCHAR* 
     }
     if (box > 0) {
         g_box = box;
-        HandleEndSignals(AnswerBox);
+        HandleTerminationSignals(AnswerBox);
     }
     sigprocmask(SIG_UNBLOCK, &endSignals, nullptr);
     int status = 0;
     while (box > 0 && waitpid(box, &status, 0) == -1 && errno == EINTR) {
     }
-    HandleEndSignals(SIG_DFL);
+    HandleTerminationSignals(SIG_DFL);
     const int code = box > 0 && WIFEXITED(status) ? WEXITSTATUS(status) : 0;
     return code > kAnswered ? std::optional(code - kAnswered) : std::nullopt;
 }

@@ -13,10 +13,10 @@ namespace platform {
 // is one, each from a process of its own: the toolkit ends its process when the display breaks off,
 // which must not end the run. Where no box can appear, and once a signal has asked the run to end,
 // they go out as lines.
-class BoxesOnDemand : public ConsoleWindows {
+class SilentRunBoxes : public ConsoleBoxes {
   public:
-    BoxesOnDemand(const DisplayNeeds& needs, std::FILE* lines)
-        : ConsoleWindows(lines), needs_(needs) {}
+    SilentRunBoxes(const WindowModuleParams& params, std::FILE* lines)
+        : ConsoleBoxes(lines), params_(params) {}
 
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
 
@@ -26,7 +26,7 @@ class BoxesOnDemand : public ConsoleWindows {
     // Nothing when the box could not appear or has vanished.
     std::optional<int> ShowOnDisplay(const WCHAR* text, const WCHAR* caption, UINT type) const;
 
-    DisplayNeeds needs_;
+    WindowModuleParams params_;
     bool hasFailed_ = false;
 };
 

@@ -5,7 +5,7 @@
 namespace platform {
 
 // What could not be stored is tried again when there is more of it.
-void StoringWindows::Store() {
+void StoreBeforeWaiting::Store() {
     const std::uint64_t made = store_.ChangesOfRegistry().made;
     if (made > tried_) {
         tried_ = made;
@@ -13,17 +13,18 @@ void StoringWindows::Store() {
     }
 }
 
-BOOL StoringWindows::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) {
+BOOL StoreBeforeWaiting::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) {
     Store();
-    return ForwardingWindows::GetMessageW(message, window, lowest, highest);
+    return ForwardingWindowSystem::GetMessageW(message, window, lowest, highest);
 }
 
-int StoringWindows::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) {
+int StoreBeforeWaiting::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption,
+                                    UINT type) {
     Store();
     if (std::u16string_view(caption).starts_with(u"Error")) {
         log_.CountUndone();
     }
-    return ForwardingWindows::MessageBoxW(owner, text, caption, type);
+    return ForwardingWindowSystem::MessageBoxW(owner, text, caption, type);
 }
 
 }  // namespace platform

@@ -8,11 +8,11 @@ namespace platform {
 
 // Windows that have the registry stored before anybody is waited for: a box or a message can take
 // any time, in which the process may be ended. Counts the boxes that report an error.
-class StoringWindows : public ForwardingWindows {
+class StoreBeforeWaiting : public ForwardingWindowSystem {
   public:
     // All stay the caller's.
-    StoringWindows(WindowSystem& inner, DeviceStore& store, RunLog& log)
-        : ForwardingWindows(inner), store_(store), log_(log) {}
+    StoreBeforeWaiting(WindowSystem& inner, DeviceStore& store, RunLog& log)
+        : ForwardingWindowSystem(inner), store_(store), log_(log) {}
 
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override;
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;

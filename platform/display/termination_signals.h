@@ -5,7 +5,7 @@
 namespace platform {
 
 // The signals that ask a process to end, as a set.
-inline sigset_t EndSignals() {
+inline sigset_t TerminationSignals() {
     sigset_t signals;
     sigemptyset(&signals);
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
@@ -15,7 +15,7 @@ inline sigset_t EndSignals() {
 }
 
 // Lets `handler` handle them, but for those that whoever started the process had it ignore.
-inline void HandleEndSignals(void (*handler)(int)) {
+inline void HandleTerminationSignals(void (*handler)(int)) {
     for (const int signal : {SIGTERM, SIGINT, SIGHUP}) {
         struct sigaction action = {};
         sigaction(signal, nullptr, &action);

@@ -9,16 +9,16 @@
 namespace platform {
 
 // The window system on the desktop's display.
-class DisplayWindows : public WindowSystem {
+class DisplayWindowSystem : public WindowSystem {
   public:
     // Answers the desktop while the program works: what has to be painted is painted. Takes no
     // input and runs nothing of the program.
-    virtual void AnswerDesktop() = 0;
+    virtual void ServeDesktop() = 0;
 };
 
 // What the module of the windows is handed. The functions must outlive the window system, the text
 // only the call.
-struct DisplayNeeds {
+struct WindowModuleParams {
     const char* title;  // of the window on the desktop, UTF-8
     double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
     const MenuResource* (*findMenu)(UINT id);
@@ -29,9 +29,9 @@ struct DisplayNeeds {
 
 // The function of the module for the program's windows: makes the window system, which becomes the
 // caller's. Null where no display can be opened. Once in a process.
-using MakeDisplayWindows = DisplayWindows*(const DisplayNeeds* needs);
-inline constexpr char kMakeDisplayWindows[] = "FennelbrightMakeWindows";
-inline constexpr char kDisplayModule[] = "fennelbright-windows.so";
+using MakeDisplayWindowSystem = DisplayWindowSystem*(const WindowModuleParams* params);
+inline constexpr char kMakeDisplayWindowSystem[] = "FennelbrightMakeWindows";
+inline constexpr char kWindowModule[] = "fennelbright-windows.so";
 
 // What is asked before there are windows of the program, where nobody has named a device directory.
 class DeviceDialogs {
@@ -58,7 +58,7 @@ using MakeDeviceDialogs = DeviceDialogs*(double scale);
 inline constexpr char kMakeDeviceDialogs[] = "FennelbrightMakeDeviceDialogs";
 
 // A page of help in a window of its own on the desktop, as whole as its text, at the place `place`.
-struct HelpPageNeeds {
+struct HelpPageParams {
     std::string_view page;  // HTML
     const char* place;      // UTF-8
     double scale;           // as above
@@ -66,7 +66,7 @@ struct HelpPageNeeds {
 
 // The function of the module for it: shows the page until its user closes the window. False where
 // no display can be opened. Once in a process, and in none that has made a window system.
-using ShowHelpPageFunction = bool(const HelpPageNeeds* needs);
+using ShowHelpPageFunction = bool(const HelpPageParams* params);
 inline constexpr char kShowHelpPage[] = "FennelbrightShowHelpPage";
 
 }  // namespace platform

@@ -7,8 +7,8 @@
 
 namespace platform {
 
-Result<std::optional<HostName>> FilledDirectory::Existing(std::u16string_view device,
-                                                          const HostName& host) const {
+Result<std::optional<HostName>> DestinationDirectory::Existing(std::u16string_view device,
+                                                               const HostName& host) const {
     if (!names.MayHold(device)) {
         return std::optional<HostName>();
     }
@@ -16,7 +16,7 @@ Result<std::optional<HostName>> FilledDirectory::Existing(std::u16string_view de
     if (facts) {
         return std::optional(host);
     }
-    return facts.error().error == ENOENT ? FindSpelling(descriptor.get(), device)
+    return facts.error().error == ENOENT ? FindHostName(descriptor.get(), device)
                                          : tl::unexpected<Failure>(facts.error());
 }
 
@@ -38,7 +38,8 @@ Status ReadNamesInto(NameSet& names, int directory) {
 
 }  // namespace
 
-Result<FilledDirectory*> FilledDirectories::Get(const DeviceTree& tree, std::u16string_view path) {
+Result<DestinationDirectory*> DestinationDirectories::Get(const PathResolver& tree,
+                                                          std::u16string_view path) {
     // Whatever is not on the way to this directory is finished.
     while (!filled_.empty() && !path.starts_with(filled_.back().path)) {
         filled_.pop_back();
@@ -50,7 +51,7 @@ Result<FilledDirectory*> FilledDirectories::Get(const DeviceTree& tree, std::u16
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
     }
-    FilledDirectory directory{std::u16string(path), std::move(opened->descriptor), {}};
+    DestinationDirectory directory{std::u16string(path), std::move(opened->descriptor), {}};
     if (const Status read = ReadNamesInto(directory.names, directory.descriptor.get()); !read) {
         return tl::unexpected<Failure>(read.error());
     }

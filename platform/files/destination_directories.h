@@ -11,7 +11,7 @@
 namespace platform {
 
 // A directory that entries are being moved into or made in.
-struct FilledDirectory {
+struct DestinationDirectory {
     std::u16string path;  // as the caller spelt it, backslash included
     Descriptor descriptor;
     NameSet names;
@@ -24,15 +24,15 @@ struct FilledDirectory {
 
 // The directories that a walk is filling, outermost first: the one that it fills now and those that
 // it will come back to. Knowing their names spares reading them again for every entry.
-class FilledDirectories {
+class DestinationDirectories {
   public:
     // Opens and reads the directory unless it is one of them. The pointer is valid until the next
     // call.
-    Result<FilledDirectory*> Get(const DeviceTree& tree, std::u16string_view path);
+    Result<DestinationDirectory*> Get(const PathResolver& tree, std::u16string_view path);
     void Clear() { filled_.clear(); }
 
   private:
-    std::vector<FilledDirectory> filled_;
+    std::vector<DestinationDirectory> filled_;
 };
 
 }  // namespace platform

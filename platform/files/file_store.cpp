@@ -46,7 +46,7 @@ tl::unexpected<Failure> NotThere(const char* tried) {
 
 }  // namespace
 
-BOOL FileStore::Answer(const Status& done) {
+BOOL FileStore::KeepFailure(const Status& done) {
     if (!done) {
         lastFailure_ = done.error();
     }
@@ -75,7 +75,7 @@ Status FileStore::Examine(Place& place, std::u16string_view device) const {
     Result<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
     if (!facts && facts.error().error == ENOENT) {
         const Result<std::optional<HostName>> spelling =
-            tree_.spellings().Find(place.directory, device);
+            tree_.lookup().Find(place.directory, device);
         if (!spelling) {
             return tl::unexpected<Failure>(spelling.error());
         }
@@ -121,7 +121,7 @@ Result<FileStore::Target> FileStore::LocateTarget(std::u16string_view path) {
     if (!HostNameOf(split.name, target.host)) {
         return FailBecause("make", "no entry can have that name", ERROR_INVALID_NAME);
     }
-    const Result<FilledDirectory*> directory = filled_.Get(tree_, split.directory);
+    const Result<DestinationDirectory*> directory = filled_.Get(tree_, split.directory);
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
     }
@@ -211,14 +211,14 @@ Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
 }
 
 BOOL FileStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
-    tree_.spellings().EndLooks();
-    return Answer(FindNext(find, *data));
+    tree_.lookup().EndLooks();
+    return KeepFailure(FindNext(find, *data));
 }
 
 BOOL FileStore::FindClose(HANDLE find) {
     const bool closed = searches_.Remove(find);
-    ForgetFilledDirectories();
-    return Answer(closed ? Status() : Fail("close the search", EBADF));
+    ForgetDestinationDirectories();
+    return KeepFailure(closed ? Status() : Fail("close the search", EBADF));
 }
 
 Status FileStore::Delete(std::u16string_view path) {
@@ -243,7 +243,7 @@ Status FileStore::Delete(std::u16string_view path) {
 }
 
 BOOL FileStore::DeleteFileW(const WCHAR* path) {
-    return Answer(Delete(path));
+    return KeepFailure(Delete(path));
 }
 
 Status FileStore::RemoveDirectory(std::u16string_view path) {
@@ -264,7 +264,7 @@ Status FileStore::RemoveDirectory(std::u16string_view path) {
 }
 
 BOOL FileStore::RemoveDirectoryW(const WCHAR* path) {
-    return Answer(RemoveDirectory(path));
+    return KeepFailure(RemoveDirectory(path));
 }
 
 Status FileStore::CreateDirectory(std::u16string_view path) {
@@ -272,7 +272,7 @@ Status FileStore::CreateDirectory(std::u16string_view path) {
     if (!target) {
         return tl::unexpected<Failure>(target.error());
     }
-    FilledDirectory& directory = *target->directory;
+    DestinationDirectory& directory = *target->directory;
     const auto existing = directory.Existing(target->device, target->host);
     if (!existing) {
         return tl::unexpected<Failure>(existing.error());
@@ -292,16 +292,16 @@ Status FileStore::CreateDirectory(std::u16string_view path) {
 }
 
 BOOL FileStore::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
-    const BOOL made = Answer(CreateDirectory(path));
-    ForgetFilledDirectories();
+    const BOOL made = KeepFailure(CreateDirectory(path));
+    ForgetDestinationDirectories();
     return made;
 }
 
 BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     const Result<Place> source = Locate(oldPath, Knowledge::OfSearch);
-    const BOOL moved = Answer(source ? Move(*source, oldPath, newPath)
-                                     : Status(tl::unexpected<Failure>(source.error())));
-    ForgetFilledDirectories();
+    const BOOL moved = KeepFailure(source ? Move(*source, oldPath, newPath)
+                                          : Status(tl::unexpected<Failure>(source.error())));
+    ForgetDestinationDirectories();
     return moved;
 }
 
@@ -314,7 +314,7 @@ Status FileStore::Move(const Place& source, std::u16string_view oldPath,
     if (!target) {
         return tl::unexpected<Failure>(target.error());
     }
-    FilledDirectory& directory = *target->directory;
+    DestinationDirectory& directory = *target->directory;
     const int into = directory.descriptor.get();
     const auto existing = directory.Existing(target->device, target->host);
     if (!existing) {
@@ -371,8 +371,8 @@ Status FileStore::FinishMoveTo(const Place& source, std::u16string_view oldPath,
 }
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
-void FileStore::ForgetFilledDirectories() {
-    tree_.spellings().EndLooks();
+void FileStore::ForgetDestinationDirectories() {
+    tree_.lookup().EndLooks();
     if (searches_.empty()) {
         filled_.Clear();
     }
@@ -418,7 +418,7 @@ Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
 }
 
 Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
-    tree_.spellings().EndLooks();
+    tree_.lookup().EndLooks();
     const SplitPath split = SplitAtName(path);
     Place place;
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
@@ -490,7 +490,7 @@ Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) 
 
 // The looks that follow are for its target, of which a text can name very many.
 BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
-    tree_.spellings().BeginLooks();
+    tree_.lookup().BeginLooks();
     const Result<std::u16string> target = TargetOf(path, limit);
     if (!target) {
         lastFailure_ = target.error();
@@ -514,14 +514,14 @@ Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view t
 }
 
 BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
-    return Answer(CreateShortcut(path, target));
+    return KeepFailure(CreateShortcut(path, target));
 }
 
 BOOL FileStore::CreateProcessW(const WCHAR* image, const WCHAR* commandLine,
                                void* /*processSecurity*/, void* /*threadSecurity*/,
                                BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
                                WCHAR* /*directory*/, void* /*startup*/, void* /*information*/) {
-    return Answer(StartProgram(image, commandLine));
+    return KeepFailure(StartProgram(image, commandLine));
 }
 
 Status FileStore::StartProgram(std::u16string_view /*image*/, std::u16string_view /*commandLine*/) {
@@ -535,7 +535,8 @@ Result<std::string> FileStore::ReadWhole(std::u16string_view path, std::size_t l
 
 BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
                                 void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
-    return Answer(FailBecause("control", "the device has no such control", ERROR_NOT_SUPPORTED));
+    return KeepFailure(
+        FailBecause("control", "the device has no such control", ERROR_NOT_SUPPORTED));
 }
 
 void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
@@ -546,8 +547,8 @@ void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
     moved_.End(tree_, oldPath);
 }
 
-void FileStore::ClearUp() {
-    ClearUpVolumes(tree_);
+void FileStore::RecoverFromKilledRuns() {
+    RecoverVolumes(tree_);
 }
 
 LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,

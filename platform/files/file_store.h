@@ -65,7 +65,7 @@ class FileStore : public DeviceStore {
     // Clears up after processes that were killed: removes what they left unpublished and gives the
     // sources that they had set aside their names back. Only while no other process is at work on
     // the device.
-    void ClearUp();
+    void RecoverFromKilledRuns();
 
   protected:
     // Asked before anything in the file tree changes, and before an entry is moved or a directory
@@ -80,7 +80,7 @@ class FileStore : public DeviceStore {
     Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);
 
     // Keeps the reason of a failure. Returns whether there was none, as the platform has it.
-    BOOL Answer(const Status& done);
+    BOOL KeepFailure(const Status& done);
 
   private:
     // An entry that is there, reached through its open directory.
@@ -93,7 +93,7 @@ class FileStore : public DeviceStore {
     };
     // A name in a directory that is being filled.
     struct Target {
-        FilledDirectory* directory;
+        DestinationDirectory* directory;
         std::u16string_view device;
         HostName host;
     };
@@ -118,7 +118,7 @@ class FileStore : public DeviceStore {
     Status MoveTo(const Place& source, std::u16string_view oldPath, std::u16string_view newPath,
                   const Target& target);
     Status FinishMoveTo(const Place& source, std::u16string_view oldPath, const Target& target);
-    void ForgetFilledDirectories();
+    void ForgetDestinationDirectories();
     Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
     Result<std::FILE*> OpenForReading(std::u16string_view path);
     Result<std::FILE*> OpenForWriting(std::u16string_view path, Existing existing);
@@ -127,11 +127,11 @@ class FileStore : public DeviceStore {
     Result<std::u16string> TargetOf(std::u16string_view path, int limit);
     Status CreateShortcut(std::u16string_view path, std::u16string_view target);
 
-    DeviceTree tree_;
+    PathResolver tree_;
     std::u16string modulePath_;
-    FindTable searches_;
-    FilledDirectories filled_;
-    MovedDirectories moved_;
+    OpenSearches searches_;
+    DestinationDirectories filled_;
+    MovedDirectoryAttributes moved_;
     Failure lastFailure_;
     std::optional<std::uint64_t> deletedSize_;
 };

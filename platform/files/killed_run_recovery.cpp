@@ -53,7 +53,7 @@ bool IsWithoutRecord(int volume, const char* aside) {
     return FactsOf(volume, aside).has_value() && !HasRecord(volume, aside);
 }
 
-void PutRight(const DeviceTree& tree, int volume, const char* name, ReservedFor purpose) {
+void PutRight(const PathResolver& tree, int volume, const char* name, ReservedFor purpose) {
     if (purpose == ReservedFor::NewContent) {
         RemoveUnpublishedFile(volume, name);
     } else if (purpose == ReservedFor::SetAside && IsWithoutRecord(volume, name)) {
@@ -68,7 +68,7 @@ void PutRight(const DeviceTree& tree, int volume, const char* name, ReservedFor 
 
 // Calls `actOnOther` for what has no reserved name.
 template <typename Act>
-Status ClearUpVolume(const DeviceTree& tree, int volume, Act actOnOther) {
+Status ClearUpVolume(const PathResolver& tree, int volume, Act actOnOther) {
     return ForEachEntry(volume, [&](const DirectoryReader::Entry& entry) {
         if (const std::optional<ReservedFor> purpose = PurposeOf(entry.name)) {
             PutRight(tree, volume, entry.name, *purpose);
@@ -78,7 +78,7 @@ Status ClearUpVolume(const DeviceTree& tree, int volume, Act actOnOther) {
     });
 }
 
-void ClearUpIfVolume(const DeviceTree& tree, int root, const DirectoryReader::Entry& entry) {
+void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::Entry& entry) {
     const bool mayBeDirectory = entry.type == DT_DIR || entry.type == DT_UNKNOWN;
     if (!mayBeDirectory || !IsMountPoint(root, entry.name)) {
         return;
@@ -94,7 +94,7 @@ void ClearUpIfVolume(const DeviceTree& tree, int root, const DirectoryReader::En
 
 }  // namespace
 
-void ClearUpVolumes(const DeviceTree& tree) {
+void RecoverVolumes(const PathResolver& tree) {
     if (tree.root() < 0) {
         return;
     }
@@ -106,7 +106,7 @@ void ClearUpVolumes(const DeviceTree& tree) {
     }
 }
 
-Status RemoveUnpublishedFilesIn(int directory) {
+Status RemoveUnfinishedFilesIn(int directory) {
     return ForEachEntry(directory, [directory](const DirectoryReader::Entry& entry) {
         if (PurposeOf(entry.name) == ReservedFor::NewContent) {
             RemoveUnpublishedFile(directory, entry.name);

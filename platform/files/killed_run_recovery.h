@@ -4,16 +4,16 @@
 
 namespace platform {
 
-class DeviceTree;
+class PathResolver;
 
 // Clears up after processes that were killed, on all volumes of the device: removes what they left
 // unpublished and gives the files that they had set aside their names back. What cannot be put
 // right stays, and the run says so. Only while no other process is at work on the device.
-void ClearUpVolumes(const DeviceTree& tree);
+void RecoverVolumes(const PathResolver& tree);
 
 // Removes the files that earlier processes left unpublished in an open directory, whatever way it
 // is open, and nothing else. Only while no other process is at work there. A file that cannot be
 // removed stays and is no failure.
-Status RemoveUnpublishedFilesIn(int directory);
+Status RemoveUnfinishedFilesIn(int directory);
 
 }  // namespace platform

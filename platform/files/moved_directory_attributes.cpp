@@ -16,8 +16,8 @@ constexpr mode_t kUsualMode = 0777;
 
 }  // namespace
 
-void MovedDirectories::Begin(const DeviceTree& tree, std::u16string_view oldPath,
-                             std::u16string_view newPath) {
+void MovedDirectoryAttributes::Begin(const PathResolver& tree, std::u16string_view oldPath,
+                                     std::u16string_view newPath) {
     Pair pair;
     pair.oldPath = oldPath;
     pair.newPath = newPath;
@@ -26,18 +26,18 @@ void MovedDirectories::Begin(const DeviceTree& tree, std::u16string_view oldPath
     pairs_.push_back(std::move(pair));
 }
 
-mode_t MovedDirectories::ModeFor(std::u16string_view path) const {
+mode_t MovedDirectoryAttributes::ModeFor(std::u16string_view path) const {
     return pairs_.empty() || pairs_.back().newPath != path ? kUsualMode : S_IRWXU;
 }
 
-void MovedDirectories::Made(std::u16string_view path) {
+void MovedDirectoryAttributes::Made(std::u16string_view path) {
     if (!pairs_.empty() && pairs_.back().newPath == path) {
         pairs_.back().made = true;
     }
 }
 
 // What is further in and never ended was given up before anything moved into it.
-void MovedDirectories::End(const DeviceTree& tree, std::u16string_view oldPath) {
+void MovedDirectoryAttributes::End(const PathResolver& tree, std::u16string_view oldPath) {
     const auto found = std::find_if(pairs_.rbegin(), pairs_.rend(), [oldPath](const Pair& pair) {
         return pair.oldPath == oldPath;
     });
@@ -56,7 +56,7 @@ void MovedDirectories::End(const DeviceTree& tree, std::u16string_view oldPath) 
     }
     const int directory = made->descriptor.get();
     CopyUserAttributes(old->descriptor.get(), directory);
-    TakeModeAndOwner(directory, pair.old);
+    ApplyModeAndOwner(directory, pair.old);
     const std::array<timespec, 2> times = {pair.old.st_atim, pair.old.st_mtim};
     futimens(directory, times.data());
 }

@@ -13,10 +13,10 @@ namespace platform {
 // The directories that stand for others whose content is being moved into them, outermost first.
 // A new one is open to its owner alone until it is filled: what was shut off must not be open for
 // the time of a move, and its own times would change with every entry that comes.
-class MovedDirectories {
+class MovedDirectoryAttributes {
   public:
     // `newPath` will stand for `oldPath`. Whether that can be looked at shows only at the end.
-    void Begin(const DeviceTree& tree, std::u16string_view oldPath, std::u16string_view newPath);
+    void Begin(const PathResolver& tree, std::u16string_view oldPath, std::u16string_view newPath);
 
     // The mode to make the directory `path` with.
     mode_t ModeFor(std::u16string_view path) const;
@@ -27,7 +27,7 @@ class MovedDirectories {
     // Gives the directory that stands for `oldPath`, if it was made, the mode, owner, user
     // attributes and times that that one had at the beginning, as far as that is allowed and the
     // volume can hold them; where they cannot be read, it stays open to its owner alone.
-    void End(const DeviceTree& tree, std::u16string_view oldPath);
+    void End(const PathResolver& tree, std::u16string_view oldPath);
 
   private:
     struct Pair {

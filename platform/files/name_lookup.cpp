@@ -72,7 +72,7 @@ Result<Reading> ReadNames(int directory, std::u16string_view device, NameSet* na
 
 }  // namespace
 
-Result<std::optional<HostName>> FindSpelling(int directory, std::u16string_view device) {
+Result<std::optional<HostName>> FindHostName(int directory, std::u16string_view device) {
     return ReadNames(directory, device, nullptr).map([](const Reading& reading) {
         return reading.found;
     });
@@ -113,19 +113,19 @@ HostName ListedName(int directory, const HostName& name) {
         !IsSameEntry(directory, other.c_str(), name.c_str())) {
         return name;
     }
-    Result<std::optional<HostName>> listed = FindSpelling(directory, device.view());
+    Result<std::optional<HostName>> listed = FindHostName(directory, device.view());
     return listed ? listed->value_or(name) : name;
 }
 
-bool Spellings::Version::IsSameDirectory(const Version& other) const {
+bool NameLookup::Version::IsSameDirectory(const Version& other) const {
     return device == other.device && number == other.number;
 }
 
-bool Spellings::Version::operator==(const Version& other) const {
+bool NameLookup::Version::operator==(const Version& other) const {
     return IsSameDirectory(other) && Nanoseconds(changed) == Nanoseconds(other.changed);
 }
 
-const Spellings::Spelling* Spellings::ReadDirectory::SpellingOf(std::u16string_view name) const {
+const NameLookup::Spelling* NameLookup::ReadDirectory::SpellingOf(std::u16string_view name) const {
     const auto found =
         std::find_if(spellings.begin(), spellings.end(),
                      [name](const Spelling& spelling) { return spelling.device == name; });
@@ -134,7 +134,7 @@ const Spellings::Spelling* Spellings::ReadDirectory::SpellingOf(std::u16string_v
 
 // A directory could change without getting a new time when it has changed just now, or when its
 // file system counts in whole seconds.
-std::optional<Spellings::Version> Spellings::VersionOf(int directory) {
+std::optional<NameLookup::Version> NameLookup::VersionOf(int directory) {
     struct stat entry {};
     timespec now{};
     if (fstat(directory, &entry) != 0 || clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0) {
@@ -145,7 +145,7 @@ std::optional<Spellings::Version> Spellings::VersionOf(int directory) {
     return Version{entry.st_dev, entry.st_ino, entry.st_ctim, lasting};
 }
 
-Spellings::ReadDirectory* Spellings::Known(const Version& version) {
+NameLookup::ReadDirectory* NameLookup::Known(const Version& version) {
     const auto found =
         std::find_if(read_.begin(), read_.end(), [&version](const ReadDirectory& read) {
             return read.readForTheseLooks ? read.version.IsSameDirectory(version)
@@ -154,7 +154,7 @@ Spellings::ReadDirectory* Spellings::Known(const Version& version) {
     return found == read_.end() ? nullptr : &*found;
 }
 
-void Spellings::Keep(ReadDirectory read) {
+void NameLookup::Keep(ReadDirectory read) {
     std::erase_if(read_, [&read](const ReadDirectory& older) {
         return older.version.IsSameDirectory(read.version);
     });
@@ -169,12 +169,12 @@ void Spellings::Keep(ReadDirectory read) {
     }
 }
 
-void Spellings::BeginLooks() {
+void NameLookup::BeginLooks() {
     EndLooks();
     looksBelongTogether_ = true;
 }
 
-void Spellings::EndLooks() {
+void NameLookup::EndLooks() {
     if (!looksBelongTogether_) {
         return;
     }
@@ -186,15 +186,15 @@ void Spellings::EndLooks() {
 }
 
 // A name that may be there has to be found once, to know how it is spelt.
-Result<std::optional<HostName>> Spellings::FindInKnown(ReadDirectory& known, int directory,
-                                                       std::u16string_view device) {
+Result<std::optional<HostName>> NameLookup::FindInKnown(ReadDirectory& known, int directory,
+                                                        std::u16string_view device) {
     if (!known.names.MayHold(device)) {
         return std::optional<HostName>();
     }
     if (const Spelling* const spelling = known.SpellingOf(device)) {
         return spelling->host;
     }
-    Result<std::optional<HostName>> found = FindSpelling(directory, device);
+    Result<std::optional<HostName>> found = FindHostName(directory, device);
     if (found) {
         if (known.spellings.size() == kMostSpellings) {
             known.spellings.clear();
@@ -204,8 +204,8 @@ Result<std::optional<HostName>> Spellings::FindInKnown(ReadDirectory& known, int
     return found;
 }
 
-Result<std::optional<HostName>> Spellings::FindInUnknown(const Version& version, int directory,
-                                                         std::u16string_view device) {
+Result<std::optional<HostName>> NameLookup::FindInUnknown(const Version& version, int directory,
+                                                          std::u16string_view device) {
     ReadDirectory read{version, looksBelongTogether_, {}, {}};
     const Result<Reading> reading = ReadNames(directory, device, &read.names);
     if (!reading) {
@@ -218,16 +218,16 @@ Result<std::optional<HostName>> Spellings::FindInUnknown(const Version& version,
     return reading->found;
 }
 
-Result<std::optional<HostName>> Spellings::Find(int directory, std::u16string_view device) {
+Result<std::optional<HostName>> NameLookup::Find(int directory, std::u16string_view device) {
     const std::optional<Version> version = VersionOf(directory);
     if (!version) {
-        return FindSpelling(directory, device);
+        return FindHostName(directory, device);
     }
     if (ReadDirectory* const known = Known(*version)) {
         return FindInKnown(*known, directory, device);
     }
     return version->lasting || looksBelongTogether_ ? FindInUnknown(*version, directory, device)
-                                                    : FindSpelling(directory, device);
+                                                    : FindHostName(directory, device);
 }
 
 }  // namespace platform

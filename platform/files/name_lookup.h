@@ -16,17 +16,17 @@ namespace platform {
 
 // The host name in `directory` that `device` names: the exact one, or else the first in byte order
 // of those that differ in case alone; nothing when there is none.
-Result<std::optional<HostName>> FindSpelling(int directory, std::u16string_view device);
+Result<std::optional<HostName>> FindHostName(int directory, std::u16string_view device);
 
 // The name under which an entry that is there is listed in `directory`: `name`, unless the file
 // system itself takes no account of case.
 HostName ListedName(int directory, const HostName& name);
 
-// The same as FindSpelling for many looks in a row. What is not there takes the reading of a whole
+// The same as FindHostName for many looks in a row. What is not there takes the reading of a whole
 // directory to find out; what the directories read last hold is kept in mind, so that one reading
 // of each will do. A directory that has changed since, or may have without showing it, is read
 // again, but for looks that belong together.
-class Spellings {
+class NameLookup {
   public:
     Result<std::optional<HostName>> Find(int directory, std::u16string_view device);
 

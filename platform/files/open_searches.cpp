@@ -9,7 +9,7 @@
 
 namespace platform {
 
-Result<bool> Search::Next(const DeviceTree& tree, WIN32_FIND_DATA& data) {
+Result<bool> Search::Next(const PathResolver& tree, WIN32_FIND_DATA& data) {
     for (;;) {
         subdirectory_.Close();
         facts_.reset();
@@ -35,7 +35,7 @@ std::optional<EntryFacts> Search::LookAt(const DirectoryReader::Entry& entry) {
 }
 
 // Returns false for an entry that does not match, and for one that has vanished meanwhile.
-bool Search::Examine(const DeviceTree& tree, WIN32_FIND_DATA& data) {
+bool Search::Examine(const PathResolver& tree, WIN32_FIND_DATA& data) {
     const DirectoryReader::Entry& entry = reader_.entry();
     const DeviceName name = DeviceNameOf(entry.name);
     if (name.view().empty() || (pattern_ != u"*" && !MatchesPattern(pattern_, name.view()))) {
@@ -66,13 +66,13 @@ Descriptor Search::TakeSubdirectory(std::string_view host) {
     return subdirectory_ && host == reader_.entry().name ? std::move(subdirectory_) : Descriptor();
 }
 
-HANDLE FindTable::Add(std::unique_ptr<Search> search) {
+HANDLE OpenSearches::Add(std::unique_ptr<Search> search) {
     open_.push_back({++lastNumber_, std::move(search)});
     return reinterpret_cast<HANDLE>(lastNumber_);  // NOLINT(performance-no-int-to-ptr)
 }
 
 // The innermost search is used most, so it is looked for first.
-std::vector<FindTable::OpenSearch>::const_iterator FindTable::Find(HANDLE handle) const {
+std::vector<OpenSearches::OpenSearch>::const_iterator OpenSearches::Find(HANDLE handle) const {
     const auto number = reinterpret_cast<std::uintptr_t>(handle);
     const auto found = std::find_if(open_.rbegin(), open_.rend(), [number](const OpenSearch& open) {
         return open.number == number;
@@ -80,7 +80,7 @@ std::vector<FindTable::OpenSearch>::const_iterator FindTable::Find(HANDLE handle
     return found == open_.rend() ? open_.end() : std::prev(found.base());
 }
 
-bool FindTable::Remove(HANDLE handle) {
+bool OpenSearches::Remove(HANDLE handle) {
     const auto found = Find(handle);
     if (found == open_.end()) {
         return false;
@@ -89,12 +89,12 @@ bool FindTable::Remove(HANDLE handle) {
     return true;
 }
 
-Search* FindTable::Get(HANDLE handle) const {
+Search* OpenSearches::Get(HANDLE handle) const {
     const auto found = Find(handle);
     return found == open_.end() ? nullptr : found->search.get();
 }
 
-Search* FindTable::InDirectory(std::u16string_view path) const {
+Search* OpenSearches::InDirectory(std::u16string_view path) const {
     const auto found = std::find_if(open_.rbegin(), open_.rend(), [path](const OpenSearch& open) {
         return open.search != nullptr && open.search->path() == path;
     });

@@ -22,7 +22,7 @@ class Search {
         : path_(path), pattern_(pattern), directory_(std::move(directory)) {}
 
     // Moves to the next entry that matches and puts it into `data`. False at the end.
-    Result<bool> Next(const DeviceTree& tree, WIN32_FIND_DATA& data);
+    Result<bool> Next(const PathResolver& tree, WIN32_FIND_DATA& data);
 
     std::u16string_view path() const { return path_; }
     int directory() const { return directory_.descriptor.get(); }
@@ -35,7 +35,7 @@ class Search {
     Descriptor TakeSubdirectory(std::string_view host);
 
   private:
-    bool Examine(const DeviceTree& tree, WIN32_FIND_DATA& data);
+    bool Examine(const PathResolver& tree, WIN32_FIND_DATA& data);
     std::optional<EntryFacts> LookAt(const DirectoryReader::Entry& entry);
 
     std::u16string path_;
@@ -47,7 +47,7 @@ class Search {
 };
 
 // The open searches, innermost last.
-class FindTable {
+class OpenSearches {
   public:
     // `search` is null for a search of one entry, which ends after it. Handles are never reused.
     HANDLE Add(std::unique_ptr<Search> search);

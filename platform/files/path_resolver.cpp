@@ -88,7 +88,8 @@ SplitPath SplitAtName(std::u16string_view path) {
     return {path.substr(0, begin), path.substr(begin, end - begin), end < path.size()};
 }
 
-Result<OpenedDirectory> DeviceTree::OpenDirectory(std::u16string_view path, OpenFor purpose) const {
+Result<OpenedDirectory> PathResolver::OpenDirectory(std::u16string_view path,
+                                                    OpenFor purpose) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
     if (!root_) {
         return Fail("open", ENOTDIR);
@@ -106,8 +107,8 @@ Result<OpenedDirectory> DeviceTree::OpenDirectory(std::u16string_view path, Open
 }
 
 // Mostly one call. Only where the first component is a volume, it takes one more.
-Result<Descriptor> DeviceTree::OpenAsSpelt(std::span<const std::u16string_view> components,
-                                           OpenFor purpose) const {
+Result<Descriptor> PathResolver::OpenAsSpelt(std::span<const std::u16string_view> components,
+                                             OpenFor purpose) const {
     const std::optional<std::string> path = ExactPath(components);
     if (!path) {
         return Fail("open", ENOTDIR);
@@ -131,8 +132,8 @@ Result<Descriptor> DeviceTree::OpenAsSpelt(std::span<const std::u16string_view> 
                        kOnVolume);
 }
 
-Result<Descriptor> DeviceTree::OpenStepByStep(std::span<const std::u16string_view> components,
-                                              OpenFor purpose) const {
+Result<Descriptor> PathResolver::OpenStepByStep(std::span<const std::u16string_view> components,
+                                                OpenFor purpose) const {
     Descriptor parent;
     for (const std::u16string_view& component : components) {
         const bool isFirst = &component == &components.front();
@@ -147,8 +148,8 @@ Result<Descriptor> DeviceTree::OpenStepByStep(std::span<const std::u16string_vie
     return Fail("open", ENOENT);
 }
 
-Result<Descriptor> DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
-                                         OpenFor purpose) const {
+Result<Descriptor> PathResolver::OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
+                                           OpenFor purpose) const {
     HostName host;
     if (!HostNameOf(name, host)) {
         return Fail("open", ENOENT);
@@ -157,7 +158,7 @@ Result<Descriptor> DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16
     if (opened || opened.error().error != ENOENT) {
         return opened;
     }
-    const Result<std::optional<HostName>> spelling = spellings_.Find(parent, name);
+    const Result<std::optional<HostName>> spelling = lookup_.Find(parent, name);
     if (!spelling) {
         return tl::unexpected<Failure>(spelling.error());
     }
@@ -165,12 +166,12 @@ Result<Descriptor> DeviceTree::OpenNamed(int parent, bool parentIsRoot, std::u16
                      : std::move(opened);
 }
 
-Result<Descriptor> DeviceTree::OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
-                                                OpenFor purpose) const {
+Result<Descriptor> PathResolver::OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
+                                                  OpenFor purpose) const {
     return OpenBeneath(parent, name, DirectoryFlags(purpose), parentIsRoot ? kBeneath : kOnVolume);
 }
 
-Result<Descriptor> DeviceTree::OpenVolume(std::u16string_view path) const {
+Result<Descriptor> PathResolver::OpenVolume(std::u16string_view path) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
     if (components.size() > 1) {
         Result<Descriptor> first =

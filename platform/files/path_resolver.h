@@ -46,10 +46,10 @@ enum class OpenFor { Reaching, Reading };
 
 // Failures are named as the device has it: ENOTDIR where a directory on the way is not there or is
 // none, ENOENT where the last name is not, ELOOP for a link and EXDEV for a mount on the way.
-class DeviceTree {
+class PathResolver {
   public:
     // `root` is the open root directory; without one, no path names anything.
-    explicit DeviceTree(Descriptor root) : root_(std::move(root)) {}
+    explicit PathResolver(Descriptor root) : root_(std::move(root)) {}
 
     int root() const { return root_.get(); }
 
@@ -64,7 +64,7 @@ class DeviceTree {
     // The root directory of the volume that holds what `path` names.
     Result<Descriptor> OpenVolume(std::u16string_view path) const;
 
-    Spellings& spellings() const { return spellings_; }
+    NameLookup& lookup() const { return lookup_; }
 
   private:
     Result<Descriptor> OpenAsSpelt(std::span<const std::u16string_view> components,
@@ -75,7 +75,7 @@ class DeviceTree {
                                  OpenFor purpose) const;
 
     Descriptor root_;
-    mutable Spellings spellings_;  // what is known of the tree, not a part of it
+    mutable NameLookup lookup_;  // what is known of the tree, not a part of it
 };
 
 // Whether a file may be opened over which another one is mounted.

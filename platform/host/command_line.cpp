@@ -92,7 +92,7 @@ Status RefuseUnless(bool holds, const char* reason) {
 }
 
 // Appends a word to the program's own command line.
-Status TakeWord(const char* value, CommandLine& line) {
+Status ParseWord(const char* value, CommandLine& line) {
     const std::optional<std::u16string> word = WideText(value);
     if (!word) {
         return Refuse("a word of the command line is not UTF-8");
@@ -109,7 +109,7 @@ void SetTask(CommandLine& line, CommandLine::Task task) {
     }
 }
 
-Status TakeScale(const char* value, CommandLine& line) {
+Status ParseScale(const char* value, CommandLine& line) {
     char* end = nullptr;
     line.scale = std::strtod(value, &end);
     const bool whole = end != value && *end == '\0';
@@ -117,7 +117,7 @@ Status TakeScale(const char* value, CommandLine& line) {
                         "the scale is not from 1 to 8");
 }
 
-Status TakeDevice(const char* value, CommandLine::Task task, CommandLine& line) {
+Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
     if (!line.device.empty()) {
         return Refuse("more than one device directory is named");
     }
@@ -126,13 +126,13 @@ Status TakeDevice(const char* value, CommandLine::Task task, CommandLine& line) 
     return RefuseUnless(!line.device.empty(), "the device directory is named by an empty word");
 }
 
-Status TakeModule(const char* value, CommandLine& line) {
+Status ParseModule(const char* value, CommandLine& line) {
     line.modulePath = WideText(value).value_or(std::u16string());
     return RefuseUnless(!line.modulePath.empty(), "the path after --module is empty or not UTF-8");
 }
 
 // Options that take no value and only set something.
-Status TakeSwitch(int choice, CommandLine& line) {
+Status SetSwitch(int choice, CommandLine& line) {
     switch (choice) {
         case kReport:
             line.report = true;
@@ -157,24 +157,24 @@ Status TakeSwitch(int choice, CommandLine& line) {
     }
 }
 
-Status Take(int choice, const char* value, CommandLine& line) {
+Status ParseOption(int choice, const char* value, CommandLine& line) {
     switch (choice) {
         case kWord:
-            return TakeWord(value, line);
+            return ParseWord(value, line);
         case kDevice:
-            return TakeDevice(value, line.task, line);
+            return ParseDevice(value, line.task, line);
         case kNewDevice:
-            return TakeDevice(value, CommandLine::Task::MakeSampleDevice, line);
+            return ParseDevice(value, CommandLine::Task::MakeSampleDevice, line);
         case kModule:
-            return TakeModule(value, line);
+            return ParseModule(value, line);
         case kScale:
-            return TakeScale(value, line);
+            return ParseScale(value, line);
         case kShowHelpPage:
             line.helpPlace = value;
             SetTask(line, CommandLine::Task::ShowHelpPage);
             return {};
         default:
-            return TakeSwitch(choice, line);
+            return SetSwitch(choice, line);
     }
 }
 
@@ -206,10 +206,10 @@ Result<CommandLine> ParseCommandLine(int count, char** words) {
     Status taken;
     for (int choice = 0;
          taken && (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
-        taken = Take(choice, optarg, line);
+        taken = ParseOption(choice, optarg, line);
     }
     for (; taken && optind < count; ++optind) {
-        taken = TakeWord(words[optind], line);
+        taken = ParseWord(words[optind], line);
     }
     taken = taken ? CheckComplete(line) : taken;
     if (!taken) {

@@ -32,7 +32,7 @@ class DeviceRun {
     explicit DeviceRun(CommandLine& line)
         : line_(line), log_(line.device), logInUse_(log_), isSilent_(IsSilent(line)) {}
 
-    int Carry();
+    int Run();
 
   private:
     using ExitCode = std::optional<int>;
@@ -43,7 +43,7 @@ class DeviceRun {
 
     ExitCode Refuse(int code, const Failure& failure);
     ExitCode OpenDevice();
-    ExitCode TakeLock();
+    ExitCode Lock();
     ExitCode OpenStore();
     ExitCode OpenWindows();
     DeviceStore& store();
@@ -59,8 +59,8 @@ class DeviceRun {
     bool isLocked_ = false;
     DeviceDirectory device_;
     std::unique_ptr<DirectoryStore> store_;
-    std::unique_ptr<DisplayWindows> windows_;  // of an interactive run
-    std::optional<RecordingStore> recorder_;   // where somebody wants to know what was done
+    std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
+    std::optional<RecordingStore> recorder_;        // where somebody wants to know what was done
 };
 
 DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
@@ -77,7 +77,7 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
     return {};
 }
 
-DeviceRun::ExitCode DeviceRun::TakeLock() {
+DeviceRun::ExitCode DeviceRun::Lock() {
     const Result<bool> locked = LockDevice(device_);
     if (locked && !*locked) {
         log_.Say("in use by another run; try again when that has ended");
@@ -100,8 +100,8 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
                                               std::move(*registry),
                                               [this](int code) { EndOnTheSpot(code); });
     if (isLocked_) {
-        store_->ClearUp();
-        RemoveUnpublishedFilesIn(device_.directory.get());
+        store_->RecoverFromKilledRuns();
+        RemoveUnfinishedFilesIn(device_.directory.get());
     }
     if (line_.report || line_.strict) {
         recorder_.emplace(*store_, line_.report ? stdout : nullptr, log_);
@@ -124,11 +124,11 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     if (const Status storable = store_->CheckStorable(); !storable) {
         return Refuse(EX_CANTCREAT, storable.error());
     }
-    Result<std::unique_ptr<DisplayWindows>> windows = FailBecause(
+    Result<std::unique_ptr<DisplayWindowSystem>> windows = FailBecause(
         "open the program's windows", "--no-display keeps them away; \"silent\" runs without them");
     if (!line_.noDisplay) {
         windows = DisplayIsThere()
-                      ? OpenDisplayWindows(NeedsFor(line_.device.c_str(), line_.scale))
+                      ? OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale))
                       : FailBecause("open the program's windows",
                                     "no display answers under DISPLAY or WAYLAND_DISPLAY; "
                                     "\"silent\" runs without one");
@@ -142,7 +142,7 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
 }
 
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
-    StoringWindows storing(windows, store, log_);
+    StoreBeforeWaiting storing(windows, store, log_);
     const StoreInUse storeInUse(store);
     const WindowsInUse windowsInUse(storing);
     return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
@@ -150,14 +150,14 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        AnsweringStore answering(store(), *windows_);
+        ResponsiveStore answering(store(), *windows_);
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {
-        ConsoleWindows console(stderr);
+        ConsoleBoxes console(stderr);
         return RunProgram(store(), console);
     }
-    BoxesOnDemand boxes(NeedsFor(line_.device.c_str(), line_.scale), stderr);
+    SilentRunBoxes boxes(WindowParamsFor(line_.device.c_str(), line_.scale), stderr);
     return RunProgram(store(), boxes);
 }
 
@@ -178,8 +178,8 @@ void DeviceRun::EndOnTheSpot(int code) {
     std::_Exit(result);
 }
 
-int DeviceRun::Carry() {
-    for (const auto step : {&DeviceRun::OpenDevice, &DeviceRun::TakeLock, &DeviceRun::OpenStore,
+int DeviceRun::Run() {
+    for (const auto step : {&DeviceRun::OpenDevice, &DeviceRun::Lock, &DeviceRun::OpenStore,
                             &DeviceRun::OpenWindows}) {
         if (const ExitCode refused = (this->*step)()) {
             return *refused;
@@ -192,7 +192,7 @@ int DeviceRun::Carry() {
 }  // namespace
 
 int RunOnDevice(CommandLine& line) {
-    return DeviceRun(line).Carry();
+    return DeviceRun(line).Run();
 }
 
 namespace {

@@ -20,7 +20,7 @@ constexpr char kOpenFiles[] = "/proc/self/fd/";
 
 }  // namespace
 
-Result<std::unique_ptr<UnpublishedFile>> UnpublishedFile::Create(int directory, int volume) {
+Result<std::unique_ptr<AtomicFile>> AtomicFile::Create(int directory, int volume) {
     std::optional<HostName> reserved;
     Descriptor file;
     if (access(kOpenFiles, F_OK) == 0) {
@@ -34,16 +34,16 @@ Result<std::unique_ptr<UnpublishedFile>> UnpublishedFile::Create(int directory, 
     if (!file) {
         return Fail("make a file", errno);
     }
-    return std::unique_ptr<UnpublishedFile>(new UnpublishedFile(std::move(file), volume, reserved));
+    return std::unique_ptr<AtomicFile>(new AtomicFile(std::move(file), volume, reserved));
 }
 
-UnpublishedFile::~UnpublishedFile() {
+AtomicFile::~AtomicFile() {
     if (reserved_) {
         unlinkat(volume_, reserved_->c_str(), 0);
     }
 }
 
-Status UnpublishedFile::Link(int directory, const char* name) const {
+Status AtomicFile::Link(int directory, const char* name) const {
     const std::string path = kOpenFiles + std::to_string(descriptor());
     if (linkat(AT_FDCWD, path.c_str(), directory, name, AT_SYMLINK_FOLLOW) != 0) {
         return Fail("name the new file", errno);
@@ -52,7 +52,7 @@ Status UnpublishedFile::Link(int directory, const char* name) const {
 }
 
 // A link cannot replace a file, only a renaming can: so the file needs a name first.
-Status UnpublishedFile::Reserve() {
+Status AtomicFile::Reserve() {
     const HostName reserved = NewReservedName();
     Status linked = Link(volume_, reserved.c_str());
     if (linked) {
@@ -61,7 +61,7 @@ Status UnpublishedFile::Reserve() {
     return linked;
 }
 
-Status UnpublishedFile::PublishNew(int directory, const char* name) {
+Status AtomicFile::PublishNew(int directory, const char* name) {
     if (fsync(descriptor()) != 0) {
         return Fail(kStore, errno);
     }
@@ -82,7 +82,7 @@ Status UnpublishedFile::PublishNew(int directory, const char* name) {
     return synced;
 }
 
-void UnpublishedFile::Withdraw(int directory, const char* name) const {
+void AtomicFile::Withdraw(int directory, const char* name) const {
     struct stat mine {};
     if (fstat(descriptor(), &mine) == 0 && StandsFor(directory, name, mine)) {
         unlinkat(directory, name, 0);
@@ -90,7 +90,7 @@ void UnpublishedFile::Withdraw(int directory, const char* name) const {
 }
 
 // With the name that publishing needs: nothing that takes time is left to be done then.
-Status UnpublishedFile::Store() {
+Status AtomicFile::Store() {
     if (isStored_) {
         return {};
     }
@@ -102,7 +102,7 @@ Status UnpublishedFile::Store() {
     return named;
 }
 
-Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
+Status AtomicFile::PublishInPlace(int directory, const char* name) {
     if (Status stored = Store(); !stored) {
         return stored;
     }
@@ -113,7 +113,7 @@ Status UnpublishedFile::PublishInPlace(int directory, const char* name) {
     return SyncEntries(directory);
 }
 
-void TakeModeAndOwner(int file, const struct stat& from) {
+void ApplyModeAndOwner(int file, const struct stat& from) {
     mode_t mode = from.st_mode & (S_ISDIR(from.st_mode) ? 07777 : 0777);
     // Only root can give a file away, and others only to groups of their own. In another group the
     // members of both are given no more than either kind of stranger had.
@@ -133,7 +133,7 @@ struct PublishingStream {
     HostName name;
     std::optional<struct stat> replaced;
     Failure& failure;
-    std::unique_ptr<UnpublishedFile> file;
+    std::unique_ptr<AtomicFile> file;
     Status written;
 };
 
@@ -150,7 +150,7 @@ Status Replace(const PublishingStream& stream) {
     if (old) {
         CopyUserAttributes(old->get(), stream.file->descriptor());
     }
-    TakeModeAndOwner(stream.file->descriptor(), *stream.replaced);
+    ApplyModeAndOwner(stream.file->descriptor(), *stream.replaced);
     return stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
 }
 
@@ -179,7 +179,7 @@ Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
                                         const HostName& name,
                                         const std::optional<struct stat>& replaced,
                                         Failure& failure) {
-    auto file = UnpublishedFile::Create(directory.get(), volume.get());
+    auto file = AtomicFile::Create(directory.get(), volume.get());
     if (!file) {
         return tl::unexpected<Failure>(file.error());
     }

@@ -15,14 +15,14 @@ namespace platform {
 // A new file whose content is not complete yet. It has no name where the file system allows that,
 // else a reserved one in its volume's root directory. It goes with the object unless it was
 // published.
-class UnpublishedFile {
+class AtomicFile {
   public:
     // An empty file, readable and writable by its owner, to be published in `directory`; `volume`
     // is the root of the same volume and stays the caller's to keep open.
-    static Result<std::unique_ptr<UnpublishedFile>> Create(int directory, int volume);
-    ~UnpublishedFile();
-    UnpublishedFile(const UnpublishedFile&) = delete;
-    UnpublishedFile& operator=(const UnpublishedFile&) = delete;
+    static Result<std::unique_ptr<AtomicFile>> Create(int directory, int volume);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
 
     int descriptor() const { return descriptor_.get(); }
 
@@ -41,7 +41,7 @@ class UnpublishedFile {
     void Withdraw(int directory, const char* name) const;
 
   private:
-    UnpublishedFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
+    AtomicFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
         : descriptor_(std::move(descriptor)), volume_(volume), reserved_(reserved) {}
 
     Status Link(int directory, const char* name) const;
@@ -55,7 +55,7 @@ class UnpublishedFile {
 
 // Gives `file` the mode and, where that is allowed, the owner that `from` tells. Where it is not,
 // the mode is cut so that nobody but the owner may do more than `from` tells.
-void TakeModeAndOwner(int file, const struct stat& from);
+void ApplyModeAndOwner(int file, const struct stat& from);
 
 // A stream for writing a file that has its new content, and its name, only from the moment when
 // fclose has returned 0; when that fails, errno and `failure`, which must live as long as the

@@ -60,7 +60,7 @@ Status CopyWhole(const WatchedFile& from, int to) {
         return copied;
     }
     CopyUserAttributes(from.descriptor(), to);  // while the mode still allows it
-    TakeModeAndOwner(to, from.facts());
+    ApplyModeAndOwner(to, from.facts());
     const std::array<timespec, 2> times = {from.facts().st_atim, from.facts().st_mtim};
     futimens(to, times.data());
     return {};
@@ -109,9 +109,9 @@ bool IsForWantOfRoom(const Failure& failure) {
 // Deletes the file unless it has changed since it was copied. After a failure, `copy` goes if the
 // file has its name for sure.
 Status DeleteCopied(const WatchedFile& file, const SourceFile& source, const Destination& to,
-                    const UnpublishedFile& copy) {
+                    const AtomicFile& copy) {
     const Result<SetAside> aside =
-        file.IsUntouched() ? SetAside::Take(source) : Result<SetAside>(Fail(kMove, EBUSY));
+        file.IsUntouched() ? SetAside::Create(source) : Result<SetAside>(Fail(kMove, EBUSY));
     Status deleted;
     if (aside) {
         deleted = DeleteSetAside(file, source, *aside);
@@ -190,7 +190,7 @@ bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
 // out of date, so it is asked for in ways that go past that.
 bool IsStillThere(const Candidate& candidate) {
     struct statx now {};
-    const auto listed = FindSpelling(candidate.directory, DeviceNameOf(candidate.name).view());
+    const auto listed = FindHostName(candidate.directory, DeviceNameOf(candidate.name).view());
     return listed && *listed && (*listed)->view() == candidate.name &&
            statx(candidate.directory, candidate.name, AT_SYMLINK_NOFOLLOW | AT_STATX_FORCE_SYNC,
                  STATX_BASIC_STATS, &now) == 0 &&
@@ -203,7 +203,7 @@ bool IsStillThere(const Candidate& candidate) {
 // as soon as the file is set aside.
 Status DeleteIfCopyStays(const WatchedFile& file, const SourceFile& source,
                          const Candidate& candidate) {
-    const Result<SetAside> aside = SetAside::Take(source);
+    const Result<SetAside> aside = SetAside::Create(source);
     if (!aside) {
         return tl::unexpected<Failure>(aside.error());
     }
@@ -252,7 +252,7 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination) {
     if (!file) {
         return tl::unexpected<Failure>(file.error());
     }
-    const auto copy = UnpublishedFile::Create(destination.directory, destination.volume);
+    const auto copy = AtomicFile::Create(destination.directory, destination.volume);
     if (!copy) {
         return tl::unexpected<Failure>(copy.error());
     }

@@ -100,7 +100,7 @@ Status Return(int volume, const HostName& aside, int directory, const char* name
     return {};
 }
 
-Status ReturnTo(const DeviceTree& tree, std::u16string_view path, int volume,
+Status ReturnTo(const PathResolver& tree, std::u16string_view path, int volume,
                 const HostName& aside) {
     const SplitPath split = SplitAtName(path);
     HostName name;
@@ -121,7 +121,7 @@ SetAside::SetAside(const SourceFile& source)
       record_(NewReservedName(ReservedFor::WayBack)),
       aside_(ReservedCounterpart(record_.view(), ReservedFor::SetAside)) {}
 
-Result<SetAside> SetAside::Take(const SourceFile& source) {
+Result<SetAside> SetAside::Create(const SourceFile& source) {
     SetAside taken(source);
     const std::u16string path = std::u16string(SplitAtName(source.path).directory) +
                                 std::u16string(DeviceNameOf(source.name).view());
@@ -154,7 +154,7 @@ Status SetAside::GiveBack() const {
     return returned;
 }
 
-Status GiveBack(const DeviceTree& tree, int volume, std::string_view record) {
+Status GiveBack(const PathResolver& tree, int volume, std::string_view record) {
     const HostName aside = ReservedCounterpart(record, ReservedFor::SetAside);
     const Result<EntryFacts> facts = FactsOf(volume, aside.c_str());
     if (!facts && facts.error().error == ENOENT) {

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-class DeviceTree;
+class PathResolver;
 
 // A regular file that is to be moved. The directories stay the caller's to keep open.
 struct SourceFile {
@@ -24,7 +24,7 @@ struct SourceFile {
 class SetAside {
   public:
     // Sets the file aside. After a failure it has its own name.
-    static Result<SetAside> Take(const SourceFile& source);
+    static Result<SetAside> Create(const SourceFile& source);
 
     // The name it has now in the root of its volume.
     const char* name() const { return aside_.c_str(); }
@@ -46,7 +46,7 @@ class SetAside {
 
 // Gives the file of the record `record` in `volume`'s root its own name back. Does nothing, but
 // remove the record, when there is no such file.
-Status GiveBack(const DeviceTree& tree, int volume, std::string_view record);
+Status GiveBack(const PathResolver& tree, int volume, std::string_view record);
 
 // Whether a record belongs to the file set aside as `aside`.
 bool HasRecord(int volume, std::string_view aside);

@@ -6,11 +6,12 @@
 #include "platform/qt/desktop/toolkit_start.h"
 #include "platform/qt/qt_window_system.h"
 
-extern "C" __attribute__((visibility("default"))) platform::DisplayWindows* FennelbrightMakeWindows(
-    const platform::DisplayNeeds* needs) {
-    auto application = platform::qt::StartToolkit(needs->scale);
-    return application == nullptr ? nullptr
-                                  : new platform::qt::QtWindows(*needs, std::move(application));
+extern "C" __attribute__((visibility("default"))) platform::DisplayWindowSystem*
+FennelbrightMakeWindows(const platform::WindowModuleParams* params) {
+    auto application = platform::qt::StartToolkit(params->scale);
+    return application == nullptr
+               ? nullptr
+               : new platform::qt::QtWindowSystem(*params, std::move(application));
 }
 
 extern "C" __attribute__((visibility("default"))) platform::DeviceDialogs*
@@ -21,13 +22,13 @@ FennelbrightMakeDeviceDialogs(double scale) {
 }
 
 extern "C" __attribute__((visibility("default"))) bool FennelbrightShowHelpPage(
-    const platform::HelpPageNeeds* needs) {
-    const auto application = platform::qt::StartToolkit(needs->scale);
+    const platform::HelpPageParams* params) {
+    const auto application = platform::qt::StartToolkit(params->scale);
     if (application == nullptr) {
         return false;
     }
-    const QByteArrayView page(needs->page.data(), static_cast<qsizetype>(needs->page.size()));
-    platform::qt::HelpWindow window(platform::qt::PageText(page), QString::fromUtf8(needs->place));
+    const QByteArrayView page(params->page.data(), static_cast<qsizetype>(params->page.size()));
+    platform::qt::HelpWindow window(platform::qt::PageText(page), QString::fromUtf8(params->place));
     window.show();
     QApplication::setQuitOnLastWindowClosed(true);
     QApplication::exec();

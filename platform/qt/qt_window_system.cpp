@@ -80,26 +80,27 @@ class QuitWatch : public QObject {
 
 }  // namespace
 
-QtWindows::QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> application)
-    : findMenu_(needs.findMenu),
-      answerUnseen_(needs.answerUnseen),
+QtWindowSystem::QtWindowSystem(const WindowModuleParams& params,
+                               std::unique_ptr<QApplication> application)
+    : findMenu_(params.findMenu),
+      answerUnseen_(params.answerUnseen),
       application_(std::move(application)),
-      host_(QString::fromUtf8(needs.title),
-            {.okPressed = [this] { queue_.Post(fronts_.Front(), WM_COMMAND, IDOK, 0); },
-             .closePressed = [this] { EndRun(); },
+      host_(QString::fromUtf8(params.title),
+            {.okPressed = [this] { queue_.Post(stack_.Front(), WM_COMMAND, IDOK, 0); },
+             .closePressed = [this] { RequestExit(); },
              .tabKeyPressed = [this](int step) { QueueTabStep(step); }}),
-      station_{windows_, queue_, host_},
-      fronts_(windows_, host_),
-      closeWatch_(host_, [this] { EndRun(); }) {
+      context_{windows_, queue_, host_},
+      stack_(windows_, host_),
+      closeWatch_(host_, [this] { RequestExit(); }) {
     new QuitWatch(*application_, queue_);  // the application's own
-    if (const IconResource* const icon = needs.findIcon(kIconResource)) {
+    if (const IconResource* const icon = params.findIcon(kIconResource)) {
         QApplication::setWindowIcon(IconOf(*icon));
     }
 }
 
-QtWindows::~QtWindows() = default;
+QtWindowSystem::~QtWindowSystem() = default;
 
-void QtWindows::AnswerDesktop() {
+void QtWindowSystem::ServeDesktop() {
     if (DisplayIsLost()) {
         return;  // the work goes on to its end
     }
@@ -110,17 +111,17 @@ void QtWindows::AnswerDesktop() {
                                     QEventLoop::ExcludeSocketNotifiers);
 }
 
-WORD QtWindows::RegisterClassW(const WNDCLASS* windowClass) {
+WORD QtWindowSystem::RegisterClassW(const WNDCLASS* windowClass) {
     return windowClass != nullptr && classes_.Register(*windowClass) ? 1 : 0;
 }
 
-BOOL QtWindows::UnregisterClassW(const WCHAR* className, HINSTANCE /*instance*/) {
+BOOL QtWindowSystem::UnregisterClassW(const WCHAR* className, HINSTANCE /*instance*/) {
     return className != nullptr && classes_.Unregister(className, windows_);
 }
 
-HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
-                                DWORD style, int x, int y, int width, int height, HWND parent,
-                                HMENU menu, HINSTANCE /*instance*/, void* /*parameter*/) {
+HWND QtWindowSystem::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
+                                     DWORD style, int x, int y, int width, int height, HWND parent,
+                                     HMENU menu, HINSTANCE /*instance*/, void* /*parameter*/) {
     const Window* const above = windows_.Find(parent);
     if (className == nullptr || (above == nullptr && parent != nullptr)) {
         return nullptr;
@@ -128,7 +129,7 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
     const QString name = TextOf(className);
     const WindowClasses::Class* const made = classes_.Find(name);
     const bool onScreen = above == nullptr || (made != nullptr && (style & WS_POPUP) != 0);
-    const Birth birth = {
+    const CreateParams params = {
         .handle = windows_.NewHandle(),
         .parent = parent,
         .id = above == nullptr ? 0 : static_cast<int>(reinterpret_cast<std::intptr_t>(menu)),
@@ -138,42 +139,42 @@ HWND QtWindows::CreateWindowExW(DWORD extendedStyle, const WCHAR* className, con
             above == nullptr ? TopLevelPlace(x, y, width, height) : PlaceOf(x, y, width, height),
         .surface = onScreen ? &host_ : &above->surface()};
     if (made != nullptr) {
-        classes_.NoteWindow(name, birth.handle);
-        return AddProgramWindow(birth, extendedStyle, *made);
+        classes_.NoteWindow(name, params.handle);
+        return AddProgramWindow(params, extendedStyle, *made);
     }
     std::unique_ptr<Window> control =
-        above == nullptr ? nullptr : MakeControl(name, station_, birth);
+        above == nullptr ? nullptr : MakeControl(name, context_, params);
     if (control == nullptr) {
         return nullptr;
     }
     control->widget().setVisible((style & WS_VISIBLE) != 0);
     windows_.Add(std::move(control));
-    return birth.handle;
+    return params.handle;
 }
 
-HWND QtWindows::AddProgramWindow(const Birth& birth, DWORD extendedStyle,
-                                 const WindowClasses::Class& made) {
+HWND QtWindowSystem::AddProgramWindow(const CreateParams& params, DWORD extendedStyle,
+                                      const WindowClasses::Class& made) {
     const ProgramTraits traits = {.procedure = made.procedure,
                                   .dialog = false,
-                                  .topLevel = birth.parent == nullptr,
+                                  .topLevel = params.parent == nullptr,
                                   .hasOk = (extendedStyle & WS_EX_CAPTIONOKBTN) != 0,
                                   .background = BackgroundColor(made.background)};
-    auto window = std::make_unique<ProgramWindow>(station_, birth, traits);
+    auto window = std::make_unique<ProgramWindow>(context_, params, traits);
     const Window& added = *window;
     windows_.Add(std::move(window));
-    if ((birth.style & WS_VISIBLE) != 0) {
+    if ((params.style & WS_VISIBLE) != 0) {
         Open(added);
     }
-    return birth.handle;
+    return params.handle;
 }
 
-BOOL QtWindows::DestroyWindow(HWND window) {
+BOOL QtWindowSystem::DestroyWindow(HWND window) {
     const bool destroyed = windows_.Destroy(window);
-    fronts_.Refresh();
+    stack_.Refresh();
     return destroyed;
 }
 
-BOOL QtWindows::ShowWindow(HWND window, int command) {
+BOOL QtWindowSystem::ShowWindow(HWND window, int command) {
     const Window* const found = windows_.Find(window);
     if (found == nullptr) {
         return FALSE;
@@ -185,24 +186,24 @@ BOOL QtWindows::ShowWindow(HWND window, int command) {
     }
     GiveUpKeyboard(found->widget());
     found->widget().hide();
-    if (fronts_.IsTopLevel(*found)) {
-        fronts_.Hide(*found);
+    if (stack_.IsTopLevel(*found)) {
+        stack_.Hide(*found);
     }
     return visible;
 }
 
-void QtWindows::Open(const Window& window) {
+void QtWindowSystem::Open(const Window& window) {
     window.widget().show();
-    if (fronts_.IsTopLevel(window)) {
-        fronts_.Raise(window);
+    if (stack_.IsTopLevel(window)) {
+        stack_.Raise(window);
         host_.show();
-        HeedSignals();
+        WatchSignals();
     } else if (window.widget().parentWidget() == &host_) {
         window.widget().raise();
     }
 }
 
-BOOL QtWindows::UpdateWindow(HWND window) {
+BOOL QtWindowSystem::UpdateWindow(HWND window) {
     if (Window* const found = windows_.Find(window)) {
         found->PrepareToPaint();
         QCoreApplication::sendPostedEvents(&host_, QEvent::UpdateRequest);
@@ -211,7 +212,7 @@ BOOL QtWindows::UpdateWindow(HWND window) {
     return FALSE;
 }
 
-BOOL QtWindows::GetClientRect(HWND window, RECT* rectangle) {
+BOOL QtWindowSystem::GetClientRect(HWND window, RECT* rectangle) {
     const Window* const found = windows_.Find(window);
     if (found == nullptr || rectangle == nullptr) {
         return FALSE;
@@ -220,7 +221,7 @@ BOOL QtWindows::GetClientRect(HWND window, RECT* rectangle) {
     return TRUE;
 }
 
-BOOL QtWindows::GetWindowRect(HWND window, RECT* rectangle) {
+BOOL QtWindowSystem::GetWindowRect(HWND window, RECT* rectangle) {
     const Window* const found = windows_.Find(window);
     if (found == nullptr || rectangle == nullptr) {
         return FALSE;
@@ -230,7 +231,8 @@ BOOL QtWindows::GetWindowRect(HWND window, RECT* rectangle) {
     return TRUE;
 }
 
-BOOL QtWindows::MoveWindow(HWND window, int x, int y, int width, int height, BOOL /*repaint*/) {
+BOOL QtWindowSystem::MoveWindow(HWND window, int x, int y, int width, int height,
+                                BOOL /*repaint*/) {
     Window* const found = windows_.Find(window);
     if (found == nullptr) {
         return FALSE;
@@ -239,28 +241,28 @@ BOOL QtWindows::MoveWindow(HWND window, int x, int y, int width, int height, BOO
     return TRUE;
 }
 
-HWND QtWindows::SetFocus(HWND window) {
+HWND QtWindowSystem::SetFocus(HWND window) {
     const QWidget* const before = QApplication::focusWidget();
     const HWND previous = before == nullptr ? nullptr : HandleOf(*before);
     if (const Window* const found = windows_.Find(window)) {
-        if (fronts_.IsTopLevel(*found) && !found->widget().isHidden()) {
-            fronts_.Raise(*found);
+        if (stack_.IsTopLevel(*found) && !found->widget().isHidden()) {
+            stack_.Raise(*found);
         }
         found->widget().setFocus(Qt::OtherFocusReason);
     }
     return previous;
 }
 
-BOOL QtWindows::SetWindowTextW(HWND window, const WCHAR* text) {
+BOOL QtWindowSystem::SetWindowTextW(HWND window, const WCHAR* text) {
     if (windows_.Find(window) == nullptr) {
         return FALSE;
     }
     windows_.Send(window, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(text));
-    fronts_.Refresh();
+    stack_.Refresh();
     return TRUE;
 }
 
-BOOL QtWindows::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/, UINT /*highest*/) {
+BOOL QtWindowSystem::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/, UINT /*highest*/) {
     if (message == nullptr) {
         return -1;
     }
@@ -269,14 +271,14 @@ BOOL QtWindows::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/, UINT
         // up.
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         MSG next;
-        while (queue_.Take(next)) {
+        while (queue_.Pop(next)) {
             if (CanBeTold(next)) {
                 *message = next;
                 return next.message != WM_QUIT;
             }
         }
-        if (DisplayIsLost() && !ending_ && fronts_.Main() != nullptr) {
-            EndRun();
+        if (DisplayIsLost() && !ending_ && stack_.Main() != nullptr) {
+            RequestExit();
             continue;
         }
         QGuiApplication::restoreOverrideCursor();
@@ -285,7 +287,7 @@ BOOL QtWindows::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/, UINT
 }
 
 // A window that is gone hears nothing and has said nothing.
-bool QtWindows::CanBeTold(const MSG& message) const {
+bool QtWindowSystem::CanBeTold(const MSG& message) const {
     if (message.message == WM_QUIT) {
         return true;
     }
@@ -297,11 +299,11 @@ bool QtWindows::CanBeTold(const MSG& message) const {
 }
 
 // The toolkit's edit boxes have read the keyboard already.
-BOOL QtWindows::TranslateMessage(const MSG* /*message*/) {
+BOOL QtWindowSystem::TranslateMessage(const MSG* /*message*/) {
     return FALSE;
 }
 
-LRESULT QtWindows::DispatchMessageW(const MSG* message) {
+LRESULT QtWindowSystem::DispatchMessageW(const MSG* message) {
     Window* const window = message == nullptr ? nullptr : windows_.Find(message->hwnd);
     if (window == nullptr) {
         return 0;
@@ -313,17 +315,17 @@ LRESULT QtWindows::DispatchMessageW(const MSG* message) {
     return window->Receive(message->message, message->wParam, message->lParam);
 }
 
-LRESULT QtWindows::DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT QtWindowSystem::DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     Window* const found = windows_.Find(window);
-    return found == nullptr ? 0 : found->Answer(message, wParam, lParam);
+    return found == nullptr ? 0 : found->HandleMessage(message, wParam, lParam);
 }
 
-LRESULT QtWindows::SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT QtWindowSystem::SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
     return windows_.Send(window, message, wParam, lParam);
 }
 
-LRESULT QtWindows::SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
-                                       LPARAM lParam) {
+LRESULT QtWindowSystem::SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM wParam,
+                                            LPARAM lParam) {
     if (windows_.Find(parent) == nullptr) {
         return 0;
     }
@@ -335,8 +337,9 @@ LRESULT QtWindows::SendDlgItemMessageW(HWND parent, int id, UINT message, WPARAM
     return 0;
 }
 
-int QtWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption, UINT type) {
-    HeedSignals();
+int QtWindowSystem::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* caption,
+                                UINT type) {
+    WatchSignals();
     if (ending_ || DisplayIsLost()) {
         return answerUnseen_(text, caption, type);
     }
@@ -344,7 +347,7 @@ int QtWindows::MessageBoxW(HWND /*owner*/, const WCHAR* text, const WCHAR* capti
     return boxes_.Show(&host_, TextOf(text), TextOf(caption), type);
 }
 
-BOOL QtWindows::GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
+BOOL QtWindowSystem::GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
     const ProgramWindow* const found = FindProgramWindow(window);
     if (found == nullptr || found->Range() == nullptr || bar != SB_VERT || info == nullptr) {
         return FALSE;
@@ -353,7 +356,7 @@ BOOL QtWindows::GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
     return TRUE;
 }
 
-int QtWindows::SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
+int QtWindowSystem::SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL /*redraw*/) {
     ProgramWindow* const found = FindProgramWindow(window);
     if (found == nullptr || found->Range() == nullptr || bar != SB_VERT || info == nullptr) {
         return 0;
@@ -361,8 +364,9 @@ int QtWindows::SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL 
     return found->SetRange(*info);
 }
 
-int QtWindows::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* /*clip*/,
-                              HRGN /*updateRegion*/, RECT* /*update*/, UINT flags) {
+int QtWindowSystem::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll,
+                                   const RECT* /*clip*/, HRGN /*updateRegion*/, RECT* /*update*/,
+                                   UINT flags) {
     ProgramWindow* const found = FindProgramWindow(window);
     if (found == nullptr || scroll != nullptr) {
         return 0;
@@ -374,13 +378,13 @@ int QtWindows::ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, c
 }
 
 // The key is let go when it has been pressed: one of the two is enough to know.
-void QtWindows::keybd_event(BYTE key, BYTE /*scanCode*/, DWORD flags, DWORD_PTR /*extra*/) {
+void QtWindowSystem::keybd_event(BYTE key, BYTE /*scanCode*/, DWORD flags, DWORD_PTR /*extra*/) {
     if (key == VK_OFF && (flags & KEYEVENTF_KEYUP) != 0) {
         screenOff_.SwitchOff();
     }
 }
 
-BOOL QtWindows::SHCreateMenuBar(SHMENUBARINFO* info) {
+BOOL QtWindowSystem::SHCreateMenuBar(SHMENUBARINFO* info) {
     if (info == nullptr || windows_.Find(info->hwndParent) == nullptr) {
         return FALSE;
     }
@@ -388,48 +392,49 @@ BOOL QtWindows::SHCreateMenuBar(SHMENUBARINFO* info) {
     if (menu == nullptr || (info->dwFlags & SHCMBF_HMENU) == 0) {
         return FALSE;
     }
-    const Birth birth = {.handle = windows_.NewHandle(),
-                         .parent = info->hwndParent,
-                         .id = 0,
-                         .style = WS_VISIBLE,
-                         .text = {},
-                         .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
-                         .surface = &host_};
-    windows_.Add(std::make_unique<MenuBar>(station_, birth, *menu));
-    windows_.Find(birth.handle)->widget().show();
-    info->hwndMB = birth.handle;
+    const CreateParams params = {
+        .handle = windows_.NewHandle(),
+        .parent = info->hwndParent,
+        .id = 0,
+        .style = WS_VISIBLE,
+        .text = {},
+        .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
+        .surface = &host_};
+    windows_.Add(std::make_unique<MenuBar>(context_, params, *menu));
+    windows_.Find(params.handle)->widget().show();
+    info->hwndMB = params.handle;
     return TRUE;
 }
 
-HWND QtWindows::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DLGTEMPLATE* dialog,
-                                           HWND parent, DLGPROC procedure, LPARAM parameter) {
+HWND QtWindowSystem::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DLGTEMPLATE* dialog,
+                                                HWND parent, DLGPROC procedure, LPARAM parameter) {
     if (dialog == nullptr || procedure == nullptr ||
         (parent != nullptr && windows_.Find(parent) == nullptr)) {
         return nullptr;
     }
-    const Birth birth = {.handle = windows_.NewHandle(),
-                         .parent = parent,
-                         .id = 0,
-                         .style = dialog->style,
-                         .text = {},
-                         .place = DialogPlace(*dialog, host_.fontMetrics()),
-                         .surface = &host_};
+    const CreateParams params = {.handle = windows_.NewHandle(),
+                                 .parent = parent,
+                                 .id = 0,
+                                 .style = dialog->style,
+                                 .text = {},
+                                 .place = DialogPlace(*dialog, host_.fontMetrics()),
+                                 .surface = &host_};
     const ProgramTraits traits = {.procedure = procedure,
                                   .dialog = true,
                                   .topLevel = true,
                                   .hasOk = false,
                                   .background = Qt::white};
-    windows_.Add(std::make_unique<ProgramWindow>(station_, birth, traits));
-    windows_.Find(birth.handle)->widget().hide();
-    windows_.Send(birth.handle, WM_INITDIALOG, 0, parameter);
-    if (const Window* const made = windows_.Find(birth.handle);
-        made != nullptr && (birth.style & WS_VISIBLE) != 0) {
+    windows_.Add(std::make_unique<ProgramWindow>(context_, params, traits));
+    windows_.Find(params.handle)->widget().hide();
+    windows_.Send(params.handle, WM_INITDIALOG, 0, parameter);
+    if (const Window* const made = windows_.Find(params.handle);
+        made != nullptr && (params.style & WS_VISIBLE) != 0) {
         Open(*made);
     }
-    return windows_.Find(birth.handle) == nullptr ? nullptr : birth.handle;
+    return windows_.Find(params.handle) == nullptr ? nullptr : params.handle;
 }
 
-BOOL QtWindows::SHInitDialog(const SHINITDLGINFO* info) {
+BOOL QtWindowSystem::SHInitDialog(const SHINITDLGINFO* info) {
     ProgramWindow* const dialog = info == nullptr ? nullptr : FindProgramWindow(info->hDlg);
     if (dialog == nullptr || (info->dwMask & SHIDIM_FLAGS) == 0) {
         return FALSE;
@@ -442,12 +447,12 @@ BOOL QtWindows::SHInitDialog(const SHINITDLGINFO* info) {
         dialog->Place(QRect(0, kCaptionHeight, kScreenWidth,
                             kScreenHeight - kCaptionHeight - (barThere ? kMenuBarHeight : 0)));
     }
-    fronts_.Refresh();
+    stack_.Refresh();
     return TRUE;
 }
 
-DWORD_PTR QtWindows::SHGetFileInfo(const WCHAR* path, DWORD /*attributes*/, SHFILEINFO* info,
-                                   UINT /*size*/, UINT flags) {
+DWORD_PTR QtWindowSystem::SHGetFileInfo(const WCHAR* path, DWORD /*attributes*/, SHFILEINFO* info,
+                                        UINT /*size*/, UINT flags) {
     constexpr UINT wanted = SHGFI_SYSICONINDEX | SHGFI_SMALLICON;
     if (path == nullptr || info == nullptr || (flags & wanted) != wanted) {
         return 0;
@@ -456,12 +461,12 @@ DWORD_PTR QtWindows::SHGetFileInfo(const WCHAR* path, DWORD /*attributes*/, SHFI
     return kSmallIcons;
 }
 
-ProgramWindow* QtWindows::FindProgramWindow(HWND window) const {
+ProgramWindow* QtWindowSystem::FindProgramWindow(HWND window) const {
     return dynamic_cast<ProgramWindow*>(windows_.Find(window));
 }
 
-void QtWindows::QueueTabStep(int step) {
-    for (const Window* const child : windows_.ChildrenOf(fronts_.Front())) {
+void QtWindowSystem::QueueTabStep(int step) {
+    for (const Window* const child : windows_.ChildrenOf(stack_.Front())) {
         if (dynamic_cast<const TabControl*>(child) != nullptr) {
             queue_.Post(child->handle(), kTabStep, 0, step);
         }
@@ -469,15 +474,15 @@ void QtWindows::QueueTabStep(int step) {
 }
 
 // The program ends as it does by its own button, once its work is done.
-void QtWindows::HeedSignals() {
+void QtWindowSystem::WatchSignals() {
     if (!signals_) {
-        signals_.emplace([this] { EndRun(); });
+        signals_.emplace([this] { RequestExit(); });
     }
 }
 
-void QtWindows::EndRun() {
+void QtWindowSystem::RequestExit() {
     boxes_.AnswerOpen();
-    const HWND main = fronts_.Main();
+    const HWND main = stack_.Main();
     if (!ending_ && main != nullptr) {
         queue_.Post(main, WM_COMMAND, IDOK, 0);
     }

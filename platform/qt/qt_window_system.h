@@ -19,12 +19,12 @@
 namespace platform::qt {
 
 // The window system over the toolkit.
-class QtWindows : public DisplayWindows {
+class QtWindowSystem : public DisplayWindowSystem {
   public:
-    QtWindows(const DisplayNeeds& needs, std::unique_ptr<QApplication> application);
-    ~QtWindows() override;
+    QtWindowSystem(const WindowModuleParams& params, std::unique_ptr<QApplication> application);
+    ~QtWindowSystem() override;
 
-    void AnswerDesktop() override;
+    void ServeDesktop() override;
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override;
     BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override;
@@ -61,14 +61,14 @@ class QtWindows : public DisplayWindows {
 
   private:
     ProgramWindow* FindProgramWindow(HWND window) const;
-    HWND AddProgramWindow(const Birth& birth, DWORD extendedStyle,
+    HWND AddProgramWindow(const CreateParams& params, DWORD extendedStyle,
                           const WindowClasses::Class& made);
     void Open(const Window& window);
     bool CanBeTold(const MSG& message) const;
     void QueueTabStep(int step);
-    void HeedSignals();
+    void WatchSignals();
     // Ends the run as OK does, after running work; from then on every box is answered at once.
-    void EndRun();
+    void RequestExit();
 
     const MenuResource* (*findMenu_)(UINT id);
     int (*answerUnseen_)(const WCHAR* text, const WCHAR* caption, UINT type);
@@ -76,14 +76,14 @@ class QtWindows : public DisplayWindows {
     MessageQueue queue_;
     InputGate gate_{queue_};
     HostWindow host_;
-    ScreenOff screenOff_{host_};
+    SwitchedOffScreen screenOff_{host_};
     WindowTable windows_;
-    Station station_;
+    WindowContext context_;
     WindowClasses classes_;
-    FrontWindows fronts_;
+    WindowStack stack_;
     MessageBoxes boxes_;
-    CloseWatch closeWatch_;
-    std::optional<TerminateSignals> signals_;
+    CloseRequestWatch closeWatch_;
+    std::optional<TerminationSignalWatch> signals_;
     bool ending_ = false;
 };
 

@@ -19,13 +19,13 @@ namespace platform::qt {
 namespace {
 
 template <typename Control>
-std::unique_ptr<Window> Make(Station& station, const Birth& birth) {
-    return std::make_unique<Control>(station, birth);
+std::unique_ptr<Window> Make(WindowContext& context, const CreateParams& params) {
+    return std::make_unique<Control>(context, params);
 }
 
 struct ControlClass {
     const char* name;
-    std::unique_ptr<Window> (*make)(Station& station, const Birth& birth);
+    std::unique_ptr<Window> (*make)(WindowContext& context, const CreateParams& params);
 };
 
 constexpr std::array kControls = {
@@ -49,14 +49,14 @@ const ControlClass* FindControl(const QString& name) {
 
 // The name of what a window is for: the tick or the label right before it, else the last label,
 // else its own text.
-QString AccessibleName(const Station& station, const Birth& birth) {
-    const std::vector<Window*> siblings = station.windows.ChildrenOf(birth.parent);
+QString AccessibleName(const WindowContext& context, const CreateParams& params) {
+    const std::vector<Window*> siblings = context.windows.ChildrenOf(params.parent);
     QString label = siblings.empty() ? QString() : siblings.back()->LabelForNext();
     for (auto sibling = siblings.rbegin(); label.isEmpty() && sibling != siblings.rend();
          ++sibling) {
         label = (*sibling)->LabelForLater();
     }
-    return label.isEmpty() ? birth.text : label;
+    return label.isEmpty() ? params.text : label;
 }
 
 }  // namespace
@@ -93,15 +93,15 @@ void WindowClasses::NoteWindow(const QString& name, HWND window) {
     classes_[name.toCaseFolded()].windows.push_back(window);
 }
 
-std::unique_ptr<Window> MakeControl(const QString& className, Station& station,
-                                    const Birth& birth) {
+std::unique_ptr<Window> MakeControl(const QString& className, WindowContext& context,
+                                    const CreateParams& params) {
     const ControlClass* const control = FindControl(className);
     if (control == nullptr) {
         return nullptr;
     }
-    std::unique_ptr<Window> window = control->make(station, birth);
-    const QString name = AccessibleName(station, birth);
-    const bool isNameless = birth.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0;
+    std::unique_ptr<Window> window = control->make(context, params);
+    const QString name = AccessibleName(context, params);
+    const bool isNameless = params.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0;
     if (isNameless && !name.isEmpty()) {
         window->widget().setAccessibleName(name);
         // The toolkit may take a combo box's entry for its name.

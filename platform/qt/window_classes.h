@@ -34,6 +34,7 @@ class WindowClasses {
 };
 
 // Makes a control of one of the platform's own classes; null when there is no such class.
-std::unique_ptr<Window> MakeControl(const QString& className, Station& station, const Birth& birth);
+std::unique_ptr<Window> MakeControl(const QString& className, WindowContext& context,
+                                    const CreateParams& params);
 
 }  // namespace platform::qt

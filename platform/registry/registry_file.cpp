@@ -151,7 +151,7 @@ Status RegistryFile::CheckReplaceable() const {
     possible = CheckChangeable(directory_, "");
     possible = possible ? CheckOwned(directory_, *old) : std::move(possible);
     if (possible) {
-        possible = UnpublishedFile::Create(directory_, directory_).map([](const auto& /*file*/) {});
+        possible = AtomicFile::Create(directory_, directory_).map([](const auto& /*file*/) {});
     }
     return possible ? possible : FailOf(possible.error(), std::string("beside ") + kName);
 }
@@ -160,7 +160,7 @@ Status RegistryFile::ReserveRoom(std::size_t size) {
     if (reserved_ != nullptr) {
         return {};
     }
-    auto file = UnpublishedFile::Create(directory_, directory_);
+    auto file = AtomicFile::Create(directory_, directory_);
     if (!file) {
         return FailOf(file.error(), std::string("beside ") + kName);
     }
@@ -172,11 +172,11 @@ Status RegistryFile::ReserveRoom(std::size_t size) {
     return {};
 }
 
-Result<std::unique_ptr<UnpublishedFile>> RegistryFile::NewFile() {
+Result<std::unique_ptr<AtomicFile>> RegistryFile::NewFile() {
     if (reserved_ != nullptr) {
         return std::exchange(reserved_, nullptr);
     }
-    return UnpublishedFile::Create(directory_, directory_);
+    return AtomicFile::Create(directory_, directory_);
 }
 
 Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
@@ -194,7 +194,7 @@ Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
         return FailOf(file.error(), std::string("beside ") + kName);
     }
     if (exists) {
-        TakeModeAndOwner((*file)->descriptor(), *old);
+        ApplyModeAndOwner((*file)->descriptor(), *old);
     }
     if (const Status written = Write(**file, bytes); !written) {
         return FailOf(written.error(), kName);
@@ -215,7 +215,7 @@ Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
 }
 
 // Writes the whole content and stores it; what was kept as room and is not needed goes.
-Status RegistryFile::Write(UnpublishedFile& file, std::string_view bytes) const {
+Status RegistryFile::Write(AtomicFile& file, std::string_view bytes) const {
     if (Status written = WriteWhole(file.descriptor(), bytes); !written) {
         return written;
     }

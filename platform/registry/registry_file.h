@@ -65,11 +65,11 @@ class RegistryFile {
     Result<std::optional<FileVersion>> Replace(std::string_view bytes, const FileVersion& replaced);
 
   private:
-    Result<std::unique_ptr<UnpublishedFile>> NewFile();
-    Status Write(UnpublishedFile& file, std::string_view bytes) const;
+    Result<std::unique_ptr<AtomicFile>> NewFile();
+    Status Write(AtomicFile& file, std::string_view bytes) const;
 
     int directory_;
-    std::unique_ptr<UnpublishedFile> reserved_;  // null where no room is kept
+    std::unique_ptr<AtomicFile> reserved_;  // null where no room is kept
 };
 
 }  // namespace platform

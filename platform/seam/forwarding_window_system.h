@@ -6,10 +6,10 @@ namespace platform {
 
 // A window system that hands every operation on to another one, for wrappers that change one
 // thing: an operation, or where the next one goes.
-class ForwardingWindows : public WindowSystem {
+class ForwardingWindowSystem : public WindowSystem {
   public:
     // `inner` stays the caller's and must outlive this one.
-    explicit ForwardingWindows(WindowSystem& inner) : inner_(inner) {}
+    explicit ForwardingWindowSystem(WindowSystem& inner) : inner_(inner) {}
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override {
         return inner().RegisterClassW(windowClass);

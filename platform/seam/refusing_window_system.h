@@ -6,7 +6,7 @@ namespace platform {
 
 // A window system without a single window: every operation fails. A box is the derived class's to
 // show.
-class NoWindows : public WindowSystem {
+class RefusingWindowSystem : public WindowSystem {
   public:
     WORD RegisterClassW(const WNDCLASS* /*windowClass*/) override { return 0; }
     BOOL UnregisterClassW(const WCHAR* /*className*/, HINSTANCE /*instance*/) override { return 0; }

@@ -57,7 +57,7 @@ std::size_t MapFirst(std::string_view rest, DeviceName& device) {
                                          static_cast<utf8proc_ssize_t>(rest.size()), &character);
     if (length > 0 && IsAllowed(character) && !IsEscape(character)) {
         bool fits = true;
-        PutCharacter(character, [&](WCHAR unit) { fits = device.Append(unit) && fits; });
+        AppendCharacter(character, [&](WCHAR unit) { fits = device.Append(unit) && fits; });
         return fits ? static_cast<std::size_t>(length) : 0;
     }
     const auto byte = static_cast<unsigned char>(rest.front());
@@ -92,7 +92,7 @@ DeviceName DeviceNameOf(std::string_view host) {
 bool HostNameOf(std::u16string_view device, HostName& host) {
     host = HostName();
     for (std::size_t index = 0; index < device.size();) {
-        if (!AppendBytes(host, TakeCharacter(device, index))) {
+        if (!AppendBytes(host, NextCharacter(device, index))) {
             return false;
         }
     }

@@ -51,7 +51,7 @@ std::optional<std::u16string> WideText(std::string_view utf8) {
         if (length <= 0) {
             return std::nullopt;
         }
-        PutCharacter(character, [&text](char16_t unit) { text += unit; });
+        AppendCharacter(character, [&text](char16_t unit) { text += unit; });
         utf8.remove_prefix(static_cast<std::size_t>(length));
     }
     return text;
@@ -60,7 +60,7 @@ std::optional<std::u16string> WideText(std::string_view utf8) {
 std::string Utf8Text(std::u16string_view text) {
     std::string utf8;
     for (std::size_t index = 0; index < text.size();) {
-        AppendUtf8(utf8, TakeCharacter(text, index));
+        AppendUtf8(utf8, NextCharacter(text, index));
     }
     return utf8;
 }
@@ -69,7 +69,7 @@ std::string ReadableText(std::u16string_view text) {
     std::string readable;
     for (std::size_t index = 0; index < text.size();) {
         const std::size_t begin = index;
-        const utf8proc_int32_t character = TakeCharacter(text, index);
+        const utf8proc_int32_t character = NextCharacter(text, index);
         if (character == u'\n') {
             readable += ' ';
         } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
@@ -94,8 +94,8 @@ std::string ReadableBytes(std::string_view bytes) {
                              static_cast<utf8proc_ssize_t>(bytes.size()), &character);
         // The units that stand for bytes in names of the device are never seen either.
         const auto byte = static_cast<unsigned char>(bytes.front());
-        PutCharacter(length > 0 ? character : kEscapeBase + byte,
-                     [&text](char16_t unit) { text += unit; });
+        AppendCharacter(length > 0 ? character : kEscapeBase + byte,
+                        [&text](char16_t unit) { text += unit; });
         bytes.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
     }
     return ReadableText(text);

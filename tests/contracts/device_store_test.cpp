@@ -36,7 +36,7 @@ class DeviceStoreTest : public testing::TestWithParam<Wrap> {
   protected:
     void Open() {
         real_ = std::make_unique<platform::FileStore>(device_.OpenFiles(), u"\\Program.exe");
-        real_->ClearUp();
+        real_->RecoverFromKilledRuns();
         store_ = GetParam()(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(*store_);
     }

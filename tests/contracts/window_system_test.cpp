@@ -71,7 +71,7 @@ int PositionOf(HWND window) {
     return info.nPos;
 }
 
-QScrollBar& PageBar() {
+QScrollBar& PageScrollBar() {
     return *Host().findChild<QScrollBar*>();
 }
 
@@ -87,8 +87,8 @@ TEST_F(DisplayTest, PositionsAreBroughtIntoTheRange) {
         const SCROLLINFO info = {28, 15, 0, row.highest, row.page, row.position, 0};
         EXPECT_EQ(SetScrollInfo(page_, SB_VERT, &info, TRUE), row.stored);
         EXPECT_EQ(PositionOf(page_), row.stored);
-        EXPECT_TRUE(PageBar().isVisible());
-        EXPECT_EQ(PageBar().isEnabled(), row.highest > 0);
+        EXPECT_TRUE(PageScrollBar().isVisible());
+        EXPECT_EQ(PageScrollBar().isEnabled(), row.highest > 0);
     }
 }
 
@@ -105,7 +105,7 @@ TEST_F(DisplayTest, TheBarSaysOnlyStepsThatFit) {
     for (const auto& row : rows) {
         const SCROLLINFO info = {28, 15, 0, row.highest, 3, row.position, 0};
         SetScrollInfo(page_, SB_VERT, &info, TRUE);
-        QScrollBar& bar = PageBar();
+        QScrollBar& bar = PageScrollBar();
         Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
         Dispatch();
         const AllTold step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
@@ -132,7 +132,7 @@ TEST_F(DisplayTest, WhatADeadWindowHasSaidIsNotTold) {
 TEST_F(DisplayTest, TheDesktopIsAnsweredWhileTheProgramWorks) {
     const TemporaryDevice device;
     platform::FileStore files(device.OpenFiles(), u"");
-    platform::AnsweringStore store(files, windows());
+    platform::ResponsiveStore store(files, windows());
     bool answered = false;
     QTimer::singleShot(0, qApp, [&] { answered = true; });
     store.DeleteFileW(u"\\none");

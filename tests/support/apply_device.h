@@ -10,7 +10,7 @@
 #include "tests/support/temporary_device.h"
 
 // Keeps the boxes that it was asked to show, "[caption] text", and "?" behind one with a choice.
-class CollectedBoxes : public platform::NoWindows {
+class CollectedBoxes : public platform::RefusingWindowSystem {
   public:
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
 

@@ -28,12 +28,13 @@ LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 
 }  // namespace
 
-extern "C" platform::DisplayWindows* FennelbrightMakeWindows(const platform::DisplayNeeds* needs);
+extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
+    const platform::WindowModuleParams* params);
 
-std::unique_ptr<platform::DisplayWindows> OpenUnseen() {
+std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::DisplayNeeds needs = platform::NeedsFor("A device", 1);
-    return std::unique_ptr<platform::DisplayWindows>(FennelbrightMakeWindows(&needs));
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", 1);
+    return std::unique_ptr<platform::DisplayWindowSystem>(FennelbrightMakeWindows(&params));
 }
 
 QWidget& Host() {

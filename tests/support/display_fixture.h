@@ -11,7 +11,7 @@
 #include "platform/display/window_module.h"
 
 // The window system on a display that nobody sees.
-std::unique_ptr<platform::DisplayWindows> OpenUnseen();
+std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen();
 
 // What a window's procedure was told.
 struct Told {
@@ -71,13 +71,13 @@ class DisplayTest : public testing::Test {
         return SendMessageW(window, message, wParam, lParam);
     }
 
-    platform::DisplayWindows& windows() { return *windows_; }
+    platform::DisplayWindowSystem& windows() { return *windows_; }
 
     HWND main_ = nullptr;
     HWND page_ = nullptr;
 
   private:
-    std::unique_ptr<platform::DisplayWindows> windows_;
+    std::unique_ptr<platform::DisplayWindowSystem> windows_;
     platform::WindowsInUse inUse_;
 };
 

@@ -95,7 +95,7 @@ Entries RunDisplayed(const TemporaryDevice& device, const Steps& steps, std::deq
                                    device.OpenRegistry());
     Entries unseen;
     NotingStore noting(store, calls == nullptr ? unseen : *calls);
-    const std::unique_ptr<platform::DisplayWindows> windows = OpenUnseen();
+    const std::unique_ptr<platform::DisplayWindowSystem> windows = OpenUnseen();
     const platform::StoreInUse storeInUse(noting);
     const platform::WindowsInUse windowsInUse(*windows);
     const User user(steps, std::move(answers));

@@ -84,7 +84,7 @@ QPalette LightPalette() {
 
 }  // namespace
 
-void ApplyLook(QApplication& application) {
+void ApplyHandheldStyle(QApplication& application) {
     QFont font{QString::fromLatin1(kFontFamily)};
     font.setPixelSize(kFontHeight);
     font.setHintingPreference(QFont::PreferVerticalHinting);

@@ -19,7 +19,7 @@ inline constexpr int kFontHeight = 11;
 inline constexpr char kFontFamily[] = "DejaVu Sans Condensed";
 
 // Gives the application the handheld's look, whatever the desktop's settings say.
-void ApplyLook(QApplication& application);
+void ApplyHandheldStyle(QApplication& application);
 
 // The colour of a class's background brush; white for one that is not the platform's own.
 QColor BackgroundColor(HBRUSH brush);

@@ -34,7 +34,7 @@ class MessageQueue {
     }
 
     // Takes the oldest message; false when there is none.
-    bool Take(MSG& message) {
+    bool Pop(MSG& message) {
         if (messages_.empty()) {
             return false;
         }

@@ -6,13 +6,13 @@ namespace platform::qt {
 
 // A text with its place in the order of sorted lists: without regard to case, and by the characters
 // where nothing else tells two texts apart.
-class OrderedText {
+class SortText {
   public:
-    explicit OrderedText(const QString& text) : text_(text), folded_(text.toCaseFolded()) {}
+    explicit SortText(const QString& text) : text_(text), folded_(text.toCaseFolded()) {}
 
     const QString& text() const { return text_; }
 
-    bool operator<(const OrderedText& other) const {
+    bool operator<(const SortText& other) const {
         const int apartFromCase = folded_.compare(other.folded_);
         return apartFromCase != 0 ? apartFromCase < 0 : text_ < other.text_;
     }

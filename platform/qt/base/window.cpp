@@ -35,12 +35,12 @@ class FocusWatch : public QObject {
 
 }  // namespace
 
-Window::Window(Station& station, const Birth& birth)
-    : station_(station),
-      handle_(birth.handle),
-      parent_(birth.parent),
-      id_(birth.id),
-      text_(birth.text) {}
+Window::Window(WindowContext& context, const CreateParams& params)
+    : context_(context),
+      handle_(params.handle),
+      parent_(params.parent),
+      id_(params.id),
+      text_(params.text) {}
 
 Window::~Window() {
     // The widget's last words find no window behind them.
@@ -50,7 +50,7 @@ Window::~Window() {
     }
 }
 
-void Window::Adopt(std::unique_ptr<QWidget> widget, const Birth& birth) {
+void Window::Adopt(std::unique_ptr<QWidget> widget, const CreateParams& params) {
     widget_ = std::move(widget);
     if (widget_->focusPolicy() == Qt::WheelFocus) {
         widget_->setFocusPolicy(Qt::StrongFocus);  // the wheel is the page's
@@ -60,15 +60,15 @@ void Window::Adopt(std::unique_ptr<QWidget> widget, const Birth& birth) {
         widget_->setObjectName(QString::number(id_));
     }
     focusWatch_ = std::make_unique<FocusWatch>(*widget_, *this);
-    Place(QRect(birth.place.left, birth.place.top, birth.place.right - birth.place.left,
-                birth.place.bottom - birth.place.top));
+    Place(QRect(params.place.left, params.place.top, params.place.right - params.place.left,
+                params.place.bottom - params.place.top));
 }
 
 LRESULT Window::Receive(UINT message, WPARAM wParam, LPARAM lParam) {
-    return Answer(message, wParam, lParam);
+    return HandleMessage(message, wParam, lParam);
 }
 
-LRESULT Window::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT Window::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case WM_SETTEXT:
             SetText(TextOf(lParam));
@@ -85,26 +85,26 @@ void Window::CarryOut(const MSG& /*message*/) {}
 void Window::FocusChanged(bool gained, Qt::FocusReason reason) {
     const bool byKey = reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
     if (gained && byKey) {
-        station_.queue.Post(parent_, kRevealChild, 0, reinterpret_cast<LPARAM>(handle_));
+        context_.queue.Post(parent_, kRevealChild, 0, reinterpret_cast<LPARAM>(handle_));
     }
 }
 
 void Window::SendCommand(WORD code) {
     if (id_ != 0) {
-        station_.windows.Send(parent_, WM_COMMAND, MAKELONG(static_cast<WORD>(id_), code),
+        context_.windows.Send(parent_, WM_COMMAND, MAKELONG(static_cast<WORD>(id_), code),
                               reinterpret_cast<LPARAM>(handle_));
     }
 }
 
 void Window::QueueCommand(WORD code) {
     if (id_ != 0) {
-        station_.queue.Post(parent_, WM_COMMAND, MAKELONG(static_cast<WORD>(id_), code),
+        context_.queue.Post(parent_, WM_COMMAND, MAKELONG(static_cast<WORD>(id_), code),
                             reinterpret_cast<LPARAM>(handle_));
     }
 }
 
 void Window::QueueToSelf(UINT message, WPARAM wParam, LPARAM lParam) {
-    station_.queue.Post(handle_, message, wParam, lParam);
+    context_.queue.Post(handle_, message, wParam, lParam);
 }
 
 HWND HandleOf(const QWidget& widget) {

@@ -13,14 +13,14 @@ class MessageQueue;
 class WindowTable;
 
 // What every window works with. All of it outlives the windows.
-struct Station {
+struct WindowContext {
     WindowTable& windows;
     MessageQueue& queue;
     HostWindow& host;
 };
 
 // What a window is made from.
-struct Birth {
+struct CreateParams {
     HWND handle;
     HWND parent;
     int id;
@@ -34,7 +34,7 @@ struct Birth {
 // the program's operations alone, never by the toolkit.
 class Window {
   public:
-    Window(Station& station, const Birth& birth);
+    Window(WindowContext& context, const CreateParams& params);
     virtual ~Window();
     Window(const Window&) = delete;
     Window& operator=(const Window&) = delete;
@@ -52,7 +52,7 @@ class Window {
     virtual LRESULT Receive(UINT message, WPARAM wParam, LPARAM lParam);
 
     // What the window itself does with a message. The window may be gone afterwards.
-    virtual LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam);
+    virtual LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam);
 
     // Carries out what the user did: a message from kFirstOwnMessage on. The window may be gone
     // afterwards.
@@ -75,7 +75,7 @@ class Window {
 
   protected:
     // Takes over the widget, which must stand on the birth's surface, and gives it its place.
-    void Adopt(std::unique_ptr<QWidget> widget, const Birth& birth);
+    void Adopt(std::unique_ptr<QWidget> widget, const CreateParams& params);
 
     // Tells the parent by WM_COMMAND, now or through the queue. A control without an ID tells
     // nothing.
@@ -85,10 +85,10 @@ class Window {
     // Queues a message of its own.
     void QueueToSelf(UINT message, WPARAM wParam, LPARAM lParam);
 
-    Station& station() const { return station_; }
+    WindowContext& context() const { return context_; }
 
   private:
-    Station& station_;
+    WindowContext& context_;
     HWND handle_;
     HWND parent_;
     int id_;

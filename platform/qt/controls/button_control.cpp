@@ -43,25 +43,26 @@ class CheckBox : public QCheckBox {
     }
 };
 
-std::unique_ptr<QAbstractButton> NewButton(const Birth& birth) {
-    if ((birth.style & kKindMask) == BS_AUTOCHECKBOX) {
-        return std::make_unique<CheckBox>(birth.surface);
+std::unique_ptr<QAbstractButton> NewButton(const CreateParams& params) {
+    if ((params.style & kKindMask) == BS_AUTOCHECKBOX) {
+        return std::make_unique<CheckBox>(params.surface);
     }
-    return std::make_unique<PushButton>(birth.surface);
+    return std::make_unique<PushButton>(params.surface);
 }
 
 }  // namespace
 
-ButtonControl::ButtonControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto button = NewButton(birth);
+ButtonControl::ButtonControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto button = NewButton(params);
     button_ = button.get();
-    button_->setText(birth.text);
+    button_->setText(params.text);
     QObject::connect(button_, &QAbstractButton::clicked, button_,
                      [this] { QueueCommand(BN_CLICKED); });
-    Adopt(std::move(button), birth);
+    Adopt(std::move(button), params);
 }
 
-LRESULT ButtonControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT ButtonControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case BM_GETCHECK:
             return button_->isChecked() ? 1 : 0;
@@ -69,7 +70,7 @@ LRESULT ButtonControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
             button_->setChecked(wParam != 0);
             return 0;
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 

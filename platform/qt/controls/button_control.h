@@ -9,9 +9,9 @@ namespace platform::qt {
 // Class "BUTTON": a push button, or a box that toggles its own tick.
 class ButtonControl : public Window {
   public:
-    ButtonControl(Station& station, const Birth& birth);
+    ButtonControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void SetText(const QString& text) override;
     QString LabelForNext() const override;
 

@@ -15,17 +15,17 @@ constexpr int kFieldHeight = 20;
 class ComboBox : public QComboBox {
   public:
     ComboBox(QWidget* parent, std::function<void(WORD code)> told)
-        : QComboBox(parent), told_(std::move(told)) {}
+        : QComboBox(parent), notify_(std::move(told)) {}
 
     void showPopup() override {
-        told_(CBN_DROPDOWN);
+        notify_(CBN_DROPDOWN);
         QComboBox::showPopup();
     }
     void hidePopup() override {
         const bool shown = view()->isVisible();
         QComboBox::hidePopup();
         if (shown) {
-            told_(CBN_CLOSEUP);
+            notify_(CBN_CLOSEUP);
         }
     }
 
@@ -39,22 +39,24 @@ class ComboBox : public QComboBox {
     }
 
   private:
-    std::function<void(WORD code)> told_;
+    std::function<void(WORD code)> notify_;
 };
 
 }  // namespace
 
-ComboBoxControl::ComboBoxControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto box = std::make_unique<ComboBox>(birth.surface, [this](WORD code) { QueueCommand(code); });
+ComboBoxControl::ComboBoxControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto box =
+        std::make_unique<ComboBox>(params.surface, [this](WORD code) { QueueCommand(code); });
     box_ = box.get();
     QObject::connect(box_, &QComboBox::activated, box_, [this] {
         QueueCommand(CBN_SELENDOK);
         QueueCommand(CBN_SELCHANGE);
     });
-    Adopt(std::move(box), birth);
+    Adopt(std::move(box), params);
 }
 
-LRESULT ComboBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT ComboBoxControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case CB_ADDSTRING: {
             // The toolkit selects the first entry of an empty box by itself.
@@ -70,7 +72,7 @@ LRESULT ComboBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
         case WM_SETTEXT:
             return CB_ERR;
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 

@@ -9,9 +9,9 @@ namespace platform::qt {
 // Class "COMBOBOX": a list to pick from. Closed, it is one field high, whatever its height says.
 class ComboBoxControl : public Window {
   public:
-    ComboBoxControl(Station& station, const Birth& birth);
+    ComboBoxControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     QString Text() const override;
     void FocusChanged(bool gained, Qt::FocusReason reason) override;
     void Place(const QRect& place) override;

@@ -59,23 +59,24 @@ class Line : public QLineEdit {
 
 }  // namespace
 
-EditControl::EditControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto line = std::make_unique<Line>(birth.text, birth.surface);
+EditControl::EditControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto line = std::make_unique<Line>(params.text, params.surface);
     line_ = line.get();
-    line_->setFrame((birth.style & WS_BORDER) != 0);
+    line_->setFrame((params.style & WS_BORDER) != 0);
     QObject::connect(line_, &QLineEdit::textEdited, line_, [this] {
         QueueCommand(EN_UPDATE);
         QueueCommand(EN_CHANGE);
     });
-    Adopt(std::move(line), birth);
+    Adopt(std::move(line), params);
 }
 
 // A text that the program sets is told of at once, as the change of a text that it is.
-LRESULT EditControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT EditControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_SETTEXT) {
-        return Window::Answer(message, wParam, lParam);
+        return Window::HandleMessage(message, wParam, lParam);
     }
-    const WindowTable& windows = station().windows;
+    const WindowTable& windows = context().windows;
     const HWND self = handle();
     SetText(TextOf(lParam));
     SendCommand(EN_UPDATE);

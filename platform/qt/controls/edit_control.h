@@ -9,9 +9,9 @@ namespace platform::qt {
 // Class "EDIT": one line that the user types.
 class EditControl : public Window {
   public:
-    EditControl(Station& station, const Birth& birth);
+    EditControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     QString Text() const override;
     void SetText(const QString& text) override;
     void FocusChanged(bool gained, Qt::FocusReason reason) override;

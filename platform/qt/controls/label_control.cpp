@@ -4,14 +4,15 @@
 
 namespace platform::qt {
 
-LabelControl::LabelControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto label = std::make_unique<QLabel>(birth.surface);
+LabelControl::LabelControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto label = std::make_unique<QLabel>(params.surface);
     label_ = label.get();
     label_->setTextFormat(Qt::PlainText);
     label_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label_->setWordWrap(true);
-    label_->setText(birth.text);
-    Adopt(std::move(label), birth);
+    label_->setText(params.text);
+    Adopt(std::move(label), params);
 }
 
 void LabelControl::SetText(const QString& text) {

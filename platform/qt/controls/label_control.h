@@ -9,7 +9,7 @@ namespace platform::qt {
 // Class "STATIC": a text.
 class LabelControl : public Window {
   public:
-    LabelControl(Station& station, const Birth& birth);
+    LabelControl(WindowContext& context, const CreateParams& params);
 
     void SetText(const QString& text) override;
     QString LabelForNext() const override { return Text(); }

@@ -103,12 +103,12 @@ void ShowBars(ListView& list, DWORD style) {
 
 }  // namespace
 
-ListBoxControl::ListBoxControl(Station& station, const Birth& birth)
-    : Window(station, birth),
-      multiple_((birth.style & LBS_MULTIPLESEL) != 0),
-      notifies_((birth.style & LBS_NOTIFY) != 0),
-      model_(std::make_unique<ListBoxModel>((birth.style & LBS_SORT) != 0)) {
-    auto list = std::make_unique<ListView>(birth.surface, [this](bool twice) {
+ListBoxControl::ListBoxControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params),
+      multiple_((params.style & LBS_MULTIPLESEL) != 0),
+      notifies_((params.style & LBS_NOTIFY) != 0),
+      model_(std::make_unique<ListBoxModel>((params.style & LBS_SORT) != 0)) {
+    auto list = std::make_unique<ListView>(params.surface, [this](bool twice) {
         QueueNotice(LBN_SELCHANGE);
         if (twice) {
             QueueNotice(LBN_DBLCLK);
@@ -123,13 +123,13 @@ ListBoxControl::ListBoxControl(Station& station, const Birth& birth)
     list->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     list->setTextElideMode(Qt::ElideNone);
     list->setTabKeyNavigation(false);
-    list->setLineWidth((birth.style & WS_BORDER) != 0 ? 1 : 0);
-    ShowBars(*list, birth.style);
+    list->setLineWidth((params.style & WS_BORDER) != 0 ? 1 : 0);
+    ShowBars(*list, params.style);
     list_ = list.get();
-    Adopt(std::move(list), birth);
+    Adopt(std::move(list), params);
 }
 
-LRESULT ListBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT ListBoxControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case LB_ADDSTRING:
             return model_->Add(TextOf(lParam));
@@ -152,7 +152,7 @@ LRESULT ListBoxControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
             list_->SetExtent(static_cast<int>(wParam));
             return 0;
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 

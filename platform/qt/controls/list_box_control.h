@@ -10,9 +10,9 @@ class ListView;
 // Class "LISTBOX".
 class ListBoxControl : public Window {
   public:
-    ListBoxControl(Station& station, const Birth& birth);
+    ListBoxControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void PrepareToPaint() override { model_->Settle(); }
     void FocusChanged(bool gained, Qt::FocusReason reason) override;
 

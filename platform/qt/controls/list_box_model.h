@@ -36,7 +36,7 @@ class ListBoxModel : public QAbstractListModel {
     void MergeFrom(std::size_t middle);
 
     bool sorted_;
-    std::vector<OrderedText> entries_;
+    std::vector<SortText> entries_;
     std::vector<QString> added_;
 };
 

@@ -21,24 +21,25 @@ class Slider : public QSlider {
 
 }  // namespace
 
-SliderControl::SliderControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto slider = std::make_unique<Slider>(Qt::Horizontal, birth.surface);
+SliderControl::SliderControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto slider = std::make_unique<Slider>(Qt::Horizontal, params.surface);
     slider_ = slider.get();
     slider_->setRange(0, 100);
     slider_->setPageStep(1);
-    if ((birth.style & TBS_AUTOTICKS) != 0) {
+    if ((params.style & TBS_AUTOTICKS) != 0) {
         slider_->setTickPosition(QSlider::TicksBelow);
         slider_->setTickInterval(1);
     }
     QObject::connect(slider_, &QSlider::valueChanged, slider_, [this](int value) {
-        this->station().queue.Post(this->parent(), WM_HSCROLL,
+        this->context().queue.Post(this->parent(), WM_HSCROLL,
                                    MAKELONG(SB_THUMBPOSITION, static_cast<WORD>(value)),
                                    reinterpret_cast<LPARAM>(this->handle()));
     });
-    Adopt(std::move(slider), birth);
+    Adopt(std::move(slider), params);
 }
 
-LRESULT SliderControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT SliderControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     const QSignalBlocker quiet(slider_);
     switch (message) {
         case TBM_GETPOS:
@@ -52,7 +53,7 @@ LRESULT SliderControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
             return 0;
         }
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 

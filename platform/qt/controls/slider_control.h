@@ -9,9 +9,9 @@ namespace platform::qt {
 // Class "msctls_trackbar32": a horizontal slider.
 class SliderControl : public Window {
   public:
-    SliderControl(Station& station, const Birth& birth);
+    SliderControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
 
   private:
     QSlider* slider_;

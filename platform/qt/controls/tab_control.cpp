@@ -15,16 +15,16 @@ constexpr int kRowHeight = 21;
 
 }  // namespace
 
-TabControl::TabControl(Station& station, const Birth& birth)
-    : Window(station, birth), below_((birth.style & TCS_BOTTOM) != 0) {
-    auto pane = std::make_unique<QWidget>(birth.surface);
+TabControl::TabControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params), below_((params.style & TCS_BOTTOM) != 0) {
+    auto pane = std::make_unique<QWidget>(params.surface);
     pane->setAutoFillBackground(true);
     row_ = new TabRow(pane.get(), below_,
                       [this](int index) { QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0); });
-    Adopt(std::move(pane), birth);
+    Adopt(std::move(pane), params);
 }
 
-LRESULT TabControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT TabControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     switch (message) {
         case TCM_INSERTITEM:
             return Insert(wParam, lParam);
@@ -35,16 +35,16 @@ LRESULT TabControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
         case TCM_ADJUSTRECT:
             return Adjust(lParam);
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 
 void TabControl::CarryOut(const MSG& message) {
     if (message.message == kTabTaken) {
-        Take(static_cast<int>(message.wParam));
+        ChooseTab(static_cast<int>(message.wParam));
     } else if (message.message == kTabStep && row_->count() > 0) {
         const int next = row_->current() + static_cast<int>(message.lParam);
-        Take((next + row_->count()) % row_->count());
+        ChooseTab((next + row_->count()) % row_->count());
     }
 }
 
@@ -86,8 +86,8 @@ LRESULT TabControl::Adjust(LPARAM rectangle) const {
 }
 
 // The parent hears of it before and after, and may end this control's life at either time.
-void TabControl::Take(int index) {
-    const WindowTable& windows = station().windows;
+void TabControl::ChooseTab(int index) {
+    const WindowTable& windows = context().windows;
     const HWND self = handle();
     if (index == row_->current() || index >= row_->count()) {
         return;
@@ -103,7 +103,7 @@ void TabControl::Take(int index) {
 LRESULT TabControl::Notify(UINT code) const {
     const auto number = static_cast<DWORD_PTR>(id());
     NMHDR header = {handle(), number, code};
-    return station().windows.Send(parent(), WM_NOTIFY, number, reinterpret_cast<LPARAM>(&header));
+    return context().windows.Send(parent(), WM_NOTIFY, number, reinterpret_cast<LPARAM>(&header));
 }
 
 }  // namespace platform::qt

@@ -9,9 +9,9 @@ class TabRow;
 // Class "SysTabControl32": a display area and its row of tabs.
 class TabControl : public Window {
   public:
-    TabControl(Station& station, const Birth& birth);
+    TabControl(WindowContext& context, const CreateParams& params);
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void CarryOut(const MSG& message) override;
     void Place(const QRect& place) override;
 
@@ -19,7 +19,7 @@ class TabControl : public Window {
     LRESULT Insert(WPARAM index, LPARAM item);
     LRESULT Select(WPARAM index);
     LRESULT Adjust(LPARAM rectangle) const;
-    void Take(int index);
+    void ChooseTab(int index);
     LRESULT Notify(UINT code) const;
 
     bool below_;  // the tabs stand below the display area

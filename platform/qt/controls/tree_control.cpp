@@ -20,9 +20,9 @@ class TreeItem : public QTreeWidgetItem {
     HTREEITEM handle() const {
         return reinterpret_cast<HTREEITEM>(number_);  // NOLINT(performance-no-int-to-ptr)
     }
-    const OrderedText& text() const { return text_; }
+    const SortText& text() const { return text_; }
     void SetText(const QString& text) {
-        text_ = OrderedText(text);
+        text_ = SortText(text);
         emitDataChanged();
     }
     void SetIcon(const QIcon& icon) {
@@ -50,14 +50,14 @@ class TreeItem : public QTreeWidgetItem {
 
   private:
     std::uintptr_t number_;
-    OrderedText text_{QString()};
+    SortText text_{QString()};
     QIcon icon_;
 };
 
 namespace {
 
 // Among children that are sorted.
-int PlaceFor(const QTreeWidgetItem& parent, const OrderedText& text) {
+int PlaceFor(const QTreeWidgetItem& parent, const SortText& text) {
     int low = 0;
     int high = parent.childCount();
     while (low < high) {
@@ -99,8 +99,9 @@ HTREEITEM ItemAt(LPARAM argument) {
 
 }  // namespace
 
-TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station, birth) {
-    auto tree = std::make_unique<QTreeWidget>(birth.surface);
+TreeControl::TreeControl(WindowContext& context, const CreateParams& params)
+    : Window(context, params) {
+    auto tree = std::make_unique<QTreeWidget>(params.surface);
     tree_ = tree.get();
     tree_->setAccessibleName(QStringLiteral("Folders"));
     tree_->setUniformRowHeights(true);
@@ -117,12 +118,12 @@ TreeControl::TreeControl(Station& station, const Birth& birth) : Window(station,
     QObject::connect(tree_, &QTreeWidget::itemCollapsed, tree_, [this] { QueueAsking(); });
     QObject::connect(tree_->verticalScrollBar(), &QScrollBar::valueChanged, tree_,
                      [this] { QueueAsking(); });
-    Adopt(std::move(tree), birth);
+    Adopt(std::move(tree), params);
 }
 
 TreeControl::~TreeControl() = default;
 
-LRESULT TreeControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
+LRESULT TreeControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != TVM_INSERTITEM) {
         Settle();
     }
@@ -138,7 +139,7 @@ LRESULT TreeControl::Answer(UINT message, WPARAM wParam, LPARAM lParam) {
         case TVM_GETNEXTITEM:
             return Next(wParam, lParam);
         default:
-            return Window::Answer(message, wParam, lParam);
+            return Window::HandleMessage(message, wParam, lParam);
     }
 }
 
@@ -162,7 +163,7 @@ LRESULT TreeControl::Insert(LPARAM record) {
         return 0;
     }
     auto item = std::make_unique<TreeItem>(++last_);
-    Take(*item, insertion->item);
+    ApplyRecord(*item, insertion->item);
     TreeItem* const inserted = item.get();
     items_.emplace_hint(items_.end(), last_, inserted);
     if (insertion->hInsertAfter == TVI_SORT) {
@@ -249,7 +250,7 @@ LRESULT TreeControl::Set(LPARAM record) {
     if (item == nullptr) {
         return FALSE;
     }
-    Take(*item, *given);
+    ApplyRecord(*item, *given);
     return TRUE;
 }
 
@@ -276,7 +277,7 @@ QTreeWidgetItem* TreeControl::ParentFor(HTREEITEM item) const {
     return item == nullptr || item == TVI_ROOT ? tree_->invisibleRootItem() : Find(item);
 }
 
-void TreeControl::Take(TreeItem& item, const TVITEM& record) {
+void TreeControl::ApplyRecord(TreeItem& item, const TVITEM& record) {
     if ((record.mask & TVIF_TEXT) != 0) {
         item.SetText(TextOf(reinterpret_cast<LPARAM>(record.pszText)));
     }
@@ -333,7 +334,7 @@ TreeItem* TreeControl::UnaskedInView() {
 // Asks the program for the number of an item's children. Nothing when the control has gone
 // meanwhile.
 std::optional<int> TreeControl::Ask(TreeItem& item) {
-    const WindowTable& windows = station().windows;
+    const WindowTable& windows = context().windows;
     const HWND self = handle();
     item.asked = pass_;
     NMTVDISPINFO question = {};

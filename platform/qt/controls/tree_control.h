@@ -21,10 +21,10 @@ class TreeItem;
 // comes into view, in a pass of its own: until it is over nothing of the tree is painted.
 class TreeControl : public Window {
   public:
-    TreeControl(Station& station, const Birth& birth);
+    TreeControl(WindowContext& context, const CreateParams& params);
     ~TreeControl() override;
 
-    LRESULT Answer(UINT message, WPARAM wParam, LPARAM lParam) override;
+    LRESULT HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) override;
     void CarryOut(const MSG& message) override;
     void PrepareToPaint() override;
 
@@ -38,7 +38,7 @@ class TreeControl : public Window {
     LRESULT Next(WPARAM relation, LPARAM item) const;
     TreeItem* Find(HTREEITEM item) const;
     QTreeWidgetItem* ParentFor(HTREEITEM item) const;
-    void Take(TreeItem& item, const TVITEM& record);
+    void ApplyRecord(TreeItem& item, const TVITEM& record);
     QIcon IconOf(const TreeItem& item);
     void QueueAsking();
     TreeItem* UnaskedInView();

@@ -26,7 +26,7 @@ xcb_atom_t Atom(xcb_connection_t* display, std::string_view name) {
 
 }  // namespace
 
-CloseWatch::CloseWatch(const QWidget& window, std::function<void()> asked)
+CloseRequestWatch::CloseRequestWatch(const QWidget& window, std::function<void()> asked)
     : window_(window), asked_(std::move(asked)) {
     if (xcb_connection_t* const display = XConnection()) {
         protocols_ = Atom(display, "WM_PROTOCOLS");
@@ -35,11 +35,12 @@ CloseWatch::CloseWatch(const QWidget& window, std::function<void()> asked)
     }
 }
 
-CloseWatch::~CloseWatch() {
+CloseRequestWatch::~CloseRequestWatch() {
     qApp->removeNativeEventFilter(this);
 }
 
-bool CloseWatch::nativeEventFilter(const QByteArray& type, void* message, qintptr* /*result*/) {
+bool CloseRequestWatch::nativeEventFilter(const QByteArray& type, void* message,
+                                          qintptr* /*result*/) {
     if (type != "xcb_generic_event_t" || QApplication::activeModalWidget() == nullptr) {
         return false;
     }

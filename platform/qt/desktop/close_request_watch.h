@@ -9,13 +9,13 @@ namespace platform::qt {
 
 // Tells when the desktop asks a window to close while a box is over it. The toolkit keeps such a
 // request from the window; without a box the window has it itself.
-class CloseWatch : public QAbstractNativeEventFilter {
+class CloseRequestWatch : public QAbstractNativeEventFilter {
   public:
     // `window` must outlive the object. Watches nothing where there is no X display.
-    CloseWatch(const QWidget& window, std::function<void()> asked);
-    ~CloseWatch() override;
-    CloseWatch(const CloseWatch&) = delete;
-    CloseWatch& operator=(const CloseWatch&) = delete;
+    CloseRequestWatch(const QWidget& window, std::function<void()> asked);
+    ~CloseRequestWatch() override;
+    CloseRequestWatch(const CloseRequestWatch&) = delete;
+    CloseRequestWatch& operator=(const CloseRequestWatch&) = delete;
 
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 

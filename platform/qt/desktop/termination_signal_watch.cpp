@@ -24,7 +24,8 @@ void Note(int /*signal*/) {
 
 }  // namespace
 
-TerminateSignals::TerminateSignals(std::function<void()> asked) : asked_(std::move(asked)) {
+TerminationSignalWatch::TerminationSignalWatch(std::function<void()> asked)
+    : asked_(std::move(asked)) {
     if (pipe2(g_pipe, O_CLOEXEC | O_NONBLOCK) != 0) {
         return;
     }
@@ -35,12 +36,12 @@ TerminateSignals::TerminateSignals(std::function<void()> asked) : asked_(std::mo
         }
         asked_();
     });
-    HandleEndSignals(Note);
+    HandleTerminationSignals(Note);
 }
 
-TerminateSignals::~TerminateSignals() {
+TerminationSignalWatch::~TerminationSignalWatch() {
     if (notifier_ != nullptr) {
-        HandleEndSignals(SIG_DFL);
+        HandleTerminationSignals(SIG_DFL);
         notifier_.reset();
         close(g_pipe[0]);
         close(g_pipe[1]);

@@ -7,13 +7,13 @@
 namespace platform::qt {
 
 // Brings the signals that ask a process to end (SIGTERM, SIGINT, SIGHUP) to the toolkit's loop.
-class TerminateSignals {
+class TerminationSignalWatch {
   public:
     // From now on a signal calls `asked`, below the toolkit. One object at a time.
-    explicit TerminateSignals(std::function<void()> asked);
-    ~TerminateSignals();
-    TerminateSignals(const TerminateSignals&) = delete;
-    TerminateSignals& operator=(const TerminateSignals&) = delete;
+    explicit TerminationSignalWatch(std::function<void()> asked);
+    ~TerminationSignalWatch();
+    TerminationSignalWatch(const TerminationSignalWatch&) = delete;
+    TerminationSignalWatch& operator=(const TerminationSignalWatch&) = delete;
 
   private:
     std::function<void()> asked_;

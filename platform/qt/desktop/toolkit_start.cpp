@@ -110,7 +110,7 @@ std::unique_ptr<QApplication> StartToolkit(double scale) {
     const QtMessageHandler before = qInstallMessageHandler(PassOnFatal);
     auto application = std::make_unique<QApplication>(count, words);
     qInstallMessageHandler(before);
-    ApplyLook(*application);
+    ApplyHandheldStyle(*application);
     return application;
 }
 

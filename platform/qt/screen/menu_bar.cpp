@@ -36,9 +36,9 @@ class UpwardMenu : public QMenu {
 
 }  // namespace
 
-MenuBar::MenuBar(Station& station, const Birth& birth, const MenuResource& menu)
-    : Window(station, birth) {
-    auto bar = std::make_unique<QMenuBar>(birth.surface);
+MenuBar::MenuBar(WindowContext& context, const CreateParams& params, const MenuResource& menu)
+    : Window(context, params) {
+    auto bar = std::make_unique<QMenuBar>(params.surface);
     bar->setNativeMenuBar(false);
     for (const MenuPopup& popup : menu.popups) {
         auto* const items = new UpwardMenu(TextOf(popup.text), *bar);  // the bar's own
@@ -48,9 +48,9 @@ MenuBar::MenuBar(Station& station, const Birth& birth, const MenuResource& menu)
         bar->addMenu(items);
     }
     QObject::connect(bar.get(), &QMenuBar::triggered, bar.get(), [this](const QAction* action) {
-        this->station().queue.Post(this->parent(), WM_COMMAND, action->data().toUInt(), 0);
+        this->context().queue.Post(this->parent(), WM_COMMAND, action->data().toUInt(), 0);
     });
-    Adopt(std::move(bar), birth);
+    Adopt(std::move(bar), params);
 }
 
 }  // namespace platform::qt

@@ -9,7 +9,7 @@ namespace platform::qt {
 // to the window that it was made for.
 class MenuBar : public Window {
   public:
-    MenuBar(Station& station, const Birth& birth, const MenuResource& menu);
+    MenuBar(WindowContext& context, const CreateParams& params, const MenuResource& menu);
 };
 
 }  // namespace platform::qt

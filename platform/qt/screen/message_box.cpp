@@ -44,7 +44,7 @@ class Box : public QDialog {
   public:
     Box(QWidget* over, const QString& text, const QString& caption, UINT type)
         : QDialog(over, Qt::Dialog | Qt::WindowTitleHint | Qt::WindowCloseButtonHint),
-          safeAnswer_(SafeAnswer(type)) {
+          safeAnswer_(UnattendedAnswer(type)) {
         setWindowTitle(ShownText(caption));
         setAccessibleDescription(ShownLines(text));
         setModal(true);

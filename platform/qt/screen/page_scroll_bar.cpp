@@ -7,16 +7,16 @@
 
 namespace platform::qt {
 
-PageBar::PageBar(QWidget* parent, Told told)
-    : QScrollBar(Qt::Vertical, parent), told_(std::move(told)) {
+PageScrollBar::PageScrollBar(QWidget* parent, Notify told)
+    : QScrollBar(Qt::Vertical, parent), notify_(std::move(told)) {
     setTracking(false);
     setContextMenuPolicy(Qt::PreventContextMenu);
-    connect(this, &QScrollBar::actionTriggered, this, &PageBar::PressPart);
+    connect(this, &QScrollBar::actionTriggered, this, &PageScrollBar::PressPart);
     connect(this, &QScrollBar::sliderReleased, this,
-            [this] { told_(kBarThumb, static_cast<WPARAM>(sliderPosition())); });
+            [this] { notify_(kBarThumb, static_cast<WPARAM>(sliderPosition())); });
 }
 
-void PageBar::Show(const ScrollRange& range) {
+void PageScrollBar::Show(const ScrollRange& range) {
     const QSignalBlocker quiet(this);
     setRange(range.lowest(), range.highest());
     setPageStep(static_cast<int>(range.page()));
@@ -26,7 +26,7 @@ void PageBar::Show(const ScrollRange& range) {
 }
 
 // What is done to a disabled bar is not done to the page below it either.
-bool PageBar::event(QEvent* event) {
+bool PageScrollBar::event(QEvent* event) {
     const bool stylus = event->type() == QEvent::MouseButtonPress ||
                         event->type() == QEvent::MouseButtonRelease ||
                         event->type() == QEvent::MouseButtonDblClick;
@@ -38,24 +38,24 @@ bool PageBar::event(QEvent* event) {
 }
 
 // The page is what the wheel scrolls.
-void PageBar::wheelEvent(QWheelEvent* event) {
+void PageScrollBar::wheelEvent(QWheelEvent* event) {
     event->ignore();
 }
 
-void PageBar::PressPart(int action) {
+void PageScrollBar::PressPart(int action) {
     if (action == SliderMove) {
         return;
     }
     setSliderPosition(value());
     switch (action) {
         case SliderSingleStepAdd:
-            return told_(kBarStep, SB_LINEDOWN);
+            return notify_(kBarStep, SB_LINEDOWN);
         case SliderSingleStepSub:
-            return told_(kBarStep, SB_LINEUP);
+            return notify_(kBarStep, SB_LINEUP);
         case SliderPageStepAdd:
-            return told_(kBarStep, SB_PAGEDOWN);
+            return notify_(kBarStep, SB_PAGEDOWN);
         case SliderPageStepSub:
-            return told_(kBarStep, SB_PAGEUP);
+            return notify_(kBarStep, SB_PAGEUP);
         default:
             return;
     }

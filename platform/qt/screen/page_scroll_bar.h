@@ -9,13 +9,13 @@ namespace platform::qt {
 
 // The bar at the side of a scrolling window. It tells what the user does to it and never moves the
 // page itself: it stands where it was last set.
-class PageBar : public QScrollBar {
+class PageScrollBar : public QScrollBar {
   public:
     // A part of the bar was pressed (kBarStep and the scroll code), or the thumb let go (kBarThumb
     // and the place). Called below the toolkit.
-    using Told = std::function<void(UINT message, WPARAM wParam)>;
+    using Notify = std::function<void(UINT message, WPARAM wParam)>;
 
-    PageBar(QWidget* parent, Told told);
+    PageScrollBar(QWidget* parent, Notify told);
 
     void Show(const ScrollRange& range);
 
@@ -26,7 +26,7 @@ class PageBar : public QScrollBar {
   private:
     void PressPart(int action);
 
-    Told told_;
+    Notify notify_;
 };
 
 }  // namespace platform::qt

@@ -20,10 +20,10 @@ constexpr int kWheelUnitsPerNotch = 120;
 // A window's background, which takes the stylus and the wheel.
 class Pane : public QWidget {
   public:
-    using Told = std::function<void(UINT message, WPARAM wParam, LPARAM lParam)>;
+    using Notify = std::function<void(UINT message, WPARAM wParam, LPARAM lParam)>;
 
-    Pane(QWidget* parent, const QColor& background, Told told)
-        : QWidget(parent), background_(background), told_(std::move(told)) {}
+    Pane(QWidget* parent, const QColor& background, Notify notify)
+        : QWidget(parent), background_(background), notify_(std::move(notify)) {}
 
   protected:
     void paintEvent(QPaintEvent* event) override {
@@ -37,7 +37,7 @@ class Pane : public QWidget {
         const int pixels = turned_ * kPixelsPerNotch / kWheelUnitsPerNotch;
         turned_ -= pixels * kWheelUnitsPerNotch / kPixelsPerNotch;
         if (pixels != 0) {
-            told_(kScrollBy, 0, -static_cast<LPARAM>(pixels));
+            notify_(kScrollBy, 0, -static_cast<LPARAM>(pixels));
         }
     }
 
@@ -45,37 +45,38 @@ class Pane : public QWidget {
     void TellStylus(UINT message, const QMouseEvent& event) {
         if (event.button() == Qt::LeftButton) {
             const QPoint at = event.position().toPoint();
-            told_(message, 0,
-                  static_cast<LPARAM>(
-                      MAKELONG(static_cast<WORD>(at.x()), static_cast<WORD>(at.y()))));
+            notify_(message, 0,
+                    static_cast<LPARAM>(
+                        MAKELONG(static_cast<WORD>(at.x()), static_cast<WORD>(at.y()))));
         }
     }
 
     QColor background_;
-    Told told_;
+    Notify notify_;
     int turned_ = 0;  // of the wheel, not yet told: fine wheels turn by less than a pixel
 };
 
 }  // namespace
 
-ProgramWindow::ProgramWindow(Station& station, const Birth& birth, const ProgramTraits& traits)
-    : Window(station, birth),
+ProgramWindow::ProgramWindow(WindowContext& context, const CreateParams& params,
+                             const ProgramTraits& traits)
+    : Window(context, params),
       procedure_(traits.procedure),
       dialog_(traits.dialog),
       topLevel_(traits.topLevel),
       hasOk_(traits.hasOk) {
-    const auto told = [this](UINT message, WPARAM wParam, LPARAM lParam) {
+    const auto notify = [this](UINT message, WPARAM wParam, LPARAM lParam) {
         QueueToSelf(message, wParam, lParam);
     };
-    auto pane = std::make_unique<Pane>(birth.surface, traits.background, told);
+    auto pane = std::make_unique<Pane>(params.surface, traits.background, notify);
     client_ = pane.get();
-    if ((birth.style & WS_VSCROLL) != 0) {
-        client_ = new Pane(pane.get(), traits.background, told);
-        bar_ = new PageBar(
+    if ((params.style & WS_VSCROLL) != 0) {
+        client_ = new Pane(pane.get(), traits.background, notify);
+        bar_ = new PageScrollBar(
             pane.get(), [this](UINT message, WPARAM wParam) { QueueToSelf(message, wParam, 0); });
         bar_->Show(range_);
     }
-    Adopt(std::move(pane), birth);
+    Adopt(std::move(pane), params);
 }
 
 ProgramWindow::~ProgramWindow() = default;
@@ -85,12 +86,12 @@ QWidget& ProgramWindow::surface() const {
 }
 
 LRESULT ProgramWindow::Receive(UINT message, WPARAM wParam, LPARAM lParam) {
-    const WindowTable& windows = station().windows;
+    const WindowTable& windows = context().windows;
     const HWND self = handle();
     const bool dialog = dialog_;
     const LRESULT result = procedure_(self, message, wParam, lParam);
     Window* const left = dialog && result == 0 ? windows.Find(self) : nullptr;
-    return left == nullptr ? result : left->Answer(message, wParam, lParam);
+    return left == nullptr ? result : left->HandleMessage(message, wParam, lParam);
 }
 
 void ProgramWindow::CarryOut(const MSG& message) {
@@ -127,7 +128,7 @@ int ProgramWindow::SetRange(const SCROLLINFO& info) {
 }
 
 void ProgramWindow::MoveChildren(int dx, int dy) {
-    for (const Window* const child : station().windows.ChildrenOf(handle())) {
+    for (const Window* const child : context().windows.ChildrenOf(handle())) {
         if (child->widget().parentWidget() == client_) {
             child->widget().move(child->widget().pos() + QPoint(dx, dy));
         }
@@ -150,7 +151,7 @@ void ProgramWindow::ScrollTo(long long position) {
 }
 
 void ProgramWindow::Reveal(HWND child) {
-    const Window* const window = station().windows.Find(child);
+    const Window* const window = context().windows.Find(child);
     if (window == nullptr || !window->widget().isVisible()) {
         return;
     }

@@ -18,7 +18,7 @@ struct ProgramTraits {
 // A window with a procedure of the program's: a top-level window, a dialog, a page.
 class ProgramWindow : public Window {
   public:
-    ProgramWindow(Station& station, const Birth& birth, const ProgramTraits& traits);
+    ProgramWindow(WindowContext& context, const CreateParams& params, const ProgramTraits& traits);
     ~ProgramWindow() override;
 
     QWidget& surface() const override;
@@ -50,7 +50,7 @@ class ProgramWindow : public Window {
     bool hasOk_;
     ScrollRange range_;
     QWidget* client_ = nullptr;  // both the widget's own
-    PageBar* bar_ = nullptr;
+    PageScrollBar* bar_ = nullptr;
 };
 
 }  // namespace platform::qt

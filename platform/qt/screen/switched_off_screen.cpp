@@ -9,7 +9,7 @@
 
 namespace platform::qt {
 
-class ScreenOff::Cover : public QLabel {
+class SwitchedOffScreen::Cover : public QLabel {
   public:
     explicit Cover(QWidget& screen) : QLabel(&screen) {
         setObjectName(QStringLiteral("screenOff"));
@@ -78,9 +78,9 @@ class ScreenOff::Cover : public QLabel {
     bool isPressed_ = false;
 };
 
-ScreenOff::ScreenOff(QWidget& screen) : cover_(new Cover(screen)) {}
+SwitchedOffScreen::SwitchedOffScreen(QWidget& screen) : cover_(new Cover(screen)) {}
 
-void ScreenOff::SwitchOff() {
+void SwitchedOffScreen::SwitchOff() {
     cover_->SwitchOff();
 }
 

@@ -6,10 +6,10 @@ namespace platform::qt {
 
 // The screen of the device while that is switched off: it covers everything, until its user presses
 // and lets go of a key or a button of the mouse, of which the program hears nothing.
-class ScreenOff {
+class SwitchedOffScreen {
   public:
     // `screen` is the handheld's screen and must outlive the object.
-    explicit ScreenOff(QWidget& screen);
+    explicit SwitchedOffScreen(QWidget& screen);
 
     void SwitchOff();
 

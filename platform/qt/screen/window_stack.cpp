@@ -6,25 +6,25 @@
 
 namespace platform::qt {
 
-bool FrontWindows::IsTopLevel(const Window& window) const {
+bool WindowStack::IsTopLevel(const Window& window) const {
     const auto* const own = dynamic_cast<const ProgramWindow*>(&window);
     return own != nullptr && own->IsTopLevel();
 }
 
-void FrontWindows::Raise(const Window& window) {
+void WindowStack::Raise(const Window& window) {
     std::erase(shown_, window.handle());
     shown_.push_back(window.handle());
     Refresh();
     window.widget().setFocus(Qt::OtherFocusReason);
 }
 
-void FrontWindows::Hide(const Window& window) {
+void WindowStack::Hide(const Window& window) {
     std::erase(shown_, window.handle());
     Refresh();
 }
 
 // What stands behind the front window must not be reached by the keyboard either.
-void FrontWindows::Refresh() {
+void WindowStack::Refresh() {
     std::erase_if(shown_, [this](HWND shown) { return windows_.Find(shown) == nullptr; });
     const ProgramWindow* const front = FrontWindow();
     for (const HWND shown : shown_) {
@@ -39,7 +39,7 @@ void FrontWindows::Refresh() {
                      front != nullptr && front->HasOk());
 }
 
-HWND FrontWindows::Main() const {
+HWND WindowStack::Main() const {
     for (const HWND shown : shown_) {
         const auto* const window = dynamic_cast<const ProgramWindow*>(windows_.Find(shown));
         if (window != nullptr && window->HasOk()) {
@@ -49,7 +49,7 @@ HWND FrontWindows::Main() const {
     return nullptr;
 }
 
-ProgramWindow* FrontWindows::FrontWindow() const {
+ProgramWindow* WindowStack::FrontWindow() const {
     return dynamic_cast<ProgramWindow*>(windows_.Find(Front()));
 }
 

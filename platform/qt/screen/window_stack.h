@@ -9,9 +9,9 @@ namespace platform::qt {
 
 // The top-level windows that are shown, one over the other. The keyboard, the caption bar and its
 // OK button belong to the one in front.
-class FrontWindows {
+class WindowStack {
   public:
-    FrontWindows(WindowTable& windows, HostWindow& host) : windows_(windows), host_(host) {}
+    WindowStack(WindowTable& windows, HostWindow& host) : windows_(windows), host_(host) {}
 
     bool IsTopLevel(const Window& window) const;
 

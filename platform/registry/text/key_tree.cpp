@@ -13,7 +13,7 @@ namespace {
 // Nearer to the first subkey than that it is quicker to count than to note the place.
 constexpr std::size_t kFirstPlace = 16;
 
-static_assert(sizeof(RegistryKey) <= 40, "a file can name a key with two bytes");
+static_assert(sizeof(KeyNode) <= 40, "a file can name a key with two bytes");
 
 }  // namespace
 
@@ -30,15 +30,15 @@ void Fold(std::u16string& text) {
 }
 
 // The hash is another one in each run, so that no file can be made of names that share theirs.
-RegistryKeys::RegistryKeys(TextEncoding encoding) : encoding_(encoding), slots_(16) {
-    Append(RegistryKey(0, {}, 0));
+KeyTree::KeyTree(TextEncoding encoding) : encoding_(encoding), slots_(16) {
+    Append(KeyNode(0, {}, 0));
     std::array<std::uint64_t, 2> random = {0x9E3779B97F4A7C15, 0xD6E8FEB86659FD93};
     static_cast<void>(getentropy(random.data(), sizeof random));
     seed_ = random[0];
     factor_ = random[1] | 1U;
 }
 
-std::uint32_t RegistryKeys::Hash(KeyIndex parent, std::u16string_view foldedName) const {
+std::uint32_t KeyTree::Hash(KeyIndex parent, std::u16string_view foldedName) const {
     const auto mix = [this](std::uint64_t hash, std::uint64_t next) {
         hash = (hash ^ next) * factor_;
         return hash ^ hash >> 32;
@@ -50,8 +50,8 @@ std::uint32_t RegistryKeys::Hash(KeyIndex parent, std::u16string_view foldedName
     return static_cast<std::uint32_t>(hash);
 }
 
-bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
-    const RegistryKey& candidate = (*this)[key];
+bool KeyTree::Is(KeyIndex key, const Wanted& wanted) const {
+    const KeyNode& candidate = (*this)[key];
     if (candidate.hashPart != wanted.hash >> 24 || candidate.parent != wanted.parent) {
         return false;
     }
@@ -66,7 +66,7 @@ bool RegistryKeys::Is(KeyIndex key, const Wanted& wanted) const {
 }
 
 // The slot of the key, or the free one where it would be.
-std::size_t RegistryKeys::FindSlot(const Wanted& wanted) const {
+std::size_t KeyTree::FindSlot(const Wanted& wanted) const {
     const std::size_t mask = slots_.size() - 1;
     std::size_t slot = wanted.hash & mask;
     while (slots_[slot].key != 0 &&
@@ -76,7 +76,7 @@ std::size_t RegistryKeys::FindSlot(const Wanted& wanted) const {
     return slot;
 }
 
-KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName) const {
+KeyIndex KeyTree::FindChild(KeyIndex parent, std::u16string_view foldedName) const {
     const KeyIndex first = (*this)[parent].firstChild;
     if (first == 0) {
         return 0;
@@ -91,8 +91,8 @@ KeyIndex RegistryKeys::FindChild(KeyIndex parent, std::u16string_view foldedName
 
 // Only subkeys that were not their parent's first one when they were added need the table: a deep
 // path of new keys, of which a file can name millions, is a walk from neighbour to neighbour.
-KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
-                                      std::string_view name) {
+KeyIndex KeyTree::FindOrAddChild(KeyIndex parent, std::u16string_view foldedName,
+                                 std::string_view name) {
     const Wanted wanted = {parent, foldedName, name, Hash(parent, foldedName)};
     const KeyIndex first = (*this)[parent].firstChild;
     if (first == 0) {
@@ -114,17 +114,17 @@ KeyIndex RegistryKeys::FindOrAddChild(KeyIndex parent, std::u16string_view folde
     return added;
 }
 
-KeyIndex RegistryKeys::Add(const Wanted& wanted) {
+KeyIndex KeyTree::Add(const Wanted& wanted) {
     const auto hashPart = static_cast<std::uint8_t>(wanted.hash >> 24);
-    const KeyIndex added = Append(RegistryKey(wanted.parent, wanted.name, hashPart));
-    RegistryKey& parent = (*this)[wanted.parent];
+    const KeyIndex added = Append(KeyNode(wanted.parent, wanted.name, hashPart));
+    KeyNode& parent = (*this)[wanted.parent];
     const KeyIndex previous = std::exchange(parent.lastChild, added);
     (previous != 0 ? (*this)[previous].next : parent.firstChild) = added;
     (*this)[added].previous = previous;
     return added;
 }
 
-KeyIndex RegistryKeys::Append(const RegistryKey& key) {
+KeyIndex KeyTree::Append(const KeyNode& key) {
     if (nextKey_ % kBlock == 0) {
         blocks_.emplace_back().reserve(kBlock);
     }
@@ -132,7 +132,7 @@ KeyIndex RegistryKeys::Append(const RegistryKey& key) {
     return nextKey_++;
 }
 
-void RegistryKeys::GrowTable() {
+void KeyTree::GrowTable() {
     const std::vector<Slot> old = std::exchange(slots_, std::vector<Slot>(2 * slots_.size()));
     const std::size_t mask = slots_.size() - 1;
     usedSlots_ = 0;
@@ -149,13 +149,13 @@ void RegistryKeys::GrowTable() {
     }
 }
 
-RegistryKeys::Place RegistryKeys::NearestPlace(KeyIndex parent, std::size_t index) const {
+KeyTree::Place KeyTree::NearestPlace(KeyIndex parent, std::size_t index) const {
     const auto noted = places_.find(parent);
     const bool near = noted != places_.end() && noted->second.index / 2 <= index;
     return near ? noted->second : Place{(*this)[parent].firstChild, 0};
 }
 
-KeyIndex RegistryKeys::Child(KeyIndex parent, std::size_t index) const {
+KeyIndex KeyTree::Child(KeyIndex parent, std::size_t index) const {
     Place place = NearestPlace(parent, index);
     for (; place.index > index; --place.index) {
         place.child = (*this)[place.child].previous;
@@ -169,9 +169,9 @@ KeyIndex RegistryKeys::Child(KeyIndex parent, std::size_t index) const {
     return place.child;
 }
 
-void RegistryKeys::Unlink(KeyIndex key) {
-    const RegistryKey& gone = (*this)[key];
-    RegistryKey& parent = (*this)[gone.parent];
+void KeyTree::Unlink(KeyIndex key) {
+    const KeyNode& gone = (*this)[key];
+    KeyNode& parent = (*this)[gone.parent];
     (gone.previous != 0 ? (*this)[gone.previous].next : parent.firstChild) = gone.next;
     (gone.next != 0 ? (*this)[gone.next].previous : parent.lastChild) = gone.previous;
     const auto noted = places_.find(gone.parent);
@@ -189,11 +189,11 @@ void RegistryKeys::Unlink(KeyIndex key) {
     }
 }
 
-std::vector<KeyIndex> RegistryKeys::Remove(KeyIndex key) {
+std::vector<KeyIndex> KeyTree::Remove(KeyIndex key) {
     Unlink(key);
     std::vector<KeyIndex> removed = {key};
     for (std::size_t done = 0; done < removed.size(); ++done) {
-        RegistryKey& gone = (*this)[removed[done]];
+        KeyNode& gone = (*this)[removed[done]];
         gone.removed = true;
         for (KeyIndex child = gone.firstChild; child != 0; child = (*this)[child].next) {
             removed.push_back(child);

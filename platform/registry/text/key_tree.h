@@ -20,10 +20,10 @@ using SectionIndex = std::uint32_t;
 
 // One key. Relatives and belongings are 0 where there are none. A file can name a key with two
 // bytes, so that each field counts.
-struct RegistryKey {
+struct KeyNode {
     // A key without relatives. `name`, in the file's encoding and of less than 64 KiB, must live as
     // long as the key.
-    RegistryKey(KeyIndex parentKey, std::string_view name, std::uint8_t hash)
+    KeyNode(KeyIndex parentKey, std::string_view name, std::uint8_t hash)
         : parent(parentKey), hashPart(hash), nameSize_(static_cast<std::uint16_t>(name.size())) {
         if (name.size() <= shortName_.size()) {
             std::copy(name.begin(), name.end(), shortName_.begin());
@@ -64,16 +64,14 @@ void Fold(std::u16string& text);
 // The keys of a registry as a tree, the subkeys of each key in the order in which they were added.
 // The parent of the roots is key 0. The number of a deleted key is not used again. Finding and
 // adding a subkey takes the same time however many there are.
-class RegistryKeys {
+class KeyTree {
   public:
     // A tree without keys, whose names come in that encoding.
-    explicit RegistryKeys(TextEncoding encoding);
+    explicit KeyTree(TextEncoding encoding);
 
     // Keys stay where they are.
-    RegistryKey& operator[](KeyIndex key) { return blocks_[key / kBlock][key % kBlock]; }
-    const RegistryKey& operator[](KeyIndex key) const {
-        return blocks_[key / kBlock][key % kBlock];
-    }
+    KeyNode& operator[](KeyIndex key) { return blocks_[key / kBlock][key % kBlock]; }
+    const KeyNode& operator[](KeyIndex key) const { return blocks_[key / kBlock][key % kBlock]; }
 
     // The subkey with that name, folded to the case that all names are compared in; 0 if there is
     // none.
@@ -118,7 +116,7 @@ class RegistryKeys {
     bool Is(KeyIndex key, const Wanted& wanted) const;
     std::size_t FindSlot(const Wanted& wanted) const;
     KeyIndex Add(const Wanted& wanted);
-    KeyIndex Append(const RegistryKey& key);
+    KeyIndex Append(const KeyNode& key);
     void GrowTable();
     Place NearestPlace(KeyIndex parent, std::size_t index) const;
     void Unlink(KeyIndex key);
@@ -126,7 +124,7 @@ class RegistryKeys {
     TextEncoding encoding_;
     std::uint64_t seed_ = 0;
     std::uint64_t factor_ = 0;
-    std::vector<std::vector<RegistryKey>> blocks_;  // grows without a second copy of the keys
+    std::vector<std::vector<KeyNode>> blocks_;  // grows without a second copy of the keys
     KeyIndex nextKey_ = 0;
     std::vector<Slot> slots_;  // a power of two
     std::size_t usedSlots_ = 0;

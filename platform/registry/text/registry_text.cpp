@@ -101,23 +101,23 @@ Status RegistryText::ReadStatements(RegistryScanner& scanner) {
         if (statement->kind == StatementKind::kEnd) {
             return {};
         }
-        if (Status taken = Take(*statement); !taken) {
+        if (Status taken = Apply(*statement); !taken) {
             scanner.MoveTo(begin);
             return taken;
         }
     }
 }
 
-Status RegistryText::Take(const RegistryStatement& statement) {
+Status RegistryText::Apply(const RegistryStatement& statement) {
     switch (statement.kind) {
         case StatementKind::kKey:
-            return TakeKey(statement);
+            return ApplyKey(statement);
         case StatementKind::kDeletedKey:
-            return TakeDeletedKey(statement);
+            return ApplyDeletedKey(statement);
         case StatementKind::kValue:
-            return TakeValue(statement);
+            return ApplyValue(statement);
         case StatementKind::kBlank:
-            TakeBlankLine(statement);
+            ApplyBlankLine(statement);
             break;
         case StatementKind::kComment:
         case StatementKind::kEnd:
@@ -128,14 +128,14 @@ Status RegistryText::Take(const RegistryStatement& statement) {
 
 // Blank lines belong to the key before them, unless a comment stands between: it may be about the
 // next one.
-void RegistryText::TakeBlankLine(const RegistryStatement& statement) {
+void RegistryText::ApplyBlankLine(const RegistryStatement& statement) {
     Section& section = sections_[currentSection_];
     if (section.end == BeginOf(statement.lines)) {
         section.end = EndOf(statement.lines);
     }
 }
 
-Status RegistryText::TakeKey(const RegistryStatement& statement) {
+Status RegistryText::ApplyKey(const RegistryStatement& statement) {
     Result<KeyIndex> key = FindPath(statement.name, true);
     if (!key) {
         return tl::unexpected(std::move(key.error()));
@@ -145,7 +145,7 @@ Status RegistryText::TakeKey(const RegistryStatement& statement) {
     return {};
 }
 
-Status RegistryText::TakeDeletedKey(const RegistryStatement& statement) {
+Status RegistryText::ApplyDeletedKey(const RegistryStatement& statement) {
     Result<KeyIndex> key = FindPath(statement.name, false);
     if (!key) {
         return tl::unexpected(std::move(key.error()));
@@ -162,7 +162,7 @@ Status RegistryText::TakeDeletedKey(const RegistryStatement& statement) {
     return {};
 }
 
-Status RegistryText::TakeValue(const RegistryStatement& statement) {
+Status RegistryText::ApplyValue(const RegistryStatement& statement) {
     if (currentSection_ == 0) {
         return Malformed("a value without a key");
     }
@@ -346,7 +346,7 @@ void RegistryText::DeleteKey(KeyIndex key) {
     }
     // A parent that the file named only as a part of longer paths must not vanish with the last
     // one.
-    const RegistryKey& left = keys_[parent];
+    const KeyNode& left = keys_[parent];
     if (left.parent != 0 && left.firstChild == 0 && left.lastSection == 0) {
         AddSection({.key = parent});
     }

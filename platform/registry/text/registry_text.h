@@ -106,11 +106,11 @@ class RegistryText {
 
     Status Read();
     Status ReadStatements(RegistryScanner& scanner);
-    Status Take(const RegistryStatement& statement);
-    void TakeBlankLine(const RegistryStatement& statement);
-    Status TakeKey(const RegistryStatement& statement);
-    Status TakeDeletedKey(const RegistryStatement& statement);
-    Status TakeValue(const RegistryStatement& statement);
+    Status Apply(const RegistryStatement& statement);
+    void ApplyBlankLine(const RegistryStatement& statement);
+    Status ApplyKey(const RegistryStatement& statement);
+    Status ApplyDeletedKey(const RegistryStatement& statement);
+    Status ApplyValue(const RegistryStatement& statement);
     void AddRoots();
     Result<KeyIndex> FindPath(std::string_view path, bool add);
     Status FindLevel(std::string_view name, bool add);
@@ -135,7 +135,7 @@ class RegistryText {
     std::unique_ptr<const std::string> bytes_;  // never moves: views of it are kept
     RegistryForm form_;
     std::size_t textBegin_ = 0;  // after the byte order mark
-    RegistryKeys keys_;
+    KeyTree keys_;
     std::array<KeyIndex, 4> roots_{};
     std::vector<ValueText> values_;
     std::vector<Section> sections_;

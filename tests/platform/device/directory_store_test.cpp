@@ -111,7 +111,7 @@ TEST(DirectoryStoreTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
         platform::RunLog log("");
         platform::DirectoryStore store(device.OpenFiles(), u"", device.OpenRegistry());
         CollectedBoxes boxes;
-        platform::StoringWindows windows(boxes, store, log);
+        platform::StoreBeforeWaiting windows(boxes, store, log);
         ASSERT_EQ(WriteNumber(store), ERROR_SUCCESS);
         EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kKey);
         operation(store, windows);

@@ -104,7 +104,7 @@ class KillsTest : public testing::TestWithParam<Case> {
     bool Run() const {
         platform::FileStore store(device_.OpenFiles(), u"");
         const platform::StoreInUse inUse(store);
-        store.ClearUp();
+        store.RecoverFromKilledRuns();
         return GetParam().action() != 0 || GetLastError() != 0;
     }
 

@@ -252,7 +252,7 @@ TEST_P(VolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
         Entries after = left.after;
         after.emplace_back("Card/");
         testing::internal::CaptureStderr();
-        platform::FileStore(device_.OpenFiles(), u"").ClearUp();
+        platform::FileStore(device_.OpenFiles(), u"").RecoverFromKilledRuns();
         const std::string said = testing::internal::GetCapturedStderr();
         EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), left.lines) << said;
         EXPECT_EQ(device_.Listing(), left.after.empty() ? unchanged : after) << left.before[0];

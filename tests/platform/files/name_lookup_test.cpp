@@ -26,7 +26,7 @@ TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
     const TemporaryDevice device;
     device.Make({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
     const platform::Descriptor files = device.OpenFiles();
-    platform::Spellings spellings;
+    platform::NameLookup spellings;
     const std::pair<const WCHAR*, const char*> cases[] = {{u"aBc", "aBc"},
                                                           {u"Abc", "ABC"},
                                                           {u"\u00E4.TXT", "\xC3\x84.txt"},
@@ -45,7 +45,7 @@ TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
 TEST(SpellingsTest, SeesWhatWasMadeAfterALookInVain) {
     const TemporaryDevice device;
     const platform::Descriptor files = device.OpenFiles();
-    platform::Spellings spellings;
+    platform::NameLookup spellings;
     for (int number = 0; number < 60; ++number) {
         if (number % 6 == 0) {
             std::this_thread::sleep_for(std::chrono::milliseconds(30));
@@ -63,7 +63,7 @@ TEST(SpellingsTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
     const TemporaryDevice device;
     device.Make({"Here="});
     const platform::Descriptor files = device.OpenFiles();
-    platform::Spellings spellings;
+    platform::NameLookup spellings;
     for (const char* const made : {"new", "newer"}) {
         spellings.BeginLooks();
         EXPECT_EQ(Found(spellings.Find(files.get(), u"HERE")), "Here");
