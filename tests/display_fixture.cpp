@@ -56,6 +56,13 @@ void Click(QWidget& widget, QPoint at) {
     QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
 }
 
+void RepeatKey(QWidget& widget, Qt::Key key) {
+    for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent event(type, key, Qt::NoModifier, {}, true);
+        QApplication::sendEvent(&widget, &event);
+    }
+}
+
 QRect BoundsOf(HWND window) {
     RECT bounds{};
     EXPECT_NE(GetWindowRect(window, &bounds), 0);

@@ -48,6 +48,7 @@ class Box : public QDialog {
         setWindowTitle(ShownText(caption));
         setAccessibleDescription(ShownLines(text));
         setModal(true);
+        installEventFilter(this);
         auto* const column = new QVBoxLayout(this);
         column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
         column->setSizeConstraint(QLayout::SetFixedSize);
