@@ -56,9 +56,10 @@ void Click(QWidget& widget, QPoint at) {
     QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
 }
 
-void RepeatKey(QWidget& widget, Qt::Key key) {
+void RepeatKey(QWidget& widget, Qt::Key key, bool seen) {
     for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
-        QKeyEvent event(type, key, Qt::NoModifier, {}, true);
+        QKeyEvent event(type, key, Qt::NoModifier, {}, seen);
+        event.setTimestamp(1);
         QApplication::sendEvent(&widget, &event);
     }
 }
