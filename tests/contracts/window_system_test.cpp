@@ -194,6 +194,12 @@ TEST_F(BoxTest, NoTextDisturbsABox) {
         const auto look = [&shown = shown](QDialog& box) {
             EXPECT_EQ(box.findChild<QLabel*>()->accessibleName(), shown);
             EXPECT_EQ(QRect(0, 0, 240, 320) | box.rect(), QRect(0, 0, 240, 320));
+            for (const bool seen : {true, false}) {
+                RepeatKey(*box.findChild<QWidget*>(QStringLiteral("answer6")), Qt::Key_Return,
+                          seen);
+            }
+            RepeatKey(box, Qt::Key_Return);
+            EXPECT_TRUE(box.isVisible()) << "answered by a key held down since before";
             Press(box, IDNO);
         };
         Show(MB_YESNO, look, text);

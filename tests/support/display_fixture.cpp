@@ -57,6 +57,14 @@ void Click(QWidget& widget, QPoint at) {
     QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
 }
 
+void RepeatKey(QWidget& widget, Qt::Key key, bool seen) {
+    for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
+        QKeyEvent event(type, key, Qt::NoModifier, {}, seen);
+        event.setTimestamp(1);
+        QApplication::sendEvent(&widget, &event);
+    }
+}
+
 QRect BoundsOf(HWND window) {
     RECT bounds{};
     EXPECT_NE(GetWindowRect(window, &bounds), 0);

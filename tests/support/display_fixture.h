@@ -36,6 +36,9 @@ QWidget& Control(int id);
 // Taps a widget, in its middle if no place is given.
 void Click(QWidget& widget, QPoint at = {});
 
+// What a key that is held down sends again and again, whether or not the toolkit has seen that.
+void RepeatKey(QWidget& widget, Qt::Key key, bool seen = true);
+
 // Where a window stands on the screen.
 QRect BoundsOf(HWND window);
 

@@ -16,7 +16,7 @@ bool IsArrow(const QKeyEvent& event) {
     return event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
 }
 
-// A button that Enter pushes while it has the keyboard.
+// A button that Enter pushes while it has the keyboard, once however long it is held down.
 class PushButton : public QPushButton {
   public:
     using QPushButton::QPushButton;
@@ -24,7 +24,7 @@ class PushButton : public QPushButton {
   protected:
     void keyPressEvent(QKeyEvent* event) override {
         if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-            click();
+            event->isAutoRepeat() ? void() : click();
         } else {
             IsArrow(*event) ? event->ignore() : QPushButton::keyPressEvent(event);
         }

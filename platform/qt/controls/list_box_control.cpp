@@ -53,7 +53,11 @@ class ListView : public QListView {
         QListView::mousePressEvent(event);
         picked_(true);
     }
+    // A blank that is held down selects as one press does.
     void keyPressEvent(QKeyEvent* event) override {
+        if (event->key() == Qt::Key_Space && event->isAutoRepeat()) {
+            return;
+        }
         changed_ = false;
         QListView::keyPressEvent(event);
         ReportChange();

@@ -22,8 +22,8 @@ constexpr QSize kWindowSize(340, 420);
 constexpr int kMargin = 4;
 constexpr int kIndent = 18;
 
-// A text browser that has nothing to load from. The toolkit looks for the file of an image that it
-// is not given, so it is given one.
+// A text browser that has nothing to load from. The toolkit looks for the file of an image or a
+// style sheet that it is not given, so it is given one that does nothing.
 class Page : public QTextBrowser {
   public:
     explicit Page(QWidget* parent) : QTextBrowser(parent) {
@@ -34,7 +34,7 @@ class Page : public QTextBrowser {
 
     QVariant loadResource(int type, const QUrl& /*name*/) override {
         if (type != QTextDocument::ImageResource) {
-            return {};
+            return QByteArray(" ");
         }
         QImage nothing(1, 1, QImage::Format_ARGB32);
         nothing.fill(Qt::transparent);

@@ -8,6 +8,7 @@
 #include <QScrollArea>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "platform/display/unattended_answer.h"
 #include "platform/qt/base/handheld_style.h"
@@ -48,6 +49,7 @@ class Box : public QDialog {
         setWindowTitle(ShownText(caption));
         setAccessibleDescription(ShownLines(text));
         setModal(true);
+        installEventFilter(this);
         auto* const column = new QVBoxLayout(this);
         column->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
         column->setSizeConstraint(QLayout::SetFixedSize);
@@ -68,12 +70,24 @@ class Box : public QDialog {
 
     // A key that is held down since before the box came up has not answered it.
     bool eventFilter(QObject* watched, QEvent* event) override {
-        return (event->type() == QEvent::KeyPress &&
-                static_cast<QKeyEvent*>(event)->isAutoRepeat()) ||
-               QDialog::eventFilter(watched, event);
+        if (event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease) {
+            return IsRepeated(static_cast<const QKeyEvent&>(*event));
+        }
+        return QDialog::eventFilter(watched, event);
     }
 
   private:
+    // The toolkit does not see it on a busy machine: then the key is let go and pressed again in
+    // the same millisecond.
+    bool IsRepeated(const QKeyEvent& key) {
+        if (key.type() == QEvent::KeyRelease) {
+            letGo_ = {key.key(), key.timestamp()};
+            return false;
+        }
+        return key.isAutoRepeat() ||
+               (key.timestamp() != 0 && letGo_ == std::pair(key.key(), key.timestamp()));
+    }
+
     void AddText(QVBoxLayout& column, const QString& text, UINT type) {
         auto* const row = new QHBoxLayout;
         column.addLayout(row);
@@ -114,6 +128,7 @@ class Box : public QDialog {
     }
 
     int safeAnswer_;
+    std::pair<int, quint64> letGo_{0, 0};  // the last key that was, and when
 };
 
 }  // namespace

@@ -41,10 +41,12 @@ class SwitchedOffScreen::Cover : public QLabel {
     bool event(QEvent* event) override {
         switch (event->type()) {
             case QEvent::KeyPress:
+            case QEvent::KeyRelease:
+                FollowKey(static_cast<const QKeyEvent&>(*event));
+                break;
             case QEvent::MouseButtonPress:
                 isPressed_ = true;
                 break;
-            case QEvent::KeyRelease:
             case QEvent::MouseButtonRelease:
                 SwitchOnIfPressed();
                 break;
@@ -62,6 +64,18 @@ class SwitchedOffScreen::Cover : public QLabel {
     }
 
   private:
+    // A key that is held down is let go time and again.
+    void FollowKey(const QKeyEvent& key) {
+        if (key.isAutoRepeat()) {
+            return;
+        }
+        if (key.type() == QEvent::KeyPress) {
+            isPressed_ = true;
+        } else {
+            SwitchOnIfPressed();
+        }
+    }
+
     void SwitchOnIfPressed() {
         if (!isPressed_) {
             return;

@@ -53,6 +53,7 @@ TEST_F(DisplayTest, ButtonsTakeTheKeysThatPushThem) {
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) {
         QTest::keyClick(&Control(6), key);
+        RepeatKey(Control(6), key);
     }
     Dispatch();
     EXPECT_EQ(TakeCodes(), (Codes{BN_CLICKED, BN_CLICKED}));
@@ -219,6 +220,7 @@ TEST_F(ListTest, TheBlankAloneSelectsByKey) {
         {Qt::Key_D, 2},     {Qt::Key_Home, 2}, {Qt::Key_Space, 1}};
     for (const auto& [key, selected] : rows) {
         QTest::keyClick(&view_, key);
+        RepeatKey(view_, Qt::Key_Space);
         EXPECT_EQ(Send(list_, LB_GETSELCOUNT), selected) << key;
     }
 }
