@@ -31,7 +31,7 @@ bool WriteOneValue(platform::Registry& registry) {
            registry.RegSetValueExW(key, TEXT("Number"), 0, REG_DWORD,
                                    reinterpret_cast<const BYTE*>(&number),
                                    sizeof number) == ERROR_SUCCESS &&
-           registry.RegCloseKey(key) == ERROR_SUCCESS && registry.Store();
+           registry.RegCloseKey(key) == ERROR_SUCCESS && registry.StoreRegistry();
 }
 
 int Parse(const char* path) {

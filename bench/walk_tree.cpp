@@ -20,12 +20,12 @@
 #include "core/application.h"
 #include "engine/file_tree.h"
 #include "platform/display/console_boxes.h"
-#include "platform/files/file_store.h"
 #include "platform/io/descriptor.h"
 #include "platform/seam/device_store.h"
 #include "platform/text/readable_text.h"
 #include "search/tree_search.h"
 #include "shell/windows.h"
+#include "tests/support/files_alone.h"
 
 namespace {
 
@@ -84,7 +84,7 @@ int main(int count, char** words) {
         std::perror(walk->root);
         return EX_NOINPUT;
     }
-    platform::FileStore store(std::move(root), {});
+    FilesAlone store(std::move(root), {});
     const platform::StoreInUse inUse(store);
     Run(*walk);
     return 0;

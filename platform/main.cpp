@@ -15,6 +15,7 @@
 #include "platform/host/device_choice.h"
 #include "platform/host/device_run.h"
 #include "platform/host/help_viewer.h"
+#include "platform/host/make_sample_device.h"
 
 namespace {
 
@@ -74,7 +75,7 @@ int RunTask(CommandLine& line) {
         case CommandLine::Task::Boot:
             return platform::BootDevice(line);
         case CommandLine::Task::MakeSampleDevice:
-            return platform::MakeSample(line);
+            return platform::RunMakeSampleDevice(line);
         case CommandLine::Task::ShowHelpPage:
             return platform::RunHelpViewer(line);
         case CommandLine::Task::Run:

@@ -25,10 +25,10 @@
 
 #include "core/win_main.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 #include "platform/device/sample_device.h"
 #include "platform/display/display.h"
-#include "platform/host/device_run.h"
+#include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"
 #include "platform/seam/forwarding_store.h"
 #include "shell/help_page.h"
@@ -223,12 +223,12 @@ int main(int count, char** words) {
     platform::CommandLine sample;
     sample.device = scratch.path().toStdString() + "/device";
     sample.modulePath = platform::kDefaultModulePath;
-    if (platform::MakeSample(sample) != 0) {
+    if (platform::RunMakeSampleDevice(sample) != 0) {
         return 73;
     }
     auto device = platform::OpenDeviceDirectory(sample.device.c_str()).value();
-    platform::DirectoryStore store(std::move(device.files), sample.modulePath,
-                                   platform::Registry::Open(device.directory.get()).value());
+    platform::RealDevice store(std::move(device.files), sample.modulePath,
+                               platform::Registry::Open(device.directory.get()).value());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const platform::WindowModuleParams params = platform::WindowParamsFor("A device", kScale);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));

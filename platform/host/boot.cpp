@@ -7,85 +7,16 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <utility>
 
 #include "platform/device/device_directory.h"
+#include "platform/device/startup_shortcuts.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/files/file_store.h"
-#include "platform/text/device_names.h"
+#include "platform/files/host_files.h"
+#include "platform/host/exit_code.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
-
-namespace {
-
-constexpr WCHAR kStartupFolder[] = TEXT("\\Windows\\StartUp\\");
-constexpr int kLongestTarget = 1024;
-
-StartupShortcut ReadShortcut(DeviceStore& store, const WCHAR* name, std::u16string_view program) {
-    StartupShortcut shortcut;
-    shortcut.path = std::u16string(kStartupFolder) + name;
-    std::u16string target(kLongestTarget, u'\0');
-    if (store.SHGetShortcutTarget(shortcut.path.c_str(), target.data(), kLongestTarget) != 0) {
-        shortcut.target = target.c_str();
-        shortcut.arguments = ArgumentsFor(program, shortcut.target);
-    } else if (ErrorCodeOf(store.LastFailure()) != DWORD{ERROR_BAD_FORMAT}) {
-        shortcut.unread = store.LastFailure();
-    }
-    return shortcut;
-}
-
-}  // namespace
-
-Result<std::vector<StartupShortcut>> StartupShortcuts(DeviceStore& store,
-                                                      std::u16string_view program) {
-    std::vector<StartupShortcut> shortcuts;
-    WIN32_FIND_DATA data;
-    const std::u16string pattern = std::u16string(kStartupFolder) + u"*.lnk";
-    const HANDLE find = store.FindFirstFileW(pattern.c_str(), &data);
-    for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
-         found = store.FindNextFileW(find, &data)) {
-        if ((data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0) {
-            shortcuts.push_back(ReadShortcut(store, data.cFileName, program));
-        }
-    }
-    const Failure end = store.LastFailure();
-    if (find != INVALID_HANDLE_VALUE) {
-        store.FindClose(find);
-    }
-    if (!IsNotThere(end) && ErrorCodeOf(end) != DWORD{ERROR_NO_MORE_FILES}) {
-        return FailOf(end, ReadableText(kStartupFolder));
-    }
-    std::sort(shortcuts.begin(), shortcuts.end(),
-              [](const auto& left, const auto& right) { return left.path < right.path; });
-    return shortcuts;
-}
-
-std::optional<std::u16string> ArgumentsFor(std::u16string_view program,
-                                           std::u16string_view target) {
-    const bool isQuoted = target.starts_with(u'"');
-    target.remove_prefix(isQuoted ? 1 : 0);
-    const std::u16string_view rest = target.substr(std::min(program.size(), target.size()));
-    const bool endsThere = isQuoted ? rest.starts_with(u'"') : rest.empty() || rest[0] == u' ';
-    if (!endsThere || !SameName(target.substr(0, program.size()), program)) {
-        return std::nullopt;
-    }
-    const std::size_t begin = rest.find_first_not_of(u' ', isQuoted ? 1 : 0);
-    return std::u16string(begin == std::u16string_view::npos ? u"" : rest.substr(begin));
-}
-
-int WorseExitCode(int left, int right) {
-    // Worst first. What is not among them, such as the end by a signal, is worse than all.
-    static constexpr int kWorstFirst[] = {EX_OSERR,   1,          EX_CANTCREAT,   EX_TEMPFAIL,
-                                          EX_DATAERR, EX_NOINPUT, EX_UNAVAILABLE, EX_IOERR,
-                                          EX_CONFIG,  0};
-    const auto rank = [](int code) {
-        const int* const found = std::find(std::begin(kWorstFirst), std::end(kWorstFirst), code);
-        return found == std::end(kWorstFirst) ? -1 : found - std::begin(kWorstFirst);
-    };
-    return rank(left) <= rank(right) ? left : right;
-}
 
 namespace {
 
@@ -164,8 +95,8 @@ int BootDevice(const CommandLine& line) {
         return EX_NOINPUT;
     }
     // Without a lock: that is for the runs themselves.
-    FileStore store(std::move(device->files), line.modulePath);
-    const auto shortcuts = StartupShortcuts(store, line.modulePath);
+    HostFiles files(std::move(device->files));
+    const auto shortcuts = StartupShortcuts(files, line.modulePath);
     if (!shortcuts) {
         log.SayUndone(Describe(shortcuts.error()));
         return log.ExitCode(line.strict);

@@ -6,6 +6,7 @@
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/display.h"
 #include "platform/host/device_run.h"
+#include "platform/host/make_sample_device.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {

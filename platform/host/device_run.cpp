@@ -9,17 +9,15 @@
 
 #include "core/win_main.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/directory_store.h"
-#include "platform/device/sample_device.h"
-#include "platform/device/sample_registry.h"
+#include "platform/device/real_device.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/console_boxes.h"
 #include "platform/display/display.h"
+#include "platform/display/registry_saving_windows.h"
 #include "platform/display/responsive_store.h"
 #include "platform/display/silent_run_boxes.h"
-#include "platform/display/store_before_waiting.h"
 #include "platform/files/killed_run_recovery.h"
-#include "platform/report/recording_store.h"
+#include "platform/report/reporting_store.h"
 
 namespace platform {
 
@@ -58,9 +56,9 @@ class DeviceRun {
     bool isSilent_;
     bool isLocked_ = false;
     DeviceDirectory device_;
-    std::unique_ptr<DirectoryStore> store_;
+    std::unique_ptr<RealDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
-    std::optional<RecordingStore> recorder_;        // where somebody wants to know what was done
+    std::optional<ReportingStore> recorder_;        // where somebody wants to know what was done
 };
 
 DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
@@ -96,9 +94,9 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
-    store_ = std::make_unique<DirectoryStore>(std::move(device_.files), line_.modulePath,
-                                              std::move(*registry),
-                                              [this](int code) { EndOnTheSpot(code); });
+    store_ = std::make_unique<RealDevice>(std::move(device_.files), line_.modulePath,
+                                          std::move(*registry),
+                                          [this](int code) { EndOnTheSpot(code); });
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
         RemoveUnfinishedFilesIn(device_.directory.get());
@@ -142,7 +140,7 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
 }
 
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
-    StoreBeforeWaiting storing(windows, store, log_);
+    RegistrySavingWindows storing(windows, store, log_);
     const StoreInUse storeInUse(store);
     const WindowsInUse windowsInUse(storing);
     return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
@@ -193,38 +191,6 @@ int DeviceRun::Run() {
 
 int RunOnDevice(CommandLine& line) {
     return DeviceRun(line).Run();
-}
-
-namespace {
-
-Status FillSample(DeviceDirectory& device, const CommandLine& line) {
-    if (Status written = WriteSampleRegistry(device.directory.get()); !written) {
-        return written;
-    }
-    auto registry = Registry::Open(device.directory.get());
-    if (!registry) {
-        return tl::unexpected<Failure>(registry.error());
-    }
-    DirectoryStore store(std::move(device.files), line.modulePath, std::move(*registry));
-    const StoreInUse inUse(store);
-    return FillSampleDevice(store);
-}
-
-}  // namespace
-
-Status MakeSampleDevice(const CommandLine& line) {
-    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
-    return device ? FillSample(*device, line) : Status(tl::unexpected<Failure>(device.error()));
-}
-
-int MakeSample(const CommandLine& line) {
-    RunLog log(line.device);
-    const LogInUse logInUse(log);
-    const Status made = MakeSampleDevice(line);
-    if (!made) {
-        log.Say("no whole sample device: " + Describe(made.error()));
-    }
-    return made ? 0 : EX_CANTCREAT;
 }
 
 }  // namespace platform

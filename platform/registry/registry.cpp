@@ -5,6 +5,8 @@
 #include <cstring>
 #include <utility>
 
+#include "platform/diagnostics/run_log.h"
+
 namespace platform {
 namespace {
 
@@ -213,6 +215,9 @@ void Registry::AddChange(Change change) {
     }
     change.number = ++made_;
     pending_.push_back(std::move(change));
+    if (onChange_) {
+        onChange_();
+    }
 }
 
 LONG Registry::RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* /*reserved*/,
@@ -279,6 +284,17 @@ bool Registry::Apply(const Change& change, RegistryText& text) {
                SetResult::kUnfit;
     }
     return key != 0 || change.deletion;
+}
+
+Status Registry::StoreRegistry() {
+    tried_ = made_;
+    Status stored = Store();
+    if (!stored) {
+        RunLog& log = LogInUse::Current();
+        log.NoteNotStored();
+        log.SayUndone("changes to the registry are not stored: " + Describe(stored.error()));
+    }
+    return stored;
 }
 
 Status Registry::Store() {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <set>
 #include <string>
@@ -8,52 +9,54 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/registry_operations.h"
 #include "platform/registry/registry_file.h"
 #include "platform/registry/text/registry_text.h"
+#include "platform/seam/device_store.h"
 
 namespace platform {
 
 // The registry of a device: the operations of core/registry_operations.h on the file registry.reg
 // of a device directory. The functions that bear the platform's names keep the contracts there.
 //
-// Changes are seen at once and stored by Store(). What other programs have changed in the file by
-// then is kept: the file is read anew, and the changes of this process alone are applied to it. A
-// change to a key that another program has deleted is dropped with the key.
-class Registry {
+// Changes are seen at once and stored by StoreRegistry(). What other programs have changed in the
+// file by then is kept: the file is read anew, and the changes of this process alone are applied to
+// it. A change to a key that another program has deleted is dropped with the key.
+class Registry : public DeviceRegistry {
   public:
     // Reads the registry of the open device directory, which stays the caller's and must outlive
     // the object; one without keys when there is no file, which is then made with the first change.
     static Result<std::unique_ptr<Registry>> Open(int directory);
 
-    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
+    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+                       HKEY* result) override;
     LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
-                          DWORD* size);
+                          DWORD* size) override;
     LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
-                        DWORD size);
+                        DWORD size) override;
     LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
-                       WCHAR* className, DWORD* classSize, void* lastWriteTime);
-    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
-    LONG RegCloseKey(HKEY key);
+                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override;
+    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
+    LONG RegCloseKey(HKEY key) override;
 
     // The open device directory, which stays its owner's.
     int directory() const { return file_.directory(); }
 
-    // How many changes there were, and how many of them, the first ones, are stored.
-    std::uint64_t made() const { return made_; }
-    std::uint64_t stored() const { return stored_; }
+    RegistryChanges ChangesOfRegistry() const override { return {made_, stored_}; }
+    bool IsChangeLost(std::uint64_t change) const override { return lost_.contains(change); }
 
-    // Whether one of these, counted from 1, was lost: another program has deleted its key.
-    bool IsLost(std::uint64_t change) const { return lost_.contains(change); }
+    // A change that is lost counts as stored, and the storing in which it was lost as failed.
+    Status StoreRegistry() override;
 
-    // Stores the changes that are not stored yet. After a failure the file is as it was, and the
-    // changes are stored with the next ones; but those that are lost are, and the rest is stored.
-    Status Store();
+    // Whether there are changes that StoreRegistry has not tried to store yet.
+    bool HasUntriedChanges() const { return made_ > tried_; }
+
+    // `action` is called with each change, which is in memory alone by then.
+    void OnChange(std::function<void()> action) { onChange_ = std::move(action); }
 
     // Whether changes could be stored, but for the room. A device without a registry has none.
     Status CheckStorable() const { return file_.CheckReplaceable(); }
 
-    // Keeps the room that the next Store() takes. A registry that could not be stored the last time
+    // Keeps the room that the next storing takes. A registry that could not be stored the last time
     // counts as one without room.
     Status ReserveRoom();
 
@@ -92,6 +95,7 @@ class Registry {
                                       std::u16string_view name) const;
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
+    Status Store();
     static bool Apply(const Change& change, RegistryText& text);
     Status SayLost();
     Status Refresh();
@@ -103,8 +107,10 @@ class Registry {
     std::uintptr_t lastHandle_ = 0;
     std::vector<Change> pending_;
     std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
+    std::function<void()> onChange_;
     std::uint64_t made_ = 0;
     std::uint64_t stored_ = 0;
+    std::uint64_t tried_ = 0;
     std::set<std::uint64_t> lost_;  // numbers of changes
     std::size_t lostSaid_ = 0;
 };

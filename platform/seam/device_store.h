@@ -11,15 +11,16 @@
 
 namespace platform {
 
-// What stands behind the program's device operations: the functions of core/file_operations.h,
-// core/registry_operations.h and, for shortcuts and power, core/handheld_operations.h, with their
-// names and contracts.
-class DeviceStore {
+// What stands behind the program's device operations, with their names and contracts: files and
+// shortcuts, the registry, and what is left of the handheld. Each can be exchanged on its own.
+
+// The functions of core/file_operations.h, and those of core/handheld_operations.h for shortcuts.
+class DeviceFiles {
   public:
-    DeviceStore() = default;
-    virtual ~DeviceStore() = default;
-    DeviceStore(const DeviceStore&) = delete;
-    DeviceStore& operator=(const DeviceStore&) = delete;
+    DeviceFiles() = default;
+    virtual ~DeviceFiles() = default;
+    DeviceFiles(const DeviceFiles&) = delete;
+    DeviceFiles& operator=(const DeviceFiles&) = delete;
 
     virtual HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) = 0;
     virtual BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) = 0;
@@ -29,17 +30,29 @@ class DeviceStore {
     virtual BOOL CreateDirectoryW(const WCHAR* path, void* security) = 0;
     virtual BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) = 0;
     virtual std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) = 0;
-    virtual DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) = 0;
-
-    virtual BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
-                                void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
-                                WCHAR* directory, void* startup, void* information) = 0;
-
     virtual BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) = 0;
     virtual BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) = 0;
-    virtual BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
-                                 DWORD outputSize, DWORD* returned) = 0;
-    virtual void SetCleanRebootFlag() = 0;
+
+    // Why the last operation of the device that failed has failed, the registry's aside, which
+    // return their reasons.
+    virtual const Failure& LastFailure() const = 0;
+
+    // The size in bytes of what DeleteFileW deleted last; nothing when it is not known.
+    virtual std::optional<std::uint64_t> DeletedSize() const = 0;
+
+    // What the notes of core/host_notes.h say about moves.
+    virtual void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) = 0;
+    virtual void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) = 0;
+    virtual void NothingMoves(const WCHAR* source, const WCHAR* destination) = 0;
+};
+
+// The functions of core/registry_operations.h.
+class DeviceRegistry {
+  public:
+    DeviceRegistry() = default;
+    virtual ~DeviceRegistry() = default;
+    DeviceRegistry(const DeviceRegistry&) = delete;
+    DeviceRegistry& operator=(const DeviceRegistry&) = delete;
 
     virtual LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                                HKEY* result) = 0;
@@ -52,14 +65,7 @@ class DeviceStore {
     virtual LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) = 0;
     virtual LONG RegCloseKey(HKEY key) = 0;
 
-    // Why the last operation on a file, a directory or a shortcut that failed has failed.
-    virtual const Failure& LastFailure() const = 0;
-
-    // The size in bytes of what DeleteFileW deleted last; nothing when it is not known.
-    virtual std::optional<std::uint64_t> DeletedSize() const = 0;
-
-    // How many changes of the registry there were, and how many of them, the first ones, are stored
-    // for good.
+    // How many changes there were, and how many of them, the first ones, are stored for good.
     struct RegistryChanges {
         std::uint64_t made = 0;
         std::uint64_t stored = 0;
@@ -69,15 +75,30 @@ class DeviceStore {
     // Whether a change, counted from 1, was lost, because another program has deleted its key.
     virtual bool IsChangeLost(std::uint64_t change) const = 0;
 
-    // Stores what has changed in the registry. A failure leaves the file as it was, and the changes
-    // to be stored with the next ones.
+    // Stores what has changed. A failure is reported by a line of the run; it leaves the file as it
+    // was, and the changes are stored with the next ones.
     virtual Status StoreRegistry() = 0;
-
-    // What the notes of core/host_notes.h say about moves.
-    virtual void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) = 0;
-    virtual void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) = 0;
-    virtual void NothingMoves(const WCHAR* source, const WCHAR* destination) = 0;
 };
+
+// The program's own path, other programs, and power.
+class DeviceSystem {
+  public:
+    DeviceSystem() = default;
+    virtual ~DeviceSystem() = default;
+    DeviceSystem(const DeviceSystem&) = delete;
+    DeviceSystem& operator=(const DeviceSystem&) = delete;
+
+    virtual DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) = 0;
+    virtual BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
+                                void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
+                                WCHAR* directory, void* startup, void* information) = 0;
+    virtual BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
+                                 DWORD outputSize, DWORD* returned) = 0;
+    virtual void SetCleanRebootFlag() = 0;
+};
+
+// A whole device.
+class DeviceStore : public DeviceFiles, public DeviceRegistry, public DeviceSystem {};
 
 // Makes `store` the one that the program's operations go to, for as long as the object lives. The
 // store stays the caller's. One at a time.

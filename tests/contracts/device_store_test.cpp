@@ -10,9 +10,9 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "platform/files/file_store.h"
-#include "platform/report/recording_store.h"
+#include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/temporary_device.h"
 
 namespace {
@@ -24,7 +24,7 @@ using Wrap = std::unique_ptr<platform::DeviceStore> (*)(platform::DeviceStore&);
 std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
     static std::FILE* const report = std::fopen("/dev/null", "w");
     static platform::RunLog log("");
-    return std::make_unique<platform::RecordingStore>(store, report, log);
+    return std::make_unique<platform::ReportingStore>(store, report, log);
 }
 std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
     return std::make_unique<platform::ForwardingStore>(store);
@@ -35,7 +35,7 @@ DWORD g_reason = 0;  // why the last search found nothing
 class DeviceStoreTest : public testing::TestWithParam<Wrap> {
   protected:
     void Open() {
-        real_ = std::make_unique<platform::FileStore>(device_.OpenFiles(), u"\\Program.exe");
+        real_ = std::make_unique<FilesAlone>(device_.OpenFiles(), u"\\Program.exe");
         real_->RecoverFromKilledRuns();
         store_ = GetParam()(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(*store_);
@@ -64,7 +64,7 @@ class DeviceStoreTest : public testing::TestWithParam<Wrap> {
     TemporaryDevice device_;
 
   private:
-    std::unique_ptr<platform::FileStore> real_;
+    std::unique_ptr<FilesAlone> real_;
     std::unique_ptr<platform::DeviceStore> store_;
     std::unique_ptr<platform::StoreInUse> inUse_;
 };

@@ -11,8 +11,8 @@
 
 #include "core/window_operations.h"
 #include "platform/display/responsive_store.h"
-#include "platform/files/file_store.h"
 #include "tests/support/display_fixture.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/temporary_device.h"
 
 namespace {
@@ -131,7 +131,7 @@ TEST_F(DisplayTest, WhatADeadWindowHasSaidIsNotTold) {
 
 TEST_F(DisplayTest, TheDesktopIsAnsweredWhileTheProgramWorks) {
     const TemporaryDevice device;
-    platform::FileStore files(device.OpenFiles(), u"");
+    FilesAlone files(device.OpenFiles());
     platform::ResponsiveStore store(files, windows());
     bool answered = false;
     QTimer::singleShot(0, qApp, [&] { answered = true; });

@@ -5,8 +5,8 @@
 
 #include "core/application.h"
 #include "core/win_main.h"
-#include "platform/device/directory_store.h"
-#include "platform/report/recording_store.h"
+#include "platform/device/real_device.h"
+#include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
 
@@ -51,14 +51,14 @@ TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
     device.Make({"My Documents/Temp/a=", "Windows/Start Menu/a.lnk=5#\\Gone",
                  "App/settings.dat=" + Everything()});
     WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
-    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                                   device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                               device.OpenRegistry());
     const std::string report = device.path() + "/report";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
                                                                 std::fclose);
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::RecordingStore recorder(store, lines.get(), log);
+    platform::ReportingStore recorder(store, lines.get(), log);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(recorder);
     const platform::WindowsInUse windowsInUse(windows);

@@ -7,9 +7,9 @@
 #include <algorithm>
 
 #include "engine/apply_sequence.h"
-#include "platform/files/file_store.h"
 #include "platform/text/readable_text.h"
 #include "tests/support/failing_store.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/temporary_device.h"
 
 namespace {
@@ -28,7 +28,7 @@ class UnreachedCounter : public platform::ForwardingStore {
 class Device : public TemporaryDevice {
   public:
     explicit Device(const Entries& entries, int failing = 0)
-        : real_(OpenFiles(), u""), store_(real_, failing), counter_(store_), inUse_(counter_) {
+        : real_(OpenFiles()), store_(real_, failing), counter_(store_), inUse_(counter_) {
         Make(entries);
         BytesCleaned = 0;
     }
@@ -36,7 +36,7 @@ class Device : public TemporaryDevice {
     int unreached() const { return counter_.count; }
 
   private:
-    platform::FileStore real_;
+    FilesAlone real_;
     FailingStore store_;
     UnreachedCounter counter_;
     platform::StoreInUse inUse_;

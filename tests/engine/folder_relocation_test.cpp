@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "core/apply_options.h"
-#include "platform/device/directory_store.h"
 #include "tests/support/apply_device.h"
+#include "tests/support/files_alone.h"
 
 namespace {
 
@@ -91,16 +91,13 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
 }
 
 // Lets nothing move from the n-th time on, as when the registry cannot be stored.
-class ClosingStore : public platform::DirectoryStore {
-  public:
-    using DirectoryStore::DirectoryStore;
-    int open = 0;
-
-  protected:
+struct ClosingGuard : platform::ChangeGuard {
+    platform::Status BeforeChange() override { return {}; }
     platform::Status BeforeMove() override {
         return --open > 0 ? platform::Status()
                           : platform::FailBecause("move", "no", ERROR_NO_SYSTEM_RESOURCES);
     }
+    int open = 0;
 };
 
 TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
@@ -108,15 +105,19 @@ TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
         const TemporaryDevice device;
         device.Make(kFiles);
         WriteFile(device.path() + "/registry.reg", Registry(kFolders[1], R"("\\Old")"));
-        ClosingStore store(device.OpenFiles(), u"", device.OpenRegistry());
-        store.open = closing;
+        ClosingGuard guard;
+        guard.open = closing;
+        platform::HostFiles files(device.OpenFiles(), &guard);
+        const auto registry = device.OpenRegistry();
+        FilesAlone rest{platform::Descriptor()};
+        platform::ForwardingStore store(files, *registry, rest);
         const platform::StoreInUse inUse(store);
         CSettings settings;
         settings.FavoritesDir = NewSettingsText();
         FormatText({settings.FavoritesDir.get(), 9}, u"\\New\\", {});
         ApplyRun run{kFolders[1].option, settings};
         RelocateFolder(run, kFolders[1].option);
-        EXPECT_EQ(store.open, 0) << closing;
+        EXPECT_EQ(guard.open, 0) << closing;
         EXPECT_EQ(store.ChangesOfRegistry().made, 0U);
     }
 }

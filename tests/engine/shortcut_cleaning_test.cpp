@@ -8,8 +8,8 @@
 #include <cstring>
 
 #include "core/apply_options.h"
-#include "platform/files/file_store.h"
 #include "tests/support/apply_device.h"
+#include "tests/support/files_alone.h"
 
 namespace {
 
@@ -138,7 +138,7 @@ TEST(ShortcutCleaningTest, KeepsWhatLeadsToWhereItMayNotLook) {
         device.Make(stay);
         device.Make({"menu/gone.lnk=5#\\gone\\x"});
         chmod((device.files() + "/shut").c_str(), 0);
-        platform::FileStore store(device.OpenFiles(), u"");
+        FilesAlone store(device.OpenFiles());
         const platform::StoreInUse inUse(store);
         testing::internal::CaptureStderr();
         CleanShortcuts(u"\\menu");

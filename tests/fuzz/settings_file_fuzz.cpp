@@ -7,16 +7,16 @@
 #include "core/application.h"
 #include "core/apply_options.h"
 #include "core/wide_text.h"
-#include "platform/files/file_store.h"
 #include "settings/settings_file.h"
+#include "tests/support/files_alone.h"
 
 namespace {
 
 // A device whose one file is the input.
-class InputStore : public platform::FileStore {
+class InputStore : public FilesAlone {
   public:
     InputStore(const std::uint8_t* data, std::size_t size)
-        : FileStore(platform::Descriptor(), u"\\Fennelbright.exe"), data_(data), size_(size) {}
+        : FilesAlone(platform::Descriptor(), u"\\Fennelbright.exe"), data_(data), size_(size) {}
 
     std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
         return size_ == 0 ? nullptr : fmemopen(const_cast<std::uint8_t*>(data_), size_, "rb");

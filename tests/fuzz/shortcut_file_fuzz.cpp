@@ -7,11 +7,11 @@
 #include <string>
 
 #include "engine/shortcut_target.h"
-#include "platform/files/file_store.h"
 #include "platform/files/shortcut_file.h"
+#include "tests/support/files_alone.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    static platform::FileStore store(platform::Descriptor(), u"\\Fennelbright.exe");
+    static FilesAlone store(platform::Descriptor(), u"\\Fennelbright.exe");
     static const platform::StoreInUse inUse(store);
     const std::optional<std::u16string> target =
         platform::ShortcutTarget({reinterpret_cast<const char*>(data), size});

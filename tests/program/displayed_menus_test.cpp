@@ -12,7 +12,7 @@
 #include <string>
 
 #include "core/application.h"
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 #include "platform/qt/desktop/help_window.h"
 #include "shell/about_box.h"
 #include "tests/support/display_fixture.h"
@@ -178,7 +178,7 @@ TEST_F(HelpTest, AViewerHasItsPageAndNothingElse) {
     WriteFile(script, "#!/bin/sh\n(echo $1; cat; ls /proc/$$/fd) >" + seen + ".new\nmv " + seen +
                           ".new " + seen + "\n");
     ASSERT_EQ(chmod(script.c_str(), 0700), 0);
-    platform::DirectoryStore store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     store.OfferHelp(std::make_unique<platform::HelpViewers>(script, 0));
     const platform::StoreInUse inUse(store);
     const auto start = [](const WCHAR* image) {

@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/host/boot.h"
+#include "platform/host/exit_code.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
 

@@ -6,12 +6,12 @@
 #include <algorithm>
 
 #include "core/application.h"
-#include "platform/files/file_store.h"
 #include "platform/text/readable_text.h"
 #include "search/startup_list.h"
 #include "search/tree_search.h"
 #include "shell/windows.h"
 #include "tests/support/apply_device.h"
+#include "tests/support/files_alone.h"
 
 namespace {
 
@@ -53,7 +53,7 @@ class SearchTest : public testing::Test {
     // What a search lists, sorted.
     template <typename Search>
     Entries Found(Search search) {
-        platform::FileStore store(device_.OpenFiles(), u"");
+        FilesAlone store(device_.OpenFiles());
         const platform::StoreInUse storeInUse(store);
         const platform::WindowsInUse windowsInUse(windows_);
         windows_.entries.clear();

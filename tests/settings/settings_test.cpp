@@ -4,9 +4,9 @@
 #include <string>
 
 #include "core/application.h"
-#include "platform/files/file_store.h"
 #include "settings/control_settings.h"
 #include "settings/settings_file.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/interactive_program.h"
 #include "tests/support/settings_bytes.h"
 
@@ -173,7 +173,7 @@ TEST(Settings, AFileThatCannotBeWrittenStaysAsItWas) {
 std::int32_t Load(const TemporaryDevice& device, CSettings& settings, CollectedBoxes& windows,
                   const std::u16string& module = u"\\App\\Fennelbright.exe") {
     g_Silent = true;
-    platform::FileStore store(device.OpenFiles(), module);
+    FilesAlone store(device.OpenFiles(), module);
     const platform::StoreInUse inUse(store);
     const platform::WindowsInUse windowsInUse(windows);
     const std::int32_t mask = LoadSettings(settings);

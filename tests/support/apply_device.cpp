@@ -8,7 +8,7 @@
 #include "core/apply_options.h"
 #include "core/wide_text.h"
 #include "engine/apply_sequence.h"
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 #include "platform/text/readable_text.h"
 #include "settings/settings_file.h"
 #include "tests/support/failing_store.h"
@@ -54,7 +54,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     if (!input.registry.empty()) {
         WriteFile(device.path() + "/registry.reg", input.registry);
     }
-    platform::DirectoryStore store(device.OpenFiles(), kModule, device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), kModule, device.OpenRegistry());
     {
         const platform::StoreInUse inUse(store);
         WriteSettingsOf(input);

@@ -2,8 +2,8 @@
 
 #include <cerrno>
 
-#include "platform/files/file_store.h"
 #include "platform/seam/forwarding_store.h"
+#include "tests/support/files_alone.h"
 
 // Thrown in place of what ends the program, so that nothing after it runs.
 struct DeviceRestarted {};
@@ -31,13 +31,21 @@ class FailingStore : public platform::ForwardingStore {
     }
 
   protected:
-    platform::DeviceStore& inner() override {
-        return ++calls_ == failing_ ? nothing_ : ForwardingStore::inner();
+    platform::DeviceFiles& files() override {
+        return IsFailing() ? nothing_ : ForwardingStore::files();
+    }
+    platform::DeviceRegistry& registry() override {
+        return IsFailing() ? nothing_ : ForwardingStore::registry();
+    }
+    platform::DeviceSystem& system() override {
+        return IsFailing() ? nothing_ : ForwardingStore::system();
     }
 
   private:
+    bool IsFailing() { return ++calls_ == failing_; }
+
     // Without a file tree, without a registry, and with a path that no buffer holds.
-    platform::FileStore nothing_{platform::Descriptor(), std::u16string(5000, u'x')};
+    FilesAlone nothing_{platform::Descriptor(), std::u16string(5000, u'x')};
     int failing_;
     platform::Failure reason_;
     int calls_ = 0;

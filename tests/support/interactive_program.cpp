@@ -6,7 +6,7 @@
 
 #include "core/application.h"
 #include "core/win_main.h"
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 #include "screens/screens.h"
 #include "shell/windows.h"
 #include "tests/support/failing_store.h"
@@ -21,7 +21,7 @@ class TestedStore : public FailingStore {
 
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override {
         return full_ && mode[0] == u'w' ? std::fopen("/dev/full", "wb")
-                                        : inner()._wfopen(path, mode);
+                                        : files()._wfopen(path, mode);
     }
 
   private:
@@ -49,8 +49,8 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
 }
 
 int InteractiveProgram::Run(const Steps& steps) {
-    platform::DirectoryStore store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                                   device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                               device.OpenRegistry());
     TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
     const platform::WindowsInUse windowsInUse(windows);

@@ -8,8 +8,8 @@
 #include <csignal>
 #include <cstdio>
 
-#include "platform/files/file_store.h"
 #include "platform/text/device_names.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/mounted_device.h"
 #include "tests/support/system_calls.h"
 
@@ -102,7 +102,7 @@ class KillsTest : public testing::TestWithParam<Case> {
     // One run: what is done first, and then the action. Returns whether that was done or has left a
     // reason.
     bool Run() const {
-        platform::FileStore store(device_.OpenFiles(), u"");
+        FilesAlone store(device_.OpenFiles());
         const platform::StoreInUse inUse(store);
         store.RecoverFromKilledRuns();
         return GetParam().action() != 0 || GetLastError() != 0;

@@ -14,7 +14,7 @@
 
 #include "engine/file_tree.h"
 #include "engine/shortcut_cleaning.h"
-#include "platform/files/file_store.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/mounted_device.h"
 #include "tests/support/system_calls.h"
 
@@ -34,7 +34,7 @@ class VolumesTest : public testing::TestWithParam<bool> {
     void TearDown() override { g_calls = {}; }
 
     void Move(const WCHAR* source, const WCHAR* destination) {
-        platform::FileStore store(device_.OpenFiles(), u"");
+        FilesAlone store(device_.OpenFiles());
         const platform::StoreInUse inUse(store);
         MoveTree(source, destination);
     }
@@ -92,7 +92,7 @@ TEST_P(VolumesTest, AFullVolumeLosesNothing) {
 TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
     device_.Mount("T/d/mounted");
     device_.Make(Words("T/d/mounted/keep=1 T/d/f=2 Card/g=3 M/x.lnk=5#\\T\\d\\mounted\\x"));
-    platform::FileStore store(device_.OpenFiles(), u"");
+    FilesAlone store(device_.OpenFiles());
     const platform::StoreInUse inUse(store);
     for (const WCHAR* const path : {u"\\T\\", u"\\T\\d\\mounted\\", u"\\Card\\"}) {
         DeleteTree(path, true, true);
@@ -156,7 +156,7 @@ TEST_P(VolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
 TEST_P(VolumesTest, AFileOpenForWritingStays) {
     device_.Make({"A/f=1"});
     const platform::Descriptor file(open(HostPath("A/f").c_str(), O_RDWR));
-    platform::FileStore store(device_.OpenFiles(), u"");
+    FilesAlone store(device_.OpenFiles());
     EXPECT_EQ(store.MoveFileW(u"\\A\\f", u"\\Card\\f"), 0);
     EXPECT_EQ(platform::ErrorCodeOf(store.LastFailure()), DWORD{ERROR_SHARING_VIOLATION});
     EXPECT_EQ(device_.Listing(), Words("A/ A/f=1 Card/"));
@@ -169,7 +169,7 @@ bool WriteNumber(const std::string& path, int number) {
 
 TEST_P(VolumesTest, NoWritingIsLostByAMove) {
     const std::string path = HostPath("f");
-    platform::FileStore store(device_.OpenFiles(), u"");
+    FilesAlone store(device_.OpenFiles());
     for (int round = 0; round < 30; ++round) {
         device_.Make({"f=none"});
         std::atomic<bool> isOver = false;
@@ -201,7 +201,7 @@ TEST_P(VolumesTest, MovedDirectoriesAreNeverOpenToMore) {
         chmod(HostPath("Card/old").c_str(), 0711);
         const timespec times[] = {{1000, 0}, {2000, 5}};
         utimensat(AT_FDCWD, HostPath("A/d").c_str(), times, 0);
-        platform::FileStore store(device_.OpenFiles(), u"");
+        FilesAlone store(device_.OpenFiles());
         store.DirectoryMoves(u"\\A", u"\\Card\\old");
         EXPECT_EQ(store.CreateDirectoryW(u"\\Card\\old", nullptr), 0);
         store.DirectoryMoves(u"\\A\\d", u"\\Card\\old\\d");
@@ -252,7 +252,7 @@ TEST_P(VolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
         Entries after = left.after;
         after.emplace_back("Card/");
         testing::internal::CaptureStderr();
-        platform::FileStore(device_.OpenFiles(), u"").RecoverFromKilledRuns();
+        FilesAlone(device_.OpenFiles()).RecoverFromKilledRuns();
         const std::string said = testing::internal::GetCapturedStderr();
         EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), left.lines) << said;
         EXPECT_EQ(device_.Listing(), left.after.empty() ? unchanged : after) << left.before[0];

@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 #include "platform/text/readable_text.h"
 #include "tests/support/temporary_device.h"
 
@@ -60,7 +60,7 @@ class ShortcutStoreTest : public testing::Test {
     }
 
     TemporaryDevice device_;
-    platform::DirectoryStore store_{device_.OpenFiles(), u"\\x.exe", device_.OpenRegistry()};
+    platform::RealDevice store_{device_.OpenFiles(), u"\\x.exe", device_.OpenRegistry()};
 };
 
 TEST_F(ShortcutStoreTest, TellsByContentAndNotByName) {

@@ -151,12 +151,12 @@ TEST_F(RegistryTest, AnUnterminatedTextComesBackAsItWasSet) {
     const ino_t number = Number();
     EXPECT_EQ(keys.Set(key, u"InstallDir", u"\\One"), ERROR_SUCCESS);
     EXPECT_EQ(keys.Text(key, u"installdir"), u"\\One");
-    EXPECT_TRUE(keys->Store().has_value());
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
     EXPECT_EQ(Number(), number) << "the file's text is the same";
     EXPECT_EQ(keys.Set(key, u"InstallDir", u"\\New"), ERROR_SUCCESS);
     EXPECT_EQ(keys->RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(Number(), number) << "changes wait to be stored";
-    EXPECT_TRUE(keys->Store().has_value());
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
     EXPECT_NE(Number(), number);
     const HKEY again = keys.Open(u"Software\\Apps\\One");
     EXPECT_EQ(keys.Text(again, u"InstallDir"), u"\\New");
@@ -174,7 +174,7 @@ TEST_F(RegistryTest, RefusesWhatNoFileHolds) {
               ERROR_INVALID_PARAMETER);
     EXPECT_EQ(keys->RegDeleteKeyW(HKEY_LOCAL_MACHINE, u"\\"), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(keys->RegDeleteKeyW(HKEY_LOCAL_MACHINE, u"none"), ERROR_FILE_NOT_FOUND);
-    EXPECT_TRUE(keys->Store().has_value());
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
     EXPECT_EQ(Content(), kFile);
 }
 
@@ -204,7 +204,7 @@ TEST_F(RegistryTest, DeletedKeysThatAreOpenSayIt) {
     EXPECT_EQ(keys->RegDeleteKeyW(sub, u"a"), ERROR_KEY_DELETED);
     EXPECT_EQ(keys->RegCloseKey(sub), ERROR_SUCCESS);
     EXPECT_EQ(keys->RegCloseKey(sub), ERROR_INVALID_HANDLE);
-    EXPECT_TRUE(keys->Store().has_value());
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
     EXPECT_EQ(Content(), kFile.substr(0, kFile.rfind('[')));
 }
 
@@ -216,15 +216,15 @@ TEST_F(RegistryTest, WhatOthersChangedMeanwhileStays) {
     const HKEY lost = second.Open(u"Software\\Apps\\One");
     EXPECT_EQ(first.Set(firstKey, u"Size", 1), ERROR_SUCCESS);
     EXPECT_EQ(second->RegDeleteKeyW(secondKey, u"two"), ERROR_SUCCESS);
-    EXPECT_TRUE(first->Store().has_value());
-    EXPECT_TRUE(second->Store().has_value());
+    EXPECT_TRUE(first->StoreRegistry().has_value());
+    EXPECT_TRUE(second->StoreRegistry().has_value());
     EXPECT_EQ(Content(), kApps + "\\One]\n\"InstallDir\"=\"\\\\One\"\n\"Size\"=dword:00000001\n" +
                              kApps + "\\Three\\Sub]\n");
     Write("; another editor\n");
     EXPECT_EQ(second.Set(lost, u"Size", 2), ERROR_SUCCESS);
-    EXPECT_FALSE(second->Store().has_value());
-    EXPECT_TRUE(second->IsLost(second->made()));
-    EXPECT_FALSE(second->IsLost(second->made() - 1));
+    EXPECT_FALSE(second->StoreRegistry().has_value());
+    EXPECT_TRUE(second->IsChangeLost(second->ChangesOfRegistry().made));
+    EXPECT_FALSE(second->IsChangeLost(second->ChangesOfRegistry().made - 1));
     EXPECT_EQ(Content(), "; another editor\n");
     EXPECT_EQ(second.Set(lost, u"Size", 3), ERROR_KEY_DELETED);
 }
@@ -246,13 +246,13 @@ TEST_F(RegistryTest, OpensNothingButARegularFile) {
         maker(file.c_str());
         EXPECT_FALSE(Registry::Open(directory_.get()).has_value());
         const ino_t number = Number();
-        const Status stored = before->Store();
+        const Status stored = before->StoreRegistry();
         ASSERT_FALSE(stored.has_value());
         EXPECT_TRUE(stored.error().object.starts_with("registry.reg")) << stored.error().object;
         EXPECT_EQ(Number(), number);
         std::filesystem::remove(file);
         Write(kFile);
-        EXPECT_TRUE(before->Store().has_value()) << "the change was kept";
+        EXPECT_TRUE(before->StoreRegistry().has_value()) << "the change was kept";
         EXPECT_EQ(Content(), kFile + "\n[HKEY_USERS]\n\"a\"=dword:00000001\n");
     }
 }
@@ -266,16 +266,16 @@ TEST_F(RegistryTest, AFullDiskLeavesTheOldFile) {
     const struct rlimit small { 4096, old.rlim_max };
     const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &small);
-    const Status stored = keys->Store();
+    const Status stored = keys->StoreRegistry();
     setrlimit(RLIMIT_FSIZE, &old);
     std::signal(SIGXFSZ, handler);
     ASSERT_FALSE(stored.has_value());
     EXPECT_EQ(stored.error().error, EFBIG);
-    EXPECT_EQ(keys->stored(), 0U);
+    EXPECT_EQ(keys->ChangesOfRegistry().stored, 0U);
     EXPECT_EQ(Content(), kFile);
     EXPECT_EQ(EntryCount(), 2);
-    EXPECT_TRUE(keys->Store().has_value());
-    EXPECT_EQ(keys->stored(), 1U);
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
+    EXPECT_EQ(keys->ChangesOfRegistry().stored, 1U);
     EXPECT_EQ(Content().size(), kFile.size() + 9010);
 }
 
@@ -293,9 +293,9 @@ TEST_F(RegistryTest, ManyChangesAreOneWrite) {
         ASSERT_EQ(keys->RegDeleteKeyW(apps, name), ERROR_SUCCESS);
     }
     EXPECT_EQ(Number(), number);
-    EXPECT_TRUE(keys->Store().has_value());
-    EXPECT_EQ(keys->made(), 5000U);
-    EXPECT_EQ(keys->stored(), 5000U);
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
+    EXPECT_EQ(keys->ChangesOfRegistry().made, 5000U);
+    EXPECT_EQ(keys->ChangesOfRegistry().stored, 5000U);
     EXPECT_EQ(Content(), "[HKEY_USERS]\n\n" + kApps + "]\n");
 }
 

@@ -1,25 +1,25 @@
-#include "platform/display/store_before_waiting.h"
+#include "platform/display/registry_saving_windows.h"
 
 #include <string_view>
 
 namespace platform {
 
 // What could not be stored is tried again when there is more of it.
-void StoreBeforeWaiting::Store() {
-    const std::uint64_t made = store_.ChangesOfRegistry().made;
+void RegistrySavingWindows::Store() {
+    const std::uint64_t made = registry_.ChangesOfRegistry().made;
     if (made > tried_) {
         tried_ = made;
-        [[maybe_unused]] const Status stored = store_.StoreRegistry();
+        [[maybe_unused]] const Status stored = registry_.StoreRegistry();
     }
 }
 
-BOOL StoreBeforeWaiting::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) {
+BOOL RegistrySavingWindows::GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) {
     Store();
     return ForwardingWindowSystem::GetMessageW(message, window, lowest, highest);
 }
 
-int StoreBeforeWaiting::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption,
-                                    UINT type) {
+int RegistrySavingWindows::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption,
+                                       UINT type) {
     Store();
     if (std::u16string_view(caption).starts_with(u"Error")) {
         log_.CountUndone();

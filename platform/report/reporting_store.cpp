@@ -1,4 +1,4 @@
-#include "platform/report/recording_store.h"
+#include "platform/report/reporting_store.h"
 
 #include <cstring>
 #include <optional>
@@ -18,15 +18,16 @@ struct Value {
 };
 
 // Nothing when there is no such value.
-std::optional<Value> ReadValue(DeviceStore& store, HKEY key, const WCHAR* name) {
+std::optional<Value> ReadValue(DeviceRegistry& registry, HKEY key, const WCHAR* name) {
     Value value;
     DWORD size = 0;
-    if (store.RegQueryValueExW(key, name, nullptr, &value.type, nullptr, &size) != ERROR_SUCCESS) {
+    if (registry.RegQueryValueExW(key, name, nullptr, &value.type, nullptr, &size) !=
+        ERROR_SUCCESS) {
         return std::nullopt;
     }
     value.bytes.resize(size);
-    if (size > 0 && store.RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(),
-                                           &size) != ERROR_SUCCESS) {
+    if (size > 0 && registry.RegQueryValueExW(key, name, nullptr, &value.type, value.bytes.data(),
+                                              &size) != ERROR_SUCCESS) {
         return std::nullopt;
     }
     return value;
@@ -88,7 +89,7 @@ std::string RegistryReason(LONG code) {
 
 }  // namespace
 
-RecordingStore::RecordingStore(DeviceStore& inner, std::FILE* report, RunLog& log)
+ReportingStore::ReportingStore(DeviceStore& inner, std::FILE* report, RunLog& log)
     : ForwardingStore(inner), report_(report), log_(log) {
     // What is reported was done: a run that is killed must not take lines with it.
     if (report_ != nullptr) {
@@ -96,7 +97,7 @@ RecordingStore::RecordingStore(DeviceStore& inner, std::FILE* report, RunLog& lo
     }
 }
 
-void RecordingStore::WriteLine(int step, const std::string& line) {
+void ReportingStore::WriteLine(int step, const std::string& line) {
     if (report_ == nullptr) {
         return;
     }
@@ -104,23 +105,23 @@ void RecordingStore::WriteLine(int step, const std::string& line) {
     isWritten_ = std::fputs((begin + line + '\n').c_str(), report_) >= 0 && isWritten_;
 }
 
-void RecordingStore::Report(const std::string& line) {
+void ReportingStore::Report(const std::string& line) {
     SettleRegistry();
     WriteLine(log_.step(), line);
 }
 
-void RecordingStore::ReportUndone(const std::string& what, const std::string& reason) {
+void ReportingStore::ReportUndone(const std::string& what, const std::string& reason) {
     ++notDone_;
     log_.CountUndone();
     Report("not " + what + " (" + reason + ")");
 }
 
-void RecordingStore::ReportUndone(const std::string& what) {
+void ReportingStore::ReportUndone(const std::string& what) {
     ReportUndone(what, ReasonOf(LastFailure()));
 }
 
 // A search without a wildcard asks whether something is there, and whoever asks reports.
-void RecordingStore::ReportSearch(const std::string& pattern) {
+void ReportingStore::ReportSearch(const std::string& pattern) {
     const DWORD code = ErrorCodeOf(LastFailure());
     const bool isRead = code == ERROR_NO_MORE_FILES || IsNotThere(LastFailure());
     if (!isRead && pattern.ends_with('*')) {
@@ -128,8 +129,8 @@ void RecordingStore::ReportSearch(const std::string& pattern) {
     }
 }
 
-HANDLE RecordingStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
-    const HANDLE find = inner().FindFirstFileW(pattern, data);
+HANDLE ReportingStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+    const HANDLE find = files().FindFirstFileW(pattern, data);
     if (find == INVALID_HANDLE_VALUE) {
         ReportSearch(ReadableText(pattern));
     } else {
@@ -138,8 +139,8 @@ HANDLE RecordingStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* dat
     return find;
 }
 
-BOOL RecordingStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
-    const BOOL found = inner().FindNextFileW(find, data);
+BOOL ReportingStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
+    const BOOL found = files().FindNextFileW(find, data);
     const auto search = searches_.find(find);
     if (found == 0 && search != searches_.end()) {
         ReportSearch(search->second);
@@ -147,13 +148,13 @@ BOOL RecordingStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
     return found;
 }
 
-BOOL RecordingStore::FindClose(HANDLE find) {
+BOOL ReportingStore::FindClose(HANDLE find) {
     searches_.erase(find);
-    return inner().FindClose(find);
+    return files().FindClose(find);
 }
 
-BOOL RecordingStore::DeleteFileW(const WCHAR* path) {
-    const BOOL deleted = inner().DeleteFileW(path);
+BOOL ReportingStore::DeleteFileW(const WCHAR* path) {
+    const BOOL deleted = files().DeleteFileW(path);
     if (deleted != 0) {
         const std::optional<std::uint64_t> size = DeletedSize();
         ++filesDeleted_;
@@ -166,8 +167,8 @@ BOOL RecordingStore::DeleteFileW(const WCHAR* path) {
     return deleted;
 }
 
-BOOL RecordingStore::RemoveDirectoryW(const WCHAR* path) {
-    const BOOL removed = inner().RemoveDirectoryW(path);
+BOOL ReportingStore::RemoveDirectoryW(const WCHAR* path) {
+    const BOOL removed = files().RemoveDirectoryW(path);
     if (removed != 0) {
         ++directoriesRemoved_;
         Report("removed directory " + ReadableText(path));
@@ -177,8 +178,8 @@ BOOL RecordingStore::RemoveDirectoryW(const WCHAR* path) {
     return removed;
 }
 
-BOOL RecordingStore::CreateDirectoryW(const WCHAR* path, void* security) {
-    const BOOL made = inner().CreateDirectoryW(path, security);
+BOOL ReportingStore::CreateDirectoryW(const WCHAR* path, void* security) {
+    const BOOL made = files().CreateDirectoryW(path, security);
     if (made != 0) {
         ++directoriesMade_;
         Report("made directory " + ReadableText(path));
@@ -188,8 +189,8 @@ BOOL RecordingStore::CreateDirectoryW(const WCHAR* path, void* security) {
     return made;
 }
 
-BOOL RecordingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
-    const BOOL moved = inner().MoveFileW(oldPath, newPath);
+BOOL ReportingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
+    const BOOL moved = files().MoveFileW(oldPath, newPath);
     const std::string line = "moved " + ReadableText(oldPath) + " to " + ReadableText(newPath);
     if (moved != 0) {
         ++entriesMoved_;
@@ -200,13 +201,13 @@ BOOL RecordingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     return moved;
 }
 
-void RecordingStore::NothingMoves(const WCHAR* source, const WCHAR* destination) {
+void ReportingStore::NothingMoves(const WCHAR* source, const WCHAR* destination) {
     ReportUndone("moved " + ReadableText(source) + " to " + ReadableText(destination));
     ForwardingStore::NothingMoves(source, destination);
 }
 
-BOOL RecordingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
-    const BOOL made = inner().SHCreateShortcut(path, target);
+BOOL ReportingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+    const BOOL made = files().SHCreateShortcut(path, target);
     const std::string line = "made shortcut " + ReadableText(path) + " to " + ReadableText(target);
     if (made != 0) {
         ++shortcutsMade_;
@@ -217,26 +218,27 @@ BOOL RecordingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     return made;
 }
 
-void RecordingStore::SetCleanRebootFlag() {
+void ReportingStore::SetCleanRebootFlag() {
     erases_ = true;
-    inner().SetCleanRebootFlag();
+    system().SetCleanRebootFlag();
 }
 
 // The one thing that cannot be reported afterwards, unless it could not be done.
-BOOL RecordingStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
+BOOL ReportingStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output,
                                      DWORD outputSize, DWORD* returned) {
     if (code == IOCTL_HAL_REBOOT) {
         [[maybe_unused]] const Status stored = StoreRegistry();
         Report(std::exchange(erases_, false) ? "erasing the device" : "restarting the device");
     }
-    const BOOL done = inner().KernelIoControl(code, input, inputSize, output, outputSize, returned);
+    const BOOL done =
+        system().KernelIoControl(code, input, inputSize, output, outputSize, returned);
     if (done == 0 && code == IOCTL_HAL_REBOOT) {
         ReportUndone("restarted");
     }
     return done;
 }
 
-std::string RecordingStore::PathBelow(HKEY key, std::u16string_view subkey) const {
+std::string ReportingStore::PathBelow(HKEY key, std::u16string_view subkey) const {
     const auto open = openKeys_.find(key);
     std::string path = open != openKeys_.end() ? open->second : RootName(key);
     const std::size_t begin = subkey.find_first_not_of(u'\\');
@@ -247,9 +249,9 @@ std::string RecordingStore::PathBelow(HKEY key, std::u16string_view subkey) cons
     return path;
 }
 
-LONG RecordingStore::RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
+LONG ReportingStore::RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                                    HKEY* result) {
-    const LONG opened = inner().RegOpenKeyExW(key, subkey, options, access, result);
+    const LONG opened = registry().RegOpenKeyExW(key, subkey, options, access, result);
     if (opened == ERROR_SUCCESS) {
         openKeys_[*result] = PathBelow(key, subkey != nullptr ? subkey : TEXT(""));
     }
@@ -257,7 +259,7 @@ LONG RecordingStore::RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options,
 }
 
 // A key that did not open has had its box.
-LONG RecordingStore::NoteChange(LONG result, Pending change, std::uint64_t before) {
+LONG ReportingStore::NoteChange(LONG result, Pending change, std::uint64_t before) {
     change.number = ChangesOfRegistry().made;
     if (result == ERROR_SUCCESS && change.number > before) {
         pending_.push_back(std::move(change));
@@ -267,31 +269,31 @@ LONG RecordingStore::NoteChange(LONG result, Pending change, std::uint64_t befor
     return result;
 }
 
-LONG RecordingStore::RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type,
+LONG ReportingStore::RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type,
                                     const BYTE* data, DWORD size) {
     const std::uint64_t before = ChangesOfRegistry().made;
-    const std::string old = ReadableValue(ReadValue(inner(), key, name));
-    const LONG written = inner().RegSetValueExW(key, name, reserved, type, data, size);
+    const std::string old = ReadableValue(ReadValue(registry(), key, name));
+    const LONG written = registry().RegSetValueExW(key, name, reserved, type, data, size);
     const std::string place = "written [" + PathBelow(key, {}) + "] \"" + ReadableText(name) + '"';
     const std::string change = "wrote" + place.substr(7) + ": " + old + " -> " +
                                ReadableValue(Value{type, {data, data + size}});
     return NoteChange(written, {0, log_.step(), change, place, &valuesWritten_}, before);
 }
 
-LONG RecordingStore::RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
+LONG ReportingStore::RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
     const std::uint64_t before = ChangesOfRegistry().made;
-    const LONG deleted = inner().RegDeleteKeyW(key, subkey);
+    const LONG deleted = registry().RegDeleteKeyW(key, subkey);
     const std::string place = "deleted key [" + PathBelow(key, subkey) + "]";
     return NoteChange(deleted, {0, log_.step(), place, place, &keysDeleted_}, before);
 }
 
-LONG RecordingStore::RegCloseKey(HKEY key) {
+LONG ReportingStore::RegCloseKey(HKEY key) {
     openKeys_.erase(key);
-    return inner().RegCloseKey(key);
+    return registry().RegCloseKey(key);
 }
 
 // Changes are stored by the inner store whenever it has to, in the order in which they were made.
-void RecordingStore::SettleRegistry() {
+void ReportingStore::SettleRegistry() {
     const std::uint64_t stored = ChangesOfRegistry().stored;
     while (!pending_.empty() && pending_.front().number <= stored) {
         const Pending& change = pending_.front();
@@ -304,14 +306,14 @@ void RecordingStore::SettleRegistry() {
     }
 }
 
-Status RecordingStore::StoreRegistry() {
+Status ReportingStore::StoreRegistry() {
     Status stored = ForwardingStore::StoreRegistry();
     whyNotStored_ = stored ? "" : ReasonOf(stored.error());
     SettleRegistry();
     return stored;
 }
 
-Status RecordingStore::Finish() {
+Status ReportingStore::Finish() {
     SettleRegistry();
     for (; !pending_.empty(); pending_.pop_front()) {
         ++notDone_;

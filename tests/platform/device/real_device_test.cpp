@@ -1,6 +1,6 @@
 // The registry and the file tree of one device: what is stored, and when.
 
-#include "platform/device/directory_store.h"
+#include "platform/device/real_device.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -11,9 +11,10 @@
 #include "core/win_main.h"
 #include "platform/device/hard_reset.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/display/store_before_waiting.h"
-#include "platform/report/recording_store.h"
+#include "platform/display/registry_saving_windows.h"
+#include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/mounted_device.h"
 
 namespace {
@@ -31,9 +32,9 @@ LONG WriteNumber(platform::DeviceStore& store) {
 }
 
 void WriteAndRestart(const TemporaryDevice& device, std::FILE* report) {
-    platform::DirectoryStore store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     platform::RunLog log("");
-    platform::RecordingStore recorder(store, report, log);
+    platform::ReportingStore recorder(store, report, log);
     WriteNumber(recorder);
     WriteNumber(recorder);
     if (recorder.KernelIoControl(IOCTL_HAL_REBOOT + 1, nullptr, 0, nullptr, 0, nullptr) == 0) {
@@ -42,7 +43,7 @@ void WriteAndRestart(const TemporaryDevice& device, std::FILE* report) {
     std::_Exit(1);  // not reached
 }
 
-TEST(DirectoryStoreTest, ARestartStoresWhatIsPendingAndEndsTheProcess) {
+TEST(RealDeviceTest, ARestartStoresWhatIsPendingAndEndsTheProcess) {
     const TemporaryDevice device;
     const std::string report = device.path() + "/report";
     WriteFile(device.path() + "/registry.reg", kKey);
@@ -57,16 +58,16 @@ TEST(DirectoryStoreTest, ARestartStoresWhatIsPendingAndEndsTheProcess) {
 
 // A restart that cannot erase the device comes back, and the one after it is a plain one.
 void WriteAndErase(const TemporaryDevice& device) {
-    platform::DirectoryStore store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     platform::RunLog log("");
-    platform::RecordingStore recorder(store, stderr, log);
+    platform::ReportingStore recorder(store, stderr, log);
     WriteNumber(recorder);
     recorder.SetCleanRebootFlag();
     recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
     recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
 }
 
-TEST(DirectoryStoreTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
+TEST(RealDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
     const TemporaryDevice device;
     device.Make({"../tree/f=1"});
     std::filesystem::remove(device.files());
@@ -88,7 +89,7 @@ TEST(DirectoryStoreTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) 
 }
 
 // What stores the registry, and what leaves it for later because it changes nothing.
-TEST(DirectoryStoreTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
+TEST(RealDeviceTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
     using Operation = void (*)(platform::DeviceStore&, platform::WindowSystem&);
     const std::pair<Operation, bool> cases[] = {
         {[](auto& store, auto& /*windows*/) { store.DeleteFileW(u"\\f"); }, true},
@@ -109,9 +110,9 @@ TEST(DirectoryStoreTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
         device.Make({"f=1", "d/"});
         WriteFile(device.path() + "/registry.reg", kKey);
         platform::RunLog log("");
-        platform::DirectoryStore store(device.OpenFiles(), u"", device.OpenRegistry());
+        platform::RealDevice store(device.OpenFiles(), u"", device.OpenRegistry());
         CollectedBoxes boxes;
-        platform::StoreBeforeWaiting windows(boxes, store, log);
+        platform::RegistrySavingWindows windows(boxes, store, log);
         ASSERT_EQ(WriteNumber(store), ERROR_SUCCESS);
         EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kKey);
         operation(store, windows);
@@ -121,7 +122,7 @@ TEST(DirectoryStoreTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
 }
 
 // Where there is no room for one more registry nothing moves; deleting makes room.
-TEST(DirectoryStoreTest, NothingMovesWithoutRoomForTheRegistry) {
+TEST(RealDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
     if (!EnterMountNamespace()) {
         GTEST_SKIP() << "this user may not mount anything";
     }
@@ -132,7 +133,7 @@ TEST(DirectoryStoreTest, NothingMovesWithoutRoomForTheRegistry) {
     WriteFile(device.path() + "/registry.reg", kKey + std::string(8000, ';'));
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::DirectoryStore store(device.OpenFiles(), u"", device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), u"", device.OpenRegistry());
     log.BeginStep(12);
     testing::internal::CaptureStderr();
     for (int round = 0; round < 2; ++round) {
@@ -153,7 +154,7 @@ TEST(DirectoryStoreTest, NothingMovesWithoutRoomForTheRegistry) {
 }
 
 // What another program has stored meanwhile stays, and what it has deleted is not reported as done.
-TEST(DirectoryStoreTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
+TEST(RealDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
     const TemporaryDevice device;
     const std::string registry = device.path() + "/registry.reg";
     const std::string report = device.path() + "/report";
@@ -161,8 +162,8 @@ TEST(DirectoryStoreTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone
     std::FILE* const file = std::fopen(report.c_str(), "we");
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::DirectoryStore store(device.OpenFiles(), u"", device.OpenRegistry());
-    platform::RecordingStore recorder(store, file, log);
+    platform::RealDevice store(device.OpenFiles(), u"", device.OpenRegistry());
+    platform::ReportingStore recorder(store, file, log);
     ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
     WriteFile(registry, "; another editor\n");
     testing::internal::CaptureStderr();
@@ -188,10 +189,10 @@ class UnreadableFiles : public platform::ForwardingStore {
     }
 };
 
-TEST(DirectoryStoreTest, SettingsThatCannotBeReadTickNothing) {
+TEST(RealDeviceTest, SettingsThatCannotBeReadTickNothing) {
     const TemporaryDevice device;
     device.Make({"Windows/StartUp/Fennelbright.lnk=keep", "App/settings.dat=1234"});
-    platform::FileStore real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
+    FilesAlone real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
     UnreadableFiles store(real);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(store);

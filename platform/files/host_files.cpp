@@ -1,4 +1,4 @@
-#include "platform/files/file_store.h"
+#include "platform/files/host_files.h"
 #include "platform/io/whole_file.h"
 
 #include <fcntl.h>
@@ -46,7 +46,7 @@ tl::unexpected<Failure> NotThere(const char* tried) {
 
 }  // namespace
 
-BOOL FileStore::KeepFailure(const Status& done) {
+BOOL HostFiles::KeepFailure(const Status& done) {
     if (!done) {
         lastFailure_ = done.error();
     }
@@ -54,10 +54,11 @@ BOOL FileStore::KeepFailure(const Status& done) {
 }
 
 // Whatever walks a directory has it open already, and names the entries in it by the same path.
-Status FileStore::ReachDirectory(std::u16string_view path, Place& place) {
-    if (const Search* const search = searches_.InDirectory(path)) {
-        place.directory = search->directory();
-        place.directoryIsRoot = search->directoryIsRoot();
+Status HostFiles::ReachDirectory(std::u16string_view path, Place& place) {
+    place.search = searches_.InDirectory(path);
+    if (place.search != nullptr) {
+        place.directory = place.search->directory();
+        place.directoryIsRoot = place.search->directoryIsRoot();
         return {};
     }
     Result<OpenedDirectory> opened = tree_.OpenDirectory(path, OpenFor::Reaching);
@@ -71,7 +72,7 @@ Status FileStore::ReachDirectory(std::u16string_view path, Place& place) {
 }
 
 // Tries the exact name first; what it says when that fails for another reason than absence counts.
-Status FileStore::Examine(Place& place, std::u16string_view device) const {
+Status HostFiles::Examine(Place& place, std::u16string_view device) const {
     Result<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
     if (!facts && facts.error().error == ENOENT) {
         const Result<std::optional<HostName>> spelling =
@@ -91,7 +92,7 @@ Status FileStore::Examine(Place& place, std::u16string_view device) const {
     return {};
 }
 
-Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge knowledge) {
+Result<HostFiles::Place> HostFiles::Locate(std::u16string_view path, Knowledge knowledge) {
     const SplitPath split = SplitAtName(path);
     Place place;
     if (!HostNameOf(split.name, place.name)) {
@@ -100,10 +101,9 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
     if (Status reached = ReachDirectory(split.directory, place); !reached) {
         return tl::unexpected<Failure>(reached.error());
     }
-    const Search* const search =
-        knowledge == Knowledge::OfSearch ? searches_.InDirectory(split.directory) : nullptr;
+    const bool isKnown = knowledge == Knowledge::OfSearch && place.search != nullptr;
     const std::optional<EntryFacts> known =
-        search != nullptr ? search->FactsIfCurrent(place.name.view()) : std::nullopt;
+        isKnown ? place.search->FactsIfCurrent(place.name.view()) : std::nullopt;
     if (known) {
         place.facts = *known;
     } else if (Status examined = Examine(place, split.name); !examined) {
@@ -115,7 +115,7 @@ Result<FileStore::Place> FileStore::Locate(std::u16string_view path, Knowledge k
     return place;
 }
 
-Result<FileStore::Target> FileStore::LocateTarget(std::u16string_view path) {
+Result<HostFiles::Target> HostFiles::LocateTarget(std::u16string_view path) {
     const SplitPath split = SplitAtName(path);
     Target target{nullptr, split.name, {}};
     if (!HostNameOf(split.name, target.host)) {
@@ -130,7 +130,7 @@ Result<FileStore::Target> FileStore::LocateTarget(std::u16string_view path) {
 }
 
 // A directory that the search around it has just come to is open already.
-Result<OpenedDirectory> FileStore::OpenForSearch(std::u16string_view path) {
+Result<OpenedDirectory> HostFiles::OpenForSearch(std::u16string_view path) {
     const SplitPath split = SplitAtName(path);
     Search* const around = searches_.InDirectory(split.directory);
     HostName name;
@@ -142,7 +142,7 @@ Result<OpenedDirectory> FileStore::OpenForSearch(std::u16string_view path) {
     return tree_.OpenDirectory(path, OpenFor::Reading);
 }
 
-Result<HANDLE> FileStore::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
+Result<HANDLE> HostFiles::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
     Result<OpenedDirectory> directory = OpenForSearch(pattern.directory);
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
@@ -158,7 +158,7 @@ Result<HANDLE> FileStore::FindInDirectory(const SplitPath& pattern, WIN32_FIND_D
     return searches_.Add(std::move(search));
 }
 
-Result<HANDLE> FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
+Result<HANDLE> HostFiles::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
     if (SplitAtName(path).name.empty()) {
         if (path.empty() || tree_.root() < 0) {
             return Fail("look at", ENOTDIR);
@@ -182,7 +182,7 @@ Result<HANDLE> FileStore::FindEntry(std::u16string_view path, WIN32_FIND_DATA& d
     return searches_.Add(nullptr);
 }
 
-Result<HANDLE> FileStore::FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data) {
+Result<HANDLE> HostFiles::FindFirst(std::u16string_view pattern, WIN32_FIND_DATA& data) {
     const SplitPath split = SplitAtName(pattern);
     if (!HasWildcard(split.name)) {
         return FindEntry(pattern, data);
@@ -190,7 +190,7 @@ Result<HANDLE> FileStore::FindFirst(std::u16string_view pattern, WIN32_FIND_DATA
     return split.directoryOnly ? NotThere("find") : FindInDirectory(split, data);
 }
 
-HANDLE FileStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
+HANDLE HostFiles::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
     const Result<HANDLE> found = FindFirst(pattern, *data);
     if (!found) {
         lastFailure_ = found.error();
@@ -198,7 +198,7 @@ HANDLE FileStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
     return found.value_or(INVALID_HANDLE_VALUE);
 }
 
-Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
+Status HostFiles::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
     if (!searches_.IsOpen(find)) {
         return Fail("go on with the search", EBADF);
     }
@@ -210,18 +210,18 @@ Status FileStore::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
     return *more ? Status() : FailBecause("go on", "there is nothing more", ERROR_NO_MORE_FILES);
 }
 
-BOOL FileStore::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
+BOOL HostFiles::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
     tree_.lookup().EndLooks();
     return KeepFailure(FindNext(find, *data));
 }
 
-BOOL FileStore::FindClose(HANDLE find) {
+BOOL HostFiles::FindClose(HANDLE find) {
     const bool closed = searches_.Remove(find);
     ForgetDestinationDirectories();
     return KeepFailure(closed ? Status() : Fail("close the search", EBADF));
 }
 
-Status FileStore::Delete(std::u16string_view path) {
+Status HostFiles::Delete(std::u16string_view path) {
     const Result<Place> place = Locate(path, Knowledge::OfSearch);
     if (!place) {
         return tl::unexpected<Failure>(place.error());
@@ -242,11 +242,11 @@ Status FileStore::Delete(std::u16string_view path) {
     return {};
 }
 
-BOOL FileStore::DeleteFileW(const WCHAR* path) {
+BOOL HostFiles::DeleteFileW(const WCHAR* path) {
     return KeepFailure(Delete(path));
 }
 
-Status FileStore::RemoveDirectory(std::u16string_view path) {
+Status HostFiles::RemoveDirectory(std::u16string_view path) {
     const Result<Place> place = Locate(path, Knowledge::OfSearch);
     if (!place) {
         return tl::unexpected<Failure>(place.error());
@@ -263,11 +263,11 @@ Status FileStore::RemoveDirectory(std::u16string_view path) {
     return {};
 }
 
-BOOL FileStore::RemoveDirectoryW(const WCHAR* path) {
+BOOL HostFiles::RemoveDirectoryW(const WCHAR* path) {
     return KeepFailure(RemoveDirectory(path));
 }
 
-Status FileStore::CreateDirectory(std::u16string_view path) {
+Status HostFiles::CreateDirectory(std::u16string_view path) {
     const Result<Target> target = LocateTarget(path);
     if (!target) {
         return tl::unexpected<Failure>(target.error());
@@ -291,13 +291,13 @@ Status FileStore::CreateDirectory(std::u16string_view path) {
     return {};
 }
 
-BOOL FileStore::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
+BOOL HostFiles::CreateDirectoryW(const WCHAR* path, void* /*security*/) {
     const BOOL made = KeepFailure(CreateDirectory(path));
     ForgetDestinationDirectories();
     return made;
 }
 
-BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
+BOOL HostFiles::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     const Result<Place> source = Locate(oldPath, Knowledge::OfSearch);
     const BOOL moved = KeepFailure(source ? Move(*source, oldPath, newPath)
                                           : Status(tl::unexpected<Failure>(source.error())));
@@ -305,7 +305,7 @@ BOOL FileStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     return moved;
 }
 
-Status FileStore::Move(const Place& source, std::u16string_view oldPath,
+Status HostFiles::Move(const Place& source, std::u16string_view oldPath,
                        std::u16string_view newPath) {
     if (SplitAtName(newPath).directoryOnly && !source.facts.isDirectory()) {
         return FailBecause("move", "it is no directory", ERROR_DIRECTORY);
@@ -339,7 +339,7 @@ Status FileStore::Move(const Place& source, std::u16string_view oldPath,
     return moved;
 }
 
-Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
+Status HostFiles::MoveTo(const Place& source, std::u16string_view oldPath,
                          std::u16string_view newPath, const Target& target) {
     const int into = target.directory->descriptor.get();
     const char* const name = target.host.c_str();
@@ -360,7 +360,7 @@ Status FileStore::MoveTo(const Place& source, std::u16string_view oldPath,
 }
 
 // A move that was cut off left the entry under both names.
-Status FileStore::FinishMoveTo(const Place& source, std::u16string_view oldPath,
+Status HostFiles::FinishMoveTo(const Place& source, std::u16string_view oldPath,
                                const Target& target) {
     const Result<Descriptor> volume = tree_.OpenVolume(oldPath);
     if (!volume || !source.facts.isRegularFile()) {
@@ -371,14 +371,14 @@ Status FileStore::FinishMoveTo(const Place& source, std::u16string_view oldPath,
 }
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
-void FileStore::ForgetDestinationDirectories() {
+void HostFiles::ForgetDestinationDirectories() {
     tree_.lookup().EndLooks();
     if (searches_.empty()) {
         filled_.Clear();
     }
 }
 
-std::FILE* FileStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
+std::FILE* HostFiles::_wfopen(const WCHAR* path, const WCHAR* mode) {
     const std::u16string_view wanted(mode);
     Result<std::FILE*> opened =
         FailBecause("open", "the mode is not known", ERROR_INVALID_PARAMETER);
@@ -393,7 +393,7 @@ std::FILE* FileStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
     return opened.value_or(nullptr);
 }
 
-Result<Descriptor> FileStore::OpenFile(std::u16string_view path, Knowledge knowledge) {
+Result<Descriptor> HostFiles::OpenFile(std::u16string_view path, Knowledge knowledge) {
     const Result<Place> place = Locate(path, knowledge);
     if (!place) {
         return tl::unexpected<Failure>(place.error());
@@ -404,7 +404,7 @@ Result<Descriptor> FileStore::OpenFile(std::u16string_view path, Knowledge knowl
     return OpenRegularFile(place->directory, place->name.c_str());
 }
 
-Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
+Result<std::FILE*> HostFiles::OpenForReading(std::u16string_view path) {
     Result<Descriptor> opened = OpenFile(path, Knowledge::Fresh);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
@@ -417,7 +417,7 @@ Result<std::FILE*> FileStore::OpenForReading(std::u16string_view path) {
     return file;
 }
 
-Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing existing) {
+Result<std::FILE*> HostFiles::OpenForWriting(std::u16string_view path, Existing existing) {
     tree_.lookup().EndLooks();
     const SplitPath split = SplitAtName(path);
     Place place;
@@ -445,7 +445,7 @@ Result<std::FILE*> FileStore::OpenForWriting(std::u16string_view path, Existing 
 }
 
 // The file that the one to be written takes the place of, if there is one.
-Result<std::optional<struct stat>> FileStore::Replaced(Place& place, std::u16string_view device,
+Result<std::optional<struct stat>> HostFiles::Replaced(Place& place, std::u16string_view device,
                                                        Existing existing) const {
     const Status examined = Examine(place, device);
     if (!examined && examined.error().error == ENOENT) {
@@ -467,16 +467,7 @@ Result<std::optional<struct stat>> FileStore::Replaced(Place& place, std::u16str
     return status;
 }
 
-DWORD FileStore::GetModuleFileNameW(HINSTANCE /*module*/, WCHAR* buffer, DWORD limit) {
-    if (modulePath_.size() >= limit) {
-        lastFailure_ = Failure{"give", {}, ERANGE, "it does not fit", ERROR_INSUFFICIENT_BUFFER};
-        return 0;
-    }
-    *std::copy(modulePath_.begin(), modulePath_.end(), buffer) = 0;
-    return static_cast<DWORD>(modulePath_.size());
-}
-
-Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) {
+Result<std::u16string> HostFiles::TargetOf(std::u16string_view path, int limit) {
     const Result<Descriptor> file = OpenFile(path, Knowledge::OfSearch);
     if (!file) {
         return tl::unexpected<Failure>(file.error());
@@ -489,7 +480,7 @@ Result<std::u16string> FileStore::TargetOf(std::u16string_view path, int limit) 
 }
 
 // The looks that follow are for its target, of which a text can name very many.
-BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
+BOOL HostFiles::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
     tree_.lookup().BeginLooks();
     const Result<std::u16string> target = TargetOf(path, limit);
     if (!target) {
@@ -500,7 +491,7 @@ BOOL FileStore::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit)
     return 1;
 }
 
-Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view target) {
+Status HostFiles::CreateShortcut(std::u16string_view path, std::u16string_view target) {
     const Result<std::FILE*> file = OpenForWriting(path, Existing::Kept);
     if (!file) {
         return tl::unexpected<Failure>(file.error());
@@ -513,72 +504,25 @@ Status FileStore::CreateShortcut(std::u16string_view path, std::u16string_view t
     return {};
 }
 
-BOOL FileStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
+BOOL HostFiles::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     return KeepFailure(CreateShortcut(path, target));
 }
 
-BOOL FileStore::CreateProcessW(const WCHAR* image, const WCHAR* commandLine,
-                               void* /*processSecurity*/, void* /*threadSecurity*/,
-                               BOOL /*inherit*/, DWORD /*flags*/, void* /*environment*/,
-                               WCHAR* /*directory*/, void* /*startup*/, void* /*information*/) {
-    return KeepFailure(StartProgram(image, commandLine));
-}
-
-Status FileStore::StartProgram(std::u16string_view /*image*/, std::u16string_view /*commandLine*/) {
-    return Fail("start the program", ENOENT);
-}
-
-Result<std::string> FileStore::ReadWhole(std::u16string_view path, std::size_t limit) {
+Result<std::string> HostFiles::ReadWhole(std::u16string_view path, std::size_t limit) {
     const Result<Descriptor> file = OpenFile(path, Knowledge::Fresh);
     return file ? ReadToEnd(file->get(), limit) : tl::unexpected<Failure>(file.error());
 }
 
-BOOL FileStore::KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/,
-                                void* /*output*/, DWORD /*outputSize*/, DWORD* /*returned*/) {
-    return KeepFailure(
-        FailBecause("control", "the device has no such control", ERROR_NOT_SUPPORTED));
-}
-
-void FileStore::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
+void HostFiles::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
     moved_.Begin(tree_, oldPath, newPath);
 }
 
-void FileStore::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
+void HostFiles::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
     moved_.End(tree_, oldPath);
 }
 
-void FileStore::RecoverFromKilledRuns() {
+void HostFiles::RecoverFromKilledRuns() {
     RecoverVolumes(tree_);
-}
-
-LONG FileStore::RegOpenKeyExW(HKEY /*key*/, const WCHAR* /*subkey*/, DWORD /*options*/,
-                              DWORD /*access*/, HKEY* result) {
-    *result = nullptr;
-    return ERROR_FILE_NOT_FOUND;
-}
-
-LONG FileStore::RegQueryValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD* /*reserved*/,
-                                 DWORD* /*type*/, BYTE* /*data*/, DWORD* /*size*/) {
-    return ERROR_FILE_NOT_FOUND;
-}
-
-LONG FileStore::RegSetValueExW(HKEY /*key*/, const WCHAR* /*name*/, DWORD /*reserved*/,
-                               DWORD /*type*/, const BYTE* /*data*/, DWORD /*size*/) {
-    return ERROR_INVALID_HANDLE;
-}
-
-LONG FileStore::RegEnumKeyExW(HKEY /*key*/, DWORD /*index*/, WCHAR* /*name*/, DWORD* /*size*/,
-                              DWORD* /*reserved*/, WCHAR* /*className*/, DWORD* /*classSize*/,
-                              void* /*lastWriteTime*/) {
-    return ERROR_INVALID_HANDLE;
-}
-
-LONG FileStore::RegDeleteKeyW(HKEY /*key*/, const WCHAR* /*subkey*/) {
-    return ERROR_INVALID_HANDLE;
-}
-
-LONG FileStore::RegCloseKey(HKEY /*key*/) {
-    return ERROR_INVALID_HANDLE;
 }
 
 }  // namespace platform

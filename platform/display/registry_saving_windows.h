@@ -8,11 +8,11 @@ namespace platform {
 
 // Windows that have the registry stored before anybody is waited for: a box or a message can take
 // any time, in which the process may be ended. Counts the boxes that report an error.
-class StoreBeforeWaiting : public ForwardingWindowSystem {
+class RegistrySavingWindows : public ForwardingWindowSystem {
   public:
     // All stay the caller's.
-    StoreBeforeWaiting(WindowSystem& inner, DeviceStore& store, RunLog& log)
-        : ForwardingWindowSystem(inner), store_(store), log_(log) {}
+    RegistrySavingWindows(WindowSystem& inner, DeviceRegistry& registry, RunLog& log)
+        : ForwardingWindowSystem(inner), registry_(registry), log_(log) {}
 
     BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest) override;
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
@@ -20,7 +20,7 @@ class StoreBeforeWaiting : public ForwardingWindowSystem {
   private:
     void Store();
 
-    DeviceStore& store_;
+    DeviceRegistry& registry_;
     RunLog& log_;
     std::uint64_t tried_ = 0;  // changes of the registry that there were when it was stored last
 };

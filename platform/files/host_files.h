@@ -14,14 +14,25 @@
 
 namespace platform {
 
-// The device store of a device that has files and shortcuts but no registry and no power switch:
-// the handheld's files are the host's files below one root directory.
-class FileStore : public DeviceStore {
+// What has to be asked before the file tree changes. Where it fails, nothing is changed.
+class ChangeGuard {
+  public:
+    ChangeGuard() = default;
+    virtual ~ChangeGuard() = default;
+    ChangeGuard(const ChangeGuard&) = delete;
+    ChangeGuard& operator=(const ChangeGuard&) = delete;
+
+    virtual Status BeforeChange() = 0;  // of any kind
+    virtual Status BeforeMove() = 0;    // of an entry, and before a directory is made
+};
+
+// The handheld's files: the host's files below one root directory.
+class HostFiles : public DeviceFiles {
   public:
     // `root` is the open root directory of the device's files, none for a device without files.
-    // `modulePath` is where the program's executable lies on the device.
-    FileStore(Descriptor root, std::u16string modulePath)
-        : tree_(std::move(root)), modulePath_(std::move(modulePath)) {}
+    // `guard` stays the caller's; null where nothing has to be asked.
+    explicit HostFiles(Descriptor root, ChangeGuard* guard = nullptr)
+        : tree_(std::move(root)), guard_(guard) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
     BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
@@ -31,33 +42,11 @@ class FileStore : public DeviceStore {
     BOOL CreateDirectoryW(const WCHAR* path, void* security) override;
     BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) override;
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override;
-    DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) override;
-    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
-                        void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
-                        WCHAR* directory, void* startup, void* information) override;
     BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) override;
     BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) override;
-    BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
-                         DWORD* returned) override;
-    void SetCleanRebootFlag() override {}
-
-    // Without a registry no key is ever there.
-    LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
-                       HKEY* result) override;
-    LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
-                          DWORD* size) override;
-    LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
-                        DWORD size) override;
-    LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
-                       WCHAR* className, DWORD* classSize, void* lastWriteTime) override;
-    LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
-    LONG RegCloseKey(HKEY key) override;
 
     const Failure& LastFailure() const override { return lastFailure_; }
     std::optional<std::uint64_t> DeletedSize() const override { return deletedSize_; }
-    RegistryChanges ChangesOfRegistry() const override { return {}; }
-    bool IsChangeLost(std::uint64_t /*change*/) const override { return false; }
-    Status StoreRegistry() override { return {}; }
     void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override;
     void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override;
     void NothingMoves(const WCHAR* /*source*/, const WCHAR* /*destination*/) override {}
@@ -67,26 +56,19 @@ class FileStore : public DeviceStore {
     // the device.
     void RecoverFromKilledRuns();
 
-  protected:
-    // Asked before anything in the file tree changes, and before an entry is moved or a directory
-    // made; where they fail, nothing is changed.
-    virtual Status BeforeChange() { return {}; }
-    virtual Status BeforeMove() { return {}; }
-
-    // Starts a program; here there is none.
-    virtual Status StartProgram(std::u16string_view image, std::u16string_view commandLine);
-
     // The content of a file of at most `limit` bytes.
     Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);
 
-    // Keeps the reason of a failure. Returns whether there was none, as the platform has it.
+    // Keeps the reason of a failure for LastFailure. Returns whether there was none, as the
+    // platform has it.
     BOOL KeepFailure(const Status& done);
 
   private:
     // An entry that is there, reached through its open directory.
     struct Place {
         int directory = -1;
-        OpenedDirectory owned;  // empty where a search has the directory open
+        const Search* search = nullptr;  // that has the directory open
+        OpenedDirectory owned;           // empty where a search has it
         bool directoryIsRoot = false;
         HostName name;
         EntryFacts facts;
@@ -102,6 +84,8 @@ class FileStore : public DeviceStore {
     // What becomes of a file that has the name of the one to be written.
     enum class Existing { Replaced, Kept };
 
+    Status BeforeChange() { return guard_ == nullptr ? Status() : guard_->BeforeChange(); }
+    Status BeforeMove() { return guard_ == nullptr ? Status() : guard_->BeforeMove(); }
     Status ReachDirectory(std::u16string_view path, Place& place);
     Result<Place> Locate(std::u16string_view path, Knowledge knowledge);
     Status Examine(Place& place, std::u16string_view device) const;
@@ -128,7 +112,7 @@ class FileStore : public DeviceStore {
     Status CreateShortcut(std::u16string_view path, std::u16string_view target);
 
     PathResolver tree_;
-    std::u16string modulePath_;
+    ChangeGuard* guard_;
     OpenSearches searches_;
     DestinationDirectories filled_;
     MovedDirectoryAttributes moved_;

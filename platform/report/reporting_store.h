@@ -15,11 +15,11 @@ namespace platform {
 // Reports what is done to the device and what could not be: a line for each thing, after it was
 // done, with the step of the Apply sequence that did it, and the totals when asked. A change of the
 // registry is done when it is stored.
-class RecordingStore : public ForwardingStore {
+class ReportingStore : public ForwardingStore {
   public:
     // All stay the caller's. `report` may be null: then nothing is written, and the log alone
     // counts what could not be done.
-    RecordingStore(DeviceStore& inner, std::FILE* report, RunLog& log);
+    ReportingStore(DeviceStore& inner, std::FILE* report, RunLog& log);
 
     // What could not be done because it was done already, or is not there, is not reported.
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;

@@ -1,0 +1,47 @@
+#include "platform/host/make_sample_device.h"
+
+#include <sysexits.h>
+
+#include <utility>
+
+#include "platform/device/device_directory.h"
+#include "platform/device/real_device.h"
+#include "platform/device/sample_device.h"
+#include "platform/device/sample_registry.h"
+#include "platform/diagnostics/run_log.h"
+
+namespace platform {
+
+namespace {
+
+Status FillSample(DeviceDirectory& device, const CommandLine& line) {
+    if (Status written = WriteSampleRegistry(device.directory.get()); !written) {
+        return written;
+    }
+    auto registry = Registry::Open(device.directory.get());
+    if (!registry) {
+        return tl::unexpected<Failure>(registry.error());
+    }
+    RealDevice store(std::move(device.files), line.modulePath, std::move(*registry));
+    const StoreInUse inUse(store);
+    return FillSampleDevice(store);
+}
+
+}  // namespace
+
+Status MakeSampleDevice(const CommandLine& line) {
+    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
+    return device ? FillSample(*device, line) : Status(tl::unexpected<Failure>(device.error()));
+}
+
+int RunMakeSampleDevice(const CommandLine& line) {
+    RunLog log(line.device);
+    const LogInUse logInUse(log);
+    const Status made = MakeSampleDevice(line);
+    if (!made) {
+        log.Say("no whole sample device: " + Describe(made.error()));
+    }
+    return made ? 0 : EX_CANTCREAT;
+}
+
+}  // namespace platform
