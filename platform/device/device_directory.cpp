@@ -1,16 +1,16 @@
 #include "platform/device/device_directory.h"
 
 #include <fcntl.h>
-#include <linux/openat2.h>
 #include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include <cerrno>
 #include <cstdlib>
 
 #include "platform/io/directory_reader.h"
+#include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
 
 namespace platform {
 
@@ -27,10 +27,6 @@ const char* HomeDirectory() {
     return user != nullptr ? user->pw_dir : nullptr;
 }
 
-bool IsSame(const struct stat& left, const struct stat& right) {
-    return left.st_dev == right.st_dev && left.st_ino == right.st_ino;
-}
-
 struct Refused {
     const char* path;
     const char* reason;
@@ -40,16 +36,15 @@ struct Refused {
 Status CheckMeant(const DeviceDirectory& device) {
     const Refused places[] = {{"/", "it is the root of this machine's file system"},
                               {HomeDirectory(), "it is your home directory"}};
-    struct stat directory {};
-    struct stat files {};
-    if (fstat(device.directory.get(), &directory) != 0 ||
-        (device.files && fstat(device.files.get(), &files) != 0)) {
+    const auto directory = IdentityOf(device.directory.get());
+    const auto files = device.files ? IdentityOf(device.files.get()) : std::nullopt;
+    if (!directory || (device.files && !files)) {
         return Fail(kUse, errno);
     }
     for (const Refused& place : places) {
-        struct stat there {};
-        if (place.path != nullptr && stat(place.path, &there) == 0 &&
-            (IsSame(directory, there) || (device.files && IsSame(files, there)))) {
+        const Descriptor there(place.path != nullptr ? open(place.path, O_PATH | O_CLOEXEC) : -1);
+        const auto refused = there ? IdentityOf(there.get()) : std::nullopt;
+        if (IsSameFile(directory, refused) || IsSameFile(files, refused)) {
             return FailBecause(kUse, place.reason);
         }
     }
@@ -58,22 +53,17 @@ Status CheckMeant(const DeviceDirectory& device) {
 
 // Readable where that is allowed, because only such a descriptor can be locked.
 Result<Descriptor> OpenFiles(const Descriptor& device) {
-    open_how how{};
-    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_MAGICLINKS;
-    int error = 0;
+    Result<Descriptor> files = Fail("open", ENOENT);
     for (const int access : {O_RDONLY, O_PATH}) {
-        how.flags = static_cast<std::uint64_t>(access | O_DIRECTORY | O_CLOEXEC);
-        Descriptor files(
-            static_cast<int>(syscall(SYS_openat2, device.get(), kFilesName, &how, sizeof how)));
-        if (files) {
-            return files;
-        }
-        error = errno;
-        if (error != EACCES) {
+        files = OpenBeneath(device.get(), kFilesName, access | O_DIRECTORY, Mounts::Entered);
+        if (files || files.error().error != EACCES) {
             break;
         }
     }
-    return Fail("be used as a directory", error);
+    if (!files) {
+        files.error().tried = "be used as a directory";
+    }
+    return files;
 }
 
 // Whether the device may do without a file tree: it is only missing, and the registry is there.
@@ -93,14 +83,14 @@ Status CheckWithoutFiles(const Descriptor& device, const Failure& missing) {
 }
 
 Status CheckEmpty(const Descriptor& directory) {
-    DirectoryReader reader(DirectoryReader::Names::All);
-    const Result<bool> hasEntry = reader.Next(directory.get());
-    if (!hasEntry) {
-        return tl::unexpected<Failure>(hasEntry.error());
+    const Result<bool> isEmpty = ReadEntries(directory.get(), DirectoryReader::Names::All,
+                                             [](const auto& /*entry*/) { return false; });
+    if (!isEmpty) {
+        return tl::unexpected<Failure>(isEmpty.error());
     }
-    return *hasEntry
-               ? FailBecause(kUse, "it is not empty; name a directory that does not exist yet")
-               : Status();
+    return *isEmpty
+               ? Status()
+               : FailBecause(kUse, "it is not empty; name a directory that does not exist yet");
 }
 
 Result<DeviceDirectory> OpenDirectory(const char* path) {
@@ -124,12 +114,6 @@ Result<bool> Lock(const Descriptor& directory) {
         return Fail("lock it", errno);
     }
     return false;
-}
-
-bool IsSameDirectory(const Descriptor& left, const Descriptor& right) {
-    struct stat one {};
-    struct stat other {};
-    return fstat(left.get(), &one) == 0 && fstat(right.get(), &other) == 0 && IsSame(one, other);
 }
 
 }  // namespace
@@ -186,7 +170,9 @@ Result<bool> LockDevice(const DeviceDirectory& device) {
         return locked;
     }
     Result<bool> both = Lock(device.files);
-    return both && !*both ? IsSameDirectory(device.directory, device.files) : both;
+    return both && !*both
+               ? IsSameFile(IdentityOf(device.directory.get()), IdentityOf(device.files.get()))
+               : both;
 }
 
 }  // namespace platform

@@ -10,11 +10,12 @@
 #include <iterator>
 
 #include "platform/device/device_directory.h"
-#include "platform/files/path_resolver.h"
-#include "platform/io/atomic_file.h"
+#include "platform/io/attribute_copy.h"
 #include "platform/io/descriptor.h"
 #include "platform/io/directory_reader.h"
-#include "platform/io/file_move.h"
+#include "platform/io/entry_facts.h"
+#include "platform/io/rename_without_replacing.h"
+#include "platform/io/whole_file.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
@@ -105,14 +106,15 @@ Status Erasing::Check() const {
     if (IsMountPoint(files.get(), "")) {
         return RefuseCard(kFilesName);
     }
-    DirectoryReader reader(DirectoryReader::Names::All);
-    Result<bool> more = reader.Next(files.get());
-    for (; more && *more; more = reader.Next(files.get())) {
-        if (IsMountPoint(files.get(), reader.entry().name)) {
-            return RefuseCard(std::string("\\") + ReadableBytes(reader.entry().name));
+    Status cards;
+    const auto isNoCard = [&](const DirectoryReader::Entry& entry) {
+        if (IsMountPoint(files.get(), entry.name)) {
+            cards = RefuseCard(ReadableBytes(std::string("\\").append(entry.name)));
         }
-    }
-    return more ? Status() : Status(tl::unexpected<Failure>(more.error()));
+        return cards.has_value();
+    };
+    const Result<bool> read = ReadEntries(files.get(), DirectoryReader::Names::All, isNoCard);
+    return read ? cards : Status(tl::unexpected<Failure>(read.error()));
 }
 
 Status Erasing::EnsureRegistry() {

@@ -11,7 +11,7 @@
 #include <csignal>
 
 #include "platform/io/descriptor.h"
-#include "platform/io/file_move.h"
+#include "platform/io/whole_file.h"
 #include "platform/text/device_names.h"
 
 namespace platform {

@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "platform/io/descriptor.h"
-#include "platform/io/file_move.h"
+#include "platform/io/whole_file.h"
 
 namespace platform {
 

@@ -4,6 +4,7 @@
 
 #include "platform/files/name_lookup.h"
 #include "platform/io/directory_reader.h"
+#include "platform/io/entry_facts.h"
 
 namespace platform {
 
@@ -23,17 +24,12 @@ Result<std::optional<HostName>> DestinationDirectory::Existing(std::u16string_vi
 namespace {
 
 Status ReadNamesInto(NameSet& names, int directory) {
-    DirectoryReader reader;
-    for (;;) {
-        const Result<bool> more = reader.Next(directory);
-        if (!more) {
-            return tl::unexpected<Failure>(more.error());
-        }
-        if (!*more) {
-            return {};
-        }
-        names.Add(DeviceNameOf(reader.entry().name).view());
-    }
+    return ReadEntries(directory, DirectoryReader::Names::Device,
+                       [&names](const DirectoryReader::Entry& entry) {
+                           names.Add(DeviceNameOf(entry.name).view());
+                           return true;
+                       })
+        .map([](bool /*all*/) {});
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
 #include "platform/files/host_files.h"
-#include "platform/io/whole_file.h"
 
 #include <fcntl.h>
 
@@ -10,33 +9,22 @@
 #include "platform/files/killed_run_recovery.h"
 #include "platform/files/shortcut_file.h"
 #include "platform/io/atomic_file.h"
+#include "platform/io/file_identity.h"
 #include "platform/io/file_move.h"
+#include "platform/io/open_beneath.h"
+#include "platform/io/rename_without_replacing.h"
+#include "platform/io/whole_file.h"
+#include "platform/text/device_paths.h"
 
 namespace platform {
 
 namespace {
 
-constexpr const char* kReadOnly = "it is read-only";
-
-bool IsSameDirectory(int left, int right) {
-    struct stat one {};
-    struct stat other {};
-    return fstat(left, &one) == 0 && fstat(right, &other) == 0 && one.st_dev == other.st_dev &&
-           one.st_ino == other.st_ino;
-}
-
 // Whether a file can be replaced: it is a regular one that can be written.
-Status CheckWritable(int directory, const HostName& name, const EntryFacts& facts) {
-    if (!facts.isRegularFile()) {
-        return FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
-    }
-    if (facts.isReadOnly()) {
-        return FailBecause("write", kReadOnly, ERROR_ACCESS_DENIED);
-    }
-    if (faccessat(directory, name.c_str(), W_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) != 0) {
-        return Fail("write", errno);
-    }
-    return {};
+Status CheckReplaceable(int directory, const HostName& name, const EntryFacts& facts) {
+    return facts.isRegularFile()
+               ? CheckWritable(directory, name.c_str(), facts.mode)
+               : FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
 }
 
 // The same for a place where nothing has the name.
@@ -230,7 +218,7 @@ Status HostFiles::Delete(std::u16string_view path) {
         return Fail("delete", EISDIR);
     }
     if (place->facts.isReadOnly()) {
-        return FailBecause("delete", kReadOnly, ERROR_ACCESS_DENIED);
+        return FailBecause("delete", "it is read-only", ERROR_ACCESS_DENIED);
     }
     if (Status ready = BeforeChange(); !ready) {
         return ready;
@@ -321,7 +309,7 @@ Status HostFiles::Move(const Place& source, std::u16string_view oldPath,
         return tl::unexpected<Failure>(existing.error());
     }
     const bool isItself = *existing && (*existing)->view() == source.name.view() &&
-                          IsSameDirectory(source.directory, into);
+                          IsSameFile(IdentityOf(source.directory), IdentityOf(into));
     if (isItself) {
         return {};
     }
@@ -457,7 +445,7 @@ Result<std::optional<struct stat>> HostFiles::Replaced(Place& place, std::u16str
     if (existing == Existing::Kept) {
         return Fail("make", EEXIST);
     }
-    if (Status writable = CheckWritable(place.directory, place.name, place.facts); !writable) {
+    if (Status writable = CheckReplaceable(place.directory, place.name, place.facts); !writable) {
         return tl::unexpected<Failure>(writable.error());
     }
     std::optional<struct stat> status(std::in_place);

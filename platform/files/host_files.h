@@ -10,7 +10,9 @@
 #include "platform/files/moved_directory_attributes.h"
 #include "platform/files/open_searches.h"
 #include "platform/files/path_resolver.h"
+#include "platform/io/entry_facts.h"
 #include "platform/seam/device_store.h"
+#include "platform/text/device_paths.h"
 
 namespace platform {
 

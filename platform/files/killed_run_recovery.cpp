@@ -1,7 +1,7 @@
 #include "platform/files/killed_run_recovery.h"
 
 #include <dirent.h>
-#include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <string>
@@ -9,7 +9,9 @@
 #include "platform/diagnostics/run_log.h"
 #include "platform/files/path_resolver.h"
 #include "platform/io/directory_reader.h"
+#include "platform/io/entry_facts.h"
 #include "platform/io/set_aside.h"
+#include "platform/text/device_paths.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
@@ -20,24 +22,19 @@ void SayLeft(const std::string& name, const std::string& why) {
     LogInUse::Current().SayUndone(name + " stays: " + why);
 }
 
+// Reserved names as well.
 template <typename Act>
 Status ForEachEntry(int directory, Act act) {
-    const Descriptor reading(
-        openat(directory, ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    if (!reading) {
-        return Fail("read the directory", errno);
+    const Result<Descriptor> opened = OpenToRead(directory);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
     }
-    DirectoryReader reader(DirectoryReader::Names::All);
-    for (;;) {
-        const Result<bool> more = reader.Next(reading.get());
-        if (!more) {
-            return tl::unexpected<Failure>(more.error());
-        }
-        if (!*more) {
-            return {};
-        }
-        act(reader.entry());
-    }
+    return ReadEntries(opened->get(), DirectoryReader::Names::All,
+                       [&act](const DirectoryReader::Entry& entry) {
+                           act(entry);
+                           return true;
+                       })
+        .map([](bool /*all*/) {});
 }
 
 void RemoveUnpublishedFile(int directory, const char* name) {
@@ -51,6 +48,42 @@ void RemoveUnpublishedFile(int directory, const char* name) {
 // back where its record came first.
 bool IsWithoutRecord(int volume, const char* aside) {
     return FactsOf(volume, aside).has_value() && !HasRecord(volume, aside);
+}
+
+Status ReturnTo(const PathResolver& tree, std::u16string_view path, int volume,
+                const HostName& aside) {
+    const SplitPath split = SplitAtName(path);
+    HostName name;
+    if (!HostNameOf(split.name, name)) {
+        return FailBecause("give the name back", "no entry can have that name");
+    }
+    const Result<OpenedDirectory> directory = tree.OpenDirectory(split.directory, OpenFor::Reading);
+    if (!directory) {
+        return tl::unexpected<Failure>(directory.error());
+    }
+    return ReturnSetAside(volume, aside, directory->descriptor.get(), name.c_str());
+}
+
+// Does nothing, but remove the record, when there is no such file.
+Status GiveBack(const PathResolver& tree, int volume, std::string_view record) {
+    const HostName aside = ReservedCounterpart(record, ReservedFor::SetAside);
+    const Result<EntryFacts> facts = FactsOf(volume, aside.c_str());
+    if (!facts && facts.error().error == ENOENT) {
+        RemoveRecord(volume, ReservedCounterpart(record, ReservedFor::WayBack));
+        return {};
+    }
+    if (!facts) {
+        return tl::unexpected<Failure>(facts.error());
+    }
+    if (!facts->isRegularFile()) {
+        return FailBecause("give the name back", "it is no regular file");
+    }
+    const Result<std::u16string> path = ReadRecord(volume, record);
+    if (!path) {
+        return tl::unexpected<Failure>(path.error());
+    }
+    Status returned = ReturnTo(tree, *path, volume, aside);
+    return returned ? returned : FailOf(returned.error(), ReadableText(*path));
 }
 
 void PutRight(const PathResolver& tree, int volume, const char* name, ReservedFor purpose) {

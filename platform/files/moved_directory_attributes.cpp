@@ -5,8 +5,7 @@
 #include <iterator>
 #include <utility>
 
-#include "platform/io/atomic_file.h"
-#include "platform/io/file_move.h"
+#include "platform/io/attribute_copy.h"
 
 namespace platform {
 

@@ -1,12 +1,11 @@
 #include "platform/files/name_lookup.h"
 
-#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <ctime>
 
-#include "platform/io/descriptor.h"
 #include "platform/io/directory_reader.h"
 
 namespace platform {
@@ -37,28 +36,18 @@ Result<Reading> ReadNames(int directory, std::u16string_view device, NameSet* na
     if (!HostNameOf(device, exact)) {
         return Reading{};
     }
-    const Descriptor reading(
-        openat(directory, ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
-    if (!reading) {
-        return Fail("read the directory", errno);
+    const Result<Descriptor> opened = OpenToRead(directory);
+    if (!opened) {
+        return tl::unexpected<Failure>(opened.error());
     }
     Reading result;
-    DirectoryReader reader;
-    for (;;) {
-        const Result<bool> more = reader.Next(reading.get());
-        if (!more) {
-            return tl::unexpected<Failure>(more.error());
-        }
-        if (!*more) {
-            result.whole = true;
-            return result;
-        }
-        const std::string_view candidate = reader.entry().name;
-        if (candidate == exact.view()) {
+    const auto compare = [&](const DirectoryReader::Entry& entry) {
+        const bool isExact = entry.name == exact.view();
+        if (isExact) {
             result.found = exact;
-            return result;
+            return false;
         }
-        const DeviceName name = DeviceNameOf(candidate);
+        const DeviceName name = DeviceNameOf(entry.name);
         if (names != nullptr) {
             names->Add(name.view());
         }
@@ -67,7 +56,12 @@ Result<Reading> ReadNames(int directory, std::u16string_view device, NameSet* na
             (!result.found || host.view() < result.found->view())) {
             result.found = host;
         }
-    }
+        return true;
+    };
+    return ReadEntries(opened->get(), DirectoryReader::Names::Device, compare).map([&](bool all) {
+        result.whole = all;
+        return result;
+    });
 }
 
 }  // namespace
@@ -96,33 +90,21 @@ DeviceName InOtherCase(std::u16string_view name) {
     return lower;
 }
 
-bool IsSameEntry(int directory, const char* left, const char* right) {
-    struct stat one {};
-    struct stat other {};
-    return fstatat(directory, left, &one, AT_SYMLINK_NOFOLLOW) == 0 &&
-           fstatat(directory, right, &other, AT_SYMLINK_NOFOLLOW) == 0 &&
-           one.st_dev == other.st_dev && one.st_ino == other.st_ino;
-}
-
 }  // namespace
 
 HostName ListedName(int directory, const HostName& name) {
     const DeviceName device = DeviceNameOf(name.view());
     HostName other;
     if (!HostNameOf(InOtherCase(device.view()).view(), other) || other.view() == name.view() ||
-        !IsSameEntry(directory, other.c_str(), name.c_str())) {
+        !IsSameFile(IdentityOf(directory, other.c_str()), IdentityOf(directory, name.c_str()))) {
         return name;
     }
     Result<std::optional<HostName>> listed = FindHostName(directory, device.view());
     return listed ? listed->value_or(name) : name;
 }
 
-bool NameLookup::Version::IsSameDirectory(const Version& other) const {
-    return device == other.device && number == other.number;
-}
-
 bool NameLookup::Version::operator==(const Version& other) const {
-    return IsSameDirectory(other) && Nanoseconds(changed) == Nanoseconds(other.changed);
+    return directory == other.directory && IsEqual(changed, other.changed);
 }
 
 const NameLookup::Spelling* NameLookup::ReadDirectory::SpellingOf(std::u16string_view name) const {
@@ -142,13 +124,13 @@ std::optional<NameLookup::Version> NameLookup::VersionOf(int directory) {
     }
     const bool lasting =
         entry.st_ctim.tv_nsec != 0 && Nanoseconds(now) - Nanoseconds(entry.st_ctim) >= kClockStep;
-    return Version{entry.st_dev, entry.st_ino, entry.st_ctim, lasting};
+    return Version{IdentityOf(entry), entry.st_ctim, lasting};
 }
 
 NameLookup::ReadDirectory* NameLookup::Known(const Version& version) {
     const auto found =
         std::find_if(read_.begin(), read_.end(), [&version](const ReadDirectory& read) {
-            return read.readForTheseLooks ? read.version.IsSameDirectory(version)
+            return read.readForTheseLooks ? read.version.directory == version.directory
                                           : read.version == version;
         });
     return found == read_.end() ? nullptr : &*found;
@@ -156,7 +138,7 @@ NameLookup::ReadDirectory* NameLookup::Known(const Version& version) {
 
 void NameLookup::Keep(ReadDirectory read) {
     std::erase_if(read_, [&read](const ReadDirectory& older) {
-        return older.version.IsSameDirectory(read.version);
+        return older.version.directory == read.version.directory;
     });
     read_.push_back(std::move(read));
     std::size_t names = 0;

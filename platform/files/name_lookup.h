@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <deque>
 #include <optional>
 #include <string>
@@ -10,6 +8,7 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/files/name_set.h"
+#include "platform/io/file_identity.h"
 #include "platform/text/device_names.h"
 
 namespace platform {
@@ -38,12 +37,10 @@ class NameLookup {
   private:
     // A directory and the time of its last change.
     struct Version {
-        dev_t device = 0;
-        ino_t number = 0;
+        FileIdentity directory;
         timespec changed{};
         bool lasting = false;  // the next change will show in the time
 
-        bool IsSameDirectory(const Version& other) const;
         bool operator==(const Version& other) const;
     };
     struct Spelling {

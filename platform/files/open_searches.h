@@ -10,6 +10,7 @@
 #include "core/file_operations.h"
 #include "platform/files/path_resolver.h"
 #include "platform/io/directory_reader.h"
+#include "platform/io/entry_facts.h"
 
 namespace platform {
 

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <sys/types.h>
-
-#include <cstdint>
 #include <optional>
 #include <span>
 #include <string_view>
@@ -10,7 +7,6 @@
 #include "platform/diagnostics/failure.h"
 #include "platform/files/name_lookup.h"
 #include "platform/io/descriptor.h"
-#include "platform/text/device_names.h"
 
 // The device's file tree on the host: how a device path reaches a host entry. Everything is opened
 // beneath the root directory and never leads out of it: no symbolic link is followed, and a mount
@@ -18,28 +14,10 @@
 
 namespace platform {
 
-// What the file system says about an entry.
-struct EntryFacts {
-    mode_t mode = 0;
-    std::uint64_t size = 0;  // bytes; 0 for a directory
-
-    bool isDirectory() const;
-    bool isRegularFile() const;
-    bool isReadOnly() const;  // a file that nobody may write
-};
-
 struct OpenedDirectory {
     Descriptor descriptor;
     bool isRoot = false;
 };
-
-// A path taken apart at its last backslash. Both views are parts of the path.
-struct SplitPath {
-    std::u16string_view directory;  // backslash included; empty for a bare name
-    std::u16string_view name;       // without backslashes behind it; empty for the root
-    bool directoryOnly = false;     // there were backslashes behind the name
-};
-SplitPath SplitAtName(std::u16string_view path);
 
 // How a directory is opened: to reach its entries, or to read them as well.
 enum class OpenFor { Reaching, Reading };
@@ -77,19 +55,5 @@ class PathResolver {
     Descriptor root_;
     mutable NameLookup lookup_;  // what is known of the tree, not a part of it
 };
-
-// Whether a file may be opened over which another one is mounted.
-enum class Mounted { Refused, Allowed };
-
-// Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
-// reading; fails when it is not one any more. Waits for nothing.
-Result<Descriptor> OpenRegularFile(int directory, const char* name,
-                                   Mounted mounted = Mounted::Refused);
-
-// Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
-bool IsMountPoint(int directory, const char* name);
-
-// ENOENT when there is no such entry.
-Result<EntryFacts> FactsOf(int directory, const char* name);
 
 }  // namespace platform

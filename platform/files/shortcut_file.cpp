@@ -1,11 +1,9 @@
 #include "platform/files/shortcut_file.h"
 
-#include <unistd.h>
-
-#include <array>
 #include <cerrno>
 #include <cstddef>
 
+#include "platform/io/whole_file.h"
 #include "platform/text/text_encoding.h"
 
 namespace platform {
@@ -70,18 +68,11 @@ std::optional<std::u16string> ShortcutTarget(std::string_view content) {
 }
 
 Result<std::u16string> ReadShortcut(int file) {
-    std::array<char, kLargestShortcut + 1> content;
-    std::size_t size = 0;
-    ssize_t count = 1;
-    while (count != 0 && size < content.size()) {
-        count = read(file, content.data() + size, content.size() - size);
-        if (count < 0 && errno != EINTR) {
-            return Fail("read", errno);
-        }
-        size += count > 0 ? static_cast<std::size_t>(count) : 0;
+    const Result<std::string> content = ReadToEnd(file, kLargestShortcut, kLargestShortcut);
+    if (!content && content.error().error != EFBIG) {
+        return tl::unexpected<Failure>(content.error());
     }
-    std::optional<std::u16string> target =
-        count == 0 ? ShortcutTarget({content.data(), size}) : std::nullopt;
+    std::optional<std::u16string> target = content ? ShortcutTarget(*content) : std::nullopt;
     if (!target) {
         return FailBecause("read", "it is no shortcut", ERROR_BAD_FORMAT);
     }

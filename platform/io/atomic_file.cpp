@@ -5,8 +5,11 @@
 #include <cerrno>
 #include <string>
 
-#include "platform/files/path_resolver.h"
-#include "platform/io/file_move.h"
+#include "platform/io/attribute_copy.h"
+#include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
+#include "platform/io/rename_without_replacing.h"
+#include "platform/io/whole_file.h"
 
 namespace platform {
 
@@ -111,18 +114,6 @@ Status AtomicFile::PublishInPlace(int directory, const char* name) {
     }
     reserved_.reset();
     return SyncEntries(directory);
-}
-
-void ApplyModeAndOwner(int file, const struct stat& from) {
-    mode_t mode = from.st_mode & (S_ISDIR(from.st_mode) ? 07777 : 0777);
-    // Only root can give a file away, and others only to groups of their own. In another group the
-    // members of both are given no more than either kind of stranger had.
-    if (fchown(file, from.st_uid, from.st_gid) != 0 &&
-        fchown(file, static_cast<uid_t>(-1), from.st_gid) != 0) {
-        const mode_t both = mode >> 3 & mode & S_IRWXO;
-        mode = (mode & (S_ISVTX | S_IRWXU)) | both << 3 | both;
-    }
-    fchmod(file, mode);
 }
 
 namespace {

@@ -53,10 +53,6 @@ class AtomicFile {
     bool isStored_ = false;
 };
 
-// Gives `file` the mode and, where that is allowed, the owner that `from` tells. Where it is not,
-// the mode is cut so that nobody but the owner may do more than `from` tells.
-void ApplyModeAndOwner(int file, const struct stat& from);
-
 // A stream for writing a file that has its new content, and its name, only from the moment when
 // fclose has returned 0; when that fails, errno and `failure`, which must live as long as the
 // stream, say why. `replaced` is what the name stands for now, if anything.

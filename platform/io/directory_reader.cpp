@@ -1,6 +1,7 @@
 #include "platform/io/directory_reader.h"
 
 #include <dirent.h>
+#include <fcntl.h>
 #include <sys/types.h>
 
 #include <cerrno>
@@ -47,6 +48,25 @@ Result<bool> DirectoryReader::Next(int directory) {
             return true;
         }
     }
+}
+
+Result<Descriptor> OpenToRead(int directory) {
+    Descriptor opened(openat(directory, ".", O_RDONLY | O_DIRECTORY | O_NONBLOCK | O_CLOEXEC));
+    if (!opened) {
+        return Fail("read the directory", errno);
+    }
+    return opened;
+}
+
+bool IsListed(int directory, const char* name) {
+    const Result<Descriptor> opened = OpenToRead(directory);
+    bool found = false;
+    const auto isOther = [&](const DirectoryReader::Entry& entry) {
+        found = std::string_view(entry.name) == name;
+        return !found;
+    };
+    return opened &&
+           ReadEntries(opened->get(), DirectoryReader::Names::Device, isOther).has_value() && found;
 }
 
 }  // namespace platform

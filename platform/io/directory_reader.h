@@ -6,6 +6,7 @@
 #include <span>
 
 #include "platform/diagnostics/failure.h"
+#include "platform/io/descriptor.h"
 
 namespace platform {
 
@@ -41,5 +42,23 @@ class DirectoryReader {
     alignas(8) std::array<char, 4096> small_;
     std::unique_ptr<char[]> large_;
 };
+
+// Opens a directory that is open in whatever way once more, to be read from its beginning.
+Result<Descriptor> OpenToRead(int directory);
+
+// Calls `act` with each entry that is left to be read, until it returns false. Returns whether all
+// were read.
+template <typename Act>
+Result<bool> ReadEntries(int directory, DirectoryReader::Names names, Act act) {
+    DirectoryReader reader(names);
+    Result<bool> more = reader.Next(directory);
+    while (more && *more && act(reader.entry())) {
+        more = reader.Next(directory);
+    }
+    return more.map([](bool isLeft) { return !isLeft; });
+}
+
+// Whether an entry with exactly this name is listed. False where that could not be read.
+bool IsListed(int directory, const char* name);
 
 }  // namespace platform

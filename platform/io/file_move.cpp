@@ -5,7 +5,6 @@
 #include <linux/magic.h>
 #include <sys/stat.h>
 #include <sys/vfs.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -17,9 +16,14 @@
 #include <utility>
 #include <vector>
 
-#include "platform/files/path_resolver.h"
 #include "platform/io/atomic_file.h"
+#include "platform/io/attribute_copy.h"
+#include "platform/io/directory_reader.h"
+#include "platform/io/entry_facts.h"
+#include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
 #include "platform/io/watched_file.h"
+#include "platform/io/whole_file.h"
 
 namespace platform {
 
@@ -27,8 +31,6 @@ namespace {
 
 constexpr char kMove[] = "move";
 using Block = std::array<char, 65536>;
-constexpr char kAccessList[] = "system.posix_acl_access";
-constexpr std::size_t kLargestAttribute = 65536;  // the kernel's own limit
 
 Result<std::size_t> ReadBlock(int file, Block& block) {
     const ssize_t length = read(file, block.data(), block.size());
@@ -64,31 +66,6 @@ Status CopyWhole(const WatchedFile& from, int to) {
     const std::array<timespec, 2> times = {from.facts().st_atim, from.facts().st_mtim};
     futimens(to, times.data());
     return {};
-}
-
-// A link and then the removal of the old name: there is no moment in which one name holds part of
-// the file. A file that got the old name in between is left alone.
-Status LinkAndUnlink(int fromDirectory, const char* from, int toDirectory, const char* to) {
-    struct stat moved {};
-    if (linkat(fromDirectory, from, toDirectory, to, 0) != 0 ||
-        fstatat(toDirectory, to, &moved, AT_SYMLINK_NOFOLLOW) != 0) {
-        return Fail(kMove, errno);
-    }
-    if (!StandsFor(fromDirectory, from, moved) || unlinkat(fromDirectory, from, 0) == 0) {
-        return {};
-    }
-    const int error = errno;
-    if (!StandsFor(fromDirectory, from, moved)) {
-        return {};
-    }
-    unlinkat(toDirectory, to, 0);
-    return Fail(kMove, error);
-}
-
-// Whether a file cannot have a second name, not whether this one is taken.
-bool KnowsNoLinks(int error) {
-    return error == EPERM || error == EOPNOTSUPP || error == EMLINK || error == ENOSYS ||
-           error == EINVAL;
 }
 
 Status DeleteSetAside(const WatchedFile& file, const SourceFile& source, const SetAside& aside) {
@@ -190,8 +167,7 @@ bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
 // out of date, so it is asked for in ways that go past that.
 bool IsStillThere(const Candidate& candidate) {
     struct statx now {};
-    const auto listed = FindHostName(candidate.directory, DeviceNameOf(candidate.name).view());
-    return listed && *listed && (*listed)->view() == candidate.name &&
+    return IsListed(candidate.directory, candidate.name) &&
            statx(candidate.directory, candidate.name, AT_SYMLINK_NOFOLLOW | AT_STATX_FORCE_SYNC,
                  STATX_BASIC_STATS, &now) == 0 &&
            now.stx_ino == candidate.facts.st_ino &&
@@ -216,36 +192,6 @@ Status DeleteIfCopyStays(const WatchedFile& file, const SourceFile& source,
 }
 
 }  // namespace
-
-Status RenameWithoutReplacing(int fromDirectory, const char* from, int toDirectory,
-                              const char* to) {
-    if (renameat2(fromDirectory, from, toDirectory, to, RENAME_NOREPLACE) == 0) {
-        return {};
-    }
-    if (errno != EINVAL && errno != ENOSYS) {
-        return Fail(kMove, errno);
-    }
-    // The file system does not know the flag, or a directory would go into itself.
-    const Result<EntryFacts> facts = FactsOf(fromDirectory, from);
-    if (!facts) {
-        return tl::unexpected<Failure>(facts.error());
-    }
-    if (!facts->isDirectory()) {
-        Status linked = LinkAndUnlink(fromDirectory, from, toDirectory, to);
-        if (linked || !KnowsNoLinks(linked.error().error)) {
-            return linked;
-        }
-    }
-    return RenameIfFree(fromDirectory, from, toDirectory, to);
-}
-
-Status RenameIfFree(int fromDirectory, const char* from, int toDirectory, const char* to) {
-    const Result<EntryFacts> taken = FactsOf(toDirectory, to);
-    if (taken || taken.error().error != ENOENT) {
-        return Fail(kMove, taken ? EEXIST : taken.error().error);
-    }
-    return renameat(fromDirectory, from, toDirectory, to) == 0 ? Status() : Fail(kMove, errno);
-}
 
 Status MoveToVolume(const SourceFile& source, const Destination& destination) {
     const Result<WatchedFile> file = WatchedFile::Open(source.directory, source.name);
@@ -283,59 +229,6 @@ Status FinishMove(const SourceFile& source, int directory, const char* name) {
     const bool finished = file && IsStoredCopy(*file, candidate) &&
                           DeleteIfCopyStays(*file, source, candidate).has_value();
     return finished ? Status() : taken;
-}
-
-bool AreTwoNamesOfOneFile(int directory, const char* name, int otherDirectory, const char* other) {
-    struct stat file {};
-    return fstatat(directory, name, &file, AT_SYMLINK_NOFOLLOW) == 0 && S_ISREG(file.st_mode) &&
-           file.st_nlink >= 2 && StandsFor(otherDirectory, other, file);
-}
-
-bool StandsFor(int directory, const char* name, const struct stat& file) {
-    struct stat now {};
-    return fstatat(directory, name, &now, AT_SYMLINK_NOFOLLOW) == 0 && now.st_dev == file.st_dev &&
-           now.st_ino == file.st_ino;
-}
-
-Status SyncEntries(int directory) {
-    const bool done =
-        fsync(directory) == 0 || errno == EINVAL || errno == ENOTSUP || errno == EBADF;
-    return done ? Status() : Fail("store the directory", errno);
-}
-
-void CopyUserAttributes(int from, int to) {
-    // A list that came from the directory around it would let in others as soon as the mode allows.
-    fremovexattr(to, kAccessList);
-    if (flistxattr(from, nullptr, 0) <= 0) {
-        return;
-    }
-    std::vector<char> names(kLargestAttribute);
-    std::vector<char> value(kLargestAttribute);
-    const ssize_t length = flistxattr(from, names.data(), names.size());
-    for (ssize_t at = 0; at < length;) {
-        const char* const name = &names[static_cast<std::size_t>(at)];
-        const std::string_view text(name);
-        at += static_cast<ssize_t>(text.size()) + 1;
-        const bool goesAlong = text.starts_with("user.") || text == kAccessList;
-        const ssize_t size = goesAlong ? fgetxattr(from, name, value.data(), value.size()) : -1;
-        if (size >= 0) {
-            fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0);
-        }
-    }
-}
-
-Status WriteWhole(int file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = write(file, bytes.data(), bytes.size());
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return Fail("write", written == 0 ? ENOSPC : errno);
-        }
-        bytes.remove_prefix(static_cast<std::size_t>(written));
-    }
-    return {};
 }
 
 }  // namespace platform

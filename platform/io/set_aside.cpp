@@ -10,8 +10,12 @@
 #include <string>
 
 #include "platform/diagnostics/run_log.h"
-#include "platform/files/path_resolver.h"
-#include "platform/io/file_move.h"
+#include "platform/io/entry_facts.h"
+#include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
+#include "platform/io/rename_without_replacing.h"
+#include "platform/io/whole_file.h"
+#include "platform/text/device_paths.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
@@ -19,7 +23,6 @@ namespace platform {
 namespace {
 
 constexpr char kNote[] = "note the name";
-constexpr char kGiveBack[] = "give the name back";
 constexpr std::size_t kCheckDigits = 16;
 constexpr std::size_t kLongestRecord = 8192;  // a path has 1024 units and a name 255 more
 
@@ -49,33 +52,6 @@ Status WriteRecord(int volume, const char* name, const std::string& record) {
     return SyncEntries(volume);
 }
 
-Result<std::u16string> ReadRecord(int volume, std::string_view name) {
-    const Result<Descriptor> file =
-        OpenRegularFile(volume, ReservedCounterpart(name, ReservedFor::WayBack).c_str());
-    if (!file) {
-        return tl::unexpected<Failure>(file.error());
-    }
-    std::string record(kLongestRecord, '\0');
-    const ssize_t length = read(file->get(), record.data(), record.size());
-    if (length < 0) {
-        return Fail("read", errno);
-    }
-    record.resize(static_cast<std::size_t>(length));
-    const std::string path = record.size() > kCheckDigits ? record.substr(kCheckDigits + 1) : "";
-    const std::optional<std::u16string> wide = WideText(path);
-    if (record != RecordOf(path) || !wide) {
-        return FailBecause(kGiveBack, "the record of it is damaged");
-    }
-    return *wide;
-}
-
-void RemoveRecord(int volume, const HostName& record) {
-    const Result<EntryFacts> facts = FactsOf(volume, record.c_str());
-    if (facts && facts->isRegularFile()) {
-        unlinkat(volume, record.c_str(), 0);
-    }
-}
-
 bool IsThere(int directory, const char* name) {
     return FactsOf(directory, name).has_value();
 }
@@ -91,7 +67,36 @@ Status Rename(int volume, const char* aside, int directory, const char* name) {
     return unlinkat(volume, aside, 0) == 0 ? Status() : Fail("remove the second name", errno);
 }
 
-Status Return(int volume, const HostName& aside, int directory, const char* name) {
+}  // namespace
+
+Result<std::u16string> ReadRecord(int volume, std::string_view name) {
+    const Result<Descriptor> file =
+        OpenRegularFile(volume, ReservedCounterpart(name, ReservedFor::WayBack).c_str());
+    if (!file) {
+        return tl::unexpected<Failure>(file.error());
+    }
+    std::string record(kLongestRecord, '\0');
+    const ssize_t length = read(file->get(), record.data(), record.size());
+    if (length < 0) {
+        return Fail("read", errno);
+    }
+    record.resize(static_cast<std::size_t>(length));
+    const std::string path = record.size() > kCheckDigits ? record.substr(kCheckDigits + 1) : "";
+    const std::optional<std::u16string> wide = WideText(path);
+    if (record != RecordOf(path) || !wide) {
+        return FailBecause("give the name back", "the record of it is damaged");
+    }
+    return *wide;
+}
+
+void RemoveRecord(int volume, const HostName& record) {
+    const Result<EntryFacts> facts = FactsOf(volume, record.c_str());
+    if (facts && facts->isRegularFile()) {
+        unlinkat(volume, record.c_str(), 0);
+    }
+}
+
+Status ReturnSetAside(int volume, const HostName& aside, int directory, const char* name) {
     if (Status renamed = Rename(volume, aside.c_str(), directory, name); !renamed) {
         return renamed;
     }
@@ -99,22 +104,6 @@ Status Return(int volume, const HostName& aside, int directory, const char* name
     RemoveRecord(volume, ReservedCounterpart(aside.view(), ReservedFor::WayBack));
     return {};
 }
-
-Status ReturnTo(const PathResolver& tree, std::u16string_view path, int volume,
-                const HostName& aside) {
-    const SplitPath split = SplitAtName(path);
-    HostName name;
-    if (!HostNameOf(split.name, name)) {
-        return FailBecause(kGiveBack, "no entry can have that name");
-    }
-    const Result<OpenedDirectory> directory = tree.OpenDirectory(split.directory, OpenFor::Reading);
-    if (!directory) {
-        return tl::unexpected<Failure>(directory.error());
-    }
-    return Return(volume, aside, directory->descriptor.get(), name.c_str());
-}
-
-}  // namespace
 
 SetAside::SetAside(const SourceFile& source)
     : source_(source),
@@ -146,33 +135,12 @@ Status SetAside::Delete() const {
 }
 
 Status SetAside::GiveBack() const {
-    Status returned = Return(source_.volume, aside_, source_.directory, source_.name);
+    Status returned = ReturnSetAside(source_.volume, aside_, source_.directory, source_.name);
     if (!returned) {
         LogInUse::Current().SayUndone(ReadableText(source_.path) + " stays set aside as " + name() +
                                       ": " + ReasonOf(returned.error()));
     }
     return returned;
-}
-
-Status GiveBack(const PathResolver& tree, int volume, std::string_view record) {
-    const HostName aside = ReservedCounterpart(record, ReservedFor::SetAside);
-    const Result<EntryFacts> facts = FactsOf(volume, aside.c_str());
-    if (!facts && facts.error().error == ENOENT) {
-        RemoveRecord(volume, ReservedCounterpart(record, ReservedFor::WayBack));
-        return {};
-    }
-    if (!facts) {
-        return tl::unexpected<Failure>(facts.error());
-    }
-    if (!facts->isRegularFile()) {
-        return FailBecause(kGiveBack, "it is no regular file");
-    }
-    const Result<std::u16string> path = ReadRecord(volume, record);
-    if (!path) {
-        return tl::unexpected<Failure>(path.error());
-    }
-    Status returned = ReturnTo(tree, *path, volume, aside);
-    return returned ? returned : FailOf(returned.error(), ReadableText(*path));
 }
 
 bool HasRecord(int volume, std::string_view aside) {

@@ -1,13 +1,12 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "platform/diagnostics/failure.h"
 #include "platform/text/device_names.h"
 
 namespace platform {
-
-class PathResolver;
 
 // A regular file that is to be moved. The directories stay the caller's to keep open.
 struct SourceFile {
@@ -44,11 +43,12 @@ class SetAside {
     HostName aside_;
 };
 
-// Gives the file of the record `record` in `volume`'s root its own name back. Does nothing, but
-// remove the record, when there is no such file.
-Status GiveBack(const PathResolver& tree, int volume, std::string_view record);
-
-// Whether a record belongs to the file set aside as `aside`.
+// What is left of a run that was killed, in the root of `volume`: whether a record belongs to the
+// file set aside as `aside`, the device path that a record keeps, and the ways to be done with
+// both.
 bool HasRecord(int volume, std::string_view aside);
+Result<std::u16string> ReadRecord(int volume, std::string_view record);
+void RemoveRecord(int volume, const HostName& record);
+Status ReturnSetAside(int volume, const HostName& aside, int directory, const char* name);
 
 }  // namespace platform

@@ -7,7 +7,8 @@
 #include <csignal>
 #include <cstdint>
 
-#include "platform/files/path_resolver.h"
+#include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
 
 namespace platform {
 
@@ -24,10 +25,6 @@ bool IsOnFileServer(int file) {
 }
 
 }  // namespace
-
-bool IsEqual(const timespec& left, const timespec& right) {
-    return left.tv_sec == right.tv_sec && left.tv_nsec == right.tv_nsec;
-}
 
 Result<WatchedFile> WatchedFile::Open(int directory, const char* name) {
     Result<Descriptor> opened = OpenRegularFile(directory, name);
@@ -61,8 +58,8 @@ bool WatchedFile::IsUntouched() const {
 bool WatchedFile::IsWholeAt(int directory, const char* name) const {
     struct stat now {};
     return fstatat(directory, name, &now, AT_SYMLINK_NOFOLLOW) == 0 &&
-           now.st_dev == facts_.st_dev && now.st_ino == facts_.st_ino &&
-           now.st_size == facts_.st_size && IsEqual(now.st_mtim, facts_.st_mtim) && IsLeftAlone();
+           IdentityOf(now) == IdentityOf(facts_) && now.st_size == facts_.st_size &&
+           IsEqual(now.st_mtim, facts_.st_mtim) && IsLeftAlone();
 }
 
 }  // namespace platform

@@ -39,6 +39,4 @@ class WatchedFile {
     bool leased_ = false;
 };
 
-bool IsEqual(const timespec& left, const timespec& right);
-
 }  // namespace platform

@@ -6,37 +6,16 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/files/path_resolver.h"
-#include "platform/io/file_move.h"
+#include "platform/io/attribute_copy.h"
+#include "platform/io/entry_facts.h"
+#include "platform/io/open_beneath.h"
+#include "platform/io/whole_file.h"
 #include "platform/registry/text/registry_text.h"
 
 namespace platform {
 namespace {
 
 constexpr const char* kName = "registry.reg";
-
-Status ReadAll(int descriptor, std::size_t expected, std::string& bytes) {
-    // One byte more than expected, so that the end shows itself with the first reading.
-    bytes.resize(expected + 1);
-    std::size_t done = 0;
-    for (;;) {
-        const ssize_t count = read(descriptor, bytes.data() + done, bytes.size() - done);
-        if (count < 0 && errno == EINTR) {
-            continue;
-        }
-        if (count < 0) {
-            return Fail("read it", errno);
-        }
-        done += static_cast<std::size_t>(count);
-        if (count == 0 || done > kRegistryTextLimit) {
-            bytes.resize(done);
-            return {};
-        }
-        if (done == bytes.size()) {
-            bytes.resize(2 * done);
-        }
-    }
-}
 
 // What the entry is, without opening it. `st_mode` is 0 when there is none.
 Result<struct stat> LookAt(int directory) {
@@ -52,16 +31,6 @@ Result<struct stat> LookAt(int directory) {
         return FailOf({"use it", {}, 0, "it is no regular file", ERROR_ACCESS_DENIED}, kName);
     }
     return status;
-}
-
-Status CheckWritable(int directory, const struct stat& status) {
-    if ((status.st_mode & 0222U) == 0) {
-        return FailBecause("write it", "it is read-only", ERROR_ACCESS_DENIED);
-    }
-    if (faccessat(directory, kName, W_OK, AT_EACCESS) != 0) {
-        return Fail("write it", errno);
-    }
-    return {};
 }
 
 // What only shows in attributes beside the mode; `name` is "" for the directory itself.
@@ -94,16 +63,6 @@ Status CheckOwned(int directory, const struct stat& old) {
 
 }  // namespace
 
-FileVersion::FileVersion(const struct stat& status)
-    : exists_(status.st_mode != 0),
-      device_(status.st_dev),
-      number_(status.st_ino),
-      size_(status.st_size),
-      modified_(status.st_mtim.tv_sec),
-      modifiedNanoseconds_(status.st_mtim.tv_nsec),
-      changed_(status.st_ctim.tv_sec),
-      changedNanoseconds_(status.st_ctim.tv_nsec) {}
-
 Result<FileVersion> RegistryFile::Look() const {
     return LookAt(directory_).map([](const struct stat& status) { return FileVersion(status); });
 }
@@ -116,7 +75,7 @@ Result<RegistryFile::Content> RegistryFile::Read() const {
     if (found->st_mode == 0) {
         return Content();
     }
-    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounted::Allowed);
+    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounts::Entered);
     if (!file) {
         return FailOf(file.error(), kName);
     }
@@ -128,11 +87,12 @@ Result<RegistryFile::Content> RegistryFile::Read() const {
         return FailOf({"read it", {}, 0, "it is too large for a registry", ERROR_BAD_FORMAT},
                       kName);
     }
-    Content content{{}, FileVersion(status)};
-    if (const Status read = ReadAll(file->get(), content.version.size(), content.bytes); !read) {
-        return FailOf(read.error(), kName);
+    const FileVersion version(status);
+    Result<std::string> bytes = ReadToEnd(file->get(), kRegistryTextLimit, version.size());
+    if (!bytes) {
+        return FailOf(bytes.error(), kName);
     }
-    return content;
+    return Content{std::move(*bytes), version};
 }
 
 Status RegistryFile::CheckReplaceable() const {
@@ -143,7 +103,7 @@ Status RegistryFile::CheckReplaceable() const {
     if (old->st_mode == 0) {
         return {};
     }
-    Status possible = CheckWritable(directory_, *old);
+    Status possible = CheckWritable(directory_, kName, old->st_mode);
     possible = possible ? CheckChangeable(directory_, kName) : std::move(possible);
     if (!possible) {
         return FailOf(possible.error(), kName);
@@ -186,7 +146,8 @@ Result<std::optional<FileVersion>> RegistryFile::Replace(std::string_view bytes,
         return tl::unexpected<Failure>(old.error());
     }
     const bool exists = old->st_mode != 0;
-    if (const Status writable = exists ? CheckWritable(directory_, *old) : Status(); !writable) {
+    if (const Status writable = exists ? CheckWritable(directory_, kName, old->st_mode) : Status();
+        !writable) {
         return FailOf(writable.error(), kName);
     }
     const auto file = NewFile();

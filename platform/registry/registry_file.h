@@ -1,7 +1,5 @@
 #pragma once
 
-#include <sys/stat.h>
-
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,29 +7,9 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/io/atomic_file.h"
+#include "platform/io/file_identity.h"
 
 namespace platform {
-
-// Tells whether a file is still the one that was read, with the content that it had.
-class FileVersion {
-  public:
-    FileVersion() = default;  // of a file that is not there
-    explicit FileVersion(const struct stat& status);
-
-    bool exists() const { return exists_; }
-    std::size_t size() const { return static_cast<std::size_t>(size_); }
-    bool operator==(const FileVersion&) const = default;
-
-  private:
-    bool exists_ = false;
-    dev_t device_ = 0;
-    ino_t number_ = 0;
-    off_t size_ = 0;
-    time_t modified_ = 0;
-    long modifiedNanoseconds_ = 0;
-    time_t changed_ = 0;
-    long changedNanoseconds_ = 0;
-};
 
 // The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
 // not followed, a pipe not waited for.

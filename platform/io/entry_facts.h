@@ -1,0 +1,31 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+
+#include "platform/diagnostics/failure.h"
+
+namespace platform {
+
+// What the file system says about an entry.
+struct EntryFacts {
+    mode_t mode = 0;
+    std::uint64_t size = 0;  // bytes; 0 for a directory
+
+    bool isDirectory() const;
+    bool isRegularFile() const;
+    bool isReadOnly() const;  // a file that nobody may write
+};
+
+// ENOENT when there is no such entry. A link is looked at itself, and nothing is mounted for it.
+Result<EntryFacts> FactsOf(int directory, const char* name);
+
+// Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
+bool IsMountPoint(int directory, const char* name);
+
+// Whether this process may write a file of that mode: a file that nobody may write is read-only,
+// for the superuser too.
+Status CheckWritable(int directory, const char* name, mode_t mode);
+
+}  // namespace platform
