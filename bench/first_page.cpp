@@ -17,7 +17,7 @@
 #include "core/win_main.h"
 #include "platform/device/device_directory.h"
 #include "platform/device/real_device.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 
 extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
     const platform::WindowModuleParams* params);

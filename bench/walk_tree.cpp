@@ -22,7 +22,7 @@
 #include "platform/display/console_boxes.h"
 #include "platform/io/descriptor.h"
 #include "platform/seam/device_store.h"
-#include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 #include "search/tree_search.h"
 #include "shell/windows.h"
 #include "tests/support/files_alone.h"

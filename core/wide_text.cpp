@@ -65,3 +65,7 @@ bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
     }
     return text.Finish();
 }
+
+bool HasWildcard(WideView path) {
+    return path.find_first_of(TEXT("*?")) != WideView::npos;
+}

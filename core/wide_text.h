@@ -46,3 +46,6 @@ class TextArgument {
 // one: a path that is cut names another entry than the one that was meant.
 bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
                 std::initializer_list<TextArgument> arguments);
+
+// Whether a path is a pattern: "*" stands for any characters, "?" for one.
+bool HasWildcard(WideView path);

@@ -34,10 +34,6 @@ bool IsRootOrEmpty(WideView path) {
     return path.find_first_not_of(TEXT(" \t\\")) == WideView::npos;
 }
 
-bool HasWildcard(WideView path) {
-    return path.find_first_of(TEXT("*?")) != WideView::npos;
-}
-
 bool EntryLooks::Find(WideView path) {
     // What is left of a path that was looked for was looked for as well.
     while (std::find(looked_.begin(), looked_.end(), path) == looked_.end()) {

@@ -11,9 +11,6 @@ enum class Look { NotThere, Failed, Found };
 // Whether the text is nothing but backslashes and blanks.
 bool IsRootOrEmpty(WideView path);
 
-// A wildcard makes a pattern.
-bool HasWildcard(WideView path);
-
 // Looks for entries, for none twice, and notes each look that failed.
 class EntryLooks {
   public:

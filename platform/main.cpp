@@ -10,6 +10,7 @@
 #include <new>
 #include <string_view>
 
+#include "platform/diagnostics/run_log.h"
 #include "platform/host/boot.h"
 #include "platform/host/command_line.h"
 #include "platform/host/device_choice.h"
@@ -91,8 +92,7 @@ int main(int count, char** words) {
     PrepareProcess();
     platform::Result<CommandLine> line = platform::ParseCommandLine(count, words);
     if (!line) {
-        std::fprintf(stderr, "fennelbright: %s; see fennelbright --help\n",
-                     platform::ReasonOf(line.error()).c_str());
+        platform::RunLog("").Say(platform::ReasonOf(line.error()) + "; see fennelbright --help");
         return EX_USAGE;
     }
     g_device = line->device.c_str();

@@ -27,7 +27,7 @@
 #include "platform/device/device_directory.h"
 #include "platform/device/real_device.h"
 #include "platform/device/sample_device.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"
 #include "platform/seam/forwarding_store.h"

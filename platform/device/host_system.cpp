@@ -8,7 +8,7 @@
 #include "platform/device/hard_reset.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/text/device_names.h"
-#include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 #include "shell/help_page.h"
 
 namespace platform {

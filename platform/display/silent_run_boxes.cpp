@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <limits>
 
+#include "platform/display/display_detection.h"
 #include "platform/display/termination_signals.h"
 
 namespace platform {

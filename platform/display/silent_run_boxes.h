@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "platform/display/console_boxes.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 
 namespace platform {
 

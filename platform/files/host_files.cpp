@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cerrno>
 
+#include "core/wide_text.h"
 #include "platform/files/dos_attributes.h"
 #include "platform/files/killed_run_recovery.h"
 #include "platform/files/shortcut_file.h"

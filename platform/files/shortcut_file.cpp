@@ -14,14 +14,12 @@ namespace {
 constexpr std::size_t kLargestShortcut = 4096;
 
 std::u16string Decode(std::string_view content) {
-    constexpr std::string_view utf16Mark = "\xFF\xFE";
-    constexpr std::string_view utf8Mark = "\xEF\xBB\xBF";
     TextEncoding encoding = TextEncoding::kCp1252;
-    if (content.starts_with(utf16Mark)) {
+    if (content.starts_with(kUtf16Mark)) {
         encoding = TextEncoding::kUtf16;
-        content.remove_prefix(utf16Mark.size());
+        content.remove_prefix(kUtf16Mark.size());
     } else {
-        content.remove_prefix(content.starts_with(utf8Mark) ? utf8Mark.size() : 0);
+        content.remove_prefix(content.starts_with(kUtf8Mark) ? kUtf8Mark.size() : 0);
         encoding = IsUtf8(content) ? TextEncoding::kUtf8 : TextEncoding::kCp1252;
     }
     std::u16string text;
@@ -80,9 +78,7 @@ Result<std::u16string> ReadShortcut(int file) {
 }
 
 std::string ShortcutContent(std::u16string_view target) {
-    std::string content = std::to_string(target.size()) + '#';
-    AppendGenerousUtf8(target, content);
-    return content;
+    return std::to_string(target.size()) + '#' + Utf8Text(target);
 }
 
 }  // namespace platform

@@ -15,6 +15,7 @@
 #include "platform/files/host_files.h"
 #include "platform/host/exit_code.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 
 namespace platform {
 

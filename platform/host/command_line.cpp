@@ -6,8 +6,9 @@
 #include <optional>
 
 #include "platform/device/sample_device.h"
-#include "platform/display/display.h"
-#include "platform/text/readable_text.h"
+#include "platform/display/display_detection.h"
+#include "platform/display/window_module_loader.h"
+#include "platform/text/text_encoding.h"
 
 namespace platform {
 

@@ -4,7 +4,7 @@
 
 #include "platform/device/device_directory.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 #include "platform/host/device_run.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/text/readable_text.h"

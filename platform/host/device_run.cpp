@@ -12,10 +12,11 @@
 #include "platform/device/real_device.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/console_boxes.h"
-#include "platform/display/display.h"
+#include "platform/display/display_detection.h"
 #include "platform/display/registry_saving_windows.h"
 #include "platform/display/responsive_store.h"
 #include "platform/display/silent_run_boxes.h"
+#include "platform/display/window_module_loader.h"
 #include "platform/files/killed_run_recovery.h"
 #include "platform/report/reporting_store.h"
 

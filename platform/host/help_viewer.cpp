@@ -5,7 +5,7 @@
 
 #include "platform/device/help_viewers.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 #include "platform/io/whole_file.h"
 
 namespace platform {

@@ -6,21 +6,12 @@
 #include <utility>
 
 #include "platform/diagnostics/run_log.h"
+#include "platform/registry/text/registry_roots.h"
 
 namespace platform {
 namespace {
 
 constexpr std::size_t kValueNameLimit = 255;
-
-struct Root {
-    HKEY handle;
-    std::u16string_view path;
-};
-
-const std::array<Root, 4> kRoots = {{{HKEY_CLASSES_ROOT, u"HKEY_CLASSES_ROOT"},
-                                     {HKEY_CURRENT_USER, u"HKEY_CURRENT_USER"},
-                                     {HKEY_LOCAL_MACHINE, u"HKEY_LOCAL_MACHINE"},
-                                     {HKEY_USERS, u"HKEY_USERS"}}};
 
 std::uintptr_t Number(HKEY key) {
     return reinterpret_cast<std::uintptr_t>(key);
@@ -31,8 +22,8 @@ HKEY Handle(std::uintptr_t number) {
 }
 
 bool IsRoot(HKEY key) {
-    return std::any_of(kRoots.begin(), kRoots.end(),
-                       [key](const Root& root) { return root.handle == key; });
+    return std::any_of(kRegistryRoots.begin(), kRegistryRoots.end(),
+                       [key](const RegistryRoot& root) { return root.handle == key; });
 }
 
 std::u16string_view Text(const WCHAR* text) {
@@ -84,8 +75,8 @@ LONG CopyOut(const RegistryData& value, DWORD* type, BYTE* data, DWORD* size) {
 
 Registry::Registry(int directory, RegistryText text, const FileVersion& version)
     : file_(directory), text_(std::move(text)), version_(version) {
-    for (const Root& root : kRoots) {
-        open_[Number(root.handle)].path = FoldText(root.path);
+    for (const RegistryRoot& root : kRegistryRoots) {
+        open_[Number(root.handle)].path = FoldText(root.name);
     }
 }
 

@@ -10,7 +10,7 @@
 #include "platform/io/entry_facts.h"
 #include "platform/io/open_beneath.h"
 #include "platform/io/whole_file.h"
-#include "platform/registry/text/registry_text.h"
+#include "platform/registry/text/registry_reader.h"
 
 namespace platform {
 namespace {

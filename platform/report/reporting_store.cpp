@@ -1,10 +1,12 @@
 #include "platform/report/reporting_store.h"
 
+#include <algorithm>
 #include <cstring>
 #include <optional>
 #include <vector>
 
 #include "platform/diagnostics/run_log.h"
+#include "platform/registry/text/registry_roots.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
@@ -59,10 +61,9 @@ std::string ReadableValue(const std::optional<Value>& value) {
 }
 
 std::string RootName(HKEY key) {
-    if (key == HKEY_CURRENT_USER) {
-        return "HKCU";
-    }
-    return key == HKEY_LOCAL_MACHINE ? "HKLM" : "?";
+    const auto* const root = std::find_if(kRegistryRoots.begin(), kRegistryRoots.end(),
+                                          [key](const auto& each) { return each.handle == key; });
+    return root == kRegistryRoots.end() ? "?" : root->shortName;
 }
 
 std::string Count(std::uint64_t count, const char* one, const char* many) {

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 
-#include "platform/text/utf16.h"
+#include "platform/text/unicode.h"
 
 namespace platform {
 
@@ -57,7 +57,7 @@ std::size_t MapFirst(std::string_view rest, DeviceName& device) {
                                          static_cast<utf8proc_ssize_t>(rest.size()), &character);
     if (length > 0 && IsAllowed(character) && !IsEscape(character)) {
         bool fits = true;
-        AppendCharacter(character, [&](WCHAR unit) { fits = device.Append(unit) && fits; });
+        AppendUtf16(character, [&](WCHAR unit) { fits = device.Append(unit) && fits; });
         return fits ? static_cast<std::size_t>(length) : 0;
     }
     const auto byte = static_cast<unsigned char>(rest.front());
@@ -68,11 +68,9 @@ bool AppendBytes(HostName& host, utf8proc_int32_t character) {
     if (IsEscape(character)) {
         return host.Append(static_cast<char>(character - kEscapeBase));
     }
-    std::array<utf8proc_uint8_t, 4> bytes{};
-    const auto length = utf8proc_encode_char(character, bytes.data());
-    return length > 0 && std::all_of(bytes.begin(), bytes.begin() + length, [&host](auto byte) {
-               return host.Append(static_cast<char>(byte));
-           });
+    bool fits = true;
+    AppendUtf8(character, [&](char byte) { fits = host.Append(byte) && fits; });
+    return fits;
 }
 
 }  // namespace
@@ -148,10 +146,6 @@ bool MatchesPattern(std::u16string_view pattern, std::u16string_view name) {
         }
     }
     return pattern.find_first_not_of(u'*', at) == std::u16string_view::npos;
-}
-
-bool HasWildcard(std::u16string_view name) {
-    return name.find_first_of(u"*?") != std::u16string_view::npos;
 }
 
 std::optional<ReservedFor> PurposeOf(std::string_view host) {

@@ -64,7 +64,6 @@ std::uint32_t NameHash(std::u16string_view name);                    // equal fo
 // Whether the handheld's search pattern `pattern` matches `name`: "*" stands for any characters,
 // "?" for one, and "*.*" for every name.
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view name);
-bool HasWildcard(std::u16string_view name);
 
 // Names that the device does not have, for files of the host alone: a prefix that tells their
 // purpose, and 16 hexadecimal digits.

@@ -6,7 +6,7 @@
 #include <cstdio>
 
 #include "platform/text/device_names.h"
-#include "platform/text/utf16.h"
+#include "platform/text/unicode.h"
 
 namespace platform {
 
@@ -27,12 +27,6 @@ bool IsSeen(utf8proc_int32_t character) {
     }
 }
 
-void AppendUtf8(std::string& text, utf8proc_int32_t character) {
-    std::array<utf8proc_uint8_t, 4> bytes{};
-    const auto length = utf8proc_encode_char(character, bytes.data());
-    text.append(reinterpret_cast<const char*>(bytes.data()), static_cast<std::size_t>(length));
-}
-
 void AppendEscape(std::string& text, char16_t unit) {
     std::array<char, 8> escape{};
     std::snprintf(escape.data(), escape.size(), "<%04X>", static_cast<unsigned>(unit));
@@ -40,30 +34,6 @@ void AppendEscape(std::string& text, char16_t unit) {
 }
 
 }  // namespace
-
-std::optional<std::u16string> WideText(std::string_view utf8) {
-    std::u16string text;
-    while (!utf8.empty()) {
-        utf8proc_int32_t character = -1;
-        const auto length =
-            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
-                             static_cast<utf8proc_ssize_t>(utf8.size()), &character);
-        if (length <= 0) {
-            return std::nullopt;
-        }
-        AppendCharacter(character, [&text](char16_t unit) { text += unit; });
-        utf8.remove_prefix(static_cast<std::size_t>(length));
-    }
-    return text;
-}
-
-std::string Utf8Text(std::u16string_view text) {
-    std::string utf8;
-    for (std::size_t index = 0; index < text.size();) {
-        AppendUtf8(utf8, NextCharacter(text, index));
-    }
-    return utf8;
-}
 
 std::string ReadableText(std::u16string_view text) {
     std::string readable;
@@ -75,7 +45,7 @@ std::string ReadableText(std::u16string_view text) {
         } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
             continue;  // the line feed behind it makes the blank
         } else if (IsSeen(character)) {
-            AppendUtf8(readable, character);
+            AppendUtf8(character, [&readable](char byte) { readable += byte; });
         } else {
             for (const char16_t unit : text.substr(begin, index - begin)) {
                 AppendEscape(readable, unit);
@@ -94,8 +64,8 @@ std::string ReadableBytes(std::string_view bytes) {
                              static_cast<utf8proc_ssize_t>(bytes.size()), &character);
         // The units that stand for bytes in names of the device are never seen either.
         const auto byte = static_cast<unsigned char>(bytes.front());
-        AppendCharacter(length > 0 ? character : kEscapeBase + byte,
-                        [&text](char16_t unit) { text += unit; });
+        AppendUtf16(length > 0 ? character : kEscapeBase + byte,
+                    [&text](char16_t unit) { text += unit; });
         bytes.remove_prefix(length > 0 ? static_cast<std::size_t>(length) : 1);
     }
     return ReadableText(text);

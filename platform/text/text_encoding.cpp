@@ -1,9 +1,13 @@
 #include "platform/text/text_encoding.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdint>
+
+#include "platform/text/unicode.h"
 
 static_assert(std::endian::native == std::endian::little, "UTF-16 units are read as they lie");
 
@@ -16,16 +20,9 @@ constexpr std::array<char16_t, 32> kCp1252Middle = {
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
-bool IsHighSurrogate(char32_t unit) {
-    return unit >= 0xD800 && unit <= 0xDBFF;
-}
-bool IsLowSurrogate(char32_t unit) {
-    return unit >= 0xDC00 && unit <= 0xDFFF;
-}
-
 // One character of UTF-8 and the number of its bytes, 0 when they are malformed.
 struct Utf8Character {
-    char32_t code = 0;
+    std::int32_t code = 0;
     std::size_t length = 0;
 };
 
@@ -40,7 +37,7 @@ std::size_t LengthFromLead(unsigned char lead) {
 }
 
 Utf8Character ReadUtf8(std::string_view bytes, std::size_t position) {
-    static constexpr std::array<char32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
+    static constexpr std::array<std::int32_t, 5> kSmallest = {0, 0, 0x80, 0x800, 0x10000};
     const auto lead = static_cast<unsigned char>(bytes[position]);
     const std::size_t length = LengthFromLead(lead);
     if (length <= 1) {
@@ -49,38 +46,16 @@ Utf8Character ReadUtf8(std::string_view bytes, std::size_t position) {
     if (length > bytes.size() - position) {
         return {};
     }
-    char32_t code = lead & (0xFFU >> (length + 1));
+    std::int32_t code = lead & (0xFF >> (length + 1));
     for (std::size_t index = 1; index < length; ++index) {
         const auto next = static_cast<unsigned char>(bytes[position + index]);
         if ((next & 0xC0U) != 0x80) {
             return {};
         }
-        code = code << 6 | (next & 0x3FU);
+        code = code << 6 | (next & 0x3F);
     }
     return code < kSmallest[length] || code > 0x10FFFF ? Utf8Character{}
                                                        : Utf8Character{code, length};
-}
-
-void AppendUnits(char32_t code, std::u16string& text) {
-    if (code > 0xFFFF) {
-        text += static_cast<char16_t>(0xD7C0 + (code >> 10));
-        text += static_cast<char16_t>(0xDC00 + (code & 0x3FF));
-    } else {
-        text += static_cast<char16_t>(code);
-    }
-}
-
-void AppendUtf8(char32_t code, std::string& bytes) {
-    if (code < 0x80) {
-        bytes += static_cast<char>(code);
-        return;
-    }
-    const unsigned following = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
-    const unsigned mark = 0xF00U >> (following + 1) & 0xFFU;
-    bytes += static_cast<char>(mark | code >> (6 * following));
-    for (unsigned left = following; left > 0; --left) {
-        bytes += static_cast<char>(0x80U | (code >> (6 * (left - 1)) & 0x3FU));
-    }
 }
 
 char16_t FromCp1252(unsigned char byte) {
@@ -105,7 +80,7 @@ void DecodeUtf8(std::string_view bytes, std::u16string& text) {
             ++position;
             continue;
         }
-        AppendUnits(character.code, text);
+        AppendUtf16(character.code, [&text](char16_t unit) { text += unit; });
         position += character.length;
     }
 }
@@ -174,7 +149,7 @@ bool EncodeText(TextEncoding encoding, std::u16string_view text, std::string& by
             if (HasLoneSurrogate(text)) {
                 return false;
             }
-            AppendGenerousUtf8(text, bytes);
+            bytes += Utf8Text(text);
             return true;
         case TextEncoding::kCp1252:
             return EncodeCp1252(text, bytes);
@@ -182,24 +157,33 @@ bool EncodeText(TextEncoding encoding, std::u16string_view text, std::string& by
     return false;
 }
 
-void AppendGenerousUtf8(std::u16string_view text, std::string& bytes) {
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        char32_t code = text[index];
-        if (IsHighSurrogate(code) && index + 1 < text.size() && IsLowSurrogate(text[index + 1])) {
-            code = 0x10000 + ((code - 0xD800) << 10) + (text[index + 1] - 0xDC00U);
-            ++index;
+std::optional<std::u16string> WideText(std::string_view utf8) {
+    std::u16string text;
+    while (!utf8.empty()) {
+        utf8proc_int32_t character = -1;
+        const auto length =
+            utf8proc_iterate(reinterpret_cast<const utf8proc_uint8_t*>(utf8.data()),
+                             static_cast<utf8proc_ssize_t>(utf8.size()), &character);
+        if (length <= 0) {
+            return std::nullopt;
         }
-        AppendUtf8(code, bytes);
+        AppendUtf16(character, [&text](char16_t unit) { text += unit; });
+        utf8.remove_prefix(static_cast<std::size_t>(length));
     }
+    return text;
+}
+
+std::string Utf8Text(std::u16string_view text) {
+    std::string bytes;
+    for (std::size_t index = 0; index < text.size();) {
+        AppendUtf8(NextCharacter(text, index), [&bytes](char byte) { bytes += byte; });
+    }
+    return bytes;
 }
 
 bool HasLoneSurrogate(std::u16string_view text) {
-    for (std::size_t index = 0; index < text.size(); ++index) {
-        const bool pair = IsHighSurrogate(text[index]) && index + 1 < text.size() &&
-                          IsLowSurrogate(text[index + 1]);
-        if (pair) {
-            ++index;
-        } else if (IsHighSurrogate(text[index]) || IsLowSurrogate(text[index])) {
+    for (std::size_t index = 0; index < text.size();) {
+        if (IsSurrogate(NextCharacter(text, index))) {
             return true;
         }
     }

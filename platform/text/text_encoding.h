@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -10,6 +11,11 @@ namespace platform {
 // The encodings in which registry files come. UTF-16 has its low bytes first. UTF-8 is read
 // generously: the three bytes of a lone surrogate are accepted.
 enum class TextEncoding { kUtf16, kUtf8, kCp1252 };
+
+// The byte order marks that a text may begin with.
+inline constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
+inline constexpr std::string_view kUtf16Mark = "\xFF\xFE";
+inline constexpr std::string_view kSwappedUtf16Mark = "\xFE\xFF";
 
 // Whether the bytes are UTF-8, which plain ASCII always is.
 bool IsUtf8(std::string_view bytes);
@@ -23,8 +29,12 @@ void DecodeText(TextEncoding encoding, std::string_view bytes, std::u16string& t
 // what would read as UTF-8, since a file whose bytes are all UTF-8 is taken for such.
 bool EncodeText(TextEncoding encoding, std::u16string_view text, std::string& bytes);
 
-// Appends `text` as UTF-8 to `bytes`, lone surrogates in their three bytes each.
-void AppendGenerousUtf8(std::u16string_view text, std::string& bytes);
+// The UTF-16 text of a UTF-8 text. Nothing when it is no valid UTF-8.
+std::optional<std::u16string> WideText(std::string_view utf8);
+
+// The UTF-8 text of a UTF-16 text, lone surrogates in their three bytes each, which makes it
+// invalid.
+std::string Utf8Text(std::u16string_view text);
 
 // Whether a surrogate in `text` is without its other half.
 bool HasLoneSurrogate(std::u16string_view text);

@@ -8,6 +8,7 @@
 
 #include "platform/text/device_names.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(reinterpret_cast<const char*>(data), std::min<std::size_t>(size, 255));

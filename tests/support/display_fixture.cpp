@@ -1,7 +1,7 @@
 #include "tests/support/display_fixture.h"
 
 #include "core/window_operations.h"
-#include "platform/display/display.h"
+#include "platform/display/window_module_loader.h"
 
 LRESULT (*g_hook)(const Told& told) = nullptr;
 

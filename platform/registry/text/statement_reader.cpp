@@ -5,10 +5,6 @@
 namespace platform {
 namespace {
 
-constexpr std::string_view kUtf16Mark = "\xFF\xFE";
-constexpr std::string_view kSwappedUtf16Mark = "\xFE\xFF";
-constexpr std::string_view kUtf8Mark = "\xEF\xBB\xBF";
-
 // Moves to the bracket that ends a key: the first behind which only a comment stands, since names
 // may hold brackets.
 bool MoveToClosingBracket(RegistryScanner& scanner) {

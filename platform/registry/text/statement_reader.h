@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/registry/text/scanner.h"
+#include "platform/registry/text/registry_scanner.h"
 #include "platform/registry/text/value_data.h"
 
 namespace platform {

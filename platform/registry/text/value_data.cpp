@@ -323,8 +323,7 @@ std::optional<std::string> FormatBytes(const RegistryForm& form, std::uint32_t t
     if (bytes.size() % 2 != 0) {
         return std::nullopt;
     }
-    std::string narrow;
-    AppendGenerousUtf8(Utf16FromBytes(bytes), narrow);
+    const std::string narrow = Utf8Text(Utf16FromBytes(bytes));
     const std::vector<std::uint8_t> list(narrow.begin(), narrow.end());
     return Spell(form, HexList(type, list));
 }

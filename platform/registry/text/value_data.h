@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/registry/text/scanner.h"
+#include "platform/registry/text/registry_scanner.h"
 #include "platform/text/text_encoding.h"
 
 namespace platform {

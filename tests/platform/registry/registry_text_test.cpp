@@ -39,7 +39,7 @@ std::vector<std::uint8_t> TextBytes(const std::u16string& text) {
 RegistryText MustParse(std::string bytes) {
     Result<RegistryText> text = RegistryText::Parse(std::move(bytes));
     EXPECT_TRUE(text) << Describe(text.error());
-    return text ? std::move(*text) : RegistryText();
+    return text ? std::move(*text) : RegistryText::Parse("").value();
 }
 
 std::optional<RegistryData> Read(const RegistryText& text, std::u16string_view path,

@@ -1,4 +1,4 @@
-#include "platform/registry/text/scanner.h"
+#include "platform/registry/text/registry_scanner.h"
 
 namespace platform {
 namespace {

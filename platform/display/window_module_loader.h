@@ -9,9 +9,6 @@
 
 namespace platform {
 
-// Whether the desktop has a display that answers. Loads nothing.
-bool DisplayIsThere();
-
 // What the windows are handed, for a device directory, whose text must outlive it, and a scale (0:
 // fitting for the desktop).
 WindowModuleParams WindowParamsFor(const char* device, double scale);
