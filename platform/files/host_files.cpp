@@ -11,10 +11,10 @@
 #include "platform/files/shortcut_file.h"
 #include "platform/io/atomic_file.h"
 #include "platform/io/file_identity.h"
-#include "platform/io/file_move.h"
 #include "platform/io/open_beneath.h"
 #include "platform/io/rename_without_replacing.h"
 #include "platform/io/whole_file.h"
+#include "platform/moves/file_move.h"
 #include "platform/text/device_paths.h"
 
 namespace platform {

@@ -10,7 +10,7 @@
 #include "platform/files/path_resolver.h"
 #include "platform/io/directory_reader.h"
 #include "platform/io/entry_facts.h"
-#include "platform/io/set_aside.h"
+#include "platform/moves/set_aside.h"
 #include "platform/text/device_paths.h"
 #include "platform/text/readable_text.h"
 

@@ -1,4 +1,4 @@
-#include "platform/io/watched_file.h"
+#include "platform/moves/watched_file.h"
 
 #include <linux/magic.h>
 #include <sys/vfs.h>

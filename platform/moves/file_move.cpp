@@ -1,4 +1,4 @@
-#include "platform/io/file_move.h"
+#include "platform/moves/file_move.h"
 
 #include <fcntl.h>
 #include <linux/fs.h>
@@ -22,8 +22,8 @@
 #include "platform/io/entry_facts.h"
 #include "platform/io/file_identity.h"
 #include "platform/io/open_beneath.h"
-#include "platform/io/watched_file.h"
 #include "platform/io/whole_file.h"
+#include "platform/moves/watched_file.h"
 
 namespace platform {
 

@@ -1,4 +1,4 @@
-#include "platform/io/set_aside.h"
+#include "platform/moves/set_aside.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>

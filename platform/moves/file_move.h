@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/diagnostics/failure.h"
-#include "platform/io/set_aside.h"
+#include "platform/moves/set_aside.h"
 
 namespace platform {
 
