@@ -152,6 +152,7 @@ Result<HANDLE> HostFiles::FindEntry(std::u16string_view path, WIN32_FIND_DATA& d
         if (path.empty() || tree_.root() < 0) {
             return Fail("look at", ENOTDIR);
         }
+        // The root has no name and no directory around it: there is nothing to look it up in.
         PutFindData({}, EntryFacts{S_IFDIR}, 0, data);
         return searches_.Add(nullptr);
     }
@@ -199,6 +200,7 @@ Status HostFiles::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
     return *more ? Status() : FailBecause("go on", "there is nothing more", ERROR_NO_MORE_FILES);
 }
 
+// The looks for the entry before have ended: what was read for them may be out of date by now.
 BOOL HostFiles::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
     tree_.lookup().EndLooks();
     return KeepFailure(FindNext(find, *data));
@@ -221,6 +223,7 @@ Status HostFiles::Delete(std::u16string_view path) {
     if (place->facts.isReadOnly()) {
         return FailBecause("delete", "it is read-only", ERROR_ACCESS_DENIED);
     }
+    // Asked last: what is refused anyway must not make the registry be stored.
     if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
@@ -247,6 +250,7 @@ Status HostFiles::RemoveDirectory(std::u16string_view path) {
         return ready;
     }
     if (unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) != 0) {
+        // Some file systems have the other name for a directory that is not empty.
         return Fail("remove", errno == EEXIST ? ENOTEMPTY : errno);
     }
     return {};
@@ -320,6 +324,7 @@ Status HostFiles::Move(const Place& source, std::u16string_view oldPath,
     if (Status ready = BeforeMove(); !ready) {
         return ready;
     }
+    // A name that is taken in exactly this spelling can be what a killed run has moved already.
     Status moved = *existing ? FinishMoveTo(source, oldPath, *target)
                              : MoveTo(source, oldPath, newPath, *target);
     if (moved) {
@@ -332,6 +337,7 @@ Status HostFiles::MoveTo(const Place& source, std::u16string_view oldPath,
                          std::u16string_view newPath, const Target& target) {
     const int into = target.directory->descriptor.get();
     const char* const name = target.host.c_str();
+    // Tried whatever the volumes are: to ask for them first would cost calls for every file.
     Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
     if (moved || moved.error().error != EXDEV) {
         return moved;
@@ -394,6 +400,7 @@ Result<Descriptor> HostFiles::OpenFile(std::u16string_view path, Knowledge knowl
 }
 
 Result<std::FILE*> HostFiles::OpenForReading(std::u16string_view path) {
+    // Not what a search found: the program may keep it open for long, and reads what is there now.
     Result<Descriptor> opened = OpenFile(path, Knowledge::Fresh);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
@@ -413,6 +420,7 @@ Result<std::FILE*> HostFiles::OpenForWriting(std::u16string_view path, Existing 
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
         return FailBecause("write", "no file can have that name", ERROR_INVALID_NAME);
     }
+    // Open for reading, because the file's name is safe only once its directory is stored.
     Result<OpenedDirectory> opened = tree_.OpenDirectory(split.directory, OpenFor::Reading);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());

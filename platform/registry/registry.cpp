@@ -111,6 +111,7 @@ LONG Registry::FindKey(HKEY handle, OpenKey*& open, KeyIndex& key) {
     if (open == nullptr) {
         return ERROR_INVALID_HANDLE;
     }
+    // By its path each time: a file that is read anew gives its keys other numbers.
     key = open->deleted ? 0 : text_.FindKey(open->path);
     return key == 0 ? ERROR_KEY_DELETED : ERROR_SUCCESS;
 }
@@ -295,6 +296,7 @@ Status Registry::Store() {
         if (Status refreshed = Refresh(); !refreshed) {
             return refreshed;
         }
+        // Written from the file as it was read last, so that no other program's change is undone.
         const Result<std::optional<FileVersion>> replaced =
             file_.Replace(text_.Serialize(), version_);
         if (!replaced) {

@@ -47,6 +47,7 @@ std::optional<std::u16string> RegistryText::ChildName(KeyIndex key, std::size_t 
 
 // A key may name a value several times; the last line counts.
 ValueIndex RegistryText::FindValue(KeyIndex key, std::u16string_view name) const {
+    // Keys have few values, and a file has very many: names kept folded would double its memory.
     const std::u16string folded = FoldText(name);
     std::u16string other;
     for (ValueIndex value = content_.keys[key].lastValue; value != 0;
@@ -86,6 +87,7 @@ SetResult RegistryText::SetValue(KeyIndex key, std::u16string_view name, std::ui
     if (ReadValue(content_.values[value].data) == ReadValue(*data)) {
         return SetResult::kUnchanged;
     }
+    // What the file says has to be known until the end: there the new text takes its place.
     if (value < firstNewValue_) {
         changed_.emplace(value, content_.values[value].data);
     }
@@ -101,6 +103,7 @@ bool RegistryText::AddNewValue(KeyIndex key, std::u16string_view name, std::stri
     }
     const std::size_t quote = content_.Spell(u"\"").size();
     const std::string_view owned = content_.Own(*quoted);
+    // A key that the file names only as a part of longer paths has no line to stand under.
     if (content_.keys[key].lastSection == 0) {
         content_.AddSection({.key = key});
     }

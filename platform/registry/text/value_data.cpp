@@ -308,6 +308,7 @@ std::optional<std::string> FormatText(const RegistryForm& form,
     if (!text.empty() && text.back() == u'\0') {
         text.pop_back();
     }
+    // A line break in quotes ends the value for other editors; half a pair has no form in UTF-8.
     static constexpr std::u16string_view kUnfit(u"\0\r\n", 3);
     if (text.find_first_of(kUnfit) != std::u16string::npos || HasLoneSurrogate(text)) {
         return std::nullopt;
@@ -323,6 +324,7 @@ std::optional<std::string> FormatBytes(const RegistryForm& form, std::uint32_t t
     if (bytes.size() % 2 != 0) {
         return std::nullopt;
     }
+    // A file in the older form has the characters of its texts in bytes, not in pairs of them.
     const std::string narrow = Utf8Text(Utf16FromBytes(bytes));
     const std::vector<std::uint8_t> list(narrow.begin(), narrow.end());
     return Spell(form, HexList(type, list));
