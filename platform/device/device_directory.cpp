@@ -32,7 +32,7 @@ struct Refused {
     const char* reason;
 };
 
-// Fails where the directory or its files are a place that nobody can mean by a device.
+// Fails where the directory or its files are a place that cannot be meant as a device.
 Status CheckMeant(const DeviceDirectory& device) {
     const Refused places[] = {{"/", "it is the root of this machine's file system"},
                               {HomeDirectory(), "it is your home directory"}};
@@ -102,7 +102,7 @@ Result<DeviceDirectory> OpenDirectory(const char* path) {
     return device;
 }
 
-// False when somebody else has it.
+// False when another run has it.
 Result<bool> Lock(const Descriptor& directory) {
     if (flock(directory.get(), LOCK_EX | LOCK_NB) == 0) {
         return true;

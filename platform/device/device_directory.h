@@ -18,7 +18,7 @@ struct DeviceDirectory {
 };
 
 // Opens the device directory `path`. Fails when it is missing, does not look like a device, or is a
-// directory that nobody means by that.
+// directory that cannot be meant.
 Result<DeviceDirectory> OpenDeviceDirectory(const char* path);
 
 // Makes the directory of a new device with an empty file tree and opens it. `path` must not exist

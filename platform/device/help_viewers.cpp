@@ -36,7 +36,7 @@ Result<Descriptor> HoldPage(std::string_view page) {
 }
 
 // What the new process starts with: the page as its input, nothing else that is open, no part in
-// this terminal, all signals as they are by default, and a directory that nobody wants to unmount.
+// this terminal, all signals as they are by default, and a directory that is never unmounted.
 class ViewerStart {
   public:
     explicit ViewerStart(int page) {
@@ -65,7 +65,7 @@ class ViewerStart {
     ViewerStart& operator=(const ViewerStart&) = delete;
 
     Result<pid_t> Start(const std::string& executable, std::vector<std::string> words) const {
-        std::vector<char*> arguments(words.size() + 1);  // null behind the last one
+        std::vector<char*> arguments(words.size() + 1);  // null after the last one
         std::transform(words.begin(), words.end(), arguments.begin(),
                        [](std::string& word) { return word.data(); });
         pid_t child = 0;

@@ -49,7 +49,7 @@ class HostSystem : public DeviceSystem {
     Parts parts_;
     std::u16string modulePath_;
     std::function<void()> restart_;
-    std::unique_ptr<HelpViewers> viewers_;  // null where nobody could see them
+    std::unique_ptr<HelpViewers> viewers_;  // null where there is no display
     bool erases_ = false;                   // the next restart does
 };
 

@@ -9,7 +9,7 @@
 
 namespace platform {
 
-// The folder whose shortcuts the device starts with, with a backslash behind it.
+// The folder whose shortcuts the device starts with, with a backslash at its end.
 inline constexpr WCHAR kStartupFolder[] = TEXT("\\Windows\\StartUp\\");
 
 // A shortcut of the StartUp folder.
@@ -26,7 +26,7 @@ Result<std::vector<StartupShortcut>> StartupShortcuts(DeviceFiles& files,
                                                       std::u16string_view program);
 
 // The arguments with which a shortcut's target starts `program`; none when it starts another one.
-// The path can be in quotes or not; what is behind it, without blanks in front, are the arguments.
+// The path can be in quotes or not; what follows it, without leading blanks, are the arguments.
 std::optional<std::u16string> ArgumentsFor(std::u16string_view program, std::u16string_view target);
 
 }  // namespace platform

@@ -11,9 +11,9 @@ namespace platform {
 // Why something could not be done: what was tried, on what, and the reason. Low layers fill in what
 // they know; whoever knows the object by a name that a person would use adds it on the way up.
 struct Failure {
-    const char* tried = "";        // what cannot be done: "cannot TRIED" must read well
-    std::string object;            // its name or path in readable form; empty where nobody added it
-    int error = 0;                 // the system's reason, an errno; 0 where `reason` says it
+    const char* tried = "";  // what cannot be done: "cannot TRIED" must read well
+    std::string object;      // its name or path in readable form; empty where it was not added
+    int error = 0;           // the system's reason, an errno; 0 where `reason` says it
     const char* reason = nullptr;  // words for it where the system has none that fit; else null
     LONG code = 0;                 // the platform's code where `error` does not lead to it
 };

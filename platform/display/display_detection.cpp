@@ -89,7 +89,7 @@ bool DisplayIsThere() {
     const std::string kinds = Environment("QT_QPA_PLATFORM");
     const std::string_view chosen = std::string_view(kinds).substr(0, kinds.find_first_of(":;"));
     if (chosen == "offscreen" || chosen.starts_with("minimal")) {
-        return false;  // nobody sees them
+        return false;  // they cannot be seen
     }
     if (!chosen.empty() && chosen != "xcb" && !chosen.starts_with("wayland")) {
         return true;

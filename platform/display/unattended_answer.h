@@ -4,7 +4,7 @@
 
 namespace platform {
 
-// What a box is answered with when nobody does: OK, or No where Yes and No are offered.
+// How a box is answered when no user can: OK, or No where Yes and No are offered.
 inline int UnattendedAnswer(UINT type) {
     constexpr UINT kButtonsMask = 0xF;
     return (type & kButtonsMask) == MB_YESNO ? IDNO : IDOK;

@@ -23,7 +23,7 @@ struct WindowModuleParams {
     double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
     const MenuResource* (*findMenu)(UINT id);
     const IconResource* (*findIcon)(UINT id);
-    // Tells what a box says that nobody can see any more, and returns its answer.
+    // Writes what a box says that cannot be seen any more, and returns its answer.
     int (*answerUnseen)(const WCHAR* text, const WCHAR* caption, UINT type);
 };
 
@@ -33,7 +33,7 @@ using MakeDisplayWindowSystem = DisplayWindowSystem*(const WindowModuleParams* p
 inline constexpr char kMakeDisplayWindowSystem[] = "FennelbrightMakeWindows";
 inline constexpr char kWindowModule[] = "fennelbright-windows.so";
 
-// What is asked before there are windows of the program, where nobody has named a device directory.
+// What is asked before there are windows of the program, where no device directory was named.
 class DeviceDialogs {
   public:
     DeviceDialogs() = default;

@@ -37,7 +37,7 @@ std::uint32_t ReadNumber(std::span<const unsigned char> content, std::size_t at,
     return number;
 }
 
-// The record stands behind the text and its terminator: a version twice, then, aligned to four
+// The record follows the text and its terminator: a version twice, then, aligned to four
 // bytes, which of its fields are valid and the attributes. Version 1 has the attributes at once.
 DWORD ParseRecord(std::span<const unsigned char> content, std::size_t textEnd) {
     const std::size_t versionAt = (textEnd + 1 + 1) / 2 * 2;
@@ -68,7 +68,7 @@ DWORD FatAttributes(int directory) {
 DWORD ParseDosAttributes(std::span<const unsigned char> content) {
     const auto end = std::find(content.begin(), content.end(), 0);
     const auto length = static_cast<std::size_t>(end - content.begin());
-    // The text is always right where there is one: some writers do not align the record behind it.
+    // The text is always right where there is one: some writers do not align the record after it.
     const std::string_view text(reinterpret_cast<const char*>(content.data()), length);
     return text.empty() ? ParseRecord(content, length) : ParseHexadecimal(text);
 }

@@ -13,7 +13,7 @@ namespace platform {
 DWORD HiddenAndSystem(int directory);
 
 // The attributes that the content of a "user.DOSATTRIB" holds, of all bits; 0 when it holds none.
-// File servers write it as hexadecimal text, as text with a record behind it, or as a record alone.
+// File servers write it as hexadecimal text, as text and a record, or as a record alone.
 DWORD ParseDosAttributes(std::span<const unsigned char> content);
 
 }  // namespace platform

@@ -7,8 +7,8 @@ namespace platform {
 class PathResolver;
 
 // Clears up after processes that were killed, on all volumes of the device: removes what they left
-// unpublished and gives the files that they had set aside their names back. What cannot be put
-// right stays, and the run says so. Only while no other process is at work on the device.
+// unpublished and gives the files that they had set aside their names back. What cannot be
+// restored stays, and the run says so. Only while no other process is at work on the device.
 void RecoverVolumes(const PathResolver& tree);
 
 // Removes the files that earlier processes left unpublished in an open directory, whatever way it

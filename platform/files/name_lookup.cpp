@@ -12,7 +12,7 @@ namespace platform {
 
 namespace {
 
-// What is kept in mind at most; the directory read last is kept whatever its size.
+// What is remembered at most; the directory read last is kept whatever its size.
 constexpr std::size_t kMostDirectories = 64;
 constexpr std::size_t kMostNames = 1 << 18;
 constexpr std::size_t kMostSpellings = 16;  // of each directory

@@ -22,7 +22,7 @@ Result<std::optional<HostName>> FindHostName(int directory, std::u16string_view 
 HostName ListedName(int directory, const HostName& name);
 
 // The same as FindHostName for many looks in a row. What is not there takes the reading of a whole
-// directory to find out; what the directories read last hold is kept in mind, so that one reading
+// directory to find out; what the directories read last hold is remembered, so that one reading
 // of each will do. A directory that has changed since, or may have without showing it, is read
 // again, but for looks that belong together.
 class NameLookup {

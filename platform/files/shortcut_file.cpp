@@ -60,7 +60,7 @@ std::optional<std::u16string> ShortcutTarget(std::string_view content) {
     if (mark == 0 || mark == std::u16string_view::npos || text[mark] != u'#') {
         return std::nullopt;
     }
-    // Editors leave line ends, terminators and end-of-file marks behind what was typed.
+    // Editors leave line ends, terminators and end-of-file marks after what was typed.
     constexpr std::u16string_view ends(u"\r\n\x1A?\0", 5);
     return std::u16string(WithoutBlanks(Until(text.substr(mark + 1), ends)));
 }

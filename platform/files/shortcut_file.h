@@ -13,7 +13,7 @@ namespace platform {
 // The number is that of the command line's characters, but nothing that reads shortcuts has ever
 // looked at it, and wrong ones are common. Lines that begin with ";" may stand in front. The
 // command line ends at the line's end; a "?", which no path can hold, ends it too and begins the
-// name of an icon. The text is UTF-8 or else CP1252, or UTF-16 behind its byte order mark.
+// name of an icon. The text is UTF-8 or else CP1252, or UTF-16 with its byte order mark.
 
 // The command line in a shortcut's content, without blanks around it, which may leave nothing. No
 // value when the content is no shortcut's.

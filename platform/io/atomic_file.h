@@ -27,7 +27,7 @@ class AtomicFile {
     int descriptor() const { return descriptor_.get(); }
 
     // Stores the content safely; PublishInPlace does so too unless that is done. Nothing may be
-    // written afterwards. What another program does in the time that this takes can be looked at
+    // written afterwards. What another program does in the time that this takes can be checked
     // before the file is published.
     Status Store();
 

@@ -23,7 +23,7 @@ class DirectoryReader {
 
     struct Entry {
         const char* name;    // terminated; valid until the next call of Next
-        unsigned char type;  // DT_DIR, DT_REG, ..., DT_UNKNOWN where the file system does not tell
+        unsigned char type;  // DT_DIR, DT_REG, ..., DT_UNKNOWN where the file system does not say
     };
 
     // Moves to the next entry of `directory`, always the same open descriptor. False at the end; a

@@ -15,7 +15,7 @@ struct EntryFacts {
 
     bool isDirectory() const;
     bool isRegularFile() const;
-    bool isReadOnly() const;  // a file that nobody may write
+    bool isReadOnly() const;  // a file without any write permission
 };
 
 // ENOENT when there is no such entry. A link is looked at itself, and nothing is mounted for it.
@@ -24,8 +24,8 @@ Result<EntryFacts> FactsOf(int directory, const char* name);
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);
 
-// Whether this process may write a file of that mode: a file that nobody may write is read-only,
-// for the superuser too.
+// Whether this process may write a file of that mode: a file without any write permission is
+// read-only, for the superuser too.
 Status CheckWritable(int directory, const char* name, mode_t mode);
 
 }  // namespace platform

@@ -31,7 +31,7 @@ bool AreTwoNamesOfOneFile(int directory, const char* name, int otherDirectory, c
 
 bool IsEqual(const timespec& left, const timespec& right);
 
-// Tells whether a file is still the one that was read, with the content that it had.
+// Shows whether a file is still the one that was read, with the content that it had.
 class FileVersion {
   public:
     FileVersion() = default;  // of a file that is not there

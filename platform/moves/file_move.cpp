@@ -163,7 +163,7 @@ bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
            fsync(copy->get()) == 0 && SyncEntries(candidate.directory).has_value();
 }
 
-// Whether it still has its name. What was kept in mind of another view of the same files may be
+// Whether it still has its name. What was remembered of another view of the same files may be
 // out of date, so it is asked for in ways that go past that.
 bool IsStillThere(const Candidate& candidate) {
     struct statx now {};
@@ -219,7 +219,7 @@ Status FinishMove(const SourceFile& source, int directory, const char* name) {
         return taken;
     }
     if (renameat2(source.directory, source.name, directory, name, RENAME_NOREPLACE) == 0) {
-        return {};  // what had the name has gone this moment
+        return {};  // what had the name went in between
     }
     const bool isElsewhere = errno == EXDEV;
     if (!isElsewhere && !AreTwoNamesOfOneFile(source.directory, source.name, directory, name)) {

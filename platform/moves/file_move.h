@@ -14,8 +14,8 @@ struct Destination {
 
 // Moves a regular file to another volume: the copy is stored safely and has its name before the
 // file goes. After a failure the file is where it was and there is no copy; EBUSY for a file that
-// somebody is writing to. Mode, owner, times and user attributes go along as far as the other
-// volume can hold them.
+// another program is writing to. Mode, owner, times and user attributes go along as far as the
+// other volume can hold them.
 Status MoveToVolume(const SourceFile& source, const Destination& destination);
 
 // Finishes a move that a kill has cut off when file and copy had their names: deletes the file if

@@ -13,10 +13,10 @@ struct SourceFile {
     int directory;
     const char* name;          // in it
     int volume;                // the root directory of its volume
-    std::u16string_view path;  // its device path as somebody named it
+    std::u16string_view path;  // its device path as its caller named it
 };
 
-// A file that has a reserved name in its volume's root instead of its own: nobody reaches it by
+// A file that has a reserved name in its volume's root instead of its own: no program reaches it by
 // that any more, and the own name shows what else stands there. A record beside it, which is stored
 // first and removed last, keeps the own name, so that a later process can give it back. The object
 // does nothing when it goes.

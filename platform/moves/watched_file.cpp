@@ -38,10 +38,10 @@ Result<WatchedFile> WatchedFile::Open(int directory, const char* name) {
     return file;
 }
 
-// A lease is granted only while nobody has the file open for writing, and then lets such an opening
-// wait until it ends or has been held for very long.
+// A lease is granted only while no program has the file open for writing, and then lets such an
+// opening wait until it ends or has been held for very long.
 Status WatchedFile::Watch() {
-    // What tells of somebody who waits is a signal that would end the process, if it is not chosen.
+    // A program that waits is announced by a signal; the default one would end the process.
     leased_ =
         fcntl(descriptor(), F_SETSIG, SIGURG) == 0 && fcntl(descriptor(), F_SETLEASE, F_RDLCK) == 0;
     if (!leased_ && errno == EAGAIN && !IsOnFileServer(descriptor())) {

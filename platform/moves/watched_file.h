@@ -13,7 +13,7 @@ namespace platform {
 // A file that is being moved. Nobody begins to write to it unnoticed for as long as it is watched.
 class WatchedFile {
   public:
-    // EBUSY when somebody has it open for writing.
+    // EBUSY when another program has it open for writing.
     static Result<WatchedFile> Open(int directory, const char* name);
 
     int descriptor() const { return file_.get(); }
@@ -21,7 +21,7 @@ class WatchedFile {
 
     bool isLeased() const { return leased_; }
 
-    // Whether nobody wants to write to it.
+    // Whether no other program wants to write to it.
     bool IsLeftAlone() const { return !leased_ || fcntl(descriptor(), F_GETLEASE) == F_RDLCK; }
 
     // Whether nothing about it has changed at all; setting it aside is a change.

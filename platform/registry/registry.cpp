@@ -105,7 +105,7 @@ Registry::OpenKey* Registry::FindOpen(HKEY key) {
     return found == open_.end() ? nullptr : &found->second;
 }
 
-// The open key of a handle and its number in the text, or the code that tells why there is none.
+// The open key of a handle and its number in the text, or the code for why there is none.
 LONG Registry::FindKey(HKEY handle, OpenKey*& open, KeyIndex& key) {
     open = FindOpen(handle);
     if (open == nullptr) {

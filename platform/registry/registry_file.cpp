@@ -49,7 +49,7 @@ Status CheckChangeable(int directory, const char* name) {
     return {};
 }
 
-// In a directory where each one may replace only what is his own, a file of somebody else's stays.
+// In a directory where users may replace only their own files, another user's file stays.
 Status CheckOwned(int directory, const struct stat& old) {
     struct stat around {};
     if (fstat(directory, &around) != 0) {

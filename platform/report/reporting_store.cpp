@@ -35,7 +35,7 @@ std::optional<Value> ReadValue(DeviceRegistry& registry, HKEY key, const WCHAR* 
     return value;
 }
 
-// A text in quotes, without the terminators behind it; nothing when the bytes are no text.
+// A text in quotes, without the terminators at its end; nothing when the bytes are no text.
 std::string ReadableTextOf(const Value& value) {
     std::u16string text(value.bytes.size() / sizeof(WCHAR), u'\0');
     if (!text.empty()) {

@@ -11,7 +11,7 @@
 
 namespace platform {
 
-// What stands behind the program's device operations, with their names and contracts: files and
+// What carries out the program's device operations, with their names and contracts: files and
 // shortcuts, the registry, and what is left of the handheld. Each can be exchanged on its own.
 
 // The functions of core/file_operations.h, and those of core/handheld_operations.h for shortcuts.

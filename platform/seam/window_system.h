@@ -5,7 +5,7 @@
 
 namespace platform {
 
-// What stands behind the program's window operations: the functions of core/window_operations.h
+// What carries out the program's window operations: the functions of core/window_operations.h
 // and, for what the handheld's shell adds, core/handheld_operations.h, with their names and
 // contracts.
 class WindowSystem {

@@ -169,7 +169,7 @@ bool IsReservedName(std::string_view host) {
 
 HostName NewReservedName(ReservedFor purpose) {
     std::array<unsigned char, kReservedDigits / 2> random{};
-    // Cannot fail for so few bytes once the machine has started; equal names are told by the
+    // Cannot fail for so few bytes once the machine has started; equal names are noticed by the
     // making.
     [[maybe_unused]] const ssize_t got = getrandom(random.data(), random.size(), 0);
     HostName name = ReservedPrefix(purpose);

@@ -65,7 +65,7 @@ std::uint32_t NameHash(std::u16string_view name);                    // equal fo
 // "?" for one, and "*.*" for every name.
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view name);
 
-// Names that the device does not have, for files of the host alone: a prefix that tells their
+// Names that the device does not have, for files of the host alone: a prefix that says their
 // purpose, and 16 hexadecimal digits.
 enum class ReservedFor {
     NewContent,  // a file that is not complete yet

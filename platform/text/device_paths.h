@@ -8,8 +8,8 @@ namespace platform {
 // A path taken apart at its last backslash. Both views are parts of the path.
 struct SplitPath {
     std::u16string_view directory;  // backslash included; empty for a bare name
-    std::u16string_view name;       // without backslashes behind it; empty for the root
-    bool directoryOnly = false;     // there were backslashes behind the name
+    std::u16string_view name;       // without backslashes after it; empty for the root
+    bool directoryOnly = false;     // there were backslashes after the name
 };
 SplitPath SplitAtName(std::u16string_view path);
 

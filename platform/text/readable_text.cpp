@@ -43,7 +43,7 @@ std::string ReadableText(std::u16string_view text) {
         if (character == u'\n') {
             readable += ' ';
         } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
-            continue;  // the line feed behind it makes the blank
+            continue;  // the line feed after it makes the blank
         } else if (IsSeen(character)) {
             AppendUtf8(character, [&readable](char byte) { readable += byte; });
         } else {

@@ -10,7 +10,7 @@ namespace platform {
 
 // Moves over the text of a registry file, unit by unit, and knows the little that its keys, values
 // and data have in common: blanks, comments, line ends, quoted texts and words. Lines end with LF,
-// CR LF or CR. A function that accepts something moves behind it, or stays where it is and returns
+// CR LF or CR. A function that accepts something moves past it, or stays where it is and returns
 // false. Owns nothing.
 class RegistryScanner {
   public:
@@ -23,7 +23,7 @@ class RegistryScanner {
     std::size_t position() const { return position_; }
     void MoveTo(std::size_t position) { position_ = position; }
 
-    // The unit at the position, kEnd behind the last one.
+    // The unit at the position, kEnd after the last one.
     std::int32_t Peek() const {
         return position_ < units_.size() ? std::int32_t{units_[position_]} : kEnd;
     }

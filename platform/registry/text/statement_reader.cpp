@@ -5,7 +5,7 @@
 namespace platform {
 namespace {
 
-// Moves to the bracket that ends a key: the first behind which only a comment stands, since names
+// Moves to the bracket that ends a key: the first that only a comment follows, since names
 // may hold brackets.
 bool MoveToClosingBracket(RegistryScanner& scanner) {
     while (!scanner.AtLineEnd()) {
@@ -52,7 +52,7 @@ Result<RegistryStatement> ReadValue(RegistryScanner& scanner, const RegistryForm
     }
     scanner.SkipBlanks();
     if (!scanner.Accept(u'=')) {
-        return Malformed("a name without \"=\" behind it");
+        return Malformed("a name without \"=\" after it");
     }
     scanner.SkipBlanks();
     const std::size_t begin = scanner.position();
@@ -61,7 +61,7 @@ Result<RegistryStatement> ReadValue(RegistryScanner& scanner, const RegistryForm
     }
     statement.data = scanner.units().Bytes(begin, scanner.position());
     if (!scanner.AcceptLineRest()) {
-        return Malformed("something other than a comment behind the data");
+        return Malformed("something other than a comment after the data");
     }
     return statement;
 }

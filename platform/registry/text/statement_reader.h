@@ -33,7 +33,7 @@ struct FileEncoding {
     std::size_t markSize = 0;
 };
 
-// UTF-16 is told by its mark. Other files are UTF-8 if all of their bytes are, and CP1252 if not,
+// UTF-16 is known by its mark. Other files are UTF-8 if all of their bytes are, and CP1252 if not,
 // unless a mark says that they should have been UTF-8.
 Result<FileEncoding> FindEncoding(std::string_view bytes);
 
@@ -44,7 +44,7 @@ std::string FindLineEnd(const TextUnits& units);
 // the line lays down. Does nothing when there is no such line, which is allowed.
 void AcceptHeader(RegistryScanner& scanner, RegistryForm& form);
 
-// Reads the statement at the scanner's position and moves behind it; when it is malformed, to the
+// Reads the statement at the scanner's position and moves past it; when it is malformed, to the
 // line of the fault.
 Result<RegistryStatement> ReadStatement(RegistryScanner& scanner, const RegistryForm& form);
 

@@ -55,7 +55,7 @@ class DataReader {
     RegistryScanner& scanner_;
     const RegistryForm& form_;
     RegistryData* data_;
-    std::size_t itemBegin_ = 0;  // of a list: behind the comma, before a backslash
+    std::size_t itemBegin_ = 0;  // of a list: after the comma, before a backslash
 };
 
 Result<DataState> DataReader::Read() {
@@ -83,7 +83,7 @@ Result<DataState> DataReader::Read() {
     if (scanner_.AcceptSymbol()) {
         return DataState::kUnresolved;
     }
-    return Malformed("no data of a known form behind \"=\"");
+    return Malformed("no data of a known form after \"=\"");
 }
 
 void DataReader::StartValue(std::uint32_t type) {
@@ -109,7 +109,7 @@ Result<DataState> DataReader::ReadNumber() {
         if (scanner_.AcceptSymbol()) {
             return DataState::kUnresolved;
         }
-        return Malformed("no hexadecimal number behind \"dword:\"");
+        return Malformed("no hexadecimal number after \"dword:\"");
     }
     StartValue(REG_DWORD);
     for (unsigned shift = 0; data_ != nullptr && shift < 32; shift += 8) {
@@ -128,7 +128,7 @@ Result<DataState> DataReader::ReadTypedBytes() {
         }
     }
     if (scanner_.position() == start || !scanner_.AcceptWord("):")) {
-        return Malformed("no type and colon behind \"hex(\"");
+        return Malformed("no type and colon after \"hex(\"");
     }
     return ReadBytes(static_cast<std::uint32_t>(type));
 }
@@ -156,7 +156,7 @@ bool DataReader::AtEmptyList() {
     return scanner_.AtLineEnd() || scanner_.Peek() == ';';
 }
 
-// A list goes on in the next line behind a backslash, or behind a comma at the end of a line; lines
+// A list goes on in the next line after a backslash, or after a comma at the end of a line; lines
 // that are blank or hold a comment may stand between.
 bool DataReader::AcceptContinuation() {
     itemBegin_ = scanner_.position();
@@ -187,13 +187,13 @@ Result<DataState> DataReader::ReadBytes(std::uint32_t type) {
     }
     do {
         if (!AcceptContinuation()) {
-            return Malformed("text behind the backslash at the end of a line");
+            return Malformed("text after the backslash at the end of a line");
         }
         if (!AcceptByte()) {
             if (scanner_.AcceptSymbol()) {
                 return DataState::kUnresolved;
             }
-            return NoItem("no list of hexadecimal bytes behind \"hex\"");
+            return NoItem("no list of hexadecimal bytes after \"hex\"");
         }
         scanner_.SkipBlanks();
     } while (scanner_.Accept(u','));
@@ -240,11 +240,11 @@ Result<DataState> DataReader::ReadTexts(std::uint32_t type, bool list) {
     bool unresolved = false;
     bool more = !AtEmptyList();
     if (!more && !list) {
-        return Malformed("no text in quotes behind \"mui_sz:\"");
+        return Malformed("no text in quotes after \"mui_sz:\"");
     }
     while (more) {
         if (!AcceptContinuation()) {
-            return Malformed("text behind the backslash at the end of a line");
+            return Malformed("text after the backslash at the end of a line");
         }
         const std::size_t begin = scanner_.position();
         if (scanner_.AcceptQuoted()) {

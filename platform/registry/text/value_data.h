@@ -39,7 +39,7 @@ inline tl::unexpected<Failure> Malformed(const char* reason) {
     return FailBecause("read it", reason, ERROR_BAD_FORMAT);
 }
 
-// Moves the scanner from the first unit of a value's data behind its last one and puts what it says
+// Moves the scanner from the first unit of a value's data past its last one and puts what it says
 // into `data`, unless that is null. When the data are malformed, the scanner stands in the line of
 // the fault.
 Result<DataState> ReadData(RegistryScanner& scanner, const RegistryForm& form, RegistryData* data);
