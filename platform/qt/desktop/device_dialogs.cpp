@@ -18,7 +18,10 @@ const QString kCaption = QStringLiteral("Fennelbright");
 class FolderDialog : public QFileDialog {
   public:
     explicit FolderDialog(const QString& first)
-        : QFileDialog(nullptr, QStringLiteral("Choose a device directory"), first) {
+        : QFileDialog(nullptr,
+                      QStringLiteral(
+                          "Choose the handheld's folder, which has files/ and registry.reg in it"),
+                      first) {
         setFileMode(QFileDialog::Directory);
         setOption(QFileDialog::ShowDirsOnly);
         resize(kDialogSize.boundedTo(screen()->availableSize()));

@@ -14,6 +14,8 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include "platform/qt/base/shown_text.h"
+
 namespace platform::qt {
 
 namespace {
@@ -65,7 +67,7 @@ HelpWindow::HelpWindow(const QString& page, const QString& place)
     page_->document()->setIndentWidth(kIndent);
     page_->setHtml(WithoutImages(page));
     const QString title = page_->documentTitle();
-    setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : title);
+    setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : TitleText(title));
     AddControls();
     AddKeys();
     resize(kWindowSize);
