@@ -56,6 +56,12 @@ void NoteSettingsNotRead(const WCHAR* path) {
                                             " cannot be read to its end, so nothing is done");
 }
 
+void NoteSettingsDamaged(const WCHAR* path) {
+    platform::LogInUse::Current().SayUndone(
+        platform::ReadableText(path) +
+        " is damaged: only its readable part is used; it stays as it is until options are saved");
+}
+
 void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
     platform::LogInUse::Current().SayUndone(platform::ReadableText(name) + " is left alone in " +
                                             platform::ReadableText(directory) +

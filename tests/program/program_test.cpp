@@ -232,14 +232,15 @@ TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
 TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
     const std::string whole = "\x03\0\0\0"s + Record(u"\\Work\\Cache\\") + Record(u"\\W2\\");
     const std::size_t firstEnd = 4 + Record(u"\\Work\\Cache\\").size();
-    for (std::size_t length = 0; length <= whole.size(); ++length) {
+    for (std::size_t length = 0; length <= whole.size() + 1; ++length) {
         const TemporaryDevice device;
         device.Make({"Work/keep=1", "Work/Cache/a=2", "W2/b=3", "c=4",
-                     SettingsEntry(whole.substr(0, length))});
+                     SettingsEntry((whole + 'x').substr(0, length))});
         WriteFile(device.path() + "/registry.reg", kQuietTweaks);
-        const Outcome outcome = RunProgram({"--device", device.path(), "silent"});
-        ASSERT_EQ(outcome.exitCode, 0);
-        ASSERT_EQ(outcome.output + outcome.errors, "");
+        const Outcome outcome = RunProgram({"--device", device.path(), "--strict", "silent"});
+        const bool isDamaged = length != whole.size();
+        ASSERT_EQ(outcome.exitCode, isDamaged ? 74 : 0);
+        ASSERT_EQ(outcome.errors.find("settings.dat is damaged") != std::string::npos, isDamaged);
         const Entries after = device.Listing();
         const auto has = [&after](const std::string& entry) {
             return std::find(after.begin(), after.end(), entry) != after.end();

@@ -20,7 +20,7 @@ class FolderDialog : public QFileDialog {
     explicit FolderDialog(const QString& first)
         : QFileDialog(nullptr,
                       QStringLiteral(
-                          "Choose the handheld's folder, which has files/ and registry.reg in it"),
+                          "Choose the handheld's folder (with files/ and registry.reg)"),
                       first) {
         setFileMode(QFileDialog::Directory);
         setOption(QFileDialog::ShowDirsOnly);
