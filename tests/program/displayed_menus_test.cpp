@@ -168,6 +168,15 @@ TEST_F(HelpTest, APageIsReadByKeysAndLeadsNowhereElse) {
     EXPECT_EQ(window.windowTitle(), "T");
 }
 
+TEST_F(HelpTest, APageOfTooMuchMarkupIsShownAsItsText) {
+    for (const int depth : {1, 3000}) {
+        const HelpWindow window(QStringLiteral("<table><tr><td>").repeated(depth) + "deep", {});
+        const QString text = window.findChild<QTextBrowser*>()->toPlainText();
+        EXPECT_EQ(text.contains("cannot be shown"), depth > 1);
+        EXPECT_TRUE(text.contains("deep"));
+    }
+}
+
 TEST_F(HelpTest, AViewerHasItsPageAndNothingElse) {
     const TemporaryDevice device;
     const std::string script = device.path() + "/viewer";

@@ -19,8 +19,7 @@ class FolderDialog : public QFileDialog {
   public:
     explicit FolderDialog(const QString& first)
         : QFileDialog(nullptr,
-                      QStringLiteral(
-                          "Choose the handheld's folder (with files/ and registry.reg)"),
+                      QStringLiteral("Choose the handheld's folder (with files/ and registry.reg)"),
                       first) {
         setFileMode(QFileDialog::Directory);
         setOption(QFileDialog::ShowDirsOnly);
