@@ -123,16 +123,17 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
-        {{"--device", taken, "--boot", "silent"}, 64, "the shortcuts have"},
+        {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
         {{"--device", taken + "/none", "silent"}, 66, "device directory: No such file"},
         {{"--device", noDevice.path(), "silent"}, 66, "neither"},
+        {{"--device", taken + "/files", "silent"}, 66, "directory above it"},
         {{"--device", linked.path(), "silent"}, 66, "\"files\": cannot be used"},
         {{"--device", "/", "silent"}, 66, "root of this machine"},
-        {{"--device", taken}, 69, "no display"},
-        {{"--device", taken, "--no-display", "Silent"}, 69, "--no-display keeps"},
+        {{"--device", taken}, 69, "leads to a display"},
+        {{"--device", taken, "--no-display", "Silent"}, 69, "--no-display was given"},
         {{"--new-device", taken}, 73, "not empty"},
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
@@ -199,7 +200,7 @@ TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
         const Outcome outcome = RunProgram({"--device", device.path(), "--boot", "--report"});
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.output.find("deleted \\Temp\\a") != std::string::npos, runs);
-        EXPECT_EQ(outcome.errors.find("x.LNK is passed over") == std::string::npos, runs);
+        EXPECT_EQ(outcome.errors.find("x.LNK is skipped") == std::string::npos, runs);
     }
     const TemporaryDevice device;
     device.Make({"Windows/StartUp/x.lnk=9#"s + "\\Program Files\\Fennelbright\\Fennelbright.exe"});
@@ -309,7 +310,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
         {{"Program Files/Fennelbright/"},
          {0, 78},
          "",
-         ": no settings.dat in \\Program Files\\Fennelbright: nothing is ticked\n"},
+         ": no settings.dat in \\Program Files\\Fennelbright: no options are ticked\n"},
         {{"Program Files/Fennelbright/settings.dat/"},
          {0, 74},
          "",
