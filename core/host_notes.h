@@ -21,6 +21,10 @@ void NoteNotStored(const WCHAR* what);
 void NoteNoSettings(const WCHAR* path);
 void NoteSettingsNotRead(const WCHAR* path);
 
+// The file `path` is no settings file from its first to its last byte: what is missing is taken for
+// not given, and what is too much is not read.
+void NoteSettingsDamaged(const WCHAR* path);
+
 // The path of the entry `name` of `directory` does not fit, so that the entry is left alone.
 void NoteTooLong(const WCHAR* directory, const WCHAR* name);
 

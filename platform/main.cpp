@@ -47,7 +47,8 @@ const char* g_device = "";  // as its user named it
 // relied on.
 void EndWithoutMemory() {
     for (const std::string_view part :
-         {"fennelbright: ", g_device, ": out of memory; what was not stored by now is not\n"}) {
+         {"fennelbright: ", g_device,
+          ": out of memory; what had not been stored by then is lost\n"}) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, part.data(), part.size());
     }
     _exit(EX_OSERR);

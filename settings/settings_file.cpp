@@ -84,7 +84,7 @@ void WriteText(std::FILE* file, const WCHAR* text) {
     }
 }
 
-// What stands behind a damaged text cannot be told, so nothing behind it is taken. Returns whether
+// What stands after a damaged text cannot be known, so nothing after it is taken. Returns whether
 // all texts were there.
 bool ReadTexts(std::FILE* file, std::uint32_t mask, CSettings& settings) {
     bool inStep = true;
@@ -98,7 +98,8 @@ bool ReadTexts(std::FILE* file, std::uint32_t mask, CSettings& settings) {
     return inStep;
 }
 
-void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, bool inStep) {
+// Returns whether all positions were there.
+bool ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, bool inStep) {
     for (const Option& option : AllOptions()) {
         if (option.position != nullptr && (mask & option.bit) != 0) {
             const std::optional<std::uint32_t> number =
@@ -107,6 +108,13 @@ void ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, boo
             settings.*option.position = static_cast<std::int32_t>(number.value_or(0));
         }
     }
+    return inStep;
+}
+
+// Returns whether the file holds everything that the mask asks for.
+bool ReadValues(std::FILE* file, std::uint32_t mask, CSettings& settings) {
+    const bool hasTexts = ReadTexts(file, mask, settings);
+    return ReadPositions(file, mask, settings, hasTexts);
 }
 
 }  // namespace
@@ -120,17 +128,19 @@ std::int32_t LoadSettings(CSettings& settings) {
         }
         return kNoMask;
     }
-    const std::uint32_t mask = ReadNumber(file).value_or(0);
+    const std::optional<std::uint32_t> number = ReadNumber(file);
+    const std::uint32_t mask = number.value_or(0);
     const auto result = static_cast<std::int32_t>(mask);
     // An unattended run would take that mask for the failure that it also stands for.
-    if (result != kNoMask || !g_Silent) {
-        const bool inStep = ReadTexts(file, mask, settings);
-        ReadPositions(file, mask, settings, inStep);
-    }
+    const bool takesValues = result != kNoMask || !g_Silent;
+    const bool hasAll = takesValues && ReadValues(file, mask, settings) && number;
     const bool isRead = std::ferror(file) == 0;
+    const bool isWhole = hasAll && std::fgetc(file) == EOF;
     std::fclose(file);
     if (!isRead) {
         NoteSettingsNotRead(path.data());
+    } else if (!isWhole) {
+        NoteSettingsDamaged(path.data());
     }
     if (!g_Silent) {
         RestoreSettings(settings, mask);

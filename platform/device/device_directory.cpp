@@ -66,18 +66,26 @@ Result<Descriptor> OpenFiles(const Descriptor& device) {
     return files;
 }
 
+// Whether somebody has named the file tree of a device in place of the device.
+bool IsFilesOfDevice(const Descriptor& directory) {
+    const Descriptor files(openat(directory.get(), "../files", O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    return files && IsSameFile(IdentityOf(directory.get()), IdentityOf(files.get()));
+}
+
 // Whether the device may do without a file tree: it is only missing, and the registry is there.
 Status CheckWithoutFiles(const Descriptor& device, const Failure& missing) {
     if (missing.error == ENOSYS) {
         return FailBecause(
-            kUse, "this kernel cannot confine a program to a directory (openat2, Linux 5.6)");
+            kUse, "this kernel is too old: it needs the system call openat2, of Linux 5.6");
     }
     if (missing.error != ENOENT) {
         return FailOf(missing, "its \"files\"");
     }
     struct stat registry {};
     if (fstatat(device.get(), kRegistryName, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
-        return FailBecause(kUse, "neither \"files\" nor \"registry.reg\" is in it");
+        return FailBecause(kUse, IsFilesOfDevice(device)
+                                     ? "it is the \"files\" of one: choose the directory above it"
+                                     : "neither \"files\" nor \"registry.reg\" is in it");
     }
     return {};
 }
@@ -90,14 +98,15 @@ Status CheckEmpty(const Descriptor& directory) {
     }
     return *isEmpty
                ? Status()
-               : FailBecause(kUse, "it is not empty; name a directory that does not exist yet");
+               : FailBecause("be made a sample device",
+                             "it is not empty; name a directory that is empty or not there yet");
 }
 
 Result<DeviceDirectory> OpenDirectory(const char* path) {
     DeviceDirectory device;
     device.directory = Descriptor(open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (!device.directory) {
-        return Fail(kUse, errno);
+        return errno == ENOTDIR ? FailBecause(kUse, "it is not a directory") : Fail(kUse, errno);
     }
     return device;
 }
@@ -159,7 +168,8 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
 
 bool CanBecomeDevice(const char* path) {
     const Result<DeviceDirectory> device = OpenDirectory(path);
-    return device ? CheckMeant(*device) && CheckEmpty(device->directory)
+    return device ? CheckMeant(*device) && CheckEmpty(device->directory) &&
+                        !IsFilesOfDevice(device->directory)
                   : device.error().error == ENOENT;
 }
 

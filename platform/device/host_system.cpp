@@ -71,7 +71,8 @@ Status HostSystem::Erase() {
     if (!folder) {
         return tl::unexpected<Failure>(folder.error());
     }
-    LogInUse::Current().Say("erased; all that was on the device is in " + *folder);
+    LogInUse::Current().Say("erased; its files and registry as they were are in its folder " +
+                            *folder);
     return {};
 }
 

@@ -53,10 +53,10 @@ Status RegistryGuard::RefuseMove(const Failure& failure) {
     if (refusedInStep_ != log.stepsBegun()) {
         refusedInStep_ = log.stepsBegun();
         log.NoteNotStored();
-        log.SayUndone("nothing is moved, because the registry could not be stored after it: " +
+        log.SayUndone("nothing is moved, because the registry could not be stored afterwards: " +
                       Describe(failure));
     }
-    return FailBecause("move", "there is no room to store the registry after it",
+    return FailBecause("move", "there is no room to store the registry afterwards",
                        ERROR_NO_SYSTEM_RESOURCES);
 }
 

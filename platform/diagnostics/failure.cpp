@@ -17,7 +17,7 @@ struct Code {
 
 constexpr Code kCodes[] = {
     {ENOENT, ERROR_FILE_NOT_FOUND},
-    {ENOTDIR, ERROR_PATH_NOT_FOUND, "a directory on the way is not there"},
+    {ENOTDIR, ERROR_PATH_NOT_FOUND, "a directory in its path is missing"},
     {EMFILE, ERROR_TOO_MANY_OPEN_FILES},
     {ENFILE, ERROR_TOO_MANY_OPEN_FILES},
     {EACCES, ERROR_ACCESS_DENIED},
@@ -33,7 +33,7 @@ constexpr Code kCodes[] = {
     {EDQUOT, ERROR_DISK_FULL},
     {EFBIG, ERROR_DISK_FULL},
     {ENOTEMPTY, ERROR_DIR_NOT_EMPTY},
-    {EEXIST, ERROR_ALREADY_EXISTS, "the name is taken"},
+    {EEXIST, ERROR_ALREADY_EXISTS, "the name is already in use"},
     {ENAMETOOLONG, ERROR_FILENAME_EXCED_RANGE},
     {EIO, ERROR_IO_DEVICE},
     {ELOOP, ERROR_CANT_ACCESS_FILE, "a symbolic link, which is not followed"},

@@ -40,7 +40,7 @@ Result<void*> FindInModule(const char* name) {
     void* const found = module == nullptr ? nullptr : dlsym(module, name);
     if (found == nullptr) {
         const char* const reason = dlerror();
-        return FailOf({kOpenWindows, {}, 0, "the module of the windows cannot be loaded"},
+        return FailOf({kOpenWindows, {}, 0, "the window module cannot be loaded"},
                       reason == nullptr ? kWindowModule : reason);
     }
     return found;
@@ -66,7 +66,7 @@ Result<std::unique_ptr<DisplayWindowSystem>> OpenDisplayWindowSystem(
         reinterpret_cast<MakeDisplayWindowSystem*>(*make)(&params));
     if (windows == nullptr) {
         return FailBecause(kOpenWindows,
-                           "the display cannot be opened; \"silent\" runs without one");
+                           "the display cannot be opened; the command line \"silent\" needs none");
     }
     return windows;
 }
@@ -78,7 +78,8 @@ Result<std::unique_ptr<DeviceDialogs>> OpenDeviceDialogs(double scale) {
     }
     std::unique_ptr<DeviceDialogs> dialogs(reinterpret_cast<MakeDeviceDialogs*>(*make)(scale));
     if (dialogs == nullptr) {
-        return FailBecause(kOpenWindows, "the display cannot be opened; --device names a device");
+        return FailBecause(kOpenWindows,
+                           "the display cannot be opened; name the device with --device");
     }
     return dialogs;
 }

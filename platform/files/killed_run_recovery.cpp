@@ -90,7 +90,7 @@ void PutRight(const PathResolver& tree, int volume, const char* name, ReservedFo
     if (purpose == ReservedFor::NewContent) {
         RemoveUnpublishedFile(volume, name);
     } else if (purpose == ReservedFor::SetAside && IsWithoutRecord(volume, name)) {
-        SayLeft(name, "no record says which file it was");
+        SayLeft(name, "it is not known which file it was");
     } else if (purpose == ReservedFor::WayBack) {
         if (const Status given = GiveBack(tree, volume, name); !given) {
             SayLeft(ReservedCounterpart(name, ReservedFor::SetAside).c_str(),

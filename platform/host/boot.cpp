@@ -70,8 +70,8 @@ int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog
         return 0;
     }
     if (!shortcut.arguments) {
-        log.Say(name + " is passed over: " +
-                (shortcut.target.empty() ? "it is no shortcut"
+        log.Say(name + " is skipped: " +
+                (shortcut.target.empty() ? "it is not a shortcut"
                                          : "it starts " + ReadableText(shortcut.target)));
         return 0;
     }
@@ -81,7 +81,7 @@ int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog
         return EX_OSERR;
     }
     if (*ended != 0) {
-        log.Say(name + " did not end well: exit code " + std::to_string(*ended));
+        log.Say(name + " ended with exit code " + std::to_string(*ended));
     }
     return *ended;
 }
@@ -106,7 +106,7 @@ int BootDevice(const CommandLine& line) {
         return shortcut.arguments.has_value();
     };
     if (std::none_of(shortcuts->begin(), shortcuts->end(), isOurs)) {
-        log.Say("nothing is run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
+        log.Say("nothing to run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
                 ReadableText(line.modulePath));
     }
     int result = 0;

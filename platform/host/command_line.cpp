@@ -27,9 +27,8 @@ const char kHelp[] =
     "  --report          say on standard output what was done, and what could not be\n"
     "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
     "  --no-display      open no window; messages go to standard error\n"
-    "  --boot            do what the device does when it starts: run the program for each "
-    "shortcut\n"
-    "                    of \\Windows\\StartUp that names it\n"
+    "  --boot            do what the device does when it starts: run the program for each\n"
+    "                    shortcut in \\Windows\\StartUp that leads to it\n"
     "  --scale N         show the handheld's screen N times as large, 1 to 8 (as large as the\n"
     "                    desktop allows)\n"
     "  --new-device DIR  make a sample device\n"
@@ -37,14 +36,13 @@ const char kHelp[] =
     "\n"
     "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
     "windows; without one the program opens its windows on the display, and asks there for the\n"
-    "device directory if none is named.\n"
+    "device directory if none is given.\n"
     "\n"
-    "Exit codes: 0 the program has ended as it does; 1 the display was lost; 64 wrong usage; 65 "
-    "the\n"
+    "Exit codes: 0 the program ended normally; 1 the display was lost; 64 wrong usage; 65 the\n"
     "registry cannot be read; 66 no usable device directory; 69 no display for the program's\n"
-    "windows; 71 out of memory; 73 what is to be made or stored cannot be; 74 registry or "
-    "settings\n"
-    "are not stored; 75 the device is in use by another run; 78 no settings, with --strict.\n";
+    "windows; 71 out of memory; 73 the sample device cannot be made, or the registry cannot be\n"
+    "stored; 74 changes to registry or settings are not stored; 75 the device is in use by\n"
+    "another run; 78 no settings, with --strict.\n";
 
 namespace {
 
@@ -115,16 +113,16 @@ Status ParseScale(const char* value, CommandLine& line) {
     line.scale = std::strtod(value, &end);
     const bool whole = end != value && *end == '\0';
     return RefuseUnless(whole && line.scale >= 1 && line.scale <= kLargestScale,
-                        "the scale is not from 1 to 8");
+                        "--scale takes a number from 1 to 8");
 }
 
 Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
     if (!line.device.empty()) {
-        return Refuse("more than one device directory is named");
+        return Refuse("more than one device directory is given");
     }
     line.device = value;
     SetTask(line, task);
-    return RefuseUnless(!line.device.empty(), "the device directory is named by an empty word");
+    return RefuseUnless(!line.device.empty(), "the name of the device directory is empty");
 }
 
 Status ParseModule(const char* value, CommandLine& line) {
@@ -188,13 +186,13 @@ bool AsksForDevice(const CommandLine& line) {
 Status CheckComplete(const CommandLine& line) {
     const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
     if (runs && line.device.empty() && !AsksForDevice(line)) {
-        return Refuse("no device directory is named");
+        return Refuse("no device directory is given");
     }
     if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
-        return Refuse("a sample device takes no command line");
+        return Refuse("--new-device takes no command line");
     }
     if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
-        return Refuse("the shortcuts have the command lines for --boot");
+        return Refuse("--boot takes no command line: each shortcut has its own");
     }
     return {};
 }

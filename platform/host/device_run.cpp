@@ -79,11 +79,11 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
 DeviceRun::ExitCode DeviceRun::Lock() {
     const Result<bool> locked = LockDevice(device_);
     if (locked && !*locked) {
-        log_.Say("in use by another run; try again when that has ended");
+        log_.Say("in use by another run; try again when it has ended");
         return EX_TEMPFAIL;
     }
     if (!locked) {
-        log_.Say("it cannot be locked, so see to it that nothing else works on it: " +
+        log_.Say("it cannot be locked, so make sure that nothing else works on it meanwhile: " +
                  ReasonOf(locked.error()));
     }
     isLocked_ = locked.has_value();
@@ -123,14 +123,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     if (const Status storable = store_->CheckStorable(); !storable) {
         return Refuse(EX_CANTCREAT, storable.error());
     }
-    Result<std::unique_ptr<DisplayWindowSystem>> windows = FailBecause(
-        "open the program's windows", "--no-display keeps them away; \"silent\" runs without them");
+    Result<std::unique_ptr<DisplayWindowSystem>> windows =
+        FailBecause("open the program's windows",
+                    "--no-display was given; the command line \"silent\" needs none");
     if (!line_.noDisplay) {
         windows = DisplayIsThere()
                       ? OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale))
                       : FailBecause("open the program's windows",
-                                    "no display answers under DISPLAY or WAYLAND_DISPLAY; "
-                                    "\"silent\" runs without one");
+                                    "neither DISPLAY nor WAYLAND_DISPLAY leads to a display; "
+                                    "the command line \"silent\" needs none");
     }
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());

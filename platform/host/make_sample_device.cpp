@@ -37,11 +37,16 @@ Status MakeSampleDevice(const CommandLine& line) {
 int RunMakeSampleDevice(const CommandLine& line) {
     RunLog log(line.device);
     const LogInUse logInUse(log);
-    const Status made = MakeSampleDevice(line);
-    if (!made) {
-        log.Say("no whole sample device: " + Describe(made.error()));
+    Result<DeviceDirectory> device = MakeDeviceDirectory(line.device.c_str());
+    if (!device) {
+        log.Say(Describe(device.error()));
+        return EX_CANTCREAT;
     }
-    return made ? 0 : EX_CANTCREAT;
+    if (const Status filled = FillSample(*device, line); !filled) {
+        log.Say("the sample device is incomplete: " + Describe(filled.error()));
+        return EX_CANTCREAT;
+    }
+    return 0;
 }
 
 }  // namespace platform

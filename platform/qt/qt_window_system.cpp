@@ -40,10 +40,11 @@ RECT DialogPlace(const DLGTEMPLATE& dialog, const QFontMetrics& metrics) {
 }
 
 // The toolkit would hand the keyboard on to a neighbour of what is hidden, as its user does by Tab.
+// What it stood on has it then, so that Tab goes on from there.
 void GiveUpKeyboard(const QWidget& hidden) {
-    QWidget* const focus = QApplication::focusWidget();
+    const QWidget* const focus = hidden.window()->focusWidget();
     if (focus != nullptr && (focus == &hidden || hidden.isAncestorOf(focus))) {
-        focus->clearFocus();
+        hidden.parentWidget()->setFocus(Qt::OtherFocusReason);
     }
 }
 
@@ -200,6 +201,8 @@ void QtWindowSystem::Open(const Window& window) {
         WatchSignals();
     } else if (window.widget().parentWidget() == &host_) {
         window.widget().raise();
+    } else {
+        stack_.OfferKeyboard(window);
     }
 }
 
@@ -245,10 +248,11 @@ HWND QtWindowSystem::SetFocus(HWND window) {
     const QWidget* const before = QApplication::focusWidget();
     const HWND previous = before == nullptr ? nullptr : HandleOf(*before);
     if (const Window* const found = windows_.Find(window)) {
+        found->widget().setFocus(Qt::OtherFocusReason);
         if (stack_.IsTopLevel(*found) && !found->widget().isHidden()) {
             stack_.Raise(*found);
+            stack_.FocusLoneOk();
         }
-        found->widget().setFocus(Qt::OtherFocusReason);
     }
     return previous;
 }

@@ -25,8 +25,8 @@ void NoteStep(int number) {
 }
 
 void NotePassedOver(const WCHAR* what, const WCHAR* content) {
-    platform::LogInUse::Current().SayUndone(platform::ReadableText(what) + " is passed over: " +
-                                            Quoted(content) + " is no path that can be used");
+    platform::LogInUse::Current().SayUndone(platform::ReadableText(what) + " is skipped: " +
+                                            Quoted(content) + " is not a path that can be used");
 }
 
 void NoteNotStored(const WCHAR* what) {
@@ -44,7 +44,7 @@ void NoteNoSettings(const WCHAR* path) {
     platform::RunLog& log = platform::LogInUse::Current();
     if (platform::IsNotThere(platform::StoreInUse::Current().LastFailure())) {
         log.NoteNoSettings();
-        log.Say("no " + name + " in " + place + ": nothing is ticked");
+        log.Say("no " + name + " in " + place + ": no options are ticked");
     } else {
         log.SayUndone(name + " in " + place +
                       " cannot be read, so nothing is done: " + LastReason());
@@ -56,6 +56,12 @@ void NoteSettingsNotRead(const WCHAR* path) {
                                             " cannot be read to its end, so nothing is done");
 }
 
+void NoteSettingsDamaged(const WCHAR* path) {
+    platform::LogInUse::Current().SayUndone(
+        platform::ReadableText(path) +
+        " is damaged: only its readable part is used; it stays as it is until options are saved");
+}
+
 void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
     platform::LogInUse::Current().SayUndone(platform::ReadableText(name) + " is left alone in " +
                                             platform::ReadableText(directory) +
@@ -63,7 +69,7 @@ void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
 }
 
 void NoteLookFailed(const WCHAR* target) {
-    g_failedLook = platform::ReadableText(target) + " cannot be looked for: " + LastReason();
+    g_failedLook = platform::ReadableText(target) + " cannot be looked up: " + LastReason();
 }
 
 void NoteKept(const WCHAR* kept) {

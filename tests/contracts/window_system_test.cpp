@@ -6,6 +6,7 @@
 #include <QMenuBar>
 #include <QScrollBar>
 #include <QTimer>
+#include <QWindow>
 #include <csignal>
 #include <functional>
 
@@ -242,6 +243,7 @@ TEST_F(DisplayTest, TheCaptionBelongsToTheFrontWindow) {
     Click(ok);
     Host().close();
     EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
+    EXPECT_EQ(Host().windowHandle()->title(), "A device[*]");
     Dispatch();
     DestroyWindow(box);
     Click(ok);
@@ -257,6 +259,8 @@ TEST_F(DisplayTest, MenusOpenUpward) {
     ASSERT_NE(SHCreateMenuBar(&info), 0);
     EXPECT_EQ(BoundsOf(info.hwndMB), QRect(0, 294, 240, 26));
     QTest::keyClick(&Host(), Qt::Key_F10);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    EXPECT_NE(dynamic_cast<QMenu&>(*QApplication::activePopupWidget()).activeAction(), nullptr);
     QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Right);
     QWidget* const popup = QApplication::activePopupWidget();
     ASSERT_NE(popup, nullptr);

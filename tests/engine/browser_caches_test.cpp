@@ -74,7 +74,7 @@ TEST(BrowserCachesTest, PassesOverWhatIsNoPath) {
         EXPECT_EQ(result.boxes, Entries());
         EXPECT_EQ(result.files, kUntouched);
         EXPECT_TRUE(result.registry.ends_with(WithCache("\"\\\\N\\\\\""))) << result.registry;
-        EXPECT_NE(result.notes.find("fennelbright: Cache is passed over"), std::string::npos);
+        EXPECT_NE(result.notes.find("fennelbright: Cache is skipped"), std::string::npos);
     }
 }
 

@@ -110,7 +110,7 @@ TEST(ShortcutCleaningTest, KeepsWhatItCannotLookForAndTheKeysOfSuchApplications)
         apps + "Live]\n\"InstallDir\"=\"\\\\a.exe\"\n" + apps + "Gone]\n\"InstallDir\"=\"\\\\b\"\n";
     const ApplyInput input{files, kQuietTweaks + keys, OPT_CLEAN_START_MENU | OPT_CLEAR_REGISTRY};
     for (const int reason : {EIO, EMFILE, ENOMEM, EACCES}) {
-        const std::string why = std::string("cannot be looked for: ") + std::strerror(reason);
+        const std::string why = std::string("cannot be looked up: ") + std::strerror(reason);
         int noted = 0;
         for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
             const ApplyResult result = ApplySilently(input, failing, &calls, reason);
@@ -146,8 +146,8 @@ TEST(ShortcutCleaningTest, KeepsWhatLeadsToWhereItMayNotLook) {
         chmod((device.files() + "/shut").c_str(), 0700);
         EXPECT_EQ(device.Listing(), stay);
         for (const char* const note :
-             {"\\menu\\shut.lnk stays: \\shut\\x cannot be looked for: Permission denied",
-              "\\menu\\link.lnk stays: \\link\\x cannot be looked for: a symbolic link"}) {
+             {"\\menu\\shut.lnk stays: \\shut\\x cannot be looked up: Permission denied",
+              "\\menu\\link.lnk stays: \\link\\x cannot be looked up: a symbolic link"}) {
             EXPECT_NE(notes.find(note), std::string::npos) << notes;
         }
     }

@@ -96,10 +96,14 @@ TEST_F(DisplayedLists, AChosenFolderIsCleaned) {
     const auto look = [] {
         EXPECT_EQ(Tree()->parentWidget()->geometry(), QRect(0, 26, 240, 268));
         EXPECT_EQ(Tree()->geometry(), QRect(10, 10, 220, 228));
+        EXPECT_TRUE(Tree()->hasFocus());
         EXPECT_EQ(Control(60001).geometry(), QRect(50, 243, 60, 20));
         EXPECT_EQ(Control(60002).geometry(), QRect(130, 243, 60, 20));
     };
-    const auto read = [] { EXPECT_EQ(BoxTexts(), "\\Games\\Cache\\|"); };
+    const auto read = [] {
+        EXPECT_EQ(BoxTexts(), "\\Games\\Cache\\|");
+        EXPECT_TRUE(Control(50003).hasFocus());
+    };
     EXPECT_EQ(
         Lost({Tap(50003), Open("Games"), Open("Cache"), look, Tap(60001), read, Tap(50001), Apply},
              {"6"}),

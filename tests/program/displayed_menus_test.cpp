@@ -93,10 +93,6 @@ TEST(DisplayedMenus, TheKeyOrClickThatSwitchesTheDeviceOnIsNotTheProgramS) {
     }
 }
 
-QWidget& CaptionOk() {
-    return *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
-}
-
 QLabel* AboutLabel() {
     for (auto* const label : Host().findChildren<QLabel*>()) {
         if (label->text().startsWith(QStringLiteral("Fennelbright V1.01\n"))) {
@@ -109,22 +105,23 @@ QLabel* AboutLabel() {
 TEST(DisplayedMenus, TheAboutBoxOpensAndClosesAsOftenAsItsUserLikes) {
     const TemporaryDevice device;
     device.Make({"App/"});
-    const auto closeByKey = [] {
+    const auto look = [] {
         EXPECT_EQ(g_AboutControls.Count(), 1u);
         EXPECT_EQ(BoundsOf(g_AboutWindow), QRect(0, 26, 240, 268));
         EXPECT_EQ(AboutLabel()->geometry(), QRect(2, 2, 200, 50));
         EXPECT_LE(AboutLabel()->sizeHint().height(), 50);
         EXPECT_EQ(AboutLabel()->text().count(u'\n'), 2);
-        CaptionOk().setFocus(Qt::TabFocusReason);
-        QTest::keyClick(Host().windowHandle(), Qt::Key_Space);
     };
-    Steps steps;
-    for (int round = 0; round < 2; ++round) {
+    Steps steps = {[] { Control(50002).setFocus(); }};
+    for (const Qt::Key key : {Qt::Key_Space, Qt::Key_Return}) {
         AddMenu(steps, kAbout);
         AddMenu(steps, kAbout);
-        steps.emplace_back(closeByKey);
-        steps.emplace_back(
-            [] { EXPECT_TRUE(g_AboutWindow == nullptr && AboutLabel() == nullptr); });
+        steps.emplace_back(look);
+        steps.emplace_back([key] { QTest::keyClick(Host().windowHandle(), key); });
+        steps.emplace_back([] {
+            EXPECT_TRUE(g_AboutWindow == nullptr && AboutLabel() == nullptr);
+            EXPECT_TRUE(Control(50002).hasFocus());
+        });
     }
     AddMenu(steps, kAbout);
     steps.emplace_back([&] { EXPECT_EQ(device.Listing(), Entries{"App/"}); });
@@ -169,6 +166,15 @@ TEST_F(HelpTest, APageIsReadByKeysAndLeadsNowhereElse) {
     QTest::keyClick(window.findChild<QLineEdit*>(), Qt::Key_Return);
     EXPECT_EQ(text.textCursor().selectedText(), "there");
     EXPECT_EQ(window.windowTitle(), "T");
+}
+
+TEST_F(HelpTest, APageOfTooMuchMarkupIsShownAsItsText) {
+    for (const int depth : {1, 3000}) {
+        const HelpWindow window(QStringLiteral("<table><tr><td>").repeated(depth) + "deep", {});
+        const QString text = window.findChild<QTextBrowser*>()->toPlainText();
+        EXPECT_EQ(text.contains("cannot be shown"), depth > 1);
+        EXPECT_TRUE(text.contains("deep"));
+    }
 }
 
 TEST_F(HelpTest, AViewerHasItsPageAndNothingElse) {

@@ -149,7 +149,12 @@ TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsDoneAndSaved) {
                    [] { Turn(Control(50027).geometry().center(), -120); },
                    [] { QTest::keyClick(&Control(50027), Qt::Key_Down); },
                    [] { QTest::keyClick(&Control(50027), Qt::Key_Tab, Qt::ControlModifier); },
-                   [] { EXPECT_EQ(ShownScreen(), 2); }};
+                   [] { EXPECT_EQ(ShownScreen(), 2); },
+                   [] { QTest::keyClick(Host().windowHandle(), Qt::Key_Tab); },
+                   [] {
+                       EXPECT_EQ(QApplication::focusWidget()->property("text"),
+                                 "Clear Redundant Registry Keys");
+                   }};
     AddMenu(steps, {Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
     AddMenu(steps, {Qt::Key_F10, Qt::Key_Down, Qt::Key_Return});
     EXPECT_EQ(RunDisplayed(device, steps),

@@ -59,11 +59,11 @@ answer() {
 }
 "$program" &
 running=$!
-answer "^Choose a device" key Escape
+answer "^Choose the handheld" key Escape
 ended "when its user cancelled"
 "$program" --scale 2 &
 running=$!
-answer "^Choose a device" type "$scratch/mine"
+answer "^Choose the handheld" type "$scratch/mine"
 xdotool key Return
 answer "^Fennelbright$" key Return  # "Yes"
 window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)

@@ -123,16 +123,17 @@ TEST(Program, ExitCodesTellWhatWentWrong) {
         {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
-        {{"--device", taken, "--boot", "silent"}, 64, "the shortcuts have"},
+        {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
         {{"--device", taken + "/none", "silent"}, 66, "device directory: No such file"},
         {{"--device", noDevice.path(), "silent"}, 66, "neither"},
+        {{"--device", taken + "/files", "silent"}, 66, "directory above it"},
         {{"--device", linked.path(), "silent"}, 66, "\"files\": cannot be used"},
         {{"--device", "/", "silent"}, 66, "root of this machine"},
-        {{"--device", taken}, 69, "no display"},
-        {{"--device", taken, "--no-display", "Silent"}, 69, "--no-display keeps"},
+        {{"--device", taken}, 69, "leads to a display"},
+        {{"--device", taken, "--no-display", "Silent"}, 69, "--no-display was given"},
         {{"--new-device", taken}, 73, "not empty"},
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
@@ -199,7 +200,7 @@ TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
         const Outcome outcome = RunProgram({"--device", device.path(), "--boot", "--report"});
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.output.find("deleted \\Temp\\a") != std::string::npos, runs);
-        EXPECT_EQ(outcome.errors.find("x.LNK is passed over") == std::string::npos, runs);
+        EXPECT_EQ(outcome.errors.find("x.LNK is skipped") == std::string::npos, runs);
     }
     const TemporaryDevice device;
     device.Make({"Windows/StartUp/x.lnk=9#"s + "\\Program Files\\Fennelbright\\Fennelbright.exe"});
@@ -232,14 +233,15 @@ TEST(Program, HostileTreesAreCleanedAndNothingElseIs) {
 TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
     const std::string whole = "\x03\0\0\0"s + Record(u"\\Work\\Cache\\") + Record(u"\\W2\\");
     const std::size_t firstEnd = 4 + Record(u"\\Work\\Cache\\").size();
-    for (std::size_t length = 0; length <= whole.size(); ++length) {
+    for (std::size_t length = 0; length <= whole.size() + 1; ++length) {
         const TemporaryDevice device;
         device.Make({"Work/keep=1", "Work/Cache/a=2", "W2/b=3", "c=4",
-                     SettingsEntry(whole.substr(0, length))});
+                     SettingsEntry((whole + 'x').substr(0, length))});
         WriteFile(device.path() + "/registry.reg", kQuietTweaks);
-        const Outcome outcome = RunProgram({"--device", device.path(), "silent"});
-        ASSERT_EQ(outcome.exitCode, 0);
-        ASSERT_EQ(outcome.output + outcome.errors, "");
+        const Outcome outcome = RunProgram({"--device", device.path(), "--strict", "silent"});
+        const bool isDamaged = length != whole.size();
+        ASSERT_EQ(outcome.exitCode, isDamaged ? 74 : 0);
+        ASSERT_EQ(outcome.errors.find("settings.dat is damaged") != std::string::npos, isDamaged);
         const Entries after = device.Listing();
         const auto has = [&after](const std::string& entry) {
             return std::find(after.begin(), after.end(), entry) != after.end();
@@ -308,7 +310,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
         {{"Program Files/Fennelbright/"},
          {0, 78},
          "",
-         ": no settings.dat in \\Program Files\\Fennelbright: nothing is ticked\n"},
+         ": no settings.dat in \\Program Files\\Fennelbright: no options are ticked\n"},
         {{"Program Files/Fennelbright/settings.dat/"},
          {0, 74},
          "",

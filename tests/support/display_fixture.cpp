@@ -33,7 +33,7 @@ extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
 
 std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen() {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", 1);
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device[*]", 1);
     return std::unique_ptr<platform::DisplayWindowSystem>(FennelbrightMakeWindows(&params));
 }
 

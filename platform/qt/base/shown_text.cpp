@@ -127,4 +127,8 @@ QString ShownLines(const QString& text) {
     return lines.join(u'\n');
 }
 
+QString TitleText(QString text) {
+    return text.replace(QStringLiteral("[*]"), QStringLiteral("[*][*]"));
+}
+
 }  // namespace platform::qt

@@ -21,4 +21,7 @@ QString ShownText(const QString& text);
 // The same for a text of several lines, whose ends stay.
 QString ShownLines(const QString& text);
 
+// A text for a window's title, in which the toolkit's place for a mark of changes is plain text.
+QString TitleText(QString text);
+
 }  // namespace platform::qt

@@ -3,7 +3,9 @@
 #include <QKeyEvent>
 #include <QListView>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QScrollBar>
+#include <QStyleOption>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <functional>
@@ -46,6 +48,18 @@ class ListView : public QListView {
         changed_ = false;
         QListView::mousePressEvent(event);
         ReportChange();
+    }
+    // An empty list with the keyboard has the mark where its first row would be.
+    void paintEvent(QPaintEvent* event) override {
+        QListView::paintEvent(event);
+        if (hasFocus() && model()->rowCount() == 0) {
+            QStyleOptionFocusRect mark;
+            mark.initFrom(viewport());
+            mark.rect = QRect(0, 0, viewport()->width(), fontMetrics().height());
+            mark.state |= QStyle::State_KeyboardFocusChange;
+            QPainter painter(viewport());
+            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &mark, &painter, this);
+        }
     }
     // A drag selects nothing: each tap is one entry's.
     void mouseMoveEvent(QMouseEvent* event) override { event->accept(); }

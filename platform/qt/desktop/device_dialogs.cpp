@@ -18,7 +18,9 @@ const QString kCaption = QStringLiteral("Fennelbright");
 class FolderDialog : public QFileDialog {
   public:
     explicit FolderDialog(const QString& first)
-        : QFileDialog(nullptr, QStringLiteral("Choose a device directory"), first) {
+        : QFileDialog(nullptr,
+                      QStringLiteral("Choose the handheld's folder (with files/ and registry.reg)"),
+                      first) {
         setFileMode(QFileDialog::Directory);
         setOption(QFileDialog::ShowDirsOnly);
         resize(kDialogSize.boundedTo(screen()->availableSize()));

@@ -1,18 +1,17 @@
 #include "platform/qt/desktop/help_window.h"
 
 #include <QHBoxLayout>
-#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStringDecoder>
-#include <QTextBrowser>
-#include <QTextDocument>
 #include <QUrl>
 #include <QVBoxLayout>
+
+#include "platform/qt/base/shown_text.h"
+#include "platform/qt/desktop/help_browser.h"
 
 namespace platform::qt {
 
@@ -20,37 +19,6 @@ namespace {
 
 constexpr QSize kWindowSize(340, 420);
 constexpr int kMargin = 4;
-constexpr int kIndent = 18;
-
-// A text browser that has nothing to load from. The toolkit looks for the file of an image or a
-// style sheet that it is not given, so it is given one that does nothing.
-class Page : public QTextBrowser {
-  public:
-    explicit Page(QWidget* parent) : QTextBrowser(parent) {
-        setObjectName(QStringLiteral("helpPage"));
-        setAccessibleName(QStringLiteral("Help page"));
-        setOpenLinks(false);
-    }
-
-    QVariant loadResource(int type, const QUrl& /*name*/) override {
-        if (type != QTextDocument::ImageResource) {
-            return QByteArray(" ");
-        }
-        QImage nothing(1, 1, QImage::Format_ARGB32);
-        nothing.fill(Qt::transparent);
-        return nothing;
-    }
-
-  protected:
-    void doSetSource(const QUrl& /*name*/, QTextDocument::ResourceType /*type*/) override {}
-};
-
-// Without its images: the toolkit looks for larger ones beside their files.
-QString WithoutImages(QString page) {
-    static const QRegularExpression image(QStringLiteral("<\\s*img\\b"),
-                                          QRegularExpression::CaseInsensitiveOption);
-    return page.replace(image, QStringLiteral("<span"));
-}
 
 }  // namespace
 
@@ -61,11 +29,10 @@ QString PageText(QByteArrayView bytes) {
 }
 
 HelpWindow::HelpWindow(const QString& page, const QString& place)
-    : place_(place), page_(new Page(this)) {
-    page_->document()->setIndentWidth(kIndent);
-    page_->setHtml(WithoutImages(page));
+    : place_(place), page_(new HelpBrowser(this)) {
+    page_->ShowPage(page);
     const QString title = page_->documentTitle();
-    setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : title);
+    setWindowTitle(title.isEmpty() ? QStringLiteral("Help") : TitleText(title));
     AddControls();
     AddKeys();
     resize(kWindowSize);
@@ -147,20 +114,24 @@ void HelpWindow::GoBack() {
     }
 }
 
-// From the beginning again behind the last place.
+// From the beginning again after the last place.
 void HelpWindow::Find() {
     const QString wanted = wanted_->text();
-    bool found = wanted.isEmpty() || page_->find(wanted);
-    if (!found) {
-        const QTextCursor before = page_->textCursor();
-        page_->moveCursor(QTextCursor::Start);
-        found = page_->find(wanted);
-        if (!found) {
-            page_->setTextCursor(before);
-        }
+    if (wanted.isEmpty() || page_->find(wanted)) {
+        return Answer({});
     }
-    answer_->setText(found ? QString() : QStringLiteral("\"%1\" is not on this page").arg(wanted));
-    answer_->setVisible(!found);
+    const QTextCursor before = page_->textCursor();
+    page_->moveCursor(QTextCursor::Start);
+    if (page_->find(wanted)) {
+        return Answer(QStringLiteral("No more \"%1\" below: from the top again").arg(wanted));
+    }
+    page_->setTextCursor(before);
+    Answer(QStringLiteral("\"%1\" is not on this page").arg(wanted));
+}
+
+void HelpWindow::Answer(const QString& text) {
+    answer_->setText(text);
+    answer_->setVisible(!text.isEmpty());
 }
 
 }  // namespace platform::qt

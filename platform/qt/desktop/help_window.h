@@ -8,10 +8,11 @@
 class QLabel;
 class QLineEdit;
 class QPushButton;
-class QTextBrowser;
 class QUrl;
 
 namespace platform::qt {
+
+class HelpBrowser;
 
 // The text of a page that is UTF-8, or else of one byte for a character.
 QString PageText(QByteArrayView bytes);
@@ -34,9 +35,10 @@ class HelpWindow : public QWidget {
     void Follow(const QUrl& link);
     void GoBack();
     void Find();
+    void Answer(const QString& text);
 
     QString place_;  // where it begins
-    QTextBrowser* page_;
+    HelpBrowser* page_;
     QPushButton* back_ = nullptr;  // all of them its own
     QLineEdit* wanted_ = nullptr;
     QLabel* answer_ = nullptr;

@@ -76,6 +76,15 @@ double FittingScale(int desktopHeight) {
                : std::clamp(desktopHeight * 9 / 10 / kScreenHeight, 1, kLargestScale);
 }
 
+// The scale that is wished for, or as much of it as the desktop has room for; 0: a fitting one.
+double ScaleFor(double wished, int desktopHeight) {
+    if (wished <= 0) {
+        return FittingScale(desktopHeight);
+    }
+    const double most = static_cast<double>(desktopHeight) / kScreenHeight;
+    return desktopHeight == 0 ? wished : std::min(wished, std::max(1.0, most));
+}
+
 // What the toolkit notes while it starts, such as folders of the session that it misses, is
 // nobody's business here, but for the reason of its own end.
 void PassOnFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
@@ -97,7 +106,7 @@ std::unique_ptr<QApplication> StartToolkit(double scale) {
     static int count = 1;
     static char name[] = "fennelbright";
     static char* words[] = {name, nullptr};
-    const double factor = scale > 0 ? scale : FittingScale(kind == "xcb" ? desktop.Height() : 0);
+    const double factor = ScaleFor(scale, kind == "xcb" ? desktop.Height() : 0);
     qputenv("QT_QPA_PLATFORM", kind);
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
     qputenv("QT_SCALE_FACTOR", QByteArray::number(factor));

@@ -5,6 +5,8 @@
 #include <QLabel>
 
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/base/push_button.h"
+#include "platform/qt/base/shown_text.h"
 
 namespace platform::qt {
 
@@ -33,7 +35,7 @@ QLabel* NewTitle(QWidget* parent) {
 }
 
 QPushButton* NewOk(QWidget* parent) {
-    auto* const ok = new QPushButton(QStringLiteral("OK"), parent);
+    auto* const ok = new PushButton(QStringLiteral("OK"), parent);
     ok->setGeometry(kScreenWidth - kOkWidth - kMargin, kMargin, kOkWidth, kOkHeight);
     ok->setFocusPolicy(Qt::TabFocus);
     ok->setObjectName(QStringLiteral("captionOk"));
@@ -44,7 +46,7 @@ QPushButton* NewOk(QWidget* parent) {
 
 HostWindow::HostWindow(const QString& title, HostEvents events)
     : events_(std::move(events)), title_(NewTitle(this)), ok_(NewOk(this)) {
-    setWindowTitle(title);
+    setWindowTitle(TitleText(title));
     setFixedSize(kScreenWidth, kScreenHeight);
     connect(ok_, &QPushButton::clicked, this, [this] { events_.okPressed(); });
     SetCaption({}, false);

@@ -28,6 +28,9 @@ class HostWindow : public QWidget {
     // Shows the title of the front window, and the OK button if it has one.
     void SetCaption(const QString& text, bool hasOk);
 
+    // Gives the keyboard to the OK button.
+    void FocusOk() { ok_->setFocus(Qt::OtherFocusReason); }
+
     // Keeps the menu bar before all windows.
     void RaiseMenuBar();
 

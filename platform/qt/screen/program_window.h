@@ -27,6 +27,7 @@ class ProgramWindow : public Window {
     void Place(const QRect& place) override;
 
     bool IsTopLevel() const { return topLevel_; }
+    bool IsDialog() const { return dialog_; }
     bool HasOk() const { return hasOk_; }
     void GiveOk() { hasOk_ = true; }
 

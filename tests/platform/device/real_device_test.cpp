@@ -80,8 +80,8 @@ TEST(RealDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
     std::filesystem::rename(device.path() + "/tree", device.files());
     WriteFile(device.path() + "/registry.reg", kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
-                "erasing the device\nfennelbright: erased; all that was on the device is in "
-                "erased-20..-..-..\n$");
+                "erasing the device\nfennelbright: erased; its files and registry as they were are "
+                "in its folder erased-20..-..-..\n$");
     const std::string folder = device.path() + "/erased-" + platform::Today();
     EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
     EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
