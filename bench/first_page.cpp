@@ -24,8 +24,8 @@ extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
 
 namespace {
 
-// Watches the paintings of the whole process. One that has ended is told in the next turn of the
-// toolkit's loop.
+// Watches the paintings of the whole process. One that has ended is reported in the next turn of
+// the toolkit's loop.
 class PaintWatcher : public QObject {
   public:
     explicit PaintWatcher(int tabChanges) : left_(tabChanges) {}

@@ -536,8 +536,8 @@ def compare_memory(place, table, what, device, limit):
 
 
 def measure_windows(place, table, runs):
-    table.head("Windows", f"Milliseconds, median of {runs} alternating runs, on a display that nobody"
-               " sees.")
+    table.head("Windows", f"Milliseconds, median of {runs} alternating runs, on an offscreen"
+               " display.")
     os.environ["QT_QPA_PLATFORM"] = "offscreen"
     with place.device() as device:
         ours, theirs = [], []

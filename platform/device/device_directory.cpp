@@ -66,7 +66,7 @@ Result<Descriptor> OpenFiles(const Descriptor& device) {
     return files;
 }
 
-// Whether somebody has named the file tree of a device in place of the device.
+// Whether it is the file tree of a device, named in place of the device.
 bool IsFilesOfDevice(const Descriptor& directory) {
     const Descriptor files(openat(directory.get(), "../files", O_PATH | O_NOFOLLOW | O_CLOEXEC));
     return files && IsSameFile(IdentityOf(directory.get()), IdentityOf(files.get()));

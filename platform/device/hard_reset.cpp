@@ -170,7 +170,7 @@ void Erasing::RemoveFiles() {
     unlinkat(device_, kFilesName, AT_REMOVEDIR);
 }
 
-// Whoever could use the old tree can use the new one, and nobody else.
+// The same users as before can use the new tree.
 Status Erasing::KeepAccess() {
     struct stat old {};
     const Descriptor files = OpenDirectory(device_, kFilesName);

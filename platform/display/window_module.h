@@ -46,7 +46,7 @@ class DeviceDialogs {
     virtual std::string ChooseFolder() = 0;
 
     // Shows a text, UTF-8, until the user has read it.
-    virtual void Tell(const std::string& text) = 0;
+    virtual void ShowText(const std::string& text) = 0;
 
     // Whether the user says yes to a question.
     virtual bool Confirm(const std::string& question) = 0;

@@ -73,7 +73,7 @@ constexpr option kChoices[] = {
     {"boot", no_argument, nullptr, kBoot},
     {"scale", required_argument, nullptr, kScale},
     {"new-device", required_argument, nullptr, kNewDevice},
-    // With which the program starts its help viewer; nobody else has a use for it.
+    // With which the program starts its help viewer; users have no use for it.
     {"show-help-page", required_argument, nullptr, kShowHelpPage},
     {"help", no_argument, nullptr, kHelpChoice},
     {"version", no_argument, nullptr, kVersion},

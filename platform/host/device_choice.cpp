@@ -25,7 +25,7 @@ bool IsDevice(const CommandLine& line, DeviceDialogs& dialogs) {
     }
     const std::string wrong = InWords(line, device.error());
     if (!CanBecomeDevice(line.device.c_str())) {
-        dialogs.Tell(wrong);
+        dialogs.ShowText(wrong);
         return false;
     }
     if (!dialogs.Confirm(wrong + ".\n\nDo you want to make a sample device there?")) {
@@ -33,7 +33,7 @@ bool IsDevice(const CommandLine& line, DeviceDialogs& dialogs) {
     }
     const Status made = MakeSampleDevice(line);
     if (!made) {
-        dialogs.Tell(InWords(line, made.error()));
+        dialogs.ShowText(InWords(line, made.error()));
     }
     return made.has_value();
 }

@@ -59,7 +59,7 @@ class DeviceRun {
     DeviceDirectory device_;
     std::unique_ptr<RealDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
-    std::optional<ReportingStore> recorder_;        // where somebody wants to know what was done
+    std::optional<ReportingStore> recorder_;        // where a report or --strict was asked for
 };
 
 DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
@@ -171,7 +171,7 @@ int DeviceRun::Finish() {
     return log_.ExitCode(line_.strict);
 }
 
-// What a process that ends on the spot still holds is written first; nobody destroys anything.
+// What a process that ends on the spot still holds is written first, because no destructor runs.
 void DeviceRun::EndOnTheSpot(int code) {
     const int result = code == 0 ? Finish() : code;
     std::fflush(nullptr);

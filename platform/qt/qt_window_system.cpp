@@ -108,6 +108,7 @@ void QtWindowSystem::ServeDesktop() {
     if (QGuiApplication::overrideCursor() == nullptr) {
         QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     }
+    // Without the sockets: a signal becomes a message only when the program asks for one again.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);
 }
@@ -129,6 +130,7 @@ HWND QtWindowSystem::CreateWindowExW(DWORD extendedStyle, const WCHAR* className
     }
     const QString name = TextOf(className);
     const WindowClasses::Class* const made = classes_.Find(name);
+    // A popup lies on the screen itself, so that the edges of its parent's page do not cut it.
     const bool onScreen = above == nullptr || (made != nullptr && (style & WS_POPUP) != 0);
     const CreateParams params = {
         .handle = windows_.NewHandle(),
@@ -207,6 +209,7 @@ void QtWindowSystem::Open(const Window& window) {
 }
 
 BOOL QtWindowSystem::UpdateWindow(HWND window) {
+    // Before the painting, during which nothing of the program may run.
     if (Window* const found = windows_.Find(window)) {
         found->PrepareToPaint();
         QCoreApplication::sendPostedEvents(&host_, QEvent::UpdateRequest);
@@ -276,7 +279,7 @@ BOOL QtWindowSystem::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/,
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         MSG next;
         while (queue_.Pop(next)) {
-            if (CanBeTold(next)) {
+            if (HasReceiver(next)) {
                 *message = next;
                 return next.message != WM_QUIT;
             }
@@ -290,8 +293,8 @@ BOOL QtWindowSystem::GetMessageW(MSG* message, HWND /*window*/, UINT /*lowest*/,
     }
 }
 
-// A window that is gone hears nothing and has said nothing.
-bool QtWindowSystem::CanBeTold(const MSG& message) const {
+// A window can be destroyed while messages to it, or of it, are queued; they go with it.
+bool QtWindowSystem::HasReceiver(const MSG& message) const {
     if (message.message == WM_QUIT) {
         return true;
     }
@@ -313,6 +316,7 @@ LRESULT QtWindowSystem::DispatchMessageW(const MSG* message) {
         return 0;
     }
     if (message->message >= kFirstOwnMessage) {
+        // A copy, because the window may go while it is at work, and the message with it.
         window->CarryOut(MSG(*message));
         return 0;
     }
@@ -429,6 +433,7 @@ HWND QtWindowSystem::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DL
                                   .hasOk = false,
                                   .background = Qt::white};
     windows_.Add(std::make_unique<ProgramWindow>(context_, params, traits));
+    // Not seen before its procedure has made its controls; that may also destroy it.
     windows_.Find(params.handle)->widget().hide();
     windows_.Send(params.handle, WM_INITDIALOG, 0, parameter);
     if (const Window* const made = windows_.Find(params.handle);

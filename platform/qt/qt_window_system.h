@@ -64,7 +64,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     HWND AddProgramWindow(const CreateParams& params, DWORD extendedStyle,
                           const WindowClasses::Class& made);
     void Open(const Window& window);
-    bool CanBeTold(const MSG& message) const;
+    bool HasReceiver(const MSG& message) const;
     void QueueTabStep(int step);
     void WatchSignals();
     // Ends the run as OK does, after running work; from then on every box is answered at once.

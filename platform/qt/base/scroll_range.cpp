@@ -7,7 +7,7 @@ namespace platform::qt {
 namespace {
 
 // The pages move by this much for a line. A window system cannot know it, but a page that moves on
-// its own account must not be told to move further than there is room.
+// its own account must not be made to move further than there is room.
 constexpr long long kLine = 3;
 
 }  // namespace

@@ -6,7 +6,7 @@
 
 namespace platform::qt {
 
-// What a scroll bar stands for, and the rules by which it tells of itself.
+// What a scroll bar stands for, and the rules by which it reports.
 class ScrollRange {
   public:
     int lowest() const { return lowest_; }

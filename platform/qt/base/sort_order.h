@@ -5,7 +5,7 @@
 namespace platform::qt {
 
 // A text with its place in the order of sorted lists: without regard to case, and by the characters
-// where nothing else tells two texts apart.
+// where two texts differ in nothing else.
 class SortText {
   public:
     explicit SortText(const QString& text) : text_(text), folded_(text.toCaseFolded()) {}

@@ -43,7 +43,7 @@ Window::Window(WindowContext& context, const CreateParams& params)
       text_(params.text) {}
 
 Window::~Window() {
-    // The widget's last words find no window behind them.
+    // What the widget reports while it is destroyed finds no window any more.
     focusWatch_.reset();
     if (widget_ != nullptr) {
         widget_->disconnect();

@@ -77,7 +77,7 @@ class Window {
     // Takes over the widget, which must stand on the birth's surface, and gives it its place.
     void Adopt(std::unique_ptr<QWidget> widget, const CreateParams& params);
 
-    // Tells the parent by WM_COMMAND, now or through the queue. A control without an ID tells
+    // Notifies the parent by WM_COMMAND, now or through the queue. A control without an ID notifies
     // nothing.
     void SendCommand(WORD code);
     void QueueCommand(WORD code);

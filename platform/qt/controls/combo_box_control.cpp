@@ -14,8 +14,8 @@ constexpr int kFieldHeight = 20;
 
 class ComboBox : public QComboBox {
   public:
-    ComboBox(QWidget* parent, std::function<void(WORD code)> told)
-        : QComboBox(parent), notify_(std::move(told)) {}
+    ComboBox(QWidget* parent, std::function<void(WORD code)> notify)
+        : QComboBox(parent), notify_(std::move(notify)) {}
 
     void showPopup() override {
         notify_(CBN_DROPDOWN);

@@ -71,7 +71,7 @@ EditControl::EditControl(WindowContext& context, const CreateParams& params)
     Adopt(std::move(line), params);
 }
 
-// A text that the program sets is told of at once, as the change of a text that it is.
+// A text that the program sets is reported at once, because it is a change of the text.
 LRESULT EditControl::HandleMessage(UINT message, WPARAM wParam, LPARAM lParam) {
     if (message != WM_SETTEXT) {
         return Window::HandleMessage(message, wParam, lParam);

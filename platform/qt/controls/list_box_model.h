@@ -7,7 +7,7 @@
 
 namespace platform::qt {
 
-// The entries of a list box. An added entry waits until the toolkit's next turn or until somebody
+// The entries of a list box. An added entry waits until the toolkit's next turn or until a message
 // asks for the list: entries that come one by one are sorted all at once.
 class ListBoxModel : public QAbstractListModel {
   public:

@@ -85,7 +85,7 @@ LRESULT TabControl::Adjust(LPARAM rectangle) const {
     return 0;
 }
 
-// The parent hears of it before and after, and may end this control's life at either time.
+// The parent is notified before and after, and may destroy this control both times.
 void TabControl::ChooseTab(int index) {
     const WindowTable& windows = context().windows;
     const HWND self = handle();

@@ -7,7 +7,7 @@
 namespace platform::qt {
 
 // A row of tabs that shows whole tabs alone: where they do not all fit, two arrows move it by one
-// tab. It never changes the tab by itself: it tells which one was tapped.
+// tab. It never changes the tab by itself: it reports which one was tapped.
 class TabRow : public QWidget {
   public:
     TabRow(QWidget* parent, bool below, std::function<void(int index)> tapped);
@@ -28,7 +28,7 @@ class TabRow : public QWidget {
     int WidthOf(int first, int last) const;
     // How many pixels are left for tabs beside the arrows.
     int Room() const;
-    // Lets the row begin with this tab, or with the first one behind which all others are in view.
+    // Lets the row begin with this tab, or with the first one after which all others are in view.
     void BeginWith(int first);
 
     QWidget* view_;  // as wide as the tabs that are shown

@@ -47,7 +47,7 @@ class TreeControl : public Window {
 
     QTreeWidget* tree_;
     std::map<std::uintptr_t, TreeItem*> items_;  // the tree's own, or in `waiting_`
-    // Items that are to be sorted, by their parents, until somebody looks at the tree: those that
+    // Items that are to be sorted, by their parents, until the tree is asked or shown: those that
     // come one by one are sorted all at once.
     std::map<QTreeWidgetItem*, std::vector<std::unique_ptr<TreeItem>>> waiting_;
     std::map<std::pair<int, int>, QIcon> icons_;  // by the image and the one while selected

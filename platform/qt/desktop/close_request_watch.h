@@ -7,7 +7,7 @@
 
 namespace platform::qt {
 
-// Tells when the desktop asks a window to close while a box is over it. The toolkit keeps such a
+// Notices when the desktop asks a window to close while a box is over it. The toolkit keeps such a
 // request from the window; without a box the window has it itself.
 class CloseRequestWatch : public QAbstractNativeEventFilter {
   public:

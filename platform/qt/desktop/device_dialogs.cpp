@@ -54,7 +54,7 @@ std::string ToolkitDialogs::ChooseFolder() {
     return QFile::encodeName(chosen).toStdString();
 }
 
-void ToolkitDialogs::Tell(const std::string& text) {
+void ToolkitDialogs::ShowText(const std::string& text) {
     boxes_.Show(nullptr, QString::fromStdString(text), kCaption, MB_OK);
 }
 

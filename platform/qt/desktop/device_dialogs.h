@@ -15,7 +15,7 @@ class ToolkitDialogs : public DeviceDialogs {
     explicit ToolkitDialogs(std::unique_ptr<QApplication> application);
 
     std::string ChooseFolder() override;
-    void Tell(const std::string& text) override;
+    void ShowText(const std::string& text) override;
     bool Confirm(const std::string& question) override;
 
   private:

@@ -85,8 +85,8 @@ double ScaleFor(double wished, int desktopHeight) {
     return desktopHeight == 0 ? wished : std::min(wished, std::max(1.0, most));
 }
 
-// What the toolkit notes while it starts, such as folders of the session that it misses, is
-// nobody's business here, but for the reason of its own end.
+// What the toolkit notes while it starts, such as missing folders of the session, means nothing to
+// the program's user; only the reason of its own end does.
 void PassOnFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QString& text) {
     if (type == QtFatalMsg) {
         std::fprintf(stderr, "fennelbright: %s\n", qUtf8Printable(text));

@@ -139,7 +139,7 @@ int MessageBoxes::Show(QWidget* over, const QString& text, const QString& captio
     const int answer = box.exec();
     open_ = nullptr;
     if (over != nullptr) {
-        over->activateWindow();  // without a window manager nobody else gives the keyboard back
+        over->activateWindow();  // without a window manager, nothing else gives the keyboard back
     }
     return answer;
 }

@@ -7,8 +7,8 @@
 
 namespace platform::qt {
 
-PageScrollBar::PageScrollBar(QWidget* parent, Notify told)
-    : QScrollBar(Qt::Vertical, parent), notify_(std::move(told)) {
+PageScrollBar::PageScrollBar(QWidget* parent, Notify notify)
+    : QScrollBar(Qt::Vertical, parent), notify_(std::move(notify)) {
     setTracking(false);
     setContextMenuPolicy(Qt::PreventContextMenu);
     connect(this, &QScrollBar::actionTriggered, this, &PageScrollBar::PressPart);

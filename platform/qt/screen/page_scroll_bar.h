@@ -7,15 +7,15 @@
 
 namespace platform::qt {
 
-// The bar at the side of a scrolling window. It tells what the user does to it and never moves the
-// page itself: it stands where it was last set.
+// The bar at the side of a scrolling window. It reports what the user does to it and never moves
+// the page itself: it stands where it was last set.
 class PageScrollBar : public QScrollBar {
   public:
     // A part of the bar was pressed (kBarStep and the scroll code), or the thumb let go (kBarThumb
     // and the place). Called below the toolkit.
     using Notify = std::function<void(UINT message, WPARAM wParam)>;
 
-    PageScrollBar(QWidget* parent, Notify told);
+    PageScrollBar(QWidget* parent, Notify notify);
 
     void Show(const ScrollRange& range);
 

@@ -53,7 +53,7 @@ class Pane : public QWidget {
 
     QColor background_;
     Notify notify_;
-    int turned_ = 0;  // of the wheel, not yet told: fine wheels turn by less than a pixel
+    int turned_ = 0;  // of the wheel, not reported yet: fine wheels turn by less than a pixel
 };
 
 }  // namespace
@@ -142,7 +142,7 @@ void ProgramWindow::ArrangeBar() {
     bar_->setGeometry(whole.width() - kScrollBarWidth, 0, kScrollBarWidth, whole.height());
 }
 
-// The page has not been told of the place yet: it hears of it as it does of the thumb's.
+// The page does not know the new place yet: it gets it as it gets the thumb's.
 void ProgramWindow::ScrollTo(long long position) {
     const int target = range_.Nearest(position);
     if (bar_ != nullptr && range_.CanScroll() && target != range_.position()) {

@@ -5,7 +5,7 @@
 namespace platform::qt {
 
 // The screen of the device while that is switched off: it covers everything, until its user presses
-// and lets go of a key or a button of the mouse, of which the program hears nothing.
+// and lets go of a key or a button of the mouse, which the program does not get.
 class SwitchedOffScreen {
   public:
     // `screen` is the handheld's screen and must outlive the object.

@@ -40,7 +40,7 @@ void WindowStack::Forget(const Window& window) {
     std::erase_if(shown_, [&](const Shown& shown) { return shown.window == window.handle(); });
 }
 
-// What stands behind the front window must not be reached by the keyboard either.
+// What is under the front window must not be reached by the keyboard either.
 void WindowStack::Refresh() {
     std::erase_if(shown_,
                   [this](const Shown& shown) { return windows_.Find(shown.window) == nullptr; });
