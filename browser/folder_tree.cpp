@@ -7,7 +7,7 @@
 namespace {
 
 constexpr const WCHAR* kRoot = TEXT("\\");
-constexpr LPARAM kNotLooked = -1;  // nobody has looked for the folder's own folders yet
+constexpr LPARAM kChildrenUnknown = -1;  // nobody has looked for the folder's own folders yet
 constexpr UINT kItemFields =
     TVIF_TEXT | TVIF_IMAGE | TVIF_PARAM | TVIF_SELECTEDIMAGE | TVIF_CHILDREN;
 
@@ -18,7 +18,7 @@ HTREEITEM Item(LRESULT value) {
 }
 
 // Returns the system's list of small icons; 0 on failure.
-DWORD_PTR AskForIcon(const WCHAR* path, int& icon) {
+DWORD_PTR FindIcon(const WCHAR* path, int& icon) {
     SHFILEINFO info{};
     const DWORD_PTR list =
         SHGetFileInfo(path, 0, &info, kFileInfoSize, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
@@ -35,7 +35,7 @@ HTREEITEM InsertItem(HTREEITEM parent, const WCHAR* text, int icon, int children
     insertion.item.iImage = icon;
     insertion.item.iSelectedImage = icon;
     insertion.item.cChildren = children;
-    insertion.item.lParam = kNotLooked;
+    insertion.item.lParam = kChildrenUnknown;
     const HTREEITEM item =
         Item(SendMessageW(g_TreeView, TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&insertion)));
     if (item == nullptr) {
@@ -65,7 +65,7 @@ bool PutInFront(const PathText& name, PathText& path) {
 void FillFolderTree(HWND treeView) {
     g_TreeView = treeView;
     int icon = 0;
-    const DWORD_PTR icons = AskForIcon(kRoot, icon);
+    const DWORD_PTR icons = FindIcon(kRoot, icon);
     if (icons == 0) {
         ShowError(TEXT("Failed Retrieving System Icon List"));
     }
@@ -82,7 +82,7 @@ int AddFolderItems(const WCHAR* pattern, HTREEITEM parentItem) {
             continue;
         }
         int icon = 0;
-        AskForIcon(pattern, icon);
+        FindIcon(pattern, icon);
         InsertItem(parentItem, found.name(), icon, I_CHILDRENCALLBACK);
         ++count;
     }
@@ -106,12 +106,12 @@ std::unique_ptr<PathText> GetItemPath(HTREEITEM item, bool withStar) {
     return fits ? std::move(path) : nullptr;
 }
 
-void AnswerTree(NMTVDISPINFO& question) {
+void AnswerItemQuery(NMTVDISPINFO& question) {
     TVITEM& item = question.item;
     if ((item.mask & TVIF_CHILDREN) == 0) {
         return;
     }
-    if (item.lParam != kNotLooked) {
+    if (item.lParam != kChildrenUnknown) {
         item.cChildren = static_cast<int>(item.lParam);
         return;
     }

@@ -22,7 +22,7 @@ int AddFolderItems(const WCHAR* pattern, HTREEITEM parentItem);
 std::unique_ptr<PathText> GetItemPath(HTREEITEM item, bool withStar);
 
 // Answers the tree's question for an item's children; other questions are left alone.
-void AnswerTree(NMTVDISPINFO& question);
+void AnswerItemQuery(NMTVDISPINFO& question);
 
 // The item that is selected; null for none.
 HTREEITEM SelectedItem();

@@ -26,19 +26,19 @@ class FoundEntries {
     // Starts the search; once for each object.
     void Open(const WCHAR* pattern) {
         handle_ = FindFirstFileW(pattern, &entry_);
-        standsOnEntry_ = handle_ != INVALID_HANDLE_VALUE;
-        if (standsOnEntry_ && isDotEntry()) {
+        hasEntry_ = handle_ != INVALID_HANDLE_VALUE;
+        if (hasEntry_ && isDotEntry()) {
             Next();
         }
     }
 
     // Whether there is an entry, and so whether the functions below may be called.
-    explicit operator bool() const { return standsOnEntry_; }
+    explicit operator bool() const { return hasEntry_; }
 
     void Next() {
         do {
-            standsOnEntry_ = FindNextFileW(handle_, &entry_) != 0;
-        } while (standsOnEntry_ && isDotEntry());
+            hasEntry_ = FindNextFileW(handle_, &entry_) != 0;
+        } while (hasEntry_ && isDotEntry());
     }
     const WCHAR* name() const { return entry_.cFileName; }
     bool isDirectory() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
@@ -52,6 +52,6 @@ class FoundEntries {
     }
 
     HANDLE handle_ = INVALID_HANDLE_VALUE;
-    bool standsOnEntry_ = false;
+    bool hasEntry_ = false;
     WIN32_FIND_DATA entry_;
 };

@@ -11,7 +11,7 @@ void NoteStep(int number);
 
 // Something that should hold a path, `what`, holds none that can be used, but `content`: no file is
 // deleted or moved on it.
-void NotePassedOver(const WCHAR* what, const WCHAR* content);
+void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 
 // What was to be stored as `what` could not be; what was stored there before is still there.
 void NoteNotStored(const WCHAR* what);
@@ -29,7 +29,7 @@ void NoteSettingsDamaged(const WCHAR* path);
 void NoteTooLong(const WCHAR* directory, const WCHAR* name);
 
 // The look for `target` has failed. Nothing is said of it unless something is kept because of it.
-void NoteLookFailed(const WCHAR* target);
+void NoteLookupFailed(const WCHAR* target);
 
 // `kept` stays, because the look that was noted last, without which it would go, has failed.
 void NoteKept(const WCHAR* kept);

@@ -40,7 +40,7 @@ constexpr ApplyStep kSteps[] = {
     {16, OPT_MOVE_MYDOCS, RelocateFolder},
     {17, OPT_CLEAN_START_MENU, CleanStartMenu},
     {18, OPT_FONT_CACHE, SetFontCache},
-    {19, OPT_SILENT_STARTUP, KeepStartupShortcut, StepRuns::Always},
+    {19, OPT_SILENT_STARTUP, SetStartupShortcut, StepRuns::Always},
     {20, OPT_NO_MENU_ANIMATION, SetAnimation, StepRuns::Always},
     {21, OPT_NO_WINDOW_ANIMATION, SetAnimation, StepRuns::Always},
     {22, 0, DeleteSelectedDirectories, StepRuns::WithControls},
@@ -80,7 +80,7 @@ std::optional<std::uint32_t> FetchMask() {
 }
 
 // Tells what the run has freed; the next run counts anew.
-void TellBytesCleaned(PathText& text) {
+void ReportBytesCleaned(PathText& text) {
     FormatText(text, TEXT("%d Bytes Cleaned"), {static_cast<std::int32_t>(BytesCleaned)});
     MessageBoxW(nullptr, text.data(), TEXT("Cleaning Finished"), MB_OK);
     BytesCleaned = 0;
@@ -94,7 +94,7 @@ bool CarryOutAll(std::uint32_t mask) {
     }
     NoteStep(0);
     if (!g_Silent) {
-        TellBytesCleaned(run.ValueBuffer);
+        ReportBytesCleaned(run.ValueBuffer);
     }
     return run.RestartNeeded;
 }

@@ -3,8 +3,8 @@
 #include "core/apply_options.h"
 #include "core/error_box.h"
 #include "engine/file_tree.h"
-#include "engine/folder_location.h"
 #include "engine/option_rows.h"
+#include "engine/registry_path.h"
 
 namespace {
 
@@ -59,8 +59,8 @@ void ClearBrowserDirectory(ApplyRun& run, std::uint32_t option) {
     if (!key) {
         ShowError(kDirectoryMissing);
     }
-    if (ReadLocation(key, directory.value, kDirectoryMissing, LocationUse::Cleaned,
-                     run.ValueBuffer) == LocationRead::Usable &&
+    if (ReadPath(key, directory.value, kDirectoryMissing, PathUse::Cleaned, run.ValueBuffer) ==
+            PathRead::Usable &&
         FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
         DeleteTree(run.PathBuffer.data(), true, directory.removeDirectories);
     }

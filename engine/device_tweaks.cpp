@@ -70,7 +70,7 @@ void SetFontCache(ApplyRun& run, std::uint32_t /*option*/) {
     key.WriteNumber(TEXT("limit"), kFontCaches[position == 1 || position == 2 ? position : 0]);
 }
 
-void KeepStartupShortcut(ApplyRun& run, std::uint32_t option) {
+void SetStartupShortcut(ApplyRun& run, std::uint32_t option) {
     if ((run.mask & option) == 0) {
         DeleteFileW(kStartupShortcut);
     } else if (!CanBeOpened(kStartupShortcut)) {

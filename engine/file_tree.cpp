@@ -42,7 +42,7 @@ void DeleteFoundDirectory(const WCHAR* directory, TreeLevel& level, bool removeD
 
 // Whether what failed last failed because the registry could not be stored, without which nothing
 // moves: its values must not fall behind what has moved.
-bool IsMovingOver() {
+bool MustStopMoving() {
     return GetLastError() == ERROR_NO_SYSTEM_RESOURCES;
 }
 
@@ -60,13 +60,13 @@ bool PutPaths(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
 // The functions that move return false when nothing more may move.
 bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     return !PutPaths(source, destination, level) ||
-           MoveFileW(level.path.data(), level.destination.data()) != 0 || !IsMovingOver();
+           MoveFileW(level.path.data(), level.destination.data()) != 0 || !MustStopMoving();
 }
 
 // Puts the path of the directory that stands at the destination, spelt as it is there, into
 // level.destination. Returns false when none does, or when moving into it would move a directory
 // into itself.
-bool FindStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
+bool FindExistingDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const FoundEntries standing(level.destination.data());
     if (standing && !standing.isDirectory()) {
         NoteNothingMoves(level.path.data(), level.destination.data());
@@ -76,27 +76,26 @@ bool FindStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& leve
            !IsSameOrInside(source, level.destination.data());
 }
 
-enum class MoveResult { Done, PassedOver, MovingIsOver };
+enum class MoveResult { Done, Skipped, MustStop };
 
 bool MoveEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level);
 
 // Makes the directory level.destination unless it stands there, and moves what is in level.path
 // into it.
 // NOLINTNEXTLINE(misc-no-recursion)
-MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
+MoveResult MoveDirectoryEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const bool made = CreateDirectoryW(level.destination.data(), nullptr) != 0;
-    if (!made && IsMovingOver()) {
-        return MoveResult::MovingIsOver;
+    if (!made && MustStopMoving()) {
+        return MoveResult::MustStop;
     }
-    if ((!made && !FindStanding(source, destination, level)) ||
+    if ((!made && !FindExistingDirectory(source, destination, level)) ||
         !AppendBackslash(level.destination)) {
-        return MoveResult::PassedOver;
+        return MoveResult::Skipped;
     }
     const auto below = NewLevel<MoveLevel>();
     below->Open(TEXT("%s\\*"), level.path.data());
-    return MoveEntries(level.path.data(), level.destination.data(), *below)
-               ? MoveResult::Done
-               : MoveResult::MovingIsOver;
+    return MoveEntries(level.path.data(), level.destination.data(), *below) ? MoveResult::Done
+                                                                            : MoveResult::MustStop;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
@@ -105,14 +104,14 @@ bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel
         return true;
     }
     NoteDirectoryMoves(level.path.data(), level.destination.data());
-    const MoveResult result = MoveIntoStanding(source, destination, level);
+    const MoveResult result = MoveDirectoryEntries(source, destination, level);
     FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()});
     NoteDirectoryMoved(level.path.data(), level.destination.data());
     if (result == MoveResult::Done) {
         // Fails while anything that could not be moved is still in it, and so loses nothing.
         RemoveDirectoryW(level.path.data());
     }
-    return result != MoveResult::MovingIsOver;
+    return result != MoveResult::MustStop;
 }
 
 // Both paths are canonical, the destination with a backslash behind it; `level` is where the walk

@@ -29,9 +29,9 @@ WideView PathByExtension(WideView quoted) {
 }
 
 // What no name holds, no pattern matches either, which can take the reading of a directory to see.
-bool Find(WideView path, EntryLooks& looks) {
+bool Find(WideView path, EntryLookup& lookup) {
     return !IsRootOrEmpty(path) && path.find_first_of(kNotInNames) == WideView::npos &&
-           looks.Find(path);
+           lookup.Find(path);
 }
 
 // The paths that a command line without a quote in front may begin with: all of it, and what stands
@@ -54,7 +54,7 @@ bool EndsInExtension(WideView path) {
 
 // The likely ones come first, so that a shortcut that lives costs one look: arguments stand behind
 // an extension, and a blank in front of the last backslash is one in a directory's name.
-void LookForUnquoted(WideView text, EntryLooks& looks) {
+void LookUpUnquoted(WideView text, EntryLookup& lookup) {
     std::vector<WideView> paths = PossiblePaths(text);
     const std::size_t name = text.rfind(TEXT('\\'));
     const auto likelihood = [name](WideView path) {
@@ -64,7 +64,7 @@ void LookForUnquoted(WideView text, EntryLooks& looks) {
                      [&](auto left, auto right) { return likelihood(left) < likelihood(right); });
     std::any_of(paths.begin(), paths.end(), [&](WideView path) {
         const bool isPart = path.size() < text.size();
-        return !(isPart && HasWildcard(path)) && Find(path, looks);
+        return !(isPart && HasWildcard(path)) && Find(path, lookup);
     });
 }
 
@@ -76,29 +76,29 @@ WideString WithoutQuotes(WideView text) {
     return plain;
 }
 
-void LookForQuoted(WideView text, EntryLooks& looks) {
+void LookUpQuoted(WideView text, EntryLookup& lookup) {
     const WideString plain = WithoutQuotes(text);
     const WideView between = BetweenQuotes(text);
     const WideView paths[] = {between, PathByExtension(text), plain};
     const bool closed = text.find(TEXT('"'), 1) != WideView::npos;
     const bool found = std::any_of(std::begin(paths), std::end(paths),
-                                   [&looks](WideView path) { return Find(path, looks); });
+                                   [&lookup](WideView path) { return Find(path, lookup); });
     if (!found && !closed) {
-        LookForUnquoted(between, looks);
+        LookUpUnquoted(between, lookup);
     }
 }
 
 }  // namespace
 
-Look LookForTarget(WideView commandLine) {
+LookupResult LookUpTarget(WideView commandLine) {
     if (!BeginsWithPath(commandLine)) {
-        return Look::Found;
+        return LookupResult::Found;
     }
     const bool quoted = commandLine.front() == TEXT('"');
     if (IsRootOrEmpty(quoted ? BetweenQuotes(commandLine) : commandLine)) {
-        return Look::Found;
+        return LookupResult::Found;
     }
-    EntryLooks looks;
-    quoted ? LookForQuoted(commandLine, looks) : LookForUnquoted(commandLine, looks);
-    return looks.result();
+    EntryLookup lookup;
+    quoted ? LookUpQuoted(commandLine, lookup) : LookUpUnquoted(commandLine, lookup);
+    return lookup.result();
 }

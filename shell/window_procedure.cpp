@@ -11,7 +11,7 @@
 #include "screens/screens.h"
 #include "settings/settings_file.h"
 #include "shell/about_box.h"
-#include "shell/power_and_help.h"
+#include "shell/device_commands.h"
 #include "shell/resources.h"
 #include "shell/windows.h"
 
@@ -118,7 +118,7 @@ constexpr NotificationRow kNotifications[] = {
     {TCN_SELCHANGING, CheckTab},
 };
 
-LRESULT FollowTabs(HWND window, WPARAM wParam, LPARAM lParam) {
+LRESULT HandleTabNotification(HWND window, WPARAM wParam, LPARAM lParam) {
     const auto* header =
         reinterpret_cast<const NMHDR*>(lParam);  // NOLINT(performance-no-int-to-ptr)
     for (const NotificationRow& row : kNotifications) {
@@ -165,18 +165,18 @@ void ShowAbout(HWND /*window*/) {
 
 // For a command that no window has to do with.
 template <void (*carryOut)()>
-void Anywhere(HWND /*window*/) {
+void Windowless(HWND /*window*/) {
     carryOut();
 }
 
 constexpr CommandRow kCommands[] = {
     {kCommandExit, Exit},
-    {kCommandApplyAllowRestart, Anywhere<ApplyAllowingRestart>},
-    {kCommandApplyDeferRestart, Anywhere<ApplyDeferringRestart>},
-    {kCommandPowerOff, Anywhere<SwitchOff>},
-    {kCommandSoftReset, Anywhere<SoftReset>},
-    {kCommandHardReset, Anywhere<HardReset>},
-    {kCommandHelpIndex, Anywhere<OpenHelpIndex>},
+    {kCommandApplyAllowRestart, Windowless<ApplyAllowingRestart>},
+    {kCommandApplyDeferRestart, Windowless<ApplyDeferringRestart>},
+    {kCommandPowerOff, Windowless<SwitchOff>},
+    {kCommandSoftReset, Windowless<SoftReset>},
+    {kCommandHardReset, Windowless<HardReset>},
+    {kCommandHelpIndex, Windowless<OpenHelpIndex>},
     {kCommandAbout, ShowAbout},
     {IDOK, PressOk},
 };
@@ -193,15 +193,15 @@ LRESULT RouteCommand(HWND window, WPARAM wParam, LPARAM /*lParam*/) {
     return kHandled;
 }
 
-LRESULT SwallowLift(HWND /*window*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
+LRESULT IgnoreButtonUp(HWND /*window*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
     return kHandled;
 }
 
 constexpr MessageRow kMessages[] = {
     {WM_VSCROLL, ScrollPage},
-    {WM_NOTIFY, FollowTabs},
+    {WM_NOTIFY, HandleTabNotification},
     {WM_COMMAND, RouteCommand},
-    {WM_LBUTTONUP, SwallowLift},
+    {WM_LBUTTONUP, IgnoreButtonUp},
 };
 
 }  // namespace

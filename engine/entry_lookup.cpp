@@ -1,4 +1,4 @@
-#include "engine/entry_looks.h"
+#include "engine/entry_lookup.h"
 
 #include <algorithm>
 
@@ -7,15 +7,15 @@
 
 namespace {
 
-Look LookFor(const WCHAR* path) {
+LookupResult LookUp(const WCHAR* path) {
     if (FoundEntries(path)) {
-        return Look::Found;
+        return LookupResult::Found;
     }
     if (LastWasNotThere()) {
-        return Look::NotThere;
+        return LookupResult::NotThere;
     }
-    NoteLookFailed(path);
-    return Look::Failed;
+    NoteLookupFailed(path);
+    return LookupResult::Failed;
 }
 
 // Without the last character if that is one that does not count; else the same. A name of full
@@ -34,9 +34,9 @@ bool IsRootOrEmpty(WideView path) {
     return path.find_first_not_of(TEXT(" \t\\")) == WideView::npos;
 }
 
-bool EntryLooks::Find(WideView path) {
+bool EntryLookup::Find(WideView path) {
     // What is left of a path that was looked for was looked for as well.
-    while (std::find(looked_.begin(), looked_.end(), path) == looked_.end()) {
+    while (std::find(tried_.begin(), tried_.end(), path) == tried_.end()) {
         if (FindAsItStands(path)) {
             return true;
         }
@@ -49,13 +49,13 @@ bool EntryLooks::Find(WideView path) {
     return false;
 }
 
-bool EntryLooks::FindAsItStands(WideView path) {
-    looked_.push_back(path);
+bool EntryLookup::FindAsItStands(WideView path) {
+    tried_.push_back(path);
     if (path.size() >= path_.size()) {
         return false;
     }
     *std::copy(path.begin(), path.end(), path_.begin()) = 0;
-    const Look look = LookFor(path_.data());
-    result_ = std::max(result_, look);
-    return look == Look::Found;
+    const LookupResult result = LookUp(path_.data());
+    result_ = std::max(result_, result);
+    return result == LookupResult::Found;
 }

@@ -6,7 +6,7 @@
 
 // Makes a window class known, in the place of one of the same name that an earlier run, or an
 // earlier showing of the same window, has left. `color` is the system's number of its background.
-void RegisterClassAnew(const WCHAR* name, WNDPROC procedure, DWORD color = COLOR_WINDOW);
+void ReplaceClass(const WCHAR* name, WNDPROC procedure, DWORD color = COLOR_WINDOW);
 
 // Makes a top-level window of a class of the program's own, with an OK on its caption, on the whole
 // screen. Null on failure.
@@ -17,4 +17,4 @@ HWND CreateChild(const WCHAR* className, const WCHAR* text, DWORD style, const R
                  HWND parent);
 
 // Shows a window, painted, before it returns.
-void ShowPainted(HWND window);
+void PaintAndShow(HWND window);

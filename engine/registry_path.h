@@ -16,20 +16,20 @@ enum class TextRead {
 TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text);
 
 // What is to be done with a directory. Moving out of it loses nothing, wherever it turns out to be.
-enum class LocationUse { Cleaned, Moved };
+enum class PathUse { Cleaned, Moved };
 
 // Whether a text that was read whole may be cleaned or moved: it is not the root however it is
 // spelt, one more backslash fits behind it, and where it is cleaned it begins with one; where it is
 // moved it is taken from the root without.
-bool IsUsablePath(const PathText& text, LocationUse use);
+bool IsUsablePath(const PathText& text, PathUse use);
 
 // What came of reading the path of a directory that is to be cleaned or moved.
-enum class LocationRead {
-    Failed,      // the user was told
-    PassedOver,  // a value came back, but is no usable path, and was noted as that
+enum class PathRead {
+    Failed,    // the user was told
+    Unusable,  // a value came back, but is no usable path, and was noted as that
     Usable,
 };
 
 // Reads such a path into `path`; `failure` is what the user is told.
-LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
-                          LocationUse use, PathText& path);
+PathRead ReadPath(const RegistryKey& key, const WCHAR* name, const WCHAR* failure, PathUse use,
+                  PathText& path);

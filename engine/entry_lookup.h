@@ -6,13 +6,13 @@
 
 // What looking for an entry came to; of several looks for the same thing, the last of these counts.
 // A look that failed says nothing about the entry.
-enum class Look { NotThere, Failed, Found };
+enum class LookupResult { NotThere, Failed, Found };
 
 // Whether the text is nothing but backslashes and blanks.
 bool IsRootOrEmpty(WideView path);
 
 // Looks for entries, for none twice, and notes each look that failed.
-class EntryLooks {
+class EntryLookup {
   public:
     // Whether `path` names an entry, or the pattern `path` matches one. A pattern is looked for as
     // it stands; a name also without the blanks, backslashes and full stops at its end, which do
@@ -20,12 +20,12 @@ class EntryLooks {
     bool Find(WideView path);
 
     // What all of them came to.
-    Look result() const { return result_; }
+    LookupResult result() const { return result_; }
 
   private:
     bool FindAsItStands(WideView path);
 
     PathText path_;
-    std::vector<WideView> looked_;
-    Look result_ = Look::NotThere;
+    std::vector<WideView> tried_;
+    LookupResult result_ = LookupResult::NotThere;
 };
