@@ -14,11 +14,10 @@ constexpr WORD kOk = 60001;
 constexpr WORD kCancel = 60002;
 constexpr LRESULT kHandled = 1;
 
-// The platform's record of a dialog without controls, and the menu, class and title that it has
-// not.
+// The template of a dialog without controls, menu, class and title.
 struct DialogTemplate {
     DLGTEMPLATE head;
-    std::uint16_t nothing[3];
+    std::uint16_t menuClassAndTitle[3];
 };
 constexpr DialogTemplate kTemplate = {
     {WS_CAPTION | WS_SYSMENU | DS_SETFOREGROUND, 0, 0, 0, 0, 200, 300}, {}};

@@ -7,7 +7,7 @@
 namespace {
 
 constexpr const WCHAR* kRoot = TEXT("\\");
-constexpr LPARAM kChildrenUnknown = -1;  // nobody has looked for the folder's own folders yet
+constexpr LPARAM kChildrenUnknown = -1;  // its own folders are not added yet
 constexpr UINT kItemFields =
     TVIF_TEXT | TVIF_IMAGE | TVIF_PARAM | TVIF_SELECTEDIMAGE | TVIF_CHILDREN;
 
@@ -17,7 +17,8 @@ HTREEITEM Item(LRESULT value) {
     return reinterpret_cast<HTREEITEM>(value);  // NOLINT(performance-no-int-to-ptr)
 }
 
-// Returns the system's list of small icons; 0 on failure.
+// Puts the index of the icon for `path` into `icon`. Returns the system's list of small icons; 0 on
+// failure.
 DWORD_PTR FindIcon(const WCHAR* path, int& icon) {
     SHFILEINFO info{};
     const DWORD_PTR list =
@@ -53,7 +54,7 @@ bool ReadText(HTREEITEM item, PathText& text) {
     return SendMessageW(g_TreeView, TVM_GETITEM, 0, reinterpret_cast<LPARAM>(&asked)) != 0;
 }
 
-// Puts an item's name in front of the path of what is below it. Returns whether that fitted.
+// Puts an item's name before the path of what is below it. Returns whether that fitted.
 bool PutInFront(const PathText& name, PathText& path) {
     const auto below = std::make_unique<PathText>(path);
     return WideView(name.data()) == kRoot ||

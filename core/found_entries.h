@@ -2,15 +2,14 @@
 
 #include "core/file_operations.h"
 
-// Whether the last operation that failed has failed because the entry, or a directory on its path,
-// is not there.
+// Whether the last failure was that the entry, or a directory on its path, is not there.
 inline bool LastWasNotThere() {
     const DWORD reason = GetLastError();
     return reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND;
 }
 
-// One search and the record of the entry it stands on. Closes itself. Dot entries are passed over,
-// whatever a platform lists: they would lead a walk in circles or upwards.
+// A search and its current entry; the destructor ends the search. "." and "..", which some
+// platforms list, are skipped: they would lead a walk in circles or upwards.
 class FoundEntries {
   public:
     FoundEntries() = default;
@@ -23,7 +22,7 @@ class FoundEntries {
     FoundEntries(const FoundEntries&) = delete;
     FoundEntries& operator=(const FoundEntries&) = delete;
 
-    // Starts the search; once for each object.
+    // Starts the search. Called once for each object.
     void Open(const WCHAR* pattern) {
         handle_ = FindFirstFileW(pattern, &entry_);
         hasEntry_ = handle_ != INVALID_HANDLE_VALUE;
@@ -32,7 +31,7 @@ class FoundEntries {
         }
     }
 
-    // Whether there is an entry, and so whether the functions below may be called.
+    // Whether there is a current entry. The functions below need one.
     explicit operator bool() const { return hasEntry_; }
 
     void Next() {

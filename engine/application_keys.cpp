@@ -9,8 +9,8 @@
 
 namespace {
 
-// Looks for the application's install directory. An empty text names nothing, so that the directory
-// is not there; where there is no text to go by, nobody looks, and it counts as found.
+// Looks up the application's install directory. An empty text names nothing, so the directory is
+// not there. If no text can be read, nothing is looked up, and the directory counts as found.
 LookupResult LookUpInstallDirectory(const WCHAR* keyPath) {
     const RegistryKey key(HKEY_LOCAL_MACHINE, keyPath, KEY_ALL_ACCESS);
     const auto directory = std::make_unique<PathText>();

@@ -70,7 +70,7 @@ void CarryOut(const ApplyStep& step, ApplyRun& run) {
     run.ValueBuffer.fill(0);
 }
 
-// The options of this run; nothing when there are none to go by.
+// The option mask of this run; nothing if the silent run has none.
 std::optional<std::uint32_t> FetchMask() {
     if (!g_Silent) {
         return CaptureSettings(*g_Settings);
@@ -79,7 +79,7 @@ std::optional<std::uint32_t> FetchMask() {
     return loaded == kNoMask ? std::nullopt : std::optional(static_cast<std::uint32_t>(loaded));
 }
 
-// Tells what the run has freed; the next run counts anew.
+// Reports what the run has freed and resets the count for the next one.
 void ReportBytesCleaned(PathText& text) {
     FormatText(text, TEXT("%d Bytes Cleaned"), {static_cast<std::int32_t>(BytesCleaned)});
     MessageBoxW(nullptr, text.data(), TEXT("Cleaning Finished"), MB_OK);
@@ -99,7 +99,7 @@ bool CarryOutAll(std::uint32_t mask) {
     return run.RestartNeeded;
 }
 
-// The restart ends the program without another chance to save what is ticked.
+// The restart ends the process, so the settings must be saved before it.
 void Restart() {
     if (!g_Silent) {
         SaveSettings(*g_Settings);

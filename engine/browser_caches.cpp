@@ -14,7 +14,7 @@ constexpr const WCHAR* kShellFolders =
 struct BrowserDirectory {
     std::uint32_t option;
     const WCHAR* value;
-    bool removeDirectories;  // the history's own are part of it
+    bool removeDirectories;  // the history needs its own
 };
 
 constexpr BrowserDirectory kDirectories[] = {
@@ -29,7 +29,7 @@ struct BrowserLimit {
     std::uint32_t option;
     const WCHAR* key;
     std::int32_t CSettings::*position;
-    DWORD kilobytes[3];  // the second one where the position is none
+    DWORD kilobytes[3];  // the second one if the position is out of range
     const WCHAR* missing;
 };
 

@@ -18,14 +18,14 @@ LookupResult LookUp(const WCHAR* path) {
     return LookupResult::Failed;
 }
 
-// Without the last character if that is one that does not count; else the same. A name of full
-// stops alone is none without them.
+// The path without its last character if the handheld ignores that one at the end of a name, else
+// the path itself. The full stops of a name that has nothing else are not ignored.
 WideView Shortened(WideView path) {
     const std::size_t end = path.find_last_not_of(TEXT('.'));
     const bool endsInName = end != WideView::npos && path[end] != TEXT('\\');
-    const WideView uncounted = endsInName ? TEXT(" \t\\.") : TEXT(" \t\\");
-    const bool isUncounted = !path.empty() && uncounted.find(path.back()) != WideView::npos;
-    return path.substr(0, path.size() - (isUncounted ? 1 : 0));
+    const WideView ignored = endsInName ? TEXT(" \t\\.") : TEXT(" \t\\");
+    const bool endsIgnored = !path.empty() && ignored.find(path.back()) != WideView::npos;
+    return path.substr(0, path.size() - (endsIgnored ? 1 : 0));
 }
 
 }  // namespace
@@ -35,7 +35,7 @@ bool IsRootOrEmpty(WideView path) {
 }
 
 bool EntryLookup::Find(WideView path) {
-    // What is left of a path that was looked for was looked for as well.
+    // If a path was looked up before, so were its shorter forms.
     while (std::find(tried_.begin(), tried_.end(), path) == tried_.end()) {
         if (FindAsItStands(path)) {
             return true;

@@ -41,7 +41,7 @@ const Folder kFolders[] = {
      TEXT("Unable to locate My Documents directory")},
 };
 
-// Returns whether the registry may name the new one now.
+// Returns whether the registry may name the new place now.
 bool ClearOldFolder(ApplyRun& run, const Folder& folder, const WCHAR* destination) {
     if (folder.oldFolder == PathUse::Moved) {
         return MoveTree(run.ValueBuffer.data(), destination);
@@ -66,7 +66,7 @@ void RelocateFolder(ApplyRun& run, std::uint32_t option) {
     }
     const PathRead old =
         ReadPath(key, folder.value, folder.valueMissing, folder.oldFolder, run.ValueBuffer);
-    // A new location in place of an old one that nobody could read would lose what is there.
+    // If the old place could not be read, replacing it would lose what is there.
     if (old == PathRead::Unusable ||
         (old == PathRead::Usable && ClearOldFolder(run, folder, destination.get()))) {
         key.WriteText(folder.value, destination.get());

@@ -16,7 +16,7 @@ TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
         text[0] = 0;
         return result == ERROR_SUCCESS ? TextRead::NoText : TextRead::Failed;
     }
-    // What lies behind the value was never part of it.
+    // What the buffer held after the value is not part of it.
     std::fill(end, text.end(), TEXT('\0'));
     return TextRead::Whole;
 }

@@ -11,7 +11,7 @@ namespace {
 
 constexpr const WCHAR* kClass = TEXT("SEARCHING");
 
-std::int32_t g_Searches = 0;  // begun and not ended
+std::int32_t g_Searches = 0;  // in progress
 HWND g_Indicator = nullptr;   // while there are any
 HWND g_Label = nullptr;       // in it
 

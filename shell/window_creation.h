@@ -2,13 +2,13 @@
 
 #include "core/window_operations.h"
 
-// What all windows of the program are made with.
+// The functions with which the program makes its windows.
 
-// Makes a window class known, in the place of one of the same name that an earlier run, or an
-// earlier showing of the same window, has left. `color` is the system's number of its background.
+// Registers a window class, in place of one with the same name that an earlier window has left.
+// `color` is the system's number of its background.
 void ReplaceClass(const WCHAR* name, WNDPROC procedure, DWORD color = COLOR_WINDOW);
 
-// Makes a top-level window of a class of the program's own, with an OK on its caption, on the whole
+// Makes a top-level window of one of the program's classes, with an OK on its caption, on the whole
 // screen. Null on failure.
 HWND CreateTopLevel(const WCHAR* className, const WCHAR* title);
 
@@ -16,5 +16,5 @@ HWND CreateTopLevel(const WCHAR* className, const WCHAR* title);
 HWND CreateChild(const WCHAR* className, const WCHAR* text, DWORD style, const RECT& place,
                  HWND parent);
 
-// Shows a window, painted, before it returns.
+// Paints and shows a window.
 void PaintAndShow(HWND window);
