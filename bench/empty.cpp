@@ -1,2 +1,2 @@
-// What a C++ program costs that does nothing: the measure of a start.
+// A C++ program that does nothing: the reference for the time of a start.
 int main() {}

@@ -1,4 +1,4 @@
-// An empty program of the windows' toolkit: shows one window and ends when it is painted.
+// An empty program of the windows' toolkit: shows one window and ends after painting it.
 
 #include <QApplication>
 #include <QTimer>

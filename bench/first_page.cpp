@@ -1,5 +1,5 @@
-// Runs the program on a device until its first page is painted, and ends the process there; or
-// changes tabs then and says what one change takes, in microseconds:
+// Runs the program on a device until its first page is painted, and ends the process; or changes
+// tabs then and prints the mean time of one change in microseconds:
 //
 //     first_page DEVICE
 //     first_page DEVICE TAB_CHANGES
@@ -24,8 +24,8 @@ extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
 
 namespace {
 
-// Watches the paintings of the whole process. One that has ended is reported in the next turn of
-// the toolkit's loop.
+// Watches the paintings of the whole process. A painting counts as done in the next turn of the
+// toolkit's loop.
 class PaintWatcher : public QObject {
   public:
     explicit PaintWatcher(int tabChanges) : left_(tabChanges) {}

@@ -1,7 +1,6 @@
-// Runs a command and says on standard output how long it took and how much processor time of that,
-// both in microseconds, and how much memory it used at its peak, in KiB. A process inherits the
-// peak of the one that started it, so that a small program has to be started by a small one. What
-// the command says on standard output goes nowhere.
+// Runs a command and prints its wall time and its processor time, both in microseconds, and its
+// peak memory in KiB. A process inherits the peak of the one that started it, so a small program
+// must be started by a small one. The command's own standard output is discarded.
 
 #include <fcntl.h>
 #include <spawn.h>

@@ -1,6 +1,6 @@
 // Reads the registry of a device directory, or reads it and writes it with one value changed, and
-// does nothing else of the program; or reads the text of a registry alone, with none of the system
-// calls that valgrind does not know:
+// runs no other part of the program; or parses the text of a registry, without the system calls
+// that valgrind does not know:
 //
 //     registry_work read DEVICE
 //     registry_work write DEVICE
@@ -25,7 +25,7 @@ namespace {
 
 bool WriteOneValue(platform::Registry& registry) {
     HKEY key = nullptr;
-    const auto number = static_cast<DWORD>(getpid());  // another one in each run
+    const auto number = static_cast<DWORD>(getpid());  // different in each run
     return registry.RegOpenKeyExW(HKEY_LOCAL_MACHINE, TEXT("Software\\Apps"), 0, 0, &key) ==
                ERROR_SUCCESS &&
            registry.RegSetValueExW(key, TEXT("Number"), 0, REG_DWORD,

@@ -62,7 +62,7 @@ DEAD_KEYS = 5_000
 WORST_UNITS = 12 << 20  # 24 MiB in UTF-16
 COUNTED_UNITS = 1 << 18
 KEY_PAIRS = 1 << 20
-# What the steps that run in every case find as they want it.
+# The values that the steps that always run leave as they are.
 QUIET_REGISTRY = """Windows Registry Editor Version 5.00\r
 \r
 [HKEY_LOCAL_MACHINE\\System\\GWE]\r
@@ -169,7 +169,7 @@ class Workplace:
         return int(re.search(r"I +refs: +([\d,]+)", done.stderr)[1].replace(",", ""))
 
     def cost(self, command):
-        """What a run of a command costs."""
+        """The figures of one run of a command."""
         done = subprocess.run([self.measure] + command, check=True, capture_output=True, text=True)
         wall, processor, peak = map(int, done.stdout.split())
         return Cost(wall / 1000, processor / 1000, peak)
@@ -211,7 +211,7 @@ class Walk:
     command: Callable  # of a workplace and a device
 
     def check(self, device):
-        """Ends the measurement if the walk has not done its work."""
+        """Ends the measurement if the walk has not processed the whole tree."""
         if self.keeps_directories is None:
             return
         for directory, subdirectories, files in os.walk(f"{device.files}/{self.top}"):
@@ -407,7 +407,7 @@ def count_shortcuts(place, table):
             make_shortcuts(device, live, "live")
             make_shortcuts(device, dead, "")
             device.tick(CLEAN_START_MENU)
-            # A directory that has changed just now is read anew for each look.
+            # A directory that has just changed is read again for each look-up.
             time.sleep(0.1)
             return place.calls(place.silent_run(device), name)
 
@@ -421,7 +421,7 @@ def count_shortcuts(place, table):
 
 
 def registry_text(keys, dead_every=0):
-    """Application keys, each with three values; every so many name a directory that is gone."""
+    """Application keys, each with three values; some of them name a directory that is not there."""
     lines = [QUIET_REGISTRY]
     for index in range(keys):
         gone = dead_every and index % dead_every == 0
@@ -536,7 +536,7 @@ def compare_memory(place, table, what, device, limit):
 
 
 def measure_windows(place, table, runs):
-    table.head("Windows", f"Milliseconds, median of {runs} alternating runs, on an offscreen"
+    table.head("Windows", f"Milliseconds, median of {runs} alternating runs, on a virtual"
                " display.")
     os.environ["QT_QPA_PLATFORM"] = "offscreen"
     with place.device() as device:

@@ -1,12 +1,12 @@
-// Runs one of the program's walkers on a file tree, and nothing else of the program; the search has
+// Runs one of the program's walkers on a file tree and no other part of the program; the search has
 // no windows and matches nothing:
 //
 //     walk_tree delete FILES_ROOT '\Temp\'
 //     walk_tree move FILES_ROOT '\A' '\B\'
 //     walk_tree search FILES_ROOT '\Temp'
 //
-// A tree of several hundred levels takes more open files than a process mostly may have; raising
-// the limit is the caller's business.
+// A tree of several hundred levels needs more open files than a process usually may have; the
+// caller raises the limit.
 
 #include <fcntl.h>
 #include <sysexits.h>

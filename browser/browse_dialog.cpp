@@ -6,7 +6,7 @@
 #include "core/application.h"
 #include "core/error_box.h"
 #include "core/handheld_operations.h"
-#include "shell/window_making.h"
+#include "shell/window_creation.h"
 
 namespace {
 
@@ -14,11 +14,10 @@ constexpr WORD kOk = 60001;
 constexpr WORD kCancel = 60002;
 constexpr LRESULT kHandled = 1;
 
-// The platform's record of a dialog without controls, and the menu, class and title that it has
-// not.
+// The template of a dialog without controls, menu, class and title.
 struct DialogTemplate {
     DLGTEMPLATE head;
-    std::uint16_t nothing[3];
+    std::uint16_t menuClassAndTitle[3];
 };
 constexpr DialogTemplate kTemplate = {
     {WS_CAPTION | WS_SYSMENU | DS_SETFOREGROUND, 0, 0, 0, 0, 200, 300}, {}};
@@ -50,7 +49,7 @@ HWND CreateControl(const WCHAR* className, const WCHAR* text, DWORD style, const
 HWND CreateButton(const WCHAR* text, LONG left, LONG top, WORD id) {
     const HWND button =
         CreateControl(TEXT("BUTTON"), text, WS_VISIBLE, {left, top, left + 60, top + 20}, id);
-    ShowPainted(button);
+    PaintAndShow(button);
     return button;
 }
 
@@ -65,21 +64,21 @@ void CreateControls() {
     if (g_TreeView == nullptr) {
         ShowError(TEXT("Failed Creating Tree View Control"));
     }
-    ShowPainted(g_TreeView);
+    PaintAndShow(g_TreeView);
     g_OkButton = CreateButton(TEXT("OK"), width / 2 - 70, client.bottom - 25, kOk);
     g_CancelButton = CreateButton(TEXT("Cancel"), width / 2 + 10, client.bottom - 25, kCancel);
 }
 
-void TakePath() {
+void UseSelectedPath() {
     if (const auto path = GetItemPath(SelectedItem(), false)) {
         SetWindowTextW(g_TargetBox, path->data());
     }
 }
 
-void FollowTree(LPARAM lParam) {
+void HandleTreeNotification(LPARAM lParam) {
     auto* const header = reinterpret_cast<NMHDR*>(lParam);  // NOLINT(performance-no-int-to-ptr)
     if (header != nullptr && header->code == TVN_GETDISPINFO) {
-        AnswerTree(*reinterpret_cast<NMTVDISPINFO*>(header));
+        AnswerItemQuery(*reinterpret_cast<NMTVDISPINFO*>(header));
     }
 }
 
@@ -96,7 +95,7 @@ void CBrowseDialog::OpenBrowseDialog(HWND parent, HWND pathBox) {
         return;
     }
     SetWindowTextW(dialog_, TEXT("TreeView"));
-    ShowPainted(dialog_);
+    PaintAndShow(dialog_);
     SizeToScreen(dialog_);
     CreateControls();
     FillFolderTree(g_TreeView);
@@ -117,11 +116,11 @@ LRESULT BrowseDialogProc(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam
         case WM_INITDIALOG:
             return kHandled;
         case WM_NOTIFY:
-            FollowTree(lParam);
+            HandleTreeNotification(lParam);
             return kHandled;
         case WM_COMMAND:
             if (wParam == kOk) {
-                TakePath();
+                UseSelectedPath();
             }
             if (wParam == kOk || wParam == kCancel) {
                 CloseBrowseDialog();

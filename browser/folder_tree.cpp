@@ -7,7 +7,7 @@
 namespace {
 
 constexpr const WCHAR* kRoot = TEXT("\\");
-constexpr LPARAM kNotLooked = -1;  // nobody has looked for the folder's own folders yet
+constexpr LPARAM kChildrenUnknown = -1;  // its own folders are not added yet
 constexpr UINT kItemFields =
     TVIF_TEXT | TVIF_IMAGE | TVIF_PARAM | TVIF_SELECTEDIMAGE | TVIF_CHILDREN;
 
@@ -17,8 +17,9 @@ HTREEITEM Item(LRESULT value) {
     return reinterpret_cast<HTREEITEM>(value);  // NOLINT(performance-no-int-to-ptr)
 }
 
-// Returns the system's list of small icons; 0 on failure.
-DWORD_PTR AskForIcon(const WCHAR* path, int& icon) {
+// Puts the index of the icon for `path` into `icon`. Returns the system's list of small icons; 0 on
+// failure.
+DWORD_PTR FindIcon(const WCHAR* path, int& icon) {
     SHFILEINFO info{};
     const DWORD_PTR list =
         SHGetFileInfo(path, 0, &info, kFileInfoSize, SHGFI_SYSICONINDEX | SHGFI_SMALLICON);
@@ -35,7 +36,7 @@ HTREEITEM InsertItem(HTREEITEM parent, const WCHAR* text, int icon, int children
     insertion.item.iImage = icon;
     insertion.item.iSelectedImage = icon;
     insertion.item.cChildren = children;
-    insertion.item.lParam = kNotLooked;
+    insertion.item.lParam = kChildrenUnknown;
     const HTREEITEM item =
         Item(SendMessageW(g_TreeView, TVM_INSERTITEM, 0, reinterpret_cast<LPARAM>(&insertion)));
     if (item == nullptr) {
@@ -53,7 +54,7 @@ bool ReadText(HTREEITEM item, PathText& text) {
     return SendMessageW(g_TreeView, TVM_GETITEM, 0, reinterpret_cast<LPARAM>(&asked)) != 0;
 }
 
-// Puts an item's name in front of the path of what is below it. Returns whether that fitted.
+// Puts an item's name before the path of what is below it. Returns whether that fitted.
 bool PutInFront(const PathText& name, PathText& path) {
     const auto below = std::make_unique<PathText>(path);
     return WideView(name.data()) == kRoot ||
@@ -65,7 +66,7 @@ bool PutInFront(const PathText& name, PathText& path) {
 void FillFolderTree(HWND treeView) {
     g_TreeView = treeView;
     int icon = 0;
-    const DWORD_PTR icons = AskForIcon(kRoot, icon);
+    const DWORD_PTR icons = FindIcon(kRoot, icon);
     if (icons == 0) {
         ShowError(TEXT("Failed Retrieving System Icon List"));
     }
@@ -82,7 +83,7 @@ int AddFolderItems(const WCHAR* pattern, HTREEITEM parentItem) {
             continue;
         }
         int icon = 0;
-        AskForIcon(pattern, icon);
+        FindIcon(pattern, icon);
         InsertItem(parentItem, found.name(), icon, I_CHILDRENCALLBACK);
         ++count;
     }
@@ -106,12 +107,12 @@ std::unique_ptr<PathText> GetItemPath(HTREEITEM item, bool withStar) {
     return fits ? std::move(path) : nullptr;
 }
 
-void AnswerTree(NMTVDISPINFO& question) {
+void AnswerItemQuery(NMTVDISPINFO& question) {
     TVITEM& item = question.item;
     if ((item.mask & TVIF_CHILDREN) == 0) {
         return;
     }
-    if (item.lParam != kNotLooked) {
+    if (item.lParam != kChildrenUnknown) {
         item.cChildren = static_cast<int>(item.lParam);
         return;
     }

@@ -5,24 +5,24 @@
 #include "core/wide_text.h"
 #include "core/window_operations.h"
 
-// The tree of the device's folders in the folder browser. It is filled one level ahead of what its
-// user has opened: a folder gets its own folders when it comes into view.
+// The tree of the device's folders in the folder browser. It is filled one level ahead: a folder's
+// own folders are added when it comes into view.
 
-// Makes `treeView` the tree that the functions below work on, and puts the root into it, opened,
-// with the folders in it.
+// Makes `treeView` the tree that the functions below work on, and adds the root, opened, with its
+// folders.
 void FillFolderTree(HWND treeView);
 
-// Adds the folders that the search pattern finds, but for the hidden ones, below an item. Returns
-// how many there are, also where one could not be added, which a box reports. A folder that cannot
-// be read has none.
+// Adds the folders that the search pattern finds, except hidden ones, below an item. Returns how
+// many there are, with those that could not be added, which a box reports; 0 if the folder cannot
+// be read.
 int AddFolderItems(const WCHAR* pattern, HTREEITEM parentItem);
 
-// The path of the folder that an item stands for, with a backslash at its end, and a "*" after it
-// if that is wanted; empty for no item. Null when it does not fit.
+// The path of an item's folder, with a backslash at its end and, if `withStar`, a "*" after it;
+// empty if `item` is null. Null if it does not fit.
 std::unique_ptr<PathText> GetItemPath(HTREEITEM item, bool withStar);
 
-// Answers the tree's question for an item's children; other questions are left alone.
-void AnswerTree(NMTVDISPINFO& question);
+// Answers the tree's question whether an item has children; ignores other questions.
+void AnswerItemQuery(NMTVDISPINFO& question);
 
 // The item that is selected; null for none.
 HTREEITEM SelectedItem();

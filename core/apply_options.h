@@ -6,7 +6,7 @@
 #include "core/platform_types.h"
 #include "core/settings_record.h"
 
-// The options that a user can tick, one bit each of the option mask. The other bits name nothing.
+// The options that a user can tick, one bit each of the option mask. The other bits are unused.
 inline constexpr std::uint32_t OPT_CLEAN_USER1 = 0x1;
 inline constexpr std::uint32_t OPT_CLEAN_USER2 = 0x2;
 inline constexpr std::uint32_t OPT_CLEAN_ROOT_TEMP = 0x4;
@@ -33,7 +33,7 @@ inline constexpr std::uint32_t OPT_NO_MENU_ANIMATION = 0x400000;
 inline constexpr std::uint32_t OPT_NO_WINDOW_ANIMATION = 0x800000;
 inline constexpr std::uint32_t OPT_SEARCH_CUSTOM = 0x1000000;
 
-// What a box's value control holds, and so what of an option is stored beside its bit.
+// The value that is stored for an option besides its bit: none, a text or a position.
 enum class OptionKind { Flag, Text, Combo, Slider };
 
 struct Option {
@@ -41,8 +41,8 @@ struct Option {
     UINT screen;
     UINT item;  // of the check box, in its screen's control list
     OptionKind kind;
-    UINT valueItem = 0;                       // of the control with the value, where there is one
-    SettingsText CSettings::*text = nullptr;  // kind Text
+    UINT valueItem = 0;                           // of the control with the value, if it has one
+    SettingsText CSettings::*text = nullptr;      // kind Text
     std::int32_t CSettings::*position = nullptr;  // kinds Combo and Slider
 };
 

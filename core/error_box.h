@@ -2,7 +2,7 @@
 
 #include "core/window_operations.h"
 
-// Tells the user about a failure and waits until that has been seen.
+// Reports a failure to the user and waits for OK.
 inline void ShowError(const WCHAR* text) {
     MessageBoxW(nullptr, text, TEXT("Error"), MB_OK);
 }

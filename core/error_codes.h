@@ -2,7 +2,7 @@
 
 #include "core/platform_types.h"
 
-// The platform's codes for what went well and for why something failed, with its own values.
+// The platform's error codes, with its own values.
 inline constexpr LONG ERROR_SUCCESS = 0;
 inline constexpr LONG ERROR_FILE_NOT_FOUND = 2;  // no such entry, no such key or value
 inline constexpr LONG ERROR_PATH_NOT_FOUND = 3;  // a directory on the way is not there
@@ -15,7 +15,7 @@ inline constexpr LONG ERROR_NOT_SAME_DEVICE = 17;
 inline constexpr LONG ERROR_NO_MORE_FILES = 18;
 inline constexpr LONG ERROR_WRITE_PROTECT = 19;
 inline constexpr LONG ERROR_WRITE_FAULT = 29;
-inline constexpr LONG ERROR_GEN_FAILURE = 31;  // whatever has no code of its own
+inline constexpr LONG ERROR_GEN_FAILURE = 31;  // any other failure
 inline constexpr LONG ERROR_SHARING_VIOLATION = 32;
 inline constexpr LONG ERROR_NOT_SUPPORTED = 50;
 inline constexpr LONG ERROR_INVALID_PARAMETER = 87;
@@ -27,8 +27,8 @@ inline constexpr LONG ERROR_ALREADY_EXISTS = 183;
 inline constexpr LONG ERROR_FILENAME_EXCED_RANGE = 206;
 inline constexpr LONG ERROR_MORE_DATA = 234;
 inline constexpr LONG ERROR_NO_MORE_ITEMS = 259;
-inline constexpr LONG ERROR_DIRECTORY = 267;  // what should be a directory is none
+inline constexpr LONG ERROR_DIRECTORY = 267;  // not a directory
 inline constexpr LONG ERROR_KEY_DELETED = 1018;
 inline constexpr LONG ERROR_IO_DEVICE = 1117;
 inline constexpr LONG ERROR_NO_SYSTEM_RESOURCES = 1450;  // no room for the registry itself
-inline constexpr LONG ERROR_CANT_ACCESS_FILE = 1920;     // a link or a mount stands in the way
+inline constexpr LONG ERROR_CANT_ACCESS_FILE = 1920;     // a link or a mount is on the way

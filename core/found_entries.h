@@ -2,15 +2,14 @@
 
 #include "core/file_operations.h"
 
-// Whether the last operation that failed has failed because the entry, or a directory on its path,
-// is not there.
+// Whether the last failure was that the entry, or a directory on its path, is not there.
 inline bool LastWasNotThere() {
     const DWORD reason = GetLastError();
     return reason == ERROR_FILE_NOT_FOUND || reason == ERROR_PATH_NOT_FOUND;
 }
 
-// One search and the record of the entry it stands on. Closes itself. Dot entries are passed over,
-// whatever a platform lists: they would lead a walk in circles or upwards.
+// A search and its current entry; the destructor ends the search. "." and "..", which some
+// platforms list, are skipped: they would lead a walk in circles or upwards.
 class FoundEntries {
   public:
     FoundEntries() = default;
@@ -23,22 +22,22 @@ class FoundEntries {
     FoundEntries(const FoundEntries&) = delete;
     FoundEntries& operator=(const FoundEntries&) = delete;
 
-    // Starts the search; once for each object.
+    // Starts the search. Called once for each object.
     void Open(const WCHAR* pattern) {
         handle_ = FindFirstFileW(pattern, &entry_);
-        standsOnEntry_ = handle_ != INVALID_HANDLE_VALUE;
-        if (standsOnEntry_ && isDotEntry()) {
+        hasEntry_ = handle_ != INVALID_HANDLE_VALUE;
+        if (hasEntry_ && isDotEntry()) {
             Next();
         }
     }
 
-    // Whether there is an entry, and so whether the functions below may be called.
-    explicit operator bool() const { return standsOnEntry_; }
+    // Whether there is a current entry. The functions below need one.
+    explicit operator bool() const { return hasEntry_; }
 
     void Next() {
         do {
-            standsOnEntry_ = FindNextFileW(handle_, &entry_) != 0;
-        } while (standsOnEntry_ && isDotEntry());
+            hasEntry_ = FindNextFileW(handle_, &entry_) != 0;
+        } while (hasEntry_ && isDotEntry());
     }
     const WCHAR* name() const { return entry_.cFileName; }
     bool isDirectory() const { return (entry_.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0; }
@@ -52,6 +51,6 @@ class FoundEntries {
     }
 
     HANDLE handle_ = INVALID_HANDLE_VALUE;
-    bool standsOnEntry_ = false;
+    bool hasEntry_ = false;
     WIN32_FIND_DATA entry_;
 };

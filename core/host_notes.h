@@ -2,22 +2,22 @@
 
 #include "core/platform_types.h"
 
-// What the program tells the host that no operation of the platform says. Nothing of it is shown to
-// the device's user, and nothing waits for an answer. Where a reason belongs to a note, it is the
-// one that GetLastError gives.
+// Notes to the host for its report and its messages, about what no operation of the platform shows.
+// The device's user sees none of them, and none has an answer. The reason of a failure is the one
+// that GetLastError gives.
 
-// The step of the Apply sequence that begins now; 0 after the last one.
+// The step of the Apply sequence that begins; 0 after the last one.
 void NoteStep(int number);
 
-// Something that should hold a path, `what`, holds none that can be used, but `content`: no file is
-// deleted or moved on it.
-void NotePassedOver(const WCHAR* what, const WCHAR* content);
+// The registry value `what` should be a path, but its `content` cannot be used as one: no file is
+// deleted or moved because of it.
+void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 
-// What was to be stored as `what` could not be; what was stored there before is still there.
+// `what` could not be stored; what was stored before is still there.
 void NoteNotStored(const WCHAR* what);
 
-// The options could not be read from the file `path`, so that none is ticked: it cannot be opened,
-// or not be read to its end.
+// The options could not be read, so none is ticked: the file `path` cannot be opened, or cannot be
+// read to its end.
 void NoteNoSettings(const WCHAR* path);
 void NoteSettingsNotRead(const WCHAR* path);
 
@@ -25,23 +25,23 @@ void NoteSettingsNotRead(const WCHAR* path);
 // not given, and what is too much is not read.
 void NoteSettingsDamaged(const WCHAR* path);
 
-// The path of the entry `name` of `directory` does not fit, so that the entry is left alone.
+// The path of the entry `name` in `directory` does not fit, so the entry is left alone.
 void NoteTooLong(const WCHAR* directory, const WCHAR* name);
 
-// The look for `target` has failed. Nothing is said of it unless something is kept because of it.
-void NoteLookFailed(const WCHAR* target);
+// The look-up of `target` failed. Reported only if NoteKept follows.
+void NoteLookupFailed(const WCHAR* target);
 
-// `kept` stays, because the look that was noted last, without which it would go, has failed.
+// `kept` is not deleted, because the look-up noted last has failed.
 void NoteKept(const WCHAR* kept);
 
-// Nothing moves from `source` to `destination`: one of them could not be reached, or something
-// stands in the way.
+// Nothing moves from `source` to `destination`: one of them could not be reached, or another entry
+// has the destination's name.
 void NoteNothingMoves(const WCHAR* source, const WCHAR* destination);
 
-// The directory `newPath`, which is to be made next, will stand for the directory `oldPath`: it is
-// never open to more than that one.
+// The directory `newPath`, which is made next, will replace the directory `oldPath`: it must never
+// admit a user whom that one refuses.
 void NoteDirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath);
 
-// What could be moved from `oldPath` to `newPath` is there now; the new directory, unless it was
-// there before, gets what else the old one had: mode, owner, attributes and times.
+// All that could be moved from `oldPath` to `newPath` is there now. The new directory, unless it
+// existed before, gets the rest of what the old one had: mode, owner, attributes and times.
 void NoteDirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath);

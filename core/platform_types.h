@@ -13,12 +13,12 @@ using LONG = std::int32_t;
 using WCHAR = char16_t;
 using DWORD_PTR = std::uintptr_t;
 
-// What a message carries: numbers, or pointers to what its contract names.
+// The arguments and the result of a message: numbers, or pointers to what its contract names.
 using WPARAM = std::uintptr_t;
 using LPARAM = std::intptr_t;
 using LRESULT = std::intptr_t;
 
-// Handles say nothing about what stands behind them; null is none.
+// Handles are opaque; null is none.
 using HANDLE = void*;
 using HINSTANCE = HANDLE;
 using HWND = HANDLE;
@@ -38,7 +38,7 @@ struct POINT {
     LONG y;
 };
 
-// Pixels; right and bottom are the first that do not belong to it.
+// In pixels; right and bottom are exclusive.
 struct RECT {
     LONG left;
     LONG top;

@@ -33,40 +33,41 @@ inline constexpr DWORD REG_MULTI_SZ = 7;
 inline constexpr DWORD REG_QWORD = 11;
 inline constexpr DWORD REG_MUI_SZ = 21;
 
-// Opens the key at the path `subkey` below `key`, or `key` once more when the path is null or
+// Opens the key at the path `subkey` below `key`, or `key` itself again if the path is null or
 // empty, and puts a handle into `result` that the caller closes with RegCloseKey.
-// ERROR_FILE_NOT_FOUND when there is no such key; `result` is null then and after every other
+// ERROR_FILE_NOT_FOUND if there is no such key; `result` is null then and after every other
 // failure. `options` is 0; `access` may be 0 or KEY_ALL_ACCESS and makes no difference: every
 // operation works through the handle.
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
 
 // Reads a value; a null or empty name is the key's unnamed one. `size` is the size of `data` in
-// bytes and receives the size of the value, `type` its type; both may be null where nobody asks.
-// The stored bytes are copied and no others: a text ends in a terminator only if it was stored with
-// one. A null `data` asks for the size alone. ERROR_MORE_DATA when the value does not fit: nothing
-// is copied then, but size and type are given. ERROR_FILE_NOT_FOUND when there is no such value.
-// `reserved` is null.
+// bytes and receives the size of the value, `type` receives its type; either may be null. Exactly
+// the stored bytes are copied: a text ends in a terminator only if it was stored with one. With a
+// null `data` only size and type are given. ERROR_MORE_DATA if the value does not fit: size and
+// type are given, but nothing is copied. ERROR_FILE_NOT_FOUND if there is no such value. `reserved`
+// is null.
 LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
                       DWORD* size);
 
 // Makes or replaces a value with exactly the `size` bytes at `data`; a null or empty name is the
-// key's unnamed one. ERROR_INVALID_PARAMETER for a name of more than 255 characters and for what
-// the registry's file has no form for. The value is read back at once; it is kept for good before
-// the next change of the file tree, the next box, a restart and the end. `reserved` is 0.
+// key's unnamed one. ERROR_INVALID_PARAMETER for a name of more than 255 characters and for data
+// that the registry file cannot express. The new value can be read at once. It is stored before the
+// next change of the file tree, before the next box, before a restart and at the end. `reserved` is
+// 0.
 LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
                     DWORD size);
 
 // Gives the name of the subkey number `index`, counted from 0. `size` is the size of `name` in
-// characters and receives the length of the name without its terminator. ERROR_NO_MORE_ITEMS behind
-// the last one, ERROR_MORE_DATA when name and terminator do not fit. Deleting a subkey closes the
-// gap: those behind it move up by one. The remaining arguments are null.
+// characters and receives the length of the name without its terminator. ERROR_NO_MORE_ITEMS after
+// the last one, ERROR_MORE_DATA if name and terminator do not fit. Deleting a subkey closes the
+// gap: those after it move up by one. The remaining arguments are null.
 LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
                    WCHAR* className, DWORD* classSize, void* lastWriteTime);
 
 // Deletes the key at the path `subkey` below `key` with its values and all its subkeys.
-// ERROR_FILE_NOT_FOUND when there is none; an empty path deletes nothing and is
-// ERROR_INVALID_PARAMETER. The deletion is kept for good when a changed value is.
+// ERROR_FILE_NOT_FOUND if there is none, ERROR_INVALID_PARAMETER for an empty path, which deletes
+// nothing. The deletion is stored when a changed value would be.
 LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
 
-// Closes a handle; a root stays open. A handle that is not open, null among them, does no harm.
+// Closes a handle; a root stays open. A handle that is not open, such as null, is ignored.
 LONG RegCloseKey(HKEY key);

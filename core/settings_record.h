@@ -11,9 +11,9 @@ using SettingsText = std::unique_ptr<WCHAR[]>;
 // Returns a buffer of kTextCapacity characters that holds the empty text.
 SettingsText NewSettingsText();
 
-// The texts and list positions that belong to some of the options. A field means something only
-// while its option's bit is set in the mask that the same capture or load returned. A new record
-// has no texts and every position 0.
+// The texts and list positions that belong to some of the options. A field is valid only if its
+// option's bit is set in the mask that the same capture or load returned. A new record has no texts
+// and every position 0.
 struct CSettings {
     SettingsText UserDir1;         // directory to clean
     SettingsText UserDir2;         // directory to clean

@@ -5,11 +5,11 @@
 #include "core/found_entries.h"
 #include "core/wide_text.h"
 
-// What one level of a tree needs while it is walked: its search, and room for one path at a time.
-// It lives on the heap, because a tree can be as deep as a path is long.
+// The state of one level of a tree walk: its search, and room for one path. It belongs on the heap,
+// because a tree can have hundreds of levels.
 struct TreeLevel {
-    // Starts the walk of `directory`; `format` makes its search pattern. One that does not fit
-    // finds nothing.
+    // Starts the walk of `directory`; `format` makes the search pattern. If that does not fit, the
+    // search finds nothing.
     void Open(const WCHAR* format, const WCHAR* directory) {
         if (FormatText(path, format, {directory})) {
             entries.Open(path.data());
@@ -20,7 +20,7 @@ struct TreeLevel {
     FoundEntries entries;
 };
 
-// A level with nothing in its buffers.
+// A new level; its buffers are not initialised.
 template <typename Level = TreeLevel>
 std::unique_ptr<Level> NewLevel() {
     return std::make_unique_for_overwrite<Level>();

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Appends to a buffer as long as everything fits, a terminator included.
+// Builds a text in a buffer as long as it fits, with its terminator.
 class BoundedText {
   public:
     explicit BoundedText(std::span<WCHAR> buffer) : buffer_(buffer) {}

@@ -25,7 +25,8 @@ std::size_t wcslen(const WCHAR* text);
 std::size_t wcsspn(const WCHAR* text, const WCHAR* set);
 const WCHAR* wcsstr(const WCHAR* text, const WCHAR* part);
 const WCHAR* wcsrchr(const WCHAR* text, WCHAR character);
-int _wcsnicmp(const WCHAR* left, const WCHAR* right, std::size_t count);  // case as in file names
+int _wcsnicmp(const WCHAR* left, const WCHAR* right,
+              std::size_t count);  // ignores case as file names do
 
 // One value for a format: a terminated text, which must outlive the call, or a number.
 class TextArgument {
@@ -42,8 +43,8 @@ class TextArgument {
 };
 
 // Writes `format` into `buffer`, each "%s" and "%d" replaced by the next argument, and terminates
-// it. Returns whether all of it fitted. What does not fit leaves an empty text and never a part of
-// one: a path that is cut names another entry than the one that was meant.
+// it. Returns whether all of it fitted. If not, the text is empty and never cut: a cut path names
+// another entry.
 bool FormatText(std::span<WCHAR> buffer, const WCHAR* format,
                 std::initializer_list<TextArgument> arguments);
 

@@ -4,22 +4,23 @@
 #include "core/window_controls.h"
 
 // The operations through which the program reaches the handheld's windows. Measures are device
-// pixels. A handle is null, or names one window for as long as it lives and nothing after that:
-// every operation may be given a null or a dead handle, does nothing with it and reports failure.
-// Whatever makes or shows something may fail at any time. Texts are terminated and are copied.
+// pixels. A handle is null, or names one window for as long as it exists and nothing after that:
+// every operation accepts a null or a dead handle, does nothing with it and reports failure. Every
+// operation that makes or shows something may fail at any time. Texts are terminated and are
+// copied.
 
-// Messages to windows. Of itself the platform sends a procedure WM_COMMAND, WM_NOTIFY, WM_HSCROLL,
-// WM_VSCROLL, WM_LBUTTONDOWN and WM_LBUTTONUP, that of a dialog WM_INITDIALOG too, and WM_SETTEXT
-// in SetWindowTextW. It never sends WM_CREATE, WM_DESTROY, WM_SIZE, WM_PAINT, WM_CLOSE and
-// WM_GETTEXT, nor anything about keys, a moving stylus and the keyboard's coming and going. WM_QUIT
-// belongs to no window: GetMessageW alone gives it.
+// Messages to windows. The platform itself sends a procedure WM_COMMAND, WM_NOTIFY, WM_HSCROLL,
+// WM_VSCROLL, WM_LBUTTONDOWN and WM_LBUTTONUP, WM_INITDIALOG if it is a dialog's, and WM_SETTEXT in
+// SetWindowTextW. It never sends WM_CREATE, WM_DESTROY, WM_SIZE, WM_PAINT, WM_CLOSE and WM_GETTEXT,
+// or anything about keys, a moving stylus and the keyboard focus. WM_QUIT belongs to no window:
+// GetMessageW alone gives it.
 inline constexpr UINT WM_CREATE = 0x0001;
 inline constexpr UINT WM_DESTROY = 0x0002;
 inline constexpr UINT WM_SIZE = 0x0005;
 inline constexpr UINT WM_SETTEXT = 0x000C;  // lParam the text
-inline constexpr UINT WM_GETTEXT = 0x000D;  // wParam the room of the buffer lParam, terminator
-                                            // included; the characters copied, without it. What
-                                            // does not fit is cut off
+inline constexpr UINT WM_GETTEXT = 0x000D;  // wParam the capacity of the buffer lParam; returns
+                                            // the characters copied, without the terminator. A
+                                            // longer text is cut
 inline constexpr UINT WM_PAINT = 0x000F;
 inline constexpr UINT WM_CLOSE = 0x0010;
 inline constexpr UINT WM_QUIT = 0x0012;
@@ -28,12 +29,12 @@ inline constexpr UINT WM_INITDIALOG = 0x0110;
 inline constexpr UINT WM_COMMAND = 0x0111;
 inline constexpr UINT WM_HSCROLL = 0x0114;
 inline constexpr UINT WM_VSCROLL = 0x0115;  // low word of wParam the scroll code, high word the
-                                            // thumb's place for the two thumb codes
+                                            // thumb's position for the two thumb codes
 inline constexpr UINT WM_LBUTTONDOWN = 0x0201;
 inline constexpr UINT WM_LBUTTONUP = 0x0202;
 
-// Styles of every window. Of a control class, one with a parent is a child of it whatever its style
-// says.
+// Styles of every window. A window of a control class that has a parent is its child, whatever its
+// style says.
 inline constexpr DWORD WS_POPUP = 0x80000000;
 inline constexpr DWORD WS_CHILD = 0x40000000;
 inline constexpr DWORD WS_VISIBLE = 0x10000000;
@@ -49,7 +50,7 @@ inline constexpr DWORD DS_SETFOREGROUND = 0x0200;
 inline constexpr UINT CS_VREDRAW = 0x0001;
 inline constexpr UINT CS_HREDRAW = 0x0002;
 
-// As each of the four measures of a top-level window: the screen without its caption bar.
+// As each of the four measures of a top-level window: all of the screen below its caption bar.
 inline constexpr int CW_USEDEFAULT = -0x7FFFFFFF - 1;
 
 inline constexpr int SW_HIDE = 0;
@@ -92,33 +93,34 @@ struct MSG {
     POINT pt;
 };
 
-// Makes the common controls known. Opens nothing.
+// Registers the classes of the controls. Opens nothing.
 void InitCommonControls();
 
-// Makes a window class known under its name. Zero when the name is taken or the record names no
-// class. The record is copied.
+// Registers a window class; the record is copied. Zero if the name is taken or the record names no
+// class.
 WORD RegisterClassW(const WNDCLASS* windowClass);
 
-// Forgets a class. Zero, without harm, when there is none of that name or a window of it lives.
+// Unregisters a class. Zero, and no effect, if there is none of that name or if a window of it
+// exists.
 BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance);
 
 // Makes a window of a registered class or of a control class and returns its handle; null on
-// failure. A child's place counts from its parent's client area, and `menu` is its ID; a top-level
-// window stands on the screen and has neither. The window lives until DestroyWindow on it or on one
-// of its parents. `parameter` is null.
+// failure. A child's place is relative to its parent's client area, and `menu` is its ID; a
+// top-level window is placed on the screen and has neither parent nor ID. The window exists until
+// DestroyWindow on it or on one of its parents. `parameter` is null.
 HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text, DWORD style,
                      int x, int y, int width, int height, HWND parent, HMENU menu,
                      HINSTANCE instance, void* parameter);
 
-// Destroys a window with all its children; what waits for them in the queue is dropped. Nonzero
-// when there was one. A window may be destroyed inside its own procedure.
+// Destroys a window with all its children and drops their queued messages. Nonzero if there was
+// one. A window may be destroyed inside its own procedure.
 BOOL DestroyWindow(HWND window);
 
 // Shows (SW_SHOWNORMAL) or hides (SW_HIDE) a window. A hidden control keeps its state and answers
 // all messages. Nonzero when it was visible before.
 BOOL ShowWindow(HWND window, int command);
 
-// Paints what of a window has to be painted before it returns. Nonzero on success.
+// Paints what is due to be painted of a window before it returns. Nonzero on success.
 BOOL UpdateWindow(HWND window);
 
 // Puts a window's client area, which starts at 0, 0, into `rectangle`. Zero and no change on
@@ -128,10 +130,10 @@ BOOL GetClientRect(HWND window, RECT* rectangle);
 // Puts a window's outer bounds on the screen into `rectangle`. Zero and no change on failure.
 BOOL GetWindowRect(HWND window, RECT* rectangle);
 
-// Gives a window a new place and size, counted as on its creation.
+// Gives a window a new place and size, in the coordinates of its creation.
 BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint);
 
-// Directs the keyboard to a window and returns the one that had it before; null if none.
+// Gives a window the keyboard focus and returns the one that had it before; null if none.
 HWND SetFocus(HWND window);
 
 BOOL SetWindowTextW(HWND window, const WCHAR* text);
@@ -144,15 +146,15 @@ BOOL GetMessageW(MSG* message, HWND window, UINT lowest, UINT highest);
 // Turns key strokes into characters. Nonzero when there was one.
 BOOL TranslateMessage(const MSG* message);
 
-// Hands a message to its window's procedure and returns that one's result; 0 when the window is
+// Passes a message to its window's procedure and returns that one's result; 0 if the window is
 // gone.
 LRESULT DispatchMessageW(const MSG* message);
 
-// What a window does with a message that its procedure leaves alone. 0 for the messages above.
+// The default handling of a message. Returns 0 for the messages above.
 LRESULT DefWindowProcW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-// Hands a message to a window's procedure, or to the control, and returns its result once it is
-// done; 0 when there is no such window.
+// Passes a message to a window's procedure, or to the control, waits for it and returns its result;
+// 0 if there is no such window.
 LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
 // The same to the child of `parent` with this ID; 0 when there is none.
@@ -187,7 +189,8 @@ inline constexpr WORD SB_ENDSCROLL = 8;
 inline constexpr UINT SIF_RANGE = 0x01;
 inline constexpr UINT SIF_PAGE = 0x02;
 inline constexpr UINT SIF_POS = 0x04;
-inline constexpr UINT SIF_DISABLENOSCROLL = 0x08;  // with nothing to scroll the bar stays, disabled
+inline constexpr UINT SIF_DISABLENOSCROLL =
+    0x08;  // a bar with nothing to scroll is disabled, not hidden
 inline constexpr UINT SIF_TRACKPOS = 0x10;
 inline constexpr UINT SIF_ALL = SIF_RANGE | SIF_PAGE | SIF_POS | SIF_TRACKPOS;
 
@@ -203,24 +206,24 @@ struct SCROLLINFO {
     int nTrackPos;
 };
 
-// Puts what `info->fMask` names of a window's scroll bar into `info`, all else stays. Zero when the
-// window has no bar. `bar` is SB_VERT.
+// Puts the fields of a window's scroll bar that `info->fMask` names into `info` and leaves the
+// others. Zero if the window has no bar. `bar` is SB_VERT.
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info);
 
-// Sets what `info->fMask` names of a window's scroll bar and returns its position, which is brought
-// into nMin to nMax; an nMax below nMin counts as nMin. The page only sizes the thumb. A bar that
-// was once set with SIF_DISABLENOSCROLL stays on view. The bar itself sends a line or page code
-// only if the whole step fits into the range, otherwise SB_TOP or SB_BOTTOM, and nothing while it
-// is disabled.
+// Sets the fields of a window's scroll bar that `info->fMask` names and returns its position, which
+// is limited to nMin to nMax; an nMax below nMin counts as nMin. The page only sizes the thumb. A
+// bar that was once set with SIF_DISABLENOSCROLL stays visible. The bar itself sends a line or page
+// code only if the whole step fits into the range, otherwise SB_TOP or SB_BOTTOM, and nothing while
+// it is disabled.
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);
 
 // Moves the content of a window by dx and dy pixels; with SW_SCROLLCHILDREN and no `scroll`
-// rectangle all its children, the hidden ones and those out of view too. Zero on failure.
+// rectangle also all its children, even hidden ones and those outside the window. Zero on failure.
 int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
                    HRGN updateRegion, RECT* update, UINT flags);
 
-// Head of a dialog without controls of its own. It takes up 18 bytes, and three words of 0 follow
-// it at once: no menu, no class, no title. Place and size count in dialog units.
+// The header of a dialog template without controls: 18 bytes, followed at once by three words of 0
+// for no menu, no class and no title. Place and size are in dialog units.
 struct DLGTEMPLATE {
     DWORD style;
     DWORD dwExtendedStyle;
@@ -232,6 +235,6 @@ struct DLGTEMPLATE {
 };
 
 // Makes a modeless dialog, sends it WM_INITDIALOG and returns its handle at once; null on failure.
-// Its messages come to `procedure` through the one queue. `parent` may be null.
+// Its messages reach `procedure` through the program's one queue. `parent` may be null.
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
                                 DLGPROC procedure, LPARAM parameter);

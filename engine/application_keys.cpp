@@ -4,22 +4,22 @@
 
 #include "core/error_box.h"
 #include "core/host_notes.h"
-#include "engine/entry_looks.h"
-#include "engine/folder_location.h"
+#include "engine/entry_lookup.h"
+#include "engine/registry_path.h"
 
 namespace {
 
-// Looks for the application's install directory. An empty text names nothing, so that the directory
-// is not there; where there is no text to go by, nobody looks, and it counts as found.
-Look LookForInstallDirectory(const WCHAR* keyPath) {
+// Looks up the application's install directory. An empty text names nothing, so the directory is
+// not there. If no text can be read, nothing is looked up, and the directory counts as found.
+LookupResult LookUpInstallDirectory(const WCHAR* keyPath) {
     const RegistryKey key(HKEY_LOCAL_MACHINE, keyPath, KEY_ALL_ACCESS);
     const auto directory = std::make_unique<PathText>();
     if (!key || ReadText(key, TEXT("InstallDir"), *directory) != TextRead::Whole) {
-        return Look::Found;
+        return LookupResult::Found;
     }
-    EntryLooks looks;
-    looks.Find(directory->data());
-    return looks.result();
+    EntryLookup lookup;
+    lookup.Find(directory->data());
+    return lookup.result();
 }
 
 }  // namespace
@@ -29,10 +29,10 @@ void CheckAppKey(const WCHAR* appName, HKEY appsKey) {
     if (!FormatText(*path, TEXT("Software\\Apps\\%s"), {appName})) {
         return;
     }
-    const Look look = LookForInstallDirectory(path->data());
-    if (look == Look::NotThere) {
+    const LookupResult result = LookUpInstallDirectory(path->data());
+    if (result == LookupResult::NotThere) {
         RegDeleteKeyW(appsKey, appName);
-    } else if (look == Look::Failed) {
+    } else if (result == LookupResult::Failed) {
         NoteKept(path->data());
     }
 }

@@ -40,7 +40,7 @@ constexpr ApplyStep kSteps[] = {
     {16, OPT_MOVE_MYDOCS, RelocateFolder},
     {17, OPT_CLEAN_START_MENU, CleanStartMenu},
     {18, OPT_FONT_CACHE, SetFontCache},
-    {19, OPT_SILENT_STARTUP, KeepStartupShortcut, StepRuns::Always},
+    {19, OPT_SILENT_STARTUP, SetStartupShortcut, StepRuns::Always},
     {20, OPT_NO_MENU_ANIMATION, SetAnimation, StepRuns::Always},
     {21, OPT_NO_WINDOW_ANIMATION, SetAnimation, StepRuns::Always},
     {22, 0, DeleteSelectedDirectories, StepRuns::WithControls},
@@ -70,7 +70,7 @@ void CarryOut(const ApplyStep& step, ApplyRun& run) {
     run.ValueBuffer.fill(0);
 }
 
-// The options of this run; nothing when there are none to go by.
+// The option mask of this run; nothing if the silent run has none.
 std::optional<std::uint32_t> FetchMask() {
     if (!g_Silent) {
         return CaptureSettings(*g_Settings);
@@ -79,8 +79,8 @@ std::optional<std::uint32_t> FetchMask() {
     return loaded == kNoMask ? std::nullopt : std::optional(static_cast<std::uint32_t>(loaded));
 }
 
-// Tells what the run has freed; the next run counts anew.
-void TellBytesCleaned(PathText& text) {
+// Reports what the run has freed and resets the count for the next one.
+void ReportBytesCleaned(PathText& text) {
     FormatText(text, TEXT("%d Bytes Cleaned"), {static_cast<std::int32_t>(BytesCleaned)});
     MessageBoxW(nullptr, text.data(), TEXT("Cleaning Finished"), MB_OK);
     BytesCleaned = 0;
@@ -94,12 +94,12 @@ bool CarryOutAll(std::uint32_t mask) {
     }
     NoteStep(0);
     if (!g_Silent) {
-        TellBytesCleaned(run.ValueBuffer);
+        ReportBytesCleaned(run.ValueBuffer);
     }
     return run.RestartNeeded;
 }
 
-// The restart ends the program without another chance to save what is ticked.
+// The restart ends the process, so the settings must be saved before it.
 void Restart() {
     if (!g_Silent) {
         SaveSettings(*g_Settings);

@@ -4,8 +4,8 @@
 
 #include "engine/apply_run.h"
 
-// When a step runs. One that always runs looks at the mask for its direction; one with the controls
-// runs in the interactive run alone, for what is selected in them.
+// When a step runs. Always: the option only says which of two things it does. WithControls: in the
+// interactive run alone, for what is selected in the controls.
 enum class StepRuns { WhenTicked, Always, WithControls };
 
 // One step of the sequence, with the option that it belongs to.
@@ -16,9 +16,9 @@ struct ApplyStep {
     StepRuns runs = StepRuns::WhenTicked;
 };
 
-// Carries out what is ticked, each step once and in their fixed order; a failure never stops the
-// run. In the interactive run the controls say what is ticked, and a box tells in the end what was
-// freed; in the silent run the settings file says it, and without one nothing is done.
-// `allowRestart`: whether the device is restarted, the settings saved, when something needs it;
-// otherwise an interactive run tells its user.
+// Carries out the ticked steps, each once and in their fixed order; no failure stops the run. In
+// the interactive run the controls say what is ticked, and a box at the end reports what was freed.
+// In the silent run the settings file says it, and without one nothing is done. If a change needs a
+// restart and `allowRestart` is set, the settings are saved and the device restarts; otherwise an
+// interactive run reports in a box that a restart is due.
 void ApplySettings(bool allowRestart);

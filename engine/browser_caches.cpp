@@ -3,8 +3,8 @@
 #include "core/apply_options.h"
 #include "core/error_box.h"
 #include "engine/file_tree.h"
-#include "engine/folder_location.h"
 #include "engine/option_rows.h"
+#include "engine/registry_path.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ constexpr const WCHAR* kShellFolders =
 struct BrowserDirectory {
     std::uint32_t option;
     const WCHAR* value;
-    bool removeDirectories;  // the history's own are part of it
+    bool removeDirectories;  // the history needs its own
 };
 
 constexpr BrowserDirectory kDirectories[] = {
@@ -29,7 +29,7 @@ struct BrowserLimit {
     std::uint32_t option;
     const WCHAR* key;
     std::int32_t CSettings::*position;
-    DWORD kilobytes[3];  // the second one where the position is none
+    DWORD kilobytes[3];  // the second one if the position is out of range
     const WCHAR* missing;
 };
 
@@ -59,8 +59,8 @@ void ClearBrowserDirectory(ApplyRun& run, std::uint32_t option) {
     if (!key) {
         ShowError(kDirectoryMissing);
     }
-    if (ReadLocation(key, directory.value, kDirectoryMissing, LocationUse::Cleaned,
-                     run.ValueBuffer) == LocationRead::Usable &&
+    if (ReadPath(key, directory.value, kDirectoryMissing, PathUse::Cleaned, run.ValueBuffer) ==
+            PathRead::Usable &&
         FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
         DeleteTree(run.PathBuffer.data(), true, directory.removeDirectories);
     }

@@ -13,7 +13,7 @@ namespace {
 
 constexpr const WCHAR* kStartupShortcut = TEXT("\\Windows\\StartUp\\Fennelbright.lnk");
 
-// In bytes; the first one where the position is none.
+// In bytes; the first one if the position is out of range.
 constexpr DWORD kFontCaches[] = {8192, 16384, 32768};
 
 struct Animation {
@@ -47,7 +47,7 @@ void MakeStartupShortcut(ApplyRun& run) {
     }
 }
 
-// 0 when the value cannot be read, which the user is told.
+// 0 if the value cannot be read, which a box reports.
 DWORD ReadAnimation(const RegistryKey& key, const Animation& animation) {
     DWORD current = 0;
     DWORD size = sizeof current;
@@ -70,7 +70,7 @@ void SetFontCache(ApplyRun& run, std::uint32_t /*option*/) {
     key.WriteNumber(TEXT("limit"), kFontCaches[position == 1 || position == 2 ? position : 0]);
 }
 
-void KeepStartupShortcut(ApplyRun& run, std::uint32_t option) {
+void SetStartupShortcut(ApplyRun& run, std::uint32_t option) {
     if ((run.mask & option) == 0) {
         DeleteFileW(kStartupShortcut);
     } else if (!CanBeOpened(kStartupShortcut)) {

@@ -5,10 +5,10 @@
 // Sets the size of the font cache to the one chosen with the slider.
 void SetFontCache(ApplyRun& run, std::uint32_t option);
 
-// Makes the StartUp shortcut that starts the silent run where it is missing, or deletes it, as
-// `option` is ticked or not.
-void KeepStartupShortcut(ApplyRun& run, std::uint32_t option);
+// Makes the StartUp shortcut that starts the silent run, unless it exists, if `option` is ticked;
+// otherwise deletes it.
+void SetStartupShortcut(ApplyRun& run, std::uint32_t option);
 
 // Switches the animation of the Start menu or of the windows, as `option` says, off or back on. The
-// run needs a restart when the value in the registry was another one.
+// run needs a restart if that changed the value in the registry.
 void SetAnimation(ApplyRun& run, std::uint32_t option);

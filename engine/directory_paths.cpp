@@ -18,8 +18,8 @@ bool PutName(PathText& path, std::size_t end, WideView name) {
     return true;
 }
 
-// Appends the name that the directory has in the file tree. It is looked for as a directory, which
-// neither a file nor a pattern is.
+// Appends the directory's name as the file tree spells it. The search ends in a backslash, so that
+// it finds neither a file nor what a pattern matches.
 bool AppendDirectory(PathText& path, WideView name) {
     const std::size_t end = wcslen(path.data());
     if (!PutName(path, end, name) || !AppendBackslash(path)) {

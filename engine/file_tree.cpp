@@ -40,13 +40,14 @@ void DeleteFoundDirectory(const WCHAR* directory, TreeLevel& level, bool removeD
     }
 }
 
-// Whether what failed last failed because the registry could not be stored, without which nothing
-// moves: its values must not fall behind what has moved.
-bool IsMovingOver() {
+// Whether the last failure was that the registry could not be stored. Then nothing more may move,
+// because the registry must name the places of what has moved.
+bool MustStopMoving() {
     return GetLastError() == ERROR_NO_SYSTEM_RESOURCES;
 }
 
-// Puts both paths of the entry that the walk stands on into the level. Returns whether they fit.
+// Builds the old and the new path of the walk's current entry in the level. Returns whether they
+// fit.
 bool PutPaths(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const WCHAR* const name = level.entries.name();
     const bool fits = FormatText(level.path, TEXT("%s\\%s"), {source, name}) &&
@@ -57,46 +58,45 @@ bool PutPaths(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     return fits;
 }
 
-// The functions that move return false when nothing more may move.
+// The functions that move return false if nothing more may move.
 bool MoveFoundFile(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     return !PutPaths(source, destination, level) ||
-           MoveFileW(level.path.data(), level.destination.data()) != 0 || !IsMovingOver();
+           MoveFileW(level.path.data(), level.destination.data()) != 0 || !MustStopMoving();
 }
 
-// Puts the path of the directory that stands at the destination, spelt as it is there, into
-// level.destination. Returns false when none does, or when moving into it would move a directory
-// into itself.
-bool FindStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
-    const FoundEntries standing(level.destination.data());
-    if (standing && !standing.isDirectory()) {
+// Replaces level.destination by the path of the directory that exists there, as the file tree
+// spells it. Returns false if there is none, or if moving into it would move a directory into
+// itself.
+bool FindExistingDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
+    const FoundEntries existing(level.destination.data());
+    if (existing && !existing.isDirectory()) {
         NoteNothingMoves(level.path.data(), level.destination.data());
     }
-    return standing && standing.isDirectory() &&
-           FormatText(level.destination, TEXT("%s%s"), {destination, standing.name()}) &&
+    return existing && existing.isDirectory() &&
+           FormatText(level.destination, TEXT("%s%s"), {destination, existing.name()}) &&
            !IsSameOrInside(source, level.destination.data());
 }
 
-enum class MoveResult { Done, PassedOver, MovingIsOver };
+enum class MoveResult { Done, Skipped, MustStop };
 
 bool MoveEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level);
 
-// Makes the directory level.destination unless it stands there, and moves what is in level.path
-// into it.
+// Makes the directory level.destination unless it exists, and moves the entries of level.path into
+// it.
 // NOLINTNEXTLINE(misc-no-recursion)
-MoveResult MoveIntoStanding(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
+MoveResult MoveDirectoryEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
     const bool made = CreateDirectoryW(level.destination.data(), nullptr) != 0;
-    if (!made && IsMovingOver()) {
-        return MoveResult::MovingIsOver;
+    if (!made && MustStopMoving()) {
+        return MoveResult::MustStop;
     }
-    if ((!made && !FindStanding(source, destination, level)) ||
+    if ((!made && !FindExistingDirectory(source, destination, level)) ||
         !AppendBackslash(level.destination)) {
-        return MoveResult::PassedOver;
+        return MoveResult::Skipped;
     }
     const auto below = NewLevel<MoveLevel>();
     below->Open(TEXT("%s\\*"), level.path.data());
-    return MoveEntries(level.path.data(), level.destination.data(), *below)
-               ? MoveResult::Done
-               : MoveResult::MovingIsOver;
+    return MoveEntries(level.path.data(), level.destination.data(), *below) ? MoveResult::Done
+                                                                            : MoveResult::MustStop;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)
@@ -105,32 +105,32 @@ bool MoveFoundDirectory(const WCHAR* source, const WCHAR* destination, MoveLevel
         return true;
     }
     NoteDirectoryMoves(level.path.data(), level.destination.data());
-    const MoveResult result = MoveIntoStanding(source, destination, level);
+    const MoveResult result = MoveDirectoryEntries(source, destination, level);
     FormatText(level.destination, TEXT("%s%s"), {destination, level.entries.name()});
     NoteDirectoryMoved(level.path.data(), level.destination.data());
     if (result == MoveResult::Done) {
-        // Fails while anything that could not be moved is still in it, and so loses nothing.
+        // Fails if something that could not be moved is still in it, so nothing is lost.
         RemoveDirectoryW(level.path.data());
     }
-    return result != MoveResult::MovingIsOver;
+    return result != MoveResult::MustStop;
 }
 
-// Both paths are canonical, the destination with a backslash behind it; `level` is where the walk
-// of the source begins.
+// Both paths are canonical; the destination ends in a backslash. `level` has the walk of the
+// source.
 // NOLINTNEXTLINE(misc-no-recursion)
 bool MoveEntries(const WCHAR* source, const WCHAR* destination, MoveLevel& level) {
-    bool goesOn = true;
-    for (; goesOn && level.entries; level.entries.Next()) {
-        goesOn = level.entries.isDirectory() ? MoveFoundDirectory(source, destination, level)
-                                             : MoveFoundFile(source, destination, level);
+    bool mayMove = true;
+    for (; mayMove && level.entries; level.entries.Next()) {
+        mayMove = level.entries.isDirectory() ? MoveFoundDirectory(source, destination, level)
+                                              : MoveFoundFile(source, destination, level);
     }
-    return goesOn;
+    return mayMove;
 }
 
-// Puts the canonical paths of both where they can be reached, and begins to walk the source. What
-// is not there need not be reached.
-bool Reach(const WCHAR* source, const WCHAR* destination, PathText& from, PathText& to,
-           MoveLevel& level) {
+// Puts the canonical paths of both into `from` and `to` and starts the walk of the source. Returns
+// false if one of them cannot be reached; for a source that is not there nothing has to be.
+bool StartMove(const WCHAR* source, const WCHAR* destination, PathText& from, PathText& to,
+               MoveLevel& level) {
     if (!CanonicalDirectory(source, from)) {
         return LastWasNotThere();
     }
@@ -167,7 +167,7 @@ bool MoveTree(const WCHAR* source, const WCHAR* destination) {
     const auto from = std::make_unique<PathText>();
     const auto to = std::make_unique<PathText>();
     const auto level = NewLevel<MoveLevel>();
-    if (!Reach(source, destination, *from, *to, *level)) {
+    if (!StartMove(source, destination, *from, *to, *level)) {
         NoteNothingMoves(source, destination);
     }
     return MoveEntries(from->data(), to->data(), *level);

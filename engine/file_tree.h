@@ -2,20 +2,20 @@
 
 #include "core/platform_types.h"
 
-// The two walkers that carry the engine's bulk work. What cannot be deleted or moved is passed
-// over, as is an entry whose path does not fit a buffer of kTextCapacity.
+// The two walkers that delete and move trees. An entry that cannot be deleted or moved is skipped,
+// as is one whose path does not fit kTextCapacity.
 
 // Deletes the files in `directory` and adds the size of each to BytesCleaned once it is gone. With
-// `recurse` the files in its subdirectories too; with `removeDirectories` as well, the
+// `recurse` also the files in its subdirectories; with `removeDirectories` as well, the
 // subdirectories that are empty then. `directory` itself stays. It must end in a backslash:
-// anything else, the empty path too, deletes nothing.
+// anything else, such as the empty path, deletes nothing.
 void DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories);
 
-// Moves what is in `source` into `destination`, a directory that is there already, and removes the
-// subdirectories of `source` that stand at the destination and are empty then. `source` itself
-// stays, and in it whatever could not be moved. A source that is the destination is left alone; a
-// part of the source that holds the destination stays where it is. The host is told of each
-// directory that moves, and when nothing does because one of the two could not be reached; a source
-// that is not there is nothing to move. Returns false when the registry cannot be stored, so that
-// nothing more may move.
+// Moves the entries of `source` into the existing directory `destination`, and removes the
+// subdirectories of `source` that exist at the destination and are empty then. `source` itself
+// stays, with whatever could not be moved. Nothing moves if both are the same directory; a
+// subdirectory of the source that contains the destination stays where it is. The host gets a note
+// of each directory that moves, and one if nothing moves because one of the two could not be
+// reached; a source that is not there has nothing to move. Returns false if the registry could not
+// be stored after a move, so that nothing more may move.
 bool MoveTree(const WCHAR* source, const WCHAR* destination);

@@ -3,8 +3,8 @@
 #include "core/apply_options.h"
 #include "core/error_box.h"
 #include "engine/file_tree.h"
-#include "engine/folder_location.h"
 #include "engine/option_rows.h"
+#include "engine/registry_path.h"
 
 namespace {
 
@@ -14,7 +14,7 @@ struct Folder {
     const WCHAR* key;
     const WCHAR* value;
     SettingsText CSettings::*destination;
-    LocationUse oldFolder;
+    PathUse oldFolder;
     const WCHAR* keyMissing;
     const WCHAR* valueMissing;
 };
@@ -25,25 +25,25 @@ constexpr const WCHAR* kSystemFolders = TEXT("Explorer\\Shell Folders");
 const Folder kFolders[] = {
     {OPT_MOVE_IE_CACHE, HKEY_CURRENT_USER,
      TEXT("Software\\Microsoft\\Windows\\CurrentVersion\\Explorer\\Shell Folders"), TEXT("Cache"),
-     &CSettings::IeCacheDir, LocationUse::Cleaned,
+     &CSettings::IeCacheDir, PathUse::Cleaned,
      TEXT("Unable to locate Internet Explorer cache directory"),
      TEXT("Unable to locate Internet Explorer cache directory")},
     {OPT_MOVE_AVANTGO, HKEY_CURRENT_USER, TEXT("Software\\AvantGo"), TEXT("DatabaseLocation"),
-     &CSettings::AvantGoDir, LocationUse::Moved, TEXT("Unable to locate AvantGo cache"),
+     &CSettings::AvantGoDir, PathUse::Moved, TEXT("Unable to locate AvantGo cache"),
      TEXT("Unable to locate AvantGo cache directory")},
     {OPT_MOVE_FAVORITES, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("Favorites"),
-     &CSettings::FavoritesDir, LocationUse::Moved, TEXT("Unable to locate Favorites"),
+     &CSettings::FavoritesDir, PathUse::Moved, TEXT("Unable to locate Favorites"),
      TEXT("Unable to locate Favorties directory")},
     {OPT_MOVE_FONTS, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("Fonts"), &CSettings::FontsDir,
-     LocationUse::Moved, TEXT("Unable to locate Fonts"), TEXT("Unable to locate Fonts directory")},
+     PathUse::Moved, TEXT("Unable to locate Fonts"), TEXT("Unable to locate Fonts directory")},
     {OPT_MOVE_MYDOCS, HKEY_LOCAL_MACHINE, kSystemFolders, TEXT("My Documents"),
-     &CSettings::MyDocumentsDir, LocationUse::Moved, TEXT("Unable to locate My Documents"),
+     &CSettings::MyDocumentsDir, PathUse::Moved, TEXT("Unable to locate My Documents"),
      TEXT("Unable to locate My Documents directory")},
 };
 
-// Returns whether the registry may name the new one now.
+// Returns whether the registry may name the new place now.
 bool ClearOldFolder(ApplyRun& run, const Folder& folder, const WCHAR* destination) {
-    if (folder.oldFolder == LocationUse::Moved) {
+    if (folder.oldFolder == PathUse::Moved) {
         return MoveTree(run.ValueBuffer.data(), destination);
     }
     if (FormatText(run.PathBuffer, TEXT("%s\\"), {run.ValueBuffer.data()})) {
@@ -64,11 +64,11 @@ void RelocateFolder(ApplyRun& run, std::uint32_t option) {
     if (!key) {
         ShowError(folder.keyMissing);
     }
-    const LocationRead old =
-        ReadLocation(key, folder.value, folder.valueMissing, folder.oldFolder, run.ValueBuffer);
-    // A new location in place of an old one that nobody could read would lose what is there.
-    if (old == LocationRead::PassedOver ||
-        (old == LocationRead::Usable && ClearOldFolder(run, folder, destination.get()))) {
+    const PathRead old =
+        ReadPath(key, folder.value, folder.valueMissing, folder.oldFolder, run.ValueBuffer);
+    // If the old place could not be read, replacing it would lose what is there.
+    if (old == PathRead::Unusable ||
+        (old == PathRead::Usable && ClearOldFolder(run, folder, destination.get()))) {
         key.WriteText(folder.value, destination.get());
     }
 }

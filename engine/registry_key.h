@@ -5,8 +5,8 @@
 #include "core/registry_operations.h"
 #include "core/wide_text.h"
 
-// One key of the registry, open or not. Closes itself. Reading and writing through a key that did
-// not open fails like any other reading and writing.
+// A key of the registry, closed by the destructor. Reading and writing fail if it could not be
+// opened.
 class RegistryKey {
   public:
     RegistryKey(HKEY root, const WCHAR* path, DWORD access) {
@@ -21,7 +21,7 @@ class RegistryKey {
     explicit operator bool() const { return key_ != nullptr; }
     HKEY get() const { return key_; }
 
-    // Writes a text without its terminator. Whether that worked is not told, as below.
+    // Writes a text without its terminator. This and WriteNumber report no failure.
     void WriteText(const WCHAR* name, const WCHAR* text) {
         Write(name, REG_SZ, text, wcslen(text) * sizeof(WCHAR));
     }

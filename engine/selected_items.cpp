@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kMostSelected = 1024;
 constexpr LRESULT kTicked = 1;
 
-// Where a control stands: its page and its place in the page's list.
+// A control's page and its index in the page's list.
 struct Item {
     UINT screen;
     UINT item;
@@ -30,7 +30,8 @@ HWND ControlAt(const Item& place) {
     return g_Screens->GetScreenItems(place.screen).ItemAt(place.item);
 }
 
-// Puts the text of an entry into `text`; one that does not fit is another path if it is cut.
+// Puts the text of an entry into `text`. Returns false if it does not fit: a cut path names another
+// entry.
 bool ReadEntry(HWND list, LONG index, PathText& text) {
     const auto entry = static_cast<WPARAM>(index);
     const LRESULT length = SendMessageW(list, LB_GETTEXTLEN, entry, 0);
@@ -57,7 +58,7 @@ void ForEachSelected(const Item& place, PathText& text, CarryOut carryOut) {
     }
 }
 
-// The size comes first: afterwards nobody can ask for it.
+// The size is read first: a deleted file has none.
 void DeleteOneFile(const WCHAR* path) {
     const FoundEntries found(path);
     if (DeleteFileW(path) != 0) {

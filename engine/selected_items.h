@@ -2,9 +2,9 @@
 
 #include "engine/apply_run.h"
 
-// The tasks on what the user has selected in the list boxes. No more than the first 1024 selected
-// entries of a list are handled, none whose text does not fit a path, and lists and selections
-// stay as they are.
+// The tasks on the entries that the user has selected in the list boxes. Only the first 1024
+// selected entries of a list are handled, and none whose text does not fit a path. Lists and
+// selections stay as they are.
 
 // Deletes the files in the directories selected on the first page, and below them; all directories
 // stay.

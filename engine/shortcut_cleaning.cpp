@@ -12,11 +12,11 @@ bool ShortcutTargetExists(const WCHAR* shortcutPath) {
     if (SHGetShortcutTarget(shortcutPath, target->data(), kTextCapacity) == 0) {
         return true;
     }
-    const Look look = LookForTarget(target->data());
-    if (look == Look::Failed) {
+    const LookupResult result = LookUpTarget(target->data());
+    if (result == LookupResult::Failed) {
         NoteKept(shortcutPath);
     }
-    return look != Look::NotThere;
+    return result != LookupResult::NotThere;
 }
 
 // NOLINTNEXTLINE(misc-no-recursion)

@@ -2,8 +2,8 @@
 
 #include "engine/apply_run.h"
 
-// Whether the file at `shortcutPath` may stay: false only when it is a shortcut and what it starts
-// is found to be missing. The host is told of one that stays because a look failed.
+// Whether the file at `shortcutPath` may stay: false only if it is a shortcut and its target is
+// missing. The host gets a note if it stays because a look-up failed.
 bool ShortcutTargetExists(const WCHAR* shortcutPath);
 
 // Deletes the shortcuts below `directory` whose targets are missing and adds their sizes to

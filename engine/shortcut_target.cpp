@@ -12,30 +12,29 @@ bool BeginsWithPath(WideView text) {
     return text.substr(0, 2).find(TEXT('\\')) != WideView::npos;
 }
 
-// What stands between the quotes; all behind the first where there is no second.
+// The text between the quotes; everything after the first if there is no second.
 WideView BetweenQuotes(WideView quoted) {
     return quoted.substr(1, quoted.find(TEXT('"'), 1) - 1);
 }
 
-// The path at the beginning told by its extension alone. The first and the last character go;
-// unless the fourth from the end is a full stop then, everything behind the third one after the
-// last full stop goes too.
+// The path that its extension ends: without the first and the last character, and without what
+// follows the third character after the last full stop.
 WideView PathByExtension(WideView quoted) {
     WideView path = quoted.substr(std::min<std::size_t>(1, quoted.size()));
     path.remove_suffix(path.empty() ? 0 : 1);
     const std::size_t stop = path.rfind(TEXT('.'));
-    // A last full stop with three characters behind it makes this cut none at all.
     return stop == WideView::npos ? path : path.substr(0, stop + 1 + kExtension);
 }
 
-// What no name holds, no pattern matches either, which can take the reading of a directory to see.
-bool Find(WideView path, EntryLooks& looks) {
+// No name has these characters, so no pattern with them matches either; to look it up could mean to
+// read a directory.
+bool Find(WideView path, EntryLookup& lookup) {
     return !IsRootOrEmpty(path) && path.find_first_of(kNotInNames) == WideView::npos &&
-           looks.Find(path);
+           lookup.Find(path);
 }
 
-// The paths that a command line without a quote in front may begin with: all of it, and what stands
-// in front of each of its blanks and quotes; shortest first.
+// The paths that a command line without an opening quote may begin with: all of it, and what
+// precedes each of its blanks and quotes; shortest first.
 std::vector<WideView> PossiblePaths(WideView text) {
     std::vector<WideView> paths;
     constexpr WideView ends = TEXT(" \t\"");
@@ -52,9 +51,9 @@ bool EndsInExtension(WideView path) {
     return stop != WideView::npos && path[stop] == TEXT('.');
 }
 
-// The likely ones come first, so that a shortcut that lives costs one look: arguments stand behind
-// an extension, and a blank in front of the last backslash is one in a directory's name.
-void LookForUnquoted(WideView text, EntryLooks& looks) {
+// Tries the likely paths first, so that a working shortcut takes one look-up: arguments follow an
+// extension, and a blank before the last backslash belongs to the name of a directory.
+void LookUpUnquoted(WideView text, EntryLookup& lookup) {
     std::vector<WideView> paths = PossiblePaths(text);
     const std::size_t name = text.rfind(TEXT('\\'));
     const auto likelihood = [name](WideView path) {
@@ -64,41 +63,40 @@ void LookForUnquoted(WideView text, EntryLooks& looks) {
                      [&](auto left, auto right) { return likelihood(left) < likelihood(right); });
     std::any_of(paths.begin(), paths.end(), [&](WideView path) {
         const bool isPart = path.size() < text.size();
-        return !(isPart && HasWildcard(path)) && Find(path, looks);
+        return !(isPart && HasWildcard(path)) && Find(path, lookup);
     });
 }
 
-// The handheld itself puts the quotes round no more than the path's first word when it is given a
-// path without quotes.
+// The handheld itself, given a path without quotes, puts quotes around its first word alone.
 WideString WithoutQuotes(WideView text) {
     WideString plain(text);
     std::erase(plain, TEXT('"'));
     return plain;
 }
 
-void LookForQuoted(WideView text, EntryLooks& looks) {
+void LookUpQuoted(WideView text, EntryLookup& lookup) {
     const WideString plain = WithoutQuotes(text);
     const WideView between = BetweenQuotes(text);
     const WideView paths[] = {between, PathByExtension(text), plain};
     const bool closed = text.find(TEXT('"'), 1) != WideView::npos;
     const bool found = std::any_of(std::begin(paths), std::end(paths),
-                                   [&looks](WideView path) { return Find(path, looks); });
+                                   [&lookup](WideView path) { return Find(path, lookup); });
     if (!found && !closed) {
-        LookForUnquoted(between, looks);
+        LookUpUnquoted(between, lookup);
     }
 }
 
 }  // namespace
 
-Look LookForTarget(WideView commandLine) {
+LookupResult LookUpTarget(WideView commandLine) {
     if (!BeginsWithPath(commandLine)) {
-        return Look::Found;
+        return LookupResult::Found;
     }
     const bool quoted = commandLine.front() == TEXT('"');
     if (IsRootOrEmpty(quoted ? BetweenQuotes(commandLine) : commandLine)) {
-        return Look::Found;
+        return LookupResult::Found;
     }
-    EntryLooks looks;
-    quoted ? LookForQuoted(commandLine, looks) : LookForUnquoted(commandLine, looks);
-    return looks.result();
+    EntryLookup lookup;
+    quoted ? LookUpQuoted(commandLine, lookup) : LookUpUnquoted(commandLine, lookup);
+    return lookup.result();
 }

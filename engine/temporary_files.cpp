@@ -8,7 +8,7 @@ namespace {
 
 struct TemporaryDirectory {
     std::uint32_t option;
-    const WCHAR* path;  // null: the user's own
+    const WCHAR* path;  // null: typed by the user
     SettingsText CSettings::*typed = nullptr;
 };
 

@@ -4,7 +4,7 @@
 
 #include "core/platform_types.h"
 
-// The class of a control and its exact style.
+// The class and the exact style of a kind of control.
 struct ControlKind {
     const WCHAR* className;
     DWORD style;
@@ -19,7 +19,7 @@ struct CatalogueControl {
     int width;
     int height;
     WORD id;                          // 0: none
-    void (*prepare)(HWND) = nullptr;  // gives the new control its first content; null: it has none
+    void (*prepare)(HWND) = nullptr;  // adds its initial content; null: none
 };
 
 struct CatalogueScreen {

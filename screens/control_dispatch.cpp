@@ -27,7 +27,7 @@ struct ControlRow {
 };
 
 struct SearchedExtension {
-    int id;  // of the box that asks for it
+    int id;  // of the check box
     const WCHAR* extension;
 };
 
@@ -37,7 +37,7 @@ constexpr SearchedExtension kExtensions[] = {
     {50017, TEXT("BAK")},
 };
 constexpr int kCustomExtension = 50018;
-constexpr UINT kCustomExtensionItem = 18;  // of the first page: what is searched for
+constexpr UINT kExtensionBoxItem = 18;  // the extension box of the first page
 
 bool IsTicked(int id) {
     return SendDlgItemMessageW(g_DisplayWindow->Window(), id, BM_GETCHECK, 0, 0) == kTicked;
@@ -53,9 +53,9 @@ void RefreshDirectories(HWND list) {
 }
 
 void SearchCustomExtension(HWND list) {
-    // An extension has three characters; the rest of a longer text does not count.
+    // Only three characters of an extension count.
     std::array<WCHAR, 4> extension{};
-    SendMessageW(g_Screens->GetScreenItems(0).ItemAt(kCustomExtensionItem), WM_GETTEXT,
+    SendMessageW(g_Screens->GetScreenItems(0).ItemAt(kExtensionBoxItem), WM_GETTEXT,
                  extension.size(), reinterpret_cast<LPARAM>(extension.data()));
     SearchFiles(list, extension.data(), kRoot);
 }

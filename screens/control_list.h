@@ -2,10 +2,10 @@
 
 #include "core/platform_types.h"
 
-// The ordered list of a page's controls. An item's index is its place in the order of appending.
-// A copy is a view: it shares the items of the list that it was copied from and shows as many as
+// The ordered list of a page's controls. An item's index is its place in the order of appending. A
+// copy is a view: it shares the items of the list that it was copied from and shows as many as
 // there were then. Only Clear frees items, so exactly one of the copies, the owner, clears; the
-// others must be gone or unused by then. The windows behind the handles are not the list's.
+// others must be gone or unused by then. The list does not own the windows.
 class CControlList {
   public:
     struct Node {
@@ -17,18 +17,18 @@ class CControlList {
     // An empty list.
     CControlList();
 
-    // Adds a handle, null too, at the end. Works after Clear as well.
+    // Appends a handle, which may be null. Works after Clear as well.
     void Append(HWND control);
 
     DWORD Count() const { return count_; }
 
-    // The handle at `index`; null where there is no such item.
+    // The handle at `index`; null if there is no such item.
     HWND ItemAt(DWORD index) const;
 
-    // Where a walk begins that follows `next` to null; null when there is no item.
+    // The first item, from which a walk follows `next` to null; null if the list is empty.
     const Node* First() const { return header_ == nullptr ? nullptr : header_->first; }
 
-    // Frees all items. Harmless on an empty list and when called again.
+    // Frees all items. May be called on an empty list and again.
     void Clear();
 
   private:

@@ -8,7 +8,7 @@
 
 namespace {
 
-// Pixels that a page code of the scroll bar moves, the same as a line code.
+// The step of the scroll bar's page codes in pixels, the same as that of a line code.
 constexpr UINT kPageStep = 3;
 
 HWND CreateControl(const CatalogueControl& row) {

@@ -10,26 +10,26 @@ inline constexpr UINT kScreenCount = 6;
 // controls exist from CreateScreens to DestroyScreens, those of the current page are shown.
 class CScreens {
   public:
-    // Makes all controls, puts each one's first content into it and shows the first page. A control
-    // that cannot be made leaves a null handle in its place, so that the item indices of the others
-    // hold. Called once, after the display window has been made.
+    // Makes all controls with their initial content and shows the first page. A control that cannot
+    // be made leaves a null handle in its place, so that the indices of the others stay right.
+    // Called once, after the display window was made.
     void CreateScreens();
 
     // Destroys all controls. Called once.
     void DestroyScreens();
 
-    // Hides the current page and shows the page `screen`, whose scroll range the display window
-    // gets, with position 0. An index beyond the pages is told in a box and shows none. Returns
-    // what SetScrollInfo returned.
+    // Hides the current page, shows the page `screen` and gives the display window its scroll
+    // range, at position 0. An index beyond the pages shows none and is reported in a box. Returns
+    // the result of SetScrollInfo.
     int SwitchScreenTo(UINT screen);
 
-    // Carries out what a control does at once when its user acts on it. Most controls do nothing:
-    // what they hold counts when the settings are captured. `id` is a control's ID; one that no
-    // control has is reported in a box.
+    // Carries out the immediate action of the control with this ID. Most controls have none: their
+    // content counts when the settings are captured. An ID that no control has is reported in a
+    // box.
     void ControlCallback(UINT id);
 
-    // A view of a page's controls, in the order of the catalogue. An index beyond the pages is told
-    // in a box and gives the first page.
+    // A view of a page's controls, in the order of the catalogue. An index beyond the pages gives
+    // the first page and is reported in a box.
     CControlList GetScreenItems(UINT screen) const;
 
   private:
@@ -38,8 +38,8 @@ class CScreens {
         UINT height = 0;  // of the content, in pixels
     };
 
-    // Shows or hides a page's controls and returns its height. An index beyond the pages is told in
-    // a box and has height 0.
+    // Shows or hides a page's controls and returns its height. An index beyond the pages has height
+    // 0 and is reported in a box.
     UINT ShowScreen(UINT screen, int command) const;
 
     UINT current_ = 0;

@@ -17,8 +17,8 @@ set(exceptions
   "core/win_main.cpp includes engine/apply_sequence.h"
   "core/win_main.cpp includes shell/interactive_run.h"
   # Dialogs and pages belong to the main window, and are made as it is.
-  "browser/browse_dialog.cpp includes shell/window_making.h"
-  "search/search_indicator.cpp includes shell/window_making.h"
+  "browser/browse_dialog.cpp includes shell/window_creation.h"
+  "search/search_indicator.cpp includes shell/window_creation.h"
   "search/search_indicator.cpp includes shell/windows.h"
   "screens/control_dispatch.cpp includes shell/windows.h"
   "screens/screens.cpp includes shell/windows.h")

@@ -1,9 +1,23 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over all sources.
+# Checks the formatting and runs clang-tidy over all sources. Prints findings alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
-scripts/setup.sh tests
-cmake --preset sanitized -DBUILD_TESTING=ON >/dev/null
-git ls-files '*.cpp' | grep -v -e '^tests/fuzz/' -e '^bench/' | sed "s|^|$PWD/|" |
-  xargs -n 4 -P "$(nproc)" clang-tidy --quiet -p build/sanitized
+scripts/format.sh --dry-run -Werror
+
+# The fuzz targets are compiled in a build of their own. The benchmarks are in neither build of the
+# tests, so this build has its own directory, in which nothing is compiled.
+cmake --preset fuzzing >/dev/null
+cmake --preset sanitized -B build/lint -DBUILD_TESTING=ON -DFENNELBRIGHT_BENCHMARKS=ON >/dev/null
+
+# clang-tidy counts the warnings in the system's headers on standard error, which are no findings.
+tidy() {
+  xargs -0 -n 4 -P "$(nproc)" clang-tidy --quiet -p "$1" 2>&1 |
+    { grep -vE '^[0-9]+ warnings?( and [0-9]+ errors?)? generated\.$' || true; }
+}
+
+status=0
+find "$PWD" -path "$PWD/build" -prune -o -path "$PWD/tests/fuzz" -prune -o \
+  -name '*.cpp' -print0 | tidy build/lint || status=1
+find "$PWD/tests/fuzz" -name '*.cpp' -print0 | tidy build/fuzzing || status=1
+exit $status

@@ -4,25 +4,25 @@
 
 #include "core/application.h"
 #include "core/window_operations.h"
-#include "shell/window_making.h"
+#include "shell/window_creation.h"
 #include "shell/windows.h"
 
 namespace {
 
 constexpr const WCHAR* kClass = TEXT("SEARCHING");
 
-std::int32_t g_Searches = 0;  // begun and not ended
+std::int32_t g_Searches = 0;  // in progress
 HWND g_Indicator = nullptr;   // while there are any
 HWND g_Label = nullptr;       // in it
 
 void ShowIndicator() {
-    RegisterClassAnew(kClass, DefWindowProcW, COLOR_BACKGROUND);
+    ReplaceClass(kClass, DefWindowProcW, COLOR_BACKGROUND);
     g_Indicator =
         CreateWindowExW(0, kClass, TEXT("SEARCHING"), WS_POPUP | WS_CHILD | WS_VISIBLE, 77, 110, 94,
                         54, g_DisplayWindow->Window(), nullptr, g_Instance, nullptr);
-    ShowPainted(g_Indicator);
+    PaintAndShow(g_Indicator);
     g_Label = CreateChild(TEXT("STATIC"), TEXT("SEARCHING..."), 0, {2, 17, 92, 37}, g_Indicator);
-    ShowPainted(g_Label);
+    PaintAndShow(g_Label);
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 #pragma once
 
-// The small window that says "SEARCHING..." while a search walks the file tree. Searches nest: it
-// comes with the outermost BeginSearch and goes with the EndSearch that belongs to it. A window
-// that cannot be made keeps no search from its work.
+// The small window that shows "SEARCHING..." while a search walks the file tree. Searches nest: the
+// outermost BeginSearch opens it, and the matching EndSearch closes it. If it cannot be made, the
+// search works without it.
 
 void BeginSearch();
 void EndSearch();

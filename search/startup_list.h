@@ -2,6 +2,6 @@
 
 #include "core/platform_types.h"
 
-// Adds the names of the shortcuts in the StartUp folder to the list box. A folder that is not there
-// or cannot be read has none.
+// Adds the names of the shortcuts in the StartUp folder to the list box; none if the folder is not
+// there or cannot be read.
 void FillStartupList(HWND listBox);

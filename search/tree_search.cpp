@@ -9,27 +9,27 @@
 namespace {
 
 constexpr std::size_t kExtension = 3;  // characters that count
-constexpr std::int32_t kVisible = 32;  // characters that a list shows without being scrolled
+constexpr std::int32_t kVisible = 32;  // characters that fit a list without scrolling
 constexpr WPARAM kCharacterWidth = 6;  // pixels
 
-// The most characters of any path listed by each kind of search; they only grow.
+// The length in characters of the longest path that each kind of search has listed; it only grows.
 std::int32_t g_LongestDirectory = kVisible;
 std::int32_t g_LongestFile = kVisible;
 
-// A path and the names in it. The root has its backslash already.
-struct PathForms {
+// The formats that join a directory's path and a name. The root already ends in a backslash.
+struct PathFormats {
     const WCHAR* pattern;
-    const WCHAR* directory;  // listed
-    const WCHAR* entry;      // a listed file, and the next level
+    const WCHAR* directory;  // of a listed directory
+    const WCHAR* entry;      // of a listed file and of the next level
 };
-constexpr PathForms kAtRoot = {TEXT("%s*"), TEXT("%s%s\\"), TEXT("%s%s")};
-constexpr PathForms kBelow = {TEXT("%s\\*"), TEXT("%s\\%s\\"), TEXT("%s\\%s")};
+constexpr PathFormats kAtRoot = {TEXT("%s*"), TEXT("%s%s\\"), TEXT("%s%s")};
+constexpr PathFormats kBelow = {TEXT("%s\\*"), TEXT("%s\\%s\\"), TEXT("%s\\%s")};
 
-const PathForms& FormsOf(const WCHAR* path) {
+const PathFormats& FormatsOf(const WCHAR* path) {
     return path[0] == TEXT('\\') && path[1] == 0 ? kAtRoot : kBelow;
 }
 
-// The list scrolls as far sideways as the longest path that was ever in it.
+// The list scrolls sideways as far as the longest path that was ever in it.
 void List(HWND listBox, const WCHAR* text, std::int32_t& longest) {
     SendMessageW(listBox, LB_ADDSTRING, 0, reinterpret_cast<LPARAM>(text));
     const auto length = static_cast<std::int32_t>(wcslen(text));
@@ -40,13 +40,13 @@ void List(HWND listBox, const WCHAR* text, std::int32_t& longest) {
     }
 }
 
-// Calls `handle` for each entry of the directory, with the level that stands on it.
+// Calls `handle` for each entry of the directory with the level, whose search is at that entry.
 template <typename Handle>
 void Enumerate(const WCHAR* path, Handle handle) {
     BeginSearch();
     {
         const auto level = NewLevel();
-        for (level->Open(FormsOf(path).pattern, path); level->entries; level->entries.Next()) {
+        for (level->Open(FormatsOf(path).pattern, path); level->entries; level->entries.Next()) {
             handle(*level);
         }
     }
@@ -70,16 +70,16 @@ bool HasExtension(const WCHAR* name, const WCHAR* extension) {
 
 // NOLINTNEXTLINE(misc-no-recursion)
 void SearchTempDirectories(HWND listBox, const WCHAR* path) {
-    const PathForms& forms = FormsOf(path);
+    const PathFormats& formats = FormatsOf(path);
     // NOLINTNEXTLINE(misc-no-recursion)
     Enumerate(path, [&](TreeLevel& level) {
         if (!level.entries.isDirectory() || level.entries.isHidden()) {
             return;
         }
-        if (IsTemporary(level.entries.name()) && Put(level, forms.directory, path)) {
+        if (IsTemporary(level.entries.name()) && Put(level, formats.directory, path)) {
             List(listBox, level.path.data(), g_LongestDirectory);
         }
-        if (Put(level, forms.entry, path)) {
+        if (Put(level, formats.entry, path)) {
             SearchTempDirectories(listBox, level.path.data());
         }
     });
@@ -90,14 +90,14 @@ void SearchFiles(HWND listBox, const WCHAR* extension, const WCHAR* path) {
     if (extension == nullptr) {
         return;
     }
-    const PathForms& forms = FormsOf(path);
+    const PathFormats& formats = FormatsOf(path);
     // NOLINTNEXTLINE(misc-no-recursion)
     Enumerate(path, [&](TreeLevel& level) {
         const bool isEntered = level.entries.isDirectory() && !level.entries.isHidden();
-        if (isEntered && Put(level, forms.entry, path)) {
+        if (isEntered && Put(level, formats.entry, path)) {
             SearchFiles(listBox, extension, level.path.data());
         } else if (!isEntered && HasExtension(level.entries.name(), extension) &&
-                   Put(level, forms.entry, path)) {
+                   Put(level, formats.entry, path)) {
             List(listBox, level.path.data(), g_LongestFile);
         }
     });

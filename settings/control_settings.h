@@ -4,17 +4,17 @@
 
 #include "core/settings_record.h"
 
-// The traffic between the settings and the controls, which hold them while the user works. All of
-// it needs the controls, so only the interactive run may call it.
+// Copies the settings between the record and the controls, which hold them while the user works.
+// Only the interactive run, which has the controls, may call these functions.
 
-// Returns the mask of the options whose boxes are ticked and puts their texts and positions into
-// `settings`, as the controls hold them; a text is cut after kTextCapacity - 1 characters, and
-// never null. The fields of the other options are left alone.
+// Returns the mask of the options whose boxes are ticked and copies their texts and positions from
+// the controls into `settings`. A text is cut after kTextCapacity - 1 characters and is never null.
+// The fields of the other options are left alone.
 std::uint32_t CaptureSettings(CSettings& settings);
 
 // Ticks the boxes of the options in `mask`, fills their controls from `settings` and releases each
-// text that has been put there. A text that is null fills nothing. Counts on fresh controls: it
-// unticks and empties none.
+// text that was copied. A null text leaves its control as it is. Expects new controls: it unticks
+// and empties none.
 void RestoreSettings(CSettings& settings, std::uint32_t mask);
 
 // Ticks the one box that is ticked when there are no settings yet.

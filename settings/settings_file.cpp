@@ -29,7 +29,7 @@ bool BuildSettingsPath(PathText& path) {
     return FormatText(path, TEXT("%s%s"), {directory.data(), kSettingsName});
 }
 
-// An unattended run has nobody who would see that there are no options.
+// In an unattended run no user sees that nothing is ticked.
 std::FILE* OpenSettingsForReading(PathText& path) {
     if (!BuildSettingsPath(path)) {
         return nullptr;
@@ -57,7 +57,7 @@ void WriteNumber(std::FILE* file, std::uint32_t number) {
     std::fwrite(bytes.data(), bytes.size(), 1, file);
 }
 
-// Null when the file does not hold the whole text: a directory that is cut names another one.
+// Null if the file does not hold the whole text: a cut path names another directory.
 SettingsText ReadText(std::FILE* file) {
     const std::optional<std::uint32_t> count = ReadNumber(file);
     if (!count || *count >= kTextCapacity) {
@@ -84,8 +84,8 @@ void WriteText(std::FILE* file, const WCHAR* text) {
     }
 }
 
-// What stands after a damaged text cannot be known, so nothing after it is taken. Returns whether
-// all texts were there.
+// After a damaged text the next item could begin anywhere, so nothing after it is read. Returns
+// whether all texts were whole.
 bool ReadTexts(std::FILE* file, std::uint32_t mask, CSettings& settings) {
     bool inStep = true;
     for (const Option& option : AllOptions()) {
@@ -145,7 +145,8 @@ std::int32_t LoadSettings(CSettings& settings) {
     if (!g_Silent) {
         RestoreSettings(settings, mask);
     }
-    // What was not ticked would be done the other way round.
+    // Some steps always run and do the opposite for an option that is not ticked, so a silent run
+    // must not go by a part of the mask.
     return isRead || !g_Silent ? result : kNoMask;
 }
 

@@ -2,7 +2,7 @@
 
 #include "core/application.h"
 #include "core/error_box.h"
-#include "shell/window_making.h"
+#include "shell/window_creation.h"
 #include "shell/window_procedure.h"
 #include "shell/windows.h"
 
@@ -22,15 +22,15 @@ void OpenAboutBox() {
     if (g_AboutWindow != nullptr) {
         return;
     }
-    RegisterClassAnew(kAboutClass, MainWindowProc);
+    ReplaceClass(kAboutClass, MainWindowProc);
     g_AboutWindow = CreateTopLevel(kAboutClass, TEXT("About"));
     if (g_AboutWindow == nullptr) {
         ShowError(TEXT("Failed Creating About Window"));
     }
     g_MenuBar->FitWindow(g_AboutWindow);
-    ShowPainted(g_AboutWindow);
+    PaintAndShow(g_AboutWindow);
     const HWND label = CreateChild(TEXT("STATIC"), kAboutText, 0, kLabelPlace, g_AboutWindow);
-    ShowPainted(label);
+    PaintAndShow(label);
     g_AboutControls.Append(label);
 }
 

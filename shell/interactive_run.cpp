@@ -10,8 +10,8 @@
 
 namespace {
 
-// The process-wide pointers own the objects of the run: each one is set before its object makes
-// anything, because whatever is made reads the pointers.
+// The process-wide pointers own the objects of the run. Each one is set before its object makes
+// anything, because what is made reads the pointers.
 template <typename Object>
 Object& Make(Object*& pointer) {
     pointer = new Object;
@@ -24,7 +24,7 @@ void Delete(Object*& pointer) {
     pointer = nullptr;
 }
 
-// The settings come last because they go into controls that must be there.
+// The settings come last, because loading them fills the controls.
 void CreateAll() {
     Make(g_MenuBar);
     Make(g_MainWindow).Create();
@@ -34,7 +34,7 @@ void CreateAll() {
     LoadSettings(Make(g_Settings));
 }
 
-// WM_QUIT ends nothing: only the commands that have saved the settings do.
+// WM_QUIT does not end the run: only commands that have saved the settings do.
 void ServeMessages() {
     while (g_Running) {
         MSG message{};
@@ -45,7 +45,7 @@ void ServeMessages() {
     }
 }
 
-// Children go before their parents.
+// Children are destroyed before their parents.
 void DestroyAll() {
     CloseAboutBox();
     Delete(g_Settings);

@@ -4,8 +4,8 @@
 
 #include "core/platform_types.h"
 
-// What the executable carries for the platform: menus and icons, found by their IDs. All of it
-// lives as long as the process.
+// The executable's resources for the platform: menus and icons, found by their IDs. They are valid
+// until the process ends.
 
 inline constexpr UINT kMenuResource = 101;
 inline constexpr UINT kIconResource = 102;
@@ -39,7 +39,7 @@ struct IconPixel {
     BYTE red;
     BYTE green;
     BYTE blue;
-    bool opaque;  // otherwise what lies behind the icon shows through, and the colour is black
+    bool opaque;  // if not, the background shows through and the colour is black
 };
 
 struct IconResource {

@@ -11,7 +11,7 @@
 #include "screens/screens.h"
 #include "settings/settings_file.h"
 #include "shell/about_box.h"
-#include "shell/power_and_help.h"
+#include "shell/device_commands.h"
 #include "shell/resources.h"
 #include "shell/windows.h"
 
@@ -32,7 +32,7 @@ struct CommandRow {
 
 struct NotificationRow {
     UINT code;
-    void (*follow)();
+    void (*handle)();
 };
 
 SCROLLINFO ReadScrollInfo(HWND window) {
@@ -49,8 +49,8 @@ void MoveControls(HWND window, int dy) {
     ScrollWindowEx(window, 0, dy, nullptr, &client, nullptr, nullptr, SW_SCROLLCHILDREN);
 }
 
-// Where a scroll code takes the page; nothing where it leaves the page alone. A line step is never
-// shortened, and the page does not follow the thumb while it is dragged.
+// The page's position after a scroll code; nothing if the code does not move it. A line step is
+// never shortened, and the page does not follow the thumb while it is dragged.
 std::optional<int> PositionAfter(WPARAM wParam, const SCROLLINFO& info) {
     const int page = static_cast<int>(info.nPage);
     switch (LOWORD(wParam)) {
@@ -86,8 +86,7 @@ LRESULT ScrollPage(HWND window, WPARAM wParam, LPARAM /*lParam*/) {
     return kHandled;
 }
 
-// The index of the selected tab; nothing, once the user has been told `failure`, when no screen
-// belongs to it.
+// The index of the selected tab. Nothing, after a box with `failure`, if no screen belongs to it.
 std::optional<UINT> SelectedScreen(const WCHAR* failure) {
     const LRESULT index = SendMessageW(g_TabBar->Window(), TCM_GETCURSEL, 0, 0);
     if (index < 0 || index >= static_cast<LRESULT>(kScreenCount)) {
@@ -97,8 +96,8 @@ std::optional<UINT> SelectedScreen(const WCHAR* failure) {
     return static_cast<UINT>(index);
 }
 
-// All controls go back to their places before the page changes: a control that is hidden while it
-// is scrolled away would come back there.
+// Scrolls back before the page changes: controls that are hidden while they are scrolled away would
+// be shown again in the wrong place.
 void ChangeTab() {
     const HWND page = g_DisplayWindow->Window();
     const SCROLLINFO info = ReadScrollInfo(page);
@@ -118,18 +117,18 @@ constexpr NotificationRow kNotifications[] = {
     {TCN_SELCHANGING, CheckTab},
 };
 
-LRESULT FollowTabs(HWND window, WPARAM wParam, LPARAM lParam) {
+LRESULT HandleTabNotification(HWND window, WPARAM wParam, LPARAM lParam) {
     const auto* header =
         reinterpret_cast<const NMHDR*>(lParam);  // NOLINT(performance-no-int-to-ptr)
     for (const NotificationRow& row : kNotifications) {
         if (header != nullptr && row.code == header->code) {
-            row.follow();
+            row.handle();
         }
     }
     return DefWindowProcW(window, WM_NOTIFY, wParam, lParam);
 }
 
-// A folder that is being chosen is not taken.
+// Closing the folder browser first discards its selection.
 void SaveAndEnd(HWND /*window*/) {
     CloseBrowseDialog();
     SaveSettings(*g_Settings);
@@ -149,7 +148,7 @@ void Exit(HWND window) {
     SaveAndEnd(window);
 }
 
-// The box goes alone; the main window takes the program along.
+// In the About box OK closes that alone; in the main window it ends the program.
 void PressOk(HWND window) {
     if (window != nullptr && window == g_AboutWindow) {
         CloseAboutBox();
@@ -163,25 +162,25 @@ void ShowAbout(HWND /*window*/) {
     SetFocus(g_AboutWindow);
 }
 
-// For a command that no window has to do with.
+// Makes a handler of a function that needs no window.
 template <void (*carryOut)()>
-void Anywhere(HWND /*window*/) {
+void Windowless(HWND /*window*/) {
     carryOut();
 }
 
 constexpr CommandRow kCommands[] = {
     {kCommandExit, Exit},
-    {kCommandApplyAllowRestart, Anywhere<ApplyAllowingRestart>},
-    {kCommandApplyDeferRestart, Anywhere<ApplyDeferringRestart>},
-    {kCommandPowerOff, Anywhere<SwitchOff>},
-    {kCommandSoftReset, Anywhere<SoftReset>},
-    {kCommandHardReset, Anywhere<HardReset>},
-    {kCommandHelpIndex, Anywhere<OpenHelpIndex>},
+    {kCommandApplyAllowRestart, Windowless<ApplyAllowingRestart>},
+    {kCommandApplyDeferRestart, Windowless<ApplyDeferringRestart>},
+    {kCommandPowerOff, Windowless<SwitchOff>},
+    {kCommandSoftReset, Windowless<SoftReset>},
+    {kCommandHardReset, Windowless<HardReset>},
+    {kCommandHelpIndex, Windowless<OpenHelpIndex>},
     {kCommandAbout, ShowAbout},
     {IDOK, PressOk},
 };
 
-// Notification code and sender make no difference.
+// The notification code and the sender are ignored.
 LRESULT RouteCommand(HWND window, WPARAM wParam, LPARAM /*lParam*/) {
     const WORD id = LOWORD(wParam);
     const auto* row = std::ranges::find(kCommands, id, &CommandRow::id);
@@ -193,15 +192,15 @@ LRESULT RouteCommand(HWND window, WPARAM wParam, LPARAM /*lParam*/) {
     return kHandled;
 }
 
-LRESULT SwallowLift(HWND /*window*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
+LRESULT IgnoreButtonUp(HWND /*window*/, WPARAM /*wParam*/, LPARAM /*lParam*/) {
     return kHandled;
 }
 
 constexpr MessageRow kMessages[] = {
     {WM_VSCROLL, ScrollPage},
-    {WM_NOTIFY, FollowTabs},
+    {WM_NOTIFY, HandleTabNotification},
     {WM_COMMAND, RouteCommand},
-    {WM_LBUTTONUP, SwallowLift},
+    {WM_LBUTTONUP, IgnoreButtonUp},
 };
 
 }  // namespace

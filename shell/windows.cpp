@@ -4,7 +4,7 @@
 #include "core/error_box.h"
 #include "core/handheld_operations.h"
 #include "shell/resources.h"
-#include "shell/window_making.h"
+#include "shell/window_creation.h"
 #include "shell/window_procedure.h"
 
 namespace {
@@ -45,10 +45,10 @@ void InsertTabs(HWND tabControl) {
 }  // namespace
 
 void CMainWindow::Create() {
-    RegisterClassAnew(kProgramTitle, MainWindowProc);
+    ReplaceClass(kProgramTitle, MainWindowProc);
     window_ = CreateTopLevel(kProgramTitle, kProgramTitle);
     g_MenuBar->Create();
-    ShowPainted(window_);
+    PaintAndShow(window_);
 }
 
 void CMainWindow::Destroy() {
@@ -93,7 +93,7 @@ void CTabBar::Create() {
     if (window_ == nullptr) {
         ShowError(TEXT("Failed Creating Tab Control"));
     }
-    ShowPainted(window_);
+    PaintAndShow(window_);
     InsertTabs(window_);
 }
 
@@ -102,7 +102,7 @@ void CTabBar::Destroy() {
 }
 
 void CDisplayWindow::Create() {
-    RegisterClassAnew(kDisplayClass, MainWindowProc);
+    ReplaceClass(kDisplayClass, MainWindowProc);
     RECT area{};
     GetClientRect(g_TabBar->Window(), &area);
     SendMessageW(g_TabBar->Window(), TCM_ADJUSTRECT, 0, reinterpret_cast<LPARAM>(&area));
@@ -111,7 +111,7 @@ void CDisplayWindow::Create() {
     if (window_ == nullptr) {
         ShowError(TEXT("Failed Creating Display Window"));
     }
-    ShowPainted(window_);
+    PaintAndShow(window_);
 }
 
 void CDisplayWindow::Destroy() {

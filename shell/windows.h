@@ -2,9 +2,9 @@
 
 #include "core/window_operations.h"
 
-// The windows that the pages stand in, each reached through its pointer in core/application.h: the
-// main window, below it menu bar and tab control, and below that the display window. A failure is
-// told in a box, and the handle is null then, as it is before Create.
+// The windows that contain the pages, each reached through its pointer in core/application.h: the
+// main window, in it the menu bar and the tab control, and in that the display window. A failure is
+// reported in a box; the handle is null then, as it is before Create.
 
 class WindowObject {
   public:
@@ -16,8 +16,8 @@ class WindowObject {
 
 class CMainWindow : public WindowObject {
   public:
-    // Makes the window and, on g_MenuBar, its bar, and shows it. A failure of the window alone is
-    // not told.
+    // Makes the window and its menu bar, which g_MenuBar keeps, and shows it. A failure of the
+    // window itself is not reported.
     void Create();
     void Destroy();
 };
@@ -27,11 +27,11 @@ class CMenuBar : public WindowObject {
     // Makes the bar from the menu resource and shortens the main window to make room for it.
     void Create();
 
-    // Shortens a top-level window by the height of the bar. Without a bar, and when a size is not
-    // to be had, the window keeps its own.
+    // Shortens a top-level window by the height of the bar. Without a bar, or if a size is not
+    // available, the window keeps its own size.
     void FitWindow(HWND window) const;
 
-    // The bar goes with the main window; this only forgets it.
+    // Forgets the bar, which is destroyed with the main window.
     void Destroy();
 };
 
@@ -44,8 +44,8 @@ class CTabBar : public WindowObject {
 
 class CDisplayWindow : public WindowObject {
   public:
-    // Makes the window that all controls of the screens stand in. It fills the tab control's
-    // display area and scrolls up and down.
+    // Makes the window with all controls of the screens. It fills the tab control's display area
+    // and scrolls vertically.
     void Create();
     void Destroy();
 };

@@ -56,7 +56,7 @@ void PressInMenu(Qt::Key key) {
     QTest::keyClick(popup != nullptr ? popup : &Host(), key);
 }
 
-// The program's user, who takes a step whenever the program waits, and a picture of each box.
+// A simulated user: takes a step whenever the program waits, and a picture of each box.
 class Photographer {
   public:
     explicit Photographer(QString folder) : folder_(std::move(folder)) {
@@ -197,19 +197,19 @@ class Photographer {
     bool searching_ = false;
 };
 
-// Calls `look` before each look for an entry of the device.
+// Calls a function before each search on the device.
 class WatchedStore : public platform::ForwardingStore {
   public:
-    WatchedStore(platform::DeviceStore& store, std::function<void()> look)
-        : ForwardingStore(store), look_(std::move(look)) {}
+    WatchedStore(platform::DeviceStore& store, std::function<void()> beforeSearch)
+        : ForwardingStore(store), beforeSearch_(std::move(beforeSearch)) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override {
-        look_();
+        beforeSearch_();
         return ForwardingStore::FindFirstFileW(pattern, data);
     }
 
   private:
-    std::function<void()> look_;
+    std::function<void()> beforeSearch_;
 };
 
 }  // namespace

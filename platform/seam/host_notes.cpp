@@ -24,7 +24,7 @@ void NoteStep(int number) {
     platform::LogInUse::Current().BeginStep(number);
 }
 
-void NotePassedOver(const WCHAR* what, const WCHAR* content) {
+void NoteUnusablePath(const WCHAR* what, const WCHAR* content) {
     platform::LogInUse::Current().SayUndone(platform::ReadableText(what) + " is skipped: " +
                                             Quoted(content) + " is not a path that can be used");
 }
@@ -68,7 +68,7 @@ void NoteTooLong(const WCHAR* directory, const WCHAR* name) {
                                             ": its path would be longer than 1023 characters");
 }
 
-void NoteLookFailed(const WCHAR* target) {
+void NoteLookupFailed(const WCHAR* target) {
     g_failedLook = platform::ReadableText(target) + " cannot be looked up: " + LastReason();
 }
 

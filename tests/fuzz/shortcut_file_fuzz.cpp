@@ -18,7 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (!target || target->size() >= 1024) {
         return 0;
     }
-    if (LookForTarget(*target) == Look::Failed ||
+    if (LookUpTarget(*target) == LookupResult::Failed ||
         platform::ShortcutTarget(platform::ShortcutContent(*target)) != target) {
         std::abort();
     }

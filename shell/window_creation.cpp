@@ -1,9 +1,9 @@
-#include "shell/window_making.h"
+#include "shell/window_creation.h"
 
 #include "core/application.h"
 #include "core/handheld_operations.h"
 
-void RegisterClassAnew(const WCHAR* name, WNDPROC procedure, DWORD color) {
+void ReplaceClass(const WCHAR* name, WNDPROC procedure, DWORD color) {
     WNDCLASS windowClass{};
     windowClass.style = CS_HREDRAW | CS_VREDRAW;
     windowClass.lpfnWndProc = procedure;
@@ -27,7 +27,7 @@ HWND CreateChild(const WCHAR* className, const WCHAR* text, DWORD style, const R
                            g_Instance, nullptr);
 }
 
-void ShowPainted(HWND window) {
+void PaintAndShow(HWND window) {
     UpdateWindow(window);
     ShowWindow(window, SW_SHOWNORMAL);
 }

@@ -1,4 +1,4 @@
-#include "engine/folder_location.h"
+#include "engine/registry_path.h"
 
 #include <algorithm>
 
@@ -16,27 +16,27 @@ TextRead ReadText(const RegistryKey& key, const WCHAR* name, PathText& text) {
         text[0] = 0;
         return result == ERROR_SUCCESS ? TextRead::NoText : TextRead::Failed;
     }
-    // What lies behind the value was never part of it.
+    // What the buffer held after the value is not part of it.
     std::fill(end, text.end(), TEXT('\0'));
     return TextRead::Whole;
 }
 
-bool IsUsablePath(const PathText& text, LocationUse use) {
+bool IsUsablePath(const PathText& text, PathUse use) {
     const WideView path(text.data());
-    return (use == LocationUse::Moved || path.starts_with(TEXT('\\'))) &&
+    return (use == PathUse::Moved || path.starts_with(TEXT('\\'))) &&
            path.find_first_not_of(TEXT('\\')) != WideView::npos && path.size() + 1 < text.size();
 }
 
-LocationRead ReadLocation(const RegistryKey& key, const WCHAR* name, const WCHAR* failure,
-                          LocationUse use, PathText& path) {
+PathRead ReadPath(const RegistryKey& key, const WCHAR* name, const WCHAR* failure, PathUse use,
+                  PathText& path) {
     const TextRead read = ReadText(key, name, path);
     if (read == TextRead::Failed) {
         ShowError(failure);
-        return LocationRead::Failed;
+        return PathRead::Failed;
     }
     if (read == TextRead::NoText || !IsUsablePath(path, use)) {
-        NotePassedOver(name, path.data());
-        return LocationRead::PassedOver;
+        NoteUnusablePath(name, path.data());
+        return PathRead::Unusable;
     }
-    return LocationRead::Usable;
+    return PathRead::Usable;
 }

@@ -1,4 +1,4 @@
-#include "shell/power_and_help.h"
+#include "shell/device_commands.h"
 
 #include "core/file_operations.h"
 #include "core/handheld_operations.h"
@@ -6,7 +6,7 @@
 
 namespace {
 
-bool Confirms(const WCHAR* text) {
+bool Confirmed(const WCHAR* text) {
     return MessageBoxW(nullptr, text, TEXT("Please Confirm"), MB_YESNO | MB_ICONEXCLAMATION) ==
            IDYES;
 }
@@ -23,10 +23,10 @@ void SoftReset() {
 }
 
 void HardReset() {
-    if (Confirms(TEXT("WARNING: Hard Reseting Will Erase ALL data!!!\n\n"
-                      "Marlowtide accepts no reposibility for data loss resulting from the use of "
-                      "this function.\n\nDo you wish to perform a hard reset?")) &&
-        Confirms(TEXT("Are you really sure?"))) {
+    if (Confirmed(TEXT("WARNING: Hard Reseting Will Erase ALL data!!!\n\n"
+                       "Marlowtide accepts no reposibility for data loss resulting from the use of "
+                       "this function.\n\nDo you wish to perform a hard reset?")) &&
+        Confirmed(TEXT("Are you really sure?"))) {
         SetCleanRebootFlag();
         SoftReset();
     }
