@@ -35,11 +35,12 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
         {WM_CLOSE, 0, 0, true},        {WM_HSCROLL, 0, 0, true},
     };
     InteractiveProgram program;
+    program.windows.defaultResult = 77;
     program.Run({[&] {
         for (const auto& expected : cases) {
             EXPECT_EQ(MainWindowProc(g_DisplayWindow->Window(), expected.message, expected.wParam,
                                      expected.lParam),
-                      expected.passedOn ? FakeWindows::kDefaultResult : 1);
+                      expected.passedOn ? 77 : 1);
         }
         EXPECT_TRUE(g_Running);
         EXPECT_EQ(program.windows.boxes, Texts{});
@@ -64,7 +65,7 @@ TEST(WindowProcedure, ScrollCodesMoveThePage) {
         {SB_LINEDOWN, 0, 152, 155, 3, 155, "-3"},
         {SB_LINEDOWN, 0, 153, 155, 3, 153, ""},
         {SB_LINEDOWN, 0, 154, 155, 0, 155, "-3"},
-        {SB_LINEDOWN, 0, 0, -217, 3, 0, ""},
+        {SB_LINEDOWN, 0, 0, 0, 3, 0, ""},
         {SB_PAGEUP, 0, 30, 155, 3, 27, "3"},
         {SB_PAGEUP, 0, 0, 155, 3, 0, "3"},
         {SB_PAGEDOWN, 0, 30, 155, 7, 37, "-7"},
@@ -97,11 +98,12 @@ TEST(WindowProcedure, ScrollCodesMoveThePage) {
 
 TEST(WindowProcedure, ATabWithoutScreenIsToldAndChangesNothing) {
     InteractiveProgram program;
+    program.windows.defaultResult = 77;
     program.Run({[&] {
         for (const int tab : {-1, 6}) {
             program.windows.boxes.clear();
-            EXPECT_EQ(program.ChooseTab(tab), FakeWindows::kDefaultResult);
-            EXPECT_EQ(program.ChooseTab(0), FakeWindows::kDefaultResult);
+            EXPECT_EQ(program.ChooseTab(tab), 77);
+            EXPECT_EQ(program.ChooseTab(0), 77);
             EXPECT_EQ(program.windows.boxes, (Texts{"[Error] TCN_SELCHANGE Unknown Tab Index",
                                                     "[Error] TCN_SELCHANGING Unknown Tab Index"}));
             EXPECT_TRUE(program.Control(0, 0).visible);
