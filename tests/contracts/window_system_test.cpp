@@ -76,8 +76,8 @@ TEST_P(WindowSystemTest, EveryOperationFailsOnAHandleThatNamesNothing) {
         EXPECT_EQ(SHCreateMenuBar(&bar), 0);
         const SHINITDLGINFO dialog = {SHIDIM_FLAGS, window, SHIDIF_SIZEDLG};
         EXPECT_EQ(SHInitDialog(&dialog), 0);
-        for (const WCHAR* const name : {TEXT("EDIT"), TEXT("Kept")}) {
-            EXPECT_EQ(CreateWindowExW(0, name, TEXT(""), WS_CHILD, 0, 0, 9, 9, window, nullptr,
+        for (const auto& [name, style] : {std::pair{TEXT("EDIT"), 0U}, {TEXT("Kept"), WS_CHILD}}) {
+            EXPECT_EQ(CreateWindowExW(0, name, TEXT(""), style, 0, 0, 9, 9, window, nullptr,
                                       nullptr, nullptr),
                       nullptr);
         }

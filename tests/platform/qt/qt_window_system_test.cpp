@@ -60,7 +60,8 @@ TEST_F(QtWindowSystemTest, ClicksOnAButtonThatIsDestroyedAreNotTold) {
 TEST_F(QtWindowSystemTest, AnOperationOfTheStoreServesTheDesktop) {
     const TemporaryDevice device;
     FilesAlone files(device.OpenFiles());
-    platform::ResponsiveStore store(files, dynamic_cast<platform::DisplayWindowSystem&>(windows()));
+    auto& display = dynamic_cast<platform::DisplayWindowSystem&>(windows());
+    platform::ResponsiveStore store(files, [&] { display.ServeDesktop(); });
     bool answered = false;
     QTimer::singleShot(0, qApp, [&] { answered = true; });
     store.DeleteFileW(u"\\none");
