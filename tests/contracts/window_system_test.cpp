@@ -1,6 +1,5 @@
 // The contract of the window system, on the toolkit's windows and on the tests' own.
 
-#include <algorithm>
 #include <array>
 
 #include "core/window_operations.h"
@@ -156,15 +155,19 @@ TEST_P(WindowSystemTest, PlacesCountFromTheParentAndBoundsFromTheScreen) {
     EXPECT_EQ(BoundsIn(GetWindowRect, main_), (Bounds{0, 26, 240, 320}));
     EXPECT_EQ(BoundsIn(GetWindowRect, page_), (Bounds{4, 30, 236, 269}));
     EXPECT_EQ(BoundsIn(GetClientRect, page_), (Bounds{0, 0, 219, 239}));
+    SHMENUBARINFO bar = {36, main_, SHCMBF_HMENU, 7, nullptr, 0, 0, nullptr, 0};
+    EXPECT_EQ(SHCreateMenuBar(&bar), 0) << "there is no such menu";
+    bar.nToolBarId = kMenuResource;
+    ASSERT_NE(SHCreateMenuBar(&bar), 0);
+    EXPECT_EQ(BoundsIn(GetWindowRect, bar.hwndMB), (Bounds{0, 294, 240, 320}));
     const HWND shown = AddButton(1);
     const HWND hidden = AddButton(2);
     EXPECT_NE(ShowWindow(hidden, SW_HIDE), 0);
     EXPECT_EQ(ShowWindow(hidden, SW_HIDE), 0);
     const RECT clip = {0, 0, 219, 239};
-    EXPECT_NE(ScrollWindowEx(page_, 0, -300, nullptr, &clip, nullptr, nullptr, SW_SCROLLCHILDREN),
-              0);
-    EXPECT_NE(ScrollWindowEx(page_, 0, 290, nullptr, &clip, nullptr, nullptr, SW_SCROLLCHILDREN),
-              0);
+    for (const int dy : {-300, 290}) {
+        EXPECT_NE(ScrollWindowEx(page_, 0, dy, nullptr, &clip, nullptr, nullptr, 1), 0);
+    }
     EXPECT_EQ(BoundsIn(GetWindowRect, shown), (Bounds{6, 40, 106, 58}));
     EXPECT_EQ(BoundsIn(GetWindowRect, hidden), (Bounds{6, 60, 106, 78}));
     EXPECT_NE(MoveWindow(main_, 10, 40, 200, 200, FALSE), 0);
@@ -172,14 +175,6 @@ TEST_P(WindowSystemTest, PlacesCountFromTheParentAndBoundsFromTheScreen) {
     EXPECT_EQ(BoundsIn(GetWindowRect, shown), (Bounds{12, 50, 112, 68}));
     EXPECT_EQ(ShowWindow(hidden, SW_SHOWNORMAL), 0);
     EXPECT_NE(ShowWindow(hidden, SW_SHOWNORMAL), 0);
-}
-
-TEST_P(WindowSystemTest, AMenuBarStandsAtTheBottomOfTheScreen) {
-    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, 7, nullptr, 0, 0, nullptr, 0};
-    EXPECT_EQ(SHCreateMenuBar(&info), 0);
-    info.nToolBarId = kMenuResource;
-    ASSERT_NE(SHCreateMenuBar(&info), 0);
-    EXPECT_EQ(BoundsIn(GetWindowRect, info.hwndMB), (Bounds{0, 294, 240, 320}));
 }
 
 TEST_P(WindowSystemTest, WhatWaitsForADestroyedWindowIsDropped) {
@@ -208,9 +203,13 @@ TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
     } classes[] = {{TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
                    {TEXT("BUTTON"), TRUE, u"abc", {}},
                    {TEXT("STATIC"), TRUE, u"abc", {}},
-                   {TEXT("COMBOBOX"), CB_ERR, u"", {}}};
+                   {TEXT("COMBOBOX"), CB_ERR, u"entry", {}}};
     for (const auto& each : classes) {
         const HWND control = Add(each.name, 0, {2, 2, 102, 20}, 5);
+        if (each.result == CB_ERR) {
+            Send(control, CB_ADDSTRING, 0, TEXT("entry"));
+            Send(control, CB_SETCURSEL);
+        }
         EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), each.result);
         EXPECT_EQ(TextOf(control), each.text);
         EXPECT_EQ(TakeCodes(), each.told);
@@ -234,76 +233,72 @@ TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
     EXPECT_EQ(TakeCodes(), Codes{EN_UPDATE}) << "a dead box was told of";
 }
 
-TEST_P(WindowSystemTest, OnlyACheckBoxCanBeTicked) {
-    const HWND box = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 5);
-    const HWND push = AddButton(6);
-    for (const auto& [set, ticked] : {std::pair{2, 1}, {0, 0}, {1, 1}}) {
-        for (const HWND button : {box, push}) {
-            EXPECT_EQ(Send(button, BM_SETCHECK, static_cast<WPARAM>(set)), 0);
-            EXPECT_EQ(Send(button, BM_GETCHECK), button == box ? ticked : 0);
-        }
-    }
-    EXPECT_TRUE(TakeTold().empty());
-}
-
-TEST_P(WindowSystemTest, AComboBoxKeepsItsSelectionOnAnIndexBeyondItsList) {
-    const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 5);
-    EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("b")), 0);
-    EXPECT_EQ(Send(combo, CB_ADDSTRING, 0, TEXT("a")), 1);
-    EXPECT_EQ(Send(combo, CB_GETCURSEL), CB_ERR);
-    const struct {
-        LPARAM set;
-        LRESULT result;
-        LRESULT selected;
-        std::u16string text;
-    } rows[] = {{2, CB_ERR, CB_ERR, u""}, {1, 1, 1, u"a"},           {2, CB_ERR, 1, u"a"},
-                {-2, CB_ERR, 1, u"a"},    {-1, CB_ERR, CB_ERR, u""}, {0, 0, 0, u"b"}};
-    for (const auto& row : rows) {
-        EXPECT_EQ(Send(combo, CB_SETCURSEL, static_cast<WPARAM>(row.set)), row.result);
-        EXPECT_EQ(Send(combo, WM_SETTEXT, 0, TEXT("x")), CB_ERR);
-        EXPECT_EQ(Send(combo, CB_GETCURSEL), row.selected);
-        EXPECT_EQ(TextOf(combo), row.text);
-    }
-    Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
-}
-
-TEST_P(WindowSystemTest, ASliderStaysInItsRange) {
-    const HWND slider = Add(TEXT("msctls_trackbar32"), TBS_AUTOTICKS, {2, 20, 212, 44}, 5);
-    const struct {
-        UINT message;
-        LPARAM value;
-        LRESULT position;
-    } rows[] = {{TBM_SETPOS, 200, 100}, {TBM_SETRANGE, MAKELONG(0, 2), 2},
-                {TBM_SETPOS, 3, 2},     {TBM_SETPOS, -1, 0},
-                {TBM_SETPOS, 1, 1},     {TBM_SETPOS, 2, 2},
-                {TBM_SETPOS, 0, 0},     {TBM_SETRANGE, MAKELONG(1, 2), 1}};
-    EXPECT_EQ(Send(slider, TBM_GETPOS), 0);
-    for (const auto& row : rows) {
-        EXPECT_EQ(Send(slider, row.message, 1, row.value), 0);
-        EXPECT_EQ(Send(slider, TBM_GETPOS), row.position);
-    }
-    Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
-}
-
-TEST_P(WindowSystemTest, TheFirstTabInsertedIsSelectedWhereverItMovesTo) {
-    const HWND tabs =
-        CreateWindowExW(0, TEXT("SysTabControl32"), TEXT(""), WS_CHILD | WS_VISIBLE | TCS_BOTTOM, 0,
-                        0, 240, 268, main_, nullptr, nullptr, nullptr);
-    EXPECT_EQ(Send(tabs, TCM_GETCURSEL), -1);
-    const std::array<int, 3> rows[] = {{5, 0, 0}, {9, 1, 0}, {-1, -1, 0}, {0, 0, 1}, {2, 2, 1}};
-    for (const auto& [index, place, selected] : rows) {
-        WCHAR text[] = TEXT("Tab");
-        const TCITEM item = {TCIF_TEXT, 0, 0, text, 0, -1, 0};
-        EXPECT_EQ(Send(tabs, TCM_INSERTITEM, static_cast<WPARAM>(index), &item), place);
-        EXPECT_EQ(Send(tabs, TCM_GETCURSEL), selected);
-    }
-    EXPECT_EQ(Send(tabs, TCM_INSERTITEM, 0), -1);
+// Each row goes on from what those before it have left.
+TEST_P(WindowSystemTest, EveryMessageToAControlHasItsResult) {
+    const HWND box = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 1);
+    const HWND push = AddButton(2);
+    const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 3);
+    const HWND slider = Add(TEXT("msctls_trackbar32"), TBS_AUTOTICKS, {2, 20, 212, 44}, 4);
+    const HWND tabs = Add(TEXT("SysTabControl32"), TCS_BOTTOM, {0, 0, 200, 200}, 5);
+    const HWND list = Add(TEXT("LISTBOX"), LBS_MULTIPLESEL, {2, 2, 212, 92}, 6);
+    WCHAR text[] = TEXT("Text");
+    const auto string = reinterpret_cast<LPARAM>(text);
+    TCITEM item = {TCIF_TEXT, 0, 0, text, 0, -1, 0};
+    const auto tab = reinterpret_cast<LPARAM>(&item);
     RECT area = {0, 0, 240, 268};
-    Send(tabs, TCM_ADJUSTRECT, 0, &area);
+    const struct {
+        HWND control;
+        UINT message;
+        int wParam;
+        LPARAM lParam;
+        LRESULT result;
+    } rows[] = {{box, BM_GETCHECK, 0, 0, 0},
+                {box, BM_SETCHECK, 2, 0, 0},
+                {box, BM_GETCHECK, 0, 0, 1},
+                {box, BM_SETCHECK, 0, 0, 0},
+                {box, BM_GETCHECK, 0, 0, 0},
+                {push, BM_SETCHECK, 1, 0, 0},
+                {push, BM_GETCHECK, 0, 0, 0},
+                {list, LB_GETSELCOUNT, 0, 0, 0},
+                {combo, CB_ADDSTRING, 0, string, 0},
+                {combo, CB_ADDSTRING, 0, string, 1},
+                {combo, CB_GETCURSEL, 0, 0, -1},
+                {combo, CB_SETCURSEL, 2, 0, -1},
+                {combo, CB_GETCURSEL, 0, 0, -1},
+                {combo, CB_SETCURSEL, 1, 0, 1},
+                {combo, CB_SETCURSEL, 2, 0, -1},
+                {combo, CB_SETCURSEL, -2, 0, -1},
+                {combo, CB_GETCURSEL, 0, 0, 1},
+                {combo, CB_SETCURSEL, -1, 0, -1},
+                {combo, CB_GETCURSEL, 0, 0, -1},
+                {slider, TBM_GETPOS, 0, 0, 0},
+                {slider, TBM_SETPOS, 1, 200, 0},
+                {slider, TBM_GETPOS, 0, 0, 100},
+                {slider, TBM_SETRANGE, 1, 0x20000, 0},
+                {slider, TBM_GETPOS, 0, 0, 2},
+                {slider, TBM_SETPOS, 1, -1, 0},
+                {slider, TBM_GETPOS, 0, 0, 0},
+                {slider, TBM_SETRANGE, 1, 0x20001, 0},
+                {slider, TBM_GETPOS, 0, 0, 1},
+                {tabs, TCM_GETCURSEL, 0, 0, -1},
+                {tabs, TCM_INSERTITEM, 5, tab, 0},
+                {tabs, TCM_INSERTITEM, 9, tab, 1},
+                {tabs, TCM_INSERTITEM, -1, tab, -1},
+                {tabs, TCM_INSERTITEM, 0, 0, -1},
+                {tabs, TCM_GETCURSEL, 0, 0, 0},
+                {tabs, TCM_INSERTITEM, 0, tab, 0},
+                {tabs, TCM_GETCURSEL, 0, 0, 1},
+                {tabs, TCM_INSERTITEM, 2, tab, 2},
+                {tabs, TCM_GETCURSEL, 0, 0, 1},
+                {tabs, TCM_ADJUSTRECT, 0, reinterpret_cast<LPARAM>(&area), 0}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(Send(row.control, row.message, static_cast<WPARAM>(row.wParam), row.lParam),
+                  row.result)
+            << &row - rows;
+    }
     EXPECT_EQ((Bounds{area.left, area.top, area.right, area.bottom}), (Bounds{4, 4, 236, 243}));
-    EXPECT_TRUE(TakeTold().empty());
+    Dispatch();
+    EXPECT_TRUE(TakeTold().empty()) << "what the program does was told to it";
 }
 
 }  // namespace
