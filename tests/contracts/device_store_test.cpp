@@ -200,7 +200,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
               (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
 }
 
-TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
+TEST_P(DeviceStoreTest, LinksAndDotsOpenNothingOutsideTheTree) {
     TemporaryDevice outside;
     outside.Make({"secret=s", "dir/secret=s"});
     device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
@@ -257,7 +257,7 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
                                        "file=6"));
 }
 
-TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
+TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
     device_.Make({"from/a=1", "from/b=2", "to/A=3"});
     Open();
     WIN32_FIND_DATA data;
@@ -342,7 +342,7 @@ TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
 }
 
-TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
+TEST_P(DeviceStoreTest, ASearchThatIsNotOpenIsAnInvalidHandle) {
     device_.Make({"a="});
     Open();
     WIN32_FIND_DATA data;

@@ -246,51 +246,32 @@ TEST_P(WindowSystemTest, EveryMessageToAControlHasItsResult) {
     TCITEM item = {TCIF_TEXT, 0, 0, text, 0, -1, 0};
     const auto tab = reinterpret_cast<LPARAM>(&item);
     RECT area = {0, 0, 240, 268};
+    // clang-format off
     const struct {
-        HWND control;
-        UINT message;
-        int wParam;
-        LPARAM lParam;
-        LRESULT result;
-    } rows[] = {{box, BM_GETCHECK, 0, 0, 0},
-                {box, BM_SETCHECK, 2, 0, 0},
-                {box, BM_GETCHECK, 0, 0, 1},
-                {box, BM_SETCHECK, 0, 0, 0},
-                {box, BM_GETCHECK, 0, 0, 0},
-                {push, BM_SETCHECK, 1, 0, 0},
-                {push, BM_GETCHECK, 0, 0, 0},
-                {list, LB_GETSELCOUNT, 0, 0, 0},
-                {combo, CB_ADDSTRING, 0, string, 0},
-                {combo, CB_ADDSTRING, 0, string, 1},
-                {combo, CB_GETCURSEL, 0, 0, -1},
-                {combo, CB_SETCURSEL, 2, 0, -1},
-                {combo, CB_GETCURSEL, 0, 0, -1},
-                {combo, CB_SETCURSEL, 1, 0, 1},
-                {combo, CB_SETCURSEL, 2, 0, -1},
-                {combo, CB_SETCURSEL, -2, 0, -1},
-                {combo, CB_GETCURSEL, 0, 0, 1},
-                {combo, CB_SETCURSEL, -1, 0, -1},
-                {combo, CB_GETCURSEL, 0, 0, -1},
-                {slider, TBM_GETPOS, 0, 0, 0},
-                {slider, TBM_SETPOS, 1, 200, 0},
-                {slider, TBM_GETPOS, 0, 0, 100},
-                {slider, TBM_SETRANGE, 1, 0x20000, 0},
-                {slider, TBM_GETPOS, 0, 0, 2},
-                {slider, TBM_SETPOS, 1, -1, 0},
-                {slider, TBM_GETPOS, 0, 0, 0},
-                {slider, TBM_SETRANGE, 1, 0x20001, 0},
-                {slider, TBM_GETPOS, 0, 0, 1},
-                {tabs, TCM_GETCURSEL, 0, 0, -1},
-                {tabs, TCM_INSERTITEM, 5, tab, 0},
-                {tabs, TCM_INSERTITEM, 9, tab, 1},
-                {tabs, TCM_INSERTITEM, -1, tab, -1},
-                {tabs, TCM_INSERTITEM, 0, 0, -1},
-                {tabs, TCM_GETCURSEL, 0, 0, 0},
-                {tabs, TCM_INSERTITEM, 0, tab, 0},
-                {tabs, TCM_GETCURSEL, 0, 0, 1},
-                {tabs, TCM_INSERTITEM, 2, tab, 2},
-                {tabs, TCM_GETCURSEL, 0, 0, 1},
-                {tabs, TCM_ADJUSTRECT, 0, reinterpret_cast<LPARAM>(&area), 0}};
+        HWND control; UINT message; int wParam; LPARAM lParam; LRESULT result;
+    } rows[] = {
+        {box, BM_GETCHECK, 0, 0, 0}, {box, BM_SETCHECK, 2, 0, 0}, {box, BM_GETCHECK, 0, 0, 1},
+        {box, BM_SETCHECK, 0, 0, 0}, {box, BM_GETCHECK, 0, 0, 0},
+        {push, BM_SETCHECK, 1, 0, 0}, {push, BM_GETCHECK, 0, 0, 0},
+        {list, LB_GETSELCOUNT, 0, 0, 0},
+        {combo, CB_ADDSTRING, 0, string, 0}, {combo, CB_ADDSTRING, 0, string, 1},
+        {combo, CB_GETCURSEL, 0, 0, -1}, {combo, CB_SETCURSEL, 2, 0, -1},
+        {combo, CB_GETCURSEL, 0, 0, -1}, {combo, CB_SETCURSEL, 1, 0, 1},
+        {combo, CB_SETCURSEL, 2, 0, -1}, {combo, CB_SETCURSEL, -2, 0, -1},
+        {combo, CB_GETCURSEL, 0, 0, 1}, {combo, CB_SETCURSEL, -1, 0, -1},
+        {combo, CB_GETCURSEL, 0, 0, -1},
+        {slider, TBM_GETPOS, 0, 0, 0}, {slider, TBM_SETPOS, 1, 200, 0},
+        {slider, TBM_GETPOS, 0, 0, 100}, {slider, TBM_SETRANGE, 1, 0x20000, 0},
+        {slider, TBM_GETPOS, 0, 0, 2}, {slider, TBM_SETPOS, 1, -1, 0},
+        {slider, TBM_GETPOS, 0, 0, 0}, {slider, TBM_SETRANGE, 1, 0x20001, 0},
+        {slider, TBM_GETPOS, 0, 0, 1},
+        {tabs, TCM_GETCURSEL, 0, 0, -1}, {tabs, TCM_INSERTITEM, 5, tab, 0},
+        {tabs, TCM_INSERTITEM, 9, tab, 1}, {tabs, TCM_INSERTITEM, -1, tab, -1},
+        {tabs, TCM_INSERTITEM, 0, 0, -1}, {tabs, TCM_GETCURSEL, 0, 0, 0},
+        {tabs, TCM_INSERTITEM, 0, tab, 0}, {tabs, TCM_GETCURSEL, 0, 0, 1},
+        {tabs, TCM_INSERTITEM, 2, tab, 2}, {tabs, TCM_GETCURSEL, 0, 0, 1},
+        {tabs, TCM_ADJUSTRECT, 0, reinterpret_cast<LPARAM>(&area), 0}};
+    // clang-format on
     for (const auto& row : rows) {
         EXPECT_EQ(Send(row.control, row.message, static_cast<WPARAM>(row.wParam), row.lParam),
                   row.result)

@@ -19,7 +19,7 @@ HWND Handle(DWORD_PTR number) {
     return reinterpret_cast<HWND>(number);  // NOLINT(performance-no-int-to-ptr)
 }
 
-TEST(ControlList, KeepsTheOrderOfAppendingAndACopyIsAView) {
+TEST(Screens, AControlListKeepsTheOrderOfAppendingAndACopyIsAView) {
     CControlList list;
     for (int round = 0; round < 2; ++round) {
         EXPECT_TRUE(list.Count() == 0 && list.First() == nullptr && list.ItemAt(0) == nullptr);

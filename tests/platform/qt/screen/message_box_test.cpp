@@ -49,7 +49,7 @@ TEST_F(MessageBoxTest, BoxesAreAnsweredByTheirUser) {
     }
 }
 
-TEST_F(MessageBoxTest, NoTextDisturbsABox) {
+TEST_F(MessageBoxTest, AnyTextFitsTheScreenAndAHeldKeyAnswersNothing) {
     const std::pair<std::u16string, QString> rows[] = {
         {u"Two\r\nlines \x202Egpj.exe\xD800", "Two\nlines <202E>gpj.exe<D800>"},
         {std::u16string(5000, u'W'), QString(5000, 'W')}};
