@@ -56,6 +56,9 @@ Status HostSystem::Restart() {
         LogInUse::Current().Say("not erased, and not restarted: " + Describe(erased.error()));
         return erased;
     }
+    if (parts_.registry.HasUntriedChanges()) {
+        [[maybe_unused]] const Status stored = parts_.registry.StoreRegistry();
+    }
     restart_();
     std::abort();
 }

@@ -11,7 +11,7 @@ constexpr std::chrono::milliseconds kPatience{100};
 DeviceFiles& ResponsiveStore::files() {
     const auto now = std::chrono::steady_clock::now();
     if (now - served_ >= kPatience) {
-        windows_.ServeDesktop();
+        serveDesktop_();
         served_ = std::chrono::steady_clock::now();
     }
     return ForwardingStore::files();

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <chrono>
+#include <functional>
+#include <utility>
 
-#include "platform/display/window_module.h"
 #include "platform/seam/forwarding_store.h"
 
 namespace platform {
@@ -11,15 +12,15 @@ namespace platform {
 // looks at the clock before each operation on a file, of which long work consists.
 class ResponsiveStore : public ForwardingStore {
   public:
-    // Both stay the caller's.
-    ResponsiveStore(DeviceStore& inner, DisplayWindowSystem& windows)
-        : ForwardingStore(inner), windows_(windows) {}
+    // `inner` stays the caller's. `serveDesktop` answers the desktop.
+    ResponsiveStore(DeviceStore& inner, std::function<void()> serveDesktop)
+        : ForwardingStore(inner), serveDesktop_(std::move(serveDesktop)) {}
 
   protected:
     DeviceFiles& files() override;
 
   private:
-    DisplayWindowSystem& windows_;
+    std::function<void()> serveDesktop_;
     std::chrono::steady_clock::time_point served_;
 };
 

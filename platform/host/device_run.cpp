@@ -150,7 +150,7 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        ResponsiveStore answering(store(), *windows_);
+        ResponsiveStore answering(store(), [this] { windows_->ServeDesktop(); });
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {

@@ -125,7 +125,8 @@ HWND QtWindowSystem::CreateWindowExW(DWORD extendedStyle, const WCHAR* className
                                      DWORD style, int x, int y, int width, int height, HWND parent,
                                      HMENU menu, HINSTANCE /*instance*/, void* /*parameter*/) {
     const Window* const above = windows_.Find(parent);
-    if (className == nullptr || (above == nullptr && parent != nullptr)) {
+    const bool isChild = (style & (WS_CHILD | WS_POPUP)) == WS_CHILD;
+    if (className == nullptr || (above == nullptr && (parent != nullptr || isChild))) {
         return nullptr;
     }
     const QString name = TextOf(className);

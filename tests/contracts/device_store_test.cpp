@@ -1,4 +1,4 @@
-// The contract of the device store, on the real store and on every wrapper around it.
+// The contract of the device store, on the real device and on every wrapper around it.
 
 #include "core/file_operations.h"
 
@@ -10,35 +10,44 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "platform/device/real_device.h"
+#include "platform/display/responsive_store.h"
 #include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
-#include "tests/support/files_alone.h"
+#include "tests/support/failing_store.h"
 #include "tests/support/temporary_device.h"
 
 namespace {
 
 using Paths = std::vector<std::u16string>;
 
-using Wrap = std::unique_ptr<platform::DeviceStore> (*)(platform::DeviceStore&);
+using Wrapper = std::unique_ptr<platform::DeviceStore>;
 
-std::unique_ptr<platform::DeviceStore> Record(platform::DeviceStore& store) {
-    static std::FILE* const report = std::fopen("/dev/null", "w");
-    static platform::RunLog log("");
-    return std::make_unique<platform::ReportingStore>(store, report, log);
-}
-std::unique_ptr<platform::DeviceStore> Forward(platform::DeviceStore& store) {
-    return std::make_unique<platform::ForwardingStore>(store);
-}
+const struct Implementation {
+    const char* name;
+    Wrapper (*wrap)(platform::DeviceStore& store);
+} kImplementations[] = {
+    {"RealDevice", [](auto& /*store*/) { return Wrapper(); }},
+    {"ReportingStore",
+     [](auto& store) {
+         static std::FILE* const report = std::fopen("/dev/null", "w");
+         static platform::RunLog log("");
+         return Wrapper(new platform::ReportingStore(store, report, log));
+     }},
+    {"ResponsiveStore",
+     [](auto& store) { return Wrapper(new platform::ResponsiveStore(store, [] {})); }},
+    {"FailingStore", [](auto& store) { return Wrapper(new FailingStore(store, 0)); }}};
 
 DWORD g_reason = 0;  // why the last search found nothing
 
-class DeviceStoreTest : public testing::TestWithParam<Wrap> {
+class DeviceStoreTest : public testing::TestWithParam<Implementation> {
   protected:
     void Open() {
-        real_ = std::make_unique<FilesAlone>(device_.OpenFiles(), u"\\Program.exe");
+        real_ = std::make_unique<platform::RealDevice>(device_.OpenFiles(), u"\\Program.exe",
+                                                       device_.OpenRegistry(), ThrowRestarted);
         real_->RecoverFromKilledRuns();
-        store_ = GetParam()(*real_);
-        inUse_ = std::make_unique<platform::StoreInUse>(*store_);
+        wrapper_ = GetParam().wrap(*real_);
+        inUse_ = std::make_unique<platform::StoreInUse>(store());
     }
 
     // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
@@ -57,19 +66,35 @@ class DeviceStoreTest : public testing::TestWithParam<Wrap> {
         return names;
     }
 
+    // Of a shortcut; "none" when the store says that it is none.
+    static std::string TargetOf(const WCHAR* path, int limit = 1024) {
+        std::u16string buffer(1024, u'x');
+        return SHGetShortcutTarget(path, buffer.data(), limit) != 0
+                   ? platform::ReadableText(buffer.c_str())
+                   : "none";
+    }
+
+    platform::DeviceStore& store() { return wrapper_ != nullptr ? *wrapper_ : *real_; }
+
     static bool Exists(const std::u16string& path) { return !Search(path).empty(); }
 
+    static BOOL Control(DWORD code) {
+        return KernelIoControl(code, nullptr, 0, nullptr, 0, nullptr);
+    }
+
+    std::string Registry() const { return device_.path() + "/registry.reg"; }
     std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
 
     TemporaryDevice device_;
 
   private:
-    std::unique_ptr<FilesAlone> real_;
-    std::unique_ptr<platform::DeviceStore> store_;
+    std::unique_ptr<platform::RealDevice> real_;
+    Wrapper wrapper_;
     std::unique_ptr<platform::StoreInUse> inUse_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::Values(Forward, Record));
+INSTANTIATE_TEST_SUITE_P(Stores, DeviceStoreTest, testing::ValuesIn(kImplementations),
+                         [](const auto& tested) { return tested.param.name; });
 
 TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",
@@ -144,7 +169,7 @@ TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
 
 TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     device_.Make(
-        Words("d/a=1 d/a2=1 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
+        Words("d/a=1 d/a2=123 d/locked=2 d/link>../outside d/loop>loop d/pipe| d/sub/ "
               "d/full/x=3 outside/keep=4"));
     chmod(HostPath("d/locked").c_str(), 0444);
     Open();
@@ -165,6 +190,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     }
     EXPECT_EQ(RemoveDirectoryW(u"\\d\\full"), 0);
     EXPECT_NE(DeleteFileW(u"\\d\\a2"), 0);
+    EXPECT_EQ(store().DeletedSize(), 3U);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_DIR_NOT_EMPTY}) << "success changes nothing";
     EXPECT_EQ(RemoveDirectoryW(u"\\d\\locked"), 0);
     EXPECT_EQ(GetLastError(), DWORD{ERROR_DIRECTORY});
@@ -174,7 +200,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
               (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
 }
 
-TEST_P(DeviceStoreTest, NothingLeadsOutOfTheTree) {
+TEST_P(DeviceStoreTest, LinksAndDotsOpenNothingOutsideTheTree) {
     TemporaryDevice outside;
     outside.Make({"secret=s", "dir/secret=s"});
     device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
@@ -231,7 +257,7 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
                                        "file=6"));
 }
 
-TEST_P(DeviceStoreTest, MovesDuringAWalkKnowWhatHasChanged) {
+TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
     device_.Make({"from/a=1", "from/b=2", "to/A=3"});
     Open();
     WIN32_FIND_DATA data;
@@ -316,7 +342,7 @@ TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
 }
 
-TEST_P(DeviceStoreTest, HandlesThatAreNotOpenDoNoHarm) {
+TEST_P(DeviceStoreTest, ASearchThatIsNotOpenIsAnInvalidHandle) {
     device_.Make({"a="});
     Open();
     WIN32_FIND_DATA data;
@@ -343,6 +369,101 @@ TEST_P(DeviceStoreTest, EntriesThatVanishDoNotEndAWalk) {
     FindClose(find);
     EXPECT_LT(found, 500);
     EXPECT_FALSE(Exists(u"\\d"));
+}
+
+TEST_P(DeviceStoreTest, AShortcutIsKnownByItsContentAndNotItsName) {
+    device_.Make({"a.txt=2#\\b", "a.lnk=hello", "dir.lnk/", "link.lnk>a.txt", "pipe.lnk|"});
+    Open();
+    EXPECT_EQ(TargetOf(u"\\A.TXT"), "\\b");
+    for (const WCHAR* const path :
+         {u"\\a.lnk", u"\\dir.lnk", u"\\link.lnk", u"\\pipe.lnk", u"\\gone.lnk", u"\\", u""}) {
+        EXPECT_EQ(TargetOf(path), "none") << platform::ReadableText(path);
+    }
+}
+
+TEST_P(DeviceStoreTest, ATargetThatDoesNotFitIsNotCut) {
+    device_.Make({"fits=1023#\\" + std::string(1022, 'a'), "long=1024#\\" + std::string(1023, 'a'),
+                  "three=3#\\ab", "padded=2#\\a" + std::string(5000, ' ')});
+    Open();
+    EXPECT_EQ(TargetOf(u"\\fits"), "\\" + std::string(1022, 'a'));
+    EXPECT_EQ(TargetOf(u"\\long"), "none");
+    EXPECT_EQ(TargetOf(u"\\three", 4), "\\ab");
+    EXPECT_EQ(TargetOf(u"\\three", 3), "none");
+    EXPECT_EQ(TargetOf(u"\\three", 0), "none");
+    EXPECT_EQ(TargetOf(u"\\padded"), "none");
+}
+
+TEST_P(DeviceStoreTest, AShortcutIsMadeUnderANewNameOnly) {
+    Open();
+    EXPECT_NE(SHCreateShortcut(u"\\a.lnk", u"\\b c"), 0);
+    EXPECT_EQ(TargetOf(u"\\a.lnk"), "\\b c");
+    device_.Make({"dir/", "link>nowhere"});
+    for (const WCHAR* const path :
+         {u"\\a.lnk", u"\\A.LNK", u"\\dir", u"\\link", u"\\none\\a.lnk", u"\\c\\", u"\\c*", u""}) {
+        EXPECT_EQ(SHCreateShortcut(path, u"\\x"), 0) << platform::ReadableText(path);
+    }
+    EXPECT_EQ(device_.Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>nowhere"}));
+}
+
+TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
+    device_.Make({"old/"});
+    chmod(HostPath("old").c_str(), 0710);
+    Open();
+    store().DirectoryMoves(u"\\old", u"\\new");
+    EXPECT_NE(CreateDirectoryW(u"\\new", nullptr), 0);
+    store().DirectoryMoved(u"\\old", u"\\new");
+    struct stat made {};
+    ASSERT_EQ(stat(HostPath("new").c_str(), &made), 0);
+    EXPECT_EQ(made.st_mode & 0777, 0710U);
+}
+
+TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) {
+    WriteFile(Registry(), "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n");
+    Open();
+    HKEY key = nullptr;
+    EXPECT_EQ(RegOpenKeyExW(HKEY_USERS, u"\\KEY\\", 0, 0, &key), ERROR_SUCCESS);
+    BYTE data[] = {5, 0, 0, 0};
+    EXPECT_EQ(RegSetValueExW(key, u"Number", 0, REG_DWORD, data, 4), ERROR_SUCCESS);
+    DWORD size = 3;
+    DWORD type = 0;
+    EXPECT_EQ(RegQueryValueExW(key, u"NUMBER", nullptr, &type, data, &size), ERROR_MORE_DATA);
+    EXPECT_EQ(std::pair(type, size), std::pair(REG_DWORD, 4U));
+    WCHAR name[4] = {};
+    EXPECT_EQ(RegEnumKeyExW(key, 0, name, &size, nullptr, nullptr, nullptr, nullptr),
+              ERROR_SUCCESS);
+    EXPECT_EQ(RegDeleteKeyW(key, name), ERROR_SUCCESS);
+    EXPECT_EQ(store().ChangesOfRegistry().made, 2U);
+    EXPECT_EQ(store().ChangesOfRegistry().stored, 0U);
+    EXPECT_TRUE(store().StoreRegistry().has_value());
+    EXPECT_EQ(store().ChangesOfRegistry().stored, 2U);
+    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
+    data[0] = 6;
+    RegSetValueExW(key, u"Number", 0, REG_DWORD, data, 4);
+    EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
+    EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
+    EXPECT_FALSE(store().IsChangeLost(3));
+    EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
+    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
+}
+
+TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {
+    device_.Make({"file="});
+    Open();
+    WCHAR path[] = u"##############";
+    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 12), 0U);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_INSUFFICIENT_BUFFER});
+    EXPECT_EQ(GetModuleFileNameW(nullptr, path, 13), 12U);
+    EXPECT_EQ(std::u16string(path), u"\\Program.exe");
+    EXPECT_EQ(Control(IOCTL_HAL_REBOOT + 1), 0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_NOT_SUPPORTED});
+    EXPECT_EQ(CreateProcessW(path, path, nullptr, nullptr, 0, 0, nullptr, nullptr, nullptr, path),
+              0);
+    EXPECT_EQ(GetLastError(), DWORD{ERROR_FILE_NOT_FOUND});
+    SetCleanRebootFlag();
+    testing::internal::CaptureStderr();
+    EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
+    EXPECT_NE(testing::internal::GetCapturedStderr(), "");
+    EXPECT_EQ(device_.Listing(), Entries());
 }
 
 }  // namespace

@@ -8,7 +8,7 @@
 
 namespace {
 
-TEST(FormatText, FitsWholeOrLeavesNothing) {
+TEST(WideText, AFormatFitsWholeOrLeavesNothing) {
     for (const std::size_t capacity : {7U, 6U, 1U, 0U}) {
         WCHAR buffer[] = u"########";
         EXPECT_EQ(FormatText(std::span(buffer, capacity), TEXT("%s\\%s"), {u"\\ab", u"cd"}),
@@ -19,7 +19,7 @@ TEST(FormatText, FitsWholeOrLeavesNothing) {
     }
 }
 
-TEST(FormatText, PutsNumbersAndKeepsWhatIsNoPlaceholder) {
+TEST(WideText, AFormatPutsNumbersAndKeepsWhatIsNoPlaceholder) {
     PathText text;
     EXPECT_TRUE(FormatText(text, TEXT("%d Bytes, 100%"), {0}));
     EXPECT_EQ(std::u16string(text.data()), u"0 Bytes, 100%");

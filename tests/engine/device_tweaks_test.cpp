@@ -85,7 +85,7 @@ TEST(DeviceTweaksTest, SetsTheFontCache) {
               Entries{"[Error] Unable to locate GlyphCache"});
 }
 
-TEST(DeviceTweaksTest, KeepsTheStartupShortcutInLine) {
+TEST(DeviceTweaksTest, MakesAndDeletesTheStartupShortcutAsTicked) {
     const std::string made = "Fennelbright.lnk=31#\"\\App\\Fennelbright.exe\" silent\"";
     const struct {
         std::string before;  // in the directory of such shortcuts

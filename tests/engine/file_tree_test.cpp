@@ -48,7 +48,7 @@ Entries Made(const std::string& entries) {
     return device.Listing();
 }
 
-TEST(DeleteTree, DeletesWhatItsFlagsSayAndCountsIt) {
+TEST(FileTree, DeletesWhatItsFlagsSayAndCountsIt) {
     const std::string tree = "T/a=0123456789 T/b/c=01234 T/b/e/f=012 Tx=keep keep=k";
     const struct {
         const WCHAR* directory;
@@ -70,7 +70,7 @@ TEST(DeleteTree, DeletesWhatItsFlagsSayAndCountsIt) {
     }
 }
 
-TEST(DeleteTree, PathsThatAreNoDirectoryDeleteNothing) {
+TEST(FileTree, PathsThatAreNoDirectoryDeleteNothing) {
     const Device device(Words("Foo/in=1 FooFoo/in=2 FooBar/in=3 FooFooFoo=4 file=5 link>Foo"));
     const Entries before = device.Listing();
     for (const std::u16string path : {u"", u"\\Foo", u"Foo", u"\\none\\", u"\\file\\", u"\\link\\",
@@ -81,7 +81,7 @@ TEST(DeleteTree, PathsThatAreNoDirectoryDeleteNothing) {
 }
 
 // 1023 characters are the longest path of an entry; what is longer is passed over, never cut.
-TEST(DeleteTree, LongestPathsAreDeletedAndLongerOnesPassedOver) {
+TEST(FileTree, LongestPathsAreDeletedAndLongerOnesPassedOver) {
     std::string directory = "T/";
     for (int level = 0; level < 10; ++level) {
         directory += std::string(99, static_cast<char>('a' + level)) + '/';
@@ -93,7 +93,7 @@ TEST(DeleteTree, LongestPathsAreDeletedAndLongerOnesPassedOver) {
     EXPECT_EQ(device.Listing(), Made(tooLong));
 }
 
-TEST(DeleteTree, TreesAsDeepAsAPathGoWhole) {
+TEST(FileTree, TreesAsDeepAsAPathGoWhole) {
     std::string deep = "T/";
     for (int level = 0; level < 500; ++level) {
         deep += "d/";
@@ -152,7 +152,7 @@ Entries Contents(const TemporaryDevice& device) {
     return contents;
 }
 
-TEST(MoveTree, MovesWhatItCan) {
+TEST(FileTree, MovesWhatItCan) {
     for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
         const Device device(Words(move.before));
@@ -169,7 +169,7 @@ TEST(MoveTree, MovesWhatItCan) {
 }
 
 // Each walk again and again, with none and with its first, second, ... operation failing.
-TEST(MoveTree, LosesNothingWhateverFails) {
+TEST(FileTree, LosesNothingWhateverFails) {
     for (const auto& move : kMoves) {
         SCOPED_TRACE(move.name);
         for (int failing = 0, calls = 1; failing <= calls; ++failing) {
@@ -183,7 +183,7 @@ TEST(MoveTree, LosesNothingWhateverFails) {
 }
 
 // The look for the source, that for the destination, or the reading of the source fails.
-TEST(MoveTree, NotesWhatCouldNotBeReached) {
+TEST(FileTree, NotesWhatCouldNotBeReached) {
     for (const int failing : {1, 3, 5}) {
         const Device device(Words("A/f=1 B/"), failing);
         EXPECT_TRUE(MoveTree(u"\\A", u"\\B\\"));
@@ -191,7 +191,7 @@ TEST(MoveTree, NotesWhatCouldNotBeReached) {
     }
 }
 
-TEST(DeleteTree, CountsOnlyWhatWentWhenAnyOperationFails) {
+TEST(FileTree, CountsOnlyWhatWentWhenAnyOperationFails) {
     for (int failing = 1, calls = 1; failing <= calls + 1; ++failing) {
         const Device device(Words("T/a=1 T/b/c=22 T/b/d/e=333 T/f=4444 keep=k"), failing);
         DeleteTree(u"\\T\\", true, true);

@@ -56,14 +56,14 @@ constexpr std::pair<const char*, const char*> kTargets[] = {
     {"\"\\P\\?.exe /a", "P/a.exe="},
 };
 
-TEST(ShortcutCleaningTest, KeepsWhatLeadsSomewhere) {
+TEST(ShortcutCleaningTest, KeepsAShortcutWhoseTargetIsThere) {
     for (const auto& [target, entry] : kTargets) {
         EXPECT_TRUE(Stays(target, {entry})) << target;
         EXPECT_FALSE(Stays(target, {})) << target;
     }
 }
 
-TEST(ShortcutCleaningTest, KeepsWhatBeginsWithNoPath) {
+TEST(ShortcutCleaningTest, KeepsAShortcutWhoseTargetIsNoPath) {
     for (const char* const target : {"", ":MSPIMG", "poutlook.exe tasks", "shellres.dll,-8229",
                                      "http://www.example.com", "\"", "\"calc.exe\" \\a", "C:\\a",
                                      "\\", "\\\\\\", "\\ \\ \\", "\"\\\"", "\"\\\" \\a", "\"\\"}) {
@@ -128,7 +128,7 @@ TEST(ShortcutCleaningTest, KeepsWhatItCannotLookForAndTheKeysOfSuchApplications)
 }
 
 // As an ordinary user, whom a mode keeps out.
-TEST(ShortcutCleaningTest, KeepsWhatLeadsToWhereItMayNotLook) {
+TEST(ShortcutCleaningTest, KeepsAShortcutIntoADirectoryThatCannotBeRead) {
     const uid_t user = geteuid();
     ASSERT_EQ(seteuid(user == 0 ? 65534 : user), 0);
     {

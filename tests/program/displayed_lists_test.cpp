@@ -110,7 +110,7 @@ TEST_F(DisplayedLists, AChosenFolderIsCleaned) {
         (Entries{"Games/Cache/a=12345", "Games/Cache/sub/b=1"}));
 }
 
-TEST_F(DisplayedLists, WhatIsSelectedGoesAndNothingElse) {
+TEST_F(DisplayedLists, OnlySelectedEntriesAreDeleted) {
     device_.Make({"x/Temp/a=123", "MyTemp/b=4567", "l/one.tmp=12", "l/two.tmp=345",
                   "Windows/StartUp/a.lnk=1#a", "Windows/StartUp/b.lnk=1#b"});
     EXPECT_EQ(Lost({Tap(50015), Tap(50011), Tap(50014), Select(50012, "\\x\\Temp\\"),
@@ -130,7 +130,7 @@ TEST_F(DisplayedLists, OfThreeThousandSelectedEntriesTheFirst1024Go) {
     EXPECT_EQ(lost.back(), "t/2023.tmp=1");
 }
 
-TEST_F(DisplayedLists, TheBrowserServesItsBoxHoweverItEnds) {
+TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
     // Two things are done before the program looks at the first.
     const auto another = [] { Click(Control(50003)), Click(Control(50006)); };
     const auto nextPage = [] { Click(Control(50003)), NextTab(); };

@@ -79,7 +79,7 @@ void NextTab() {
 }
 
 // Many things are done before the program looks at the first.
-TEST(DisplayedProgram, EveryControlStandsWhereItBelongs) {
+TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
     const unsigned seed = std::random_device{}();
     SCOPED_TRACE("seed " + std::to_string(seed));
     std::mt19937 random(seed);
@@ -133,7 +133,7 @@ TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
     EXPECT_GT(reached, 40);
 }
 
-TEST(DisplayedProgram, WhatTheUserTicksAndTypesIsDoneAndSaved) {
+TEST(DisplayedProgram, TicksAndTextsAreAppliedAndSaved) {
     using namespace std::string_literals;
     const TemporaryDevice device;
     device.Make({"App/", "Temp/a=12345"});

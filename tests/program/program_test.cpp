@@ -252,7 +252,7 @@ TEST(Program, OnlyDirectoriesThatSettingsNameWholeAreCleaned) {
     }
 }
 
-TEST(Program, OneRunAtATime) {
+TEST(Program, ASecondRunOnADeviceIsRefused) {
     const TemporaryDevice device;
     device.Make({"Temp/keep=1", SettingsEntry(kRootTemp),
                  "Windows/StartUp/x.lnk=9#\"\\Program Files\\Fennelbright\\Fennelbright.exe\" s"});

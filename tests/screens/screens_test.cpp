@@ -19,7 +19,7 @@ HWND Handle(DWORD_PTR number) {
     return reinterpret_cast<HWND>(number);  // NOLINT(performance-no-int-to-ptr)
 }
 
-TEST(ControlList, KeepsTheOrderOfAppendingAndACopyIsAView) {
+TEST(Screens, AControlListKeepsTheOrderOfAppendingAndACopyIsAView) {
     CControlList list;
     for (int round = 0; round < 2; ++round) {
         EXPECT_TRUE(list.Count() == 0 && list.First() == nullptr && list.ItemAt(0) == nullptr);
@@ -79,12 +79,13 @@ TEST(Screens, ASwitchShowsOnePageFromItsTop) {
                                                  {3, -123}, {4, -109}, {0, 157}};
     InteractiveProgram program;
     program.Run({[&] {
-        SCROLLINFO& scroll = program.windows.At(g_DisplayWindow->Window()).scroll;
+        FakeWindow& page = program.windows.At(g_DisplayWindow->Window());
+        const SCROLLINFO& given = page.scrollGiven;
         for (const auto& [screen, highest] : kHighest) {
-            scroll.nPos = 40;
+            page.scroll.nPos = 40;
             g_Screens->SwitchScreenTo(screen);
             ExpectControls(program, screen);
-            EXPECT_EQ(std::tuple(scroll.fMask, scroll.nMin, scroll.nMax, scroll.nPage, scroll.nPos),
+            EXPECT_EQ(std::tuple(given.fMask, given.nMin, given.nMax, given.nPage, given.nPos),
                       std::tuple(15U, 0, highest, 3U, 0));
         }
     }});
@@ -95,7 +96,7 @@ TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
     program.Run({[&] {
         g_Screens->SwitchScreenTo(6);
         ExpectControls(program, 6);
-        EXPECT_LT(program.windows.At(g_DisplayWindow->Window()).scroll.nMax, 0);
+        EXPECT_LT(program.windows.At(g_DisplayWindow->Window()).scrollGiven.nMax, 0);
         g_Screens->SwitchScreenTo(1);
         ExpectControls(program, 1);
         const CControlList first = g_Screens->GetScreenItems(0);

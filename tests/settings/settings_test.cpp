@@ -4,6 +4,7 @@
 #include <string>
 
 #include "core/application.h"
+#include "core/win_main.h"
 #include "settings/control_settings.h"
 #include "settings/settings_file.h"
 #include "tests/support/files_alone.h"
@@ -186,7 +187,7 @@ std::int32_t Load(const TemporaryDevice& device, CSettings& settings, CollectedB
 }
 
 // Whatever is missing is null or 0 and never half of what was written; nothing behind it is taken.
-TEST(Settings, DamagedContent) {
+TEST(Settings, ADamagedFileGivesWhatIsWholeInIt) {
     const std::u16string longest(1023, u'x');
     const struct {
         std::string content;
@@ -236,6 +237,36 @@ TEST(Settings, ThePathIsTheModulesLessSixteenCharacters) {
         EXPECT_EQ(windows.boxes, Entries(mask == kNoMask ? 1 : 0,
                                          "[Error!!!] Failed retrieving application directory"));
     }
+}
+
+// A store whose files can be opened and not be read.
+class UnreadableFiles : public platform::ForwardingStore {
+  public:
+    using ForwardingStore::ForwardingStore;
+    std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
+        return fopencookie(nullptr, "r",
+                           {.read = [](void*, char*, std::size_t) -> ssize_t { return -1; },
+                            .write = nullptr,
+                            .seek = nullptr,
+                            .close = nullptr});
+    }
+};
+
+TEST(Settings, AFileThatCannotBeReadToItsEndTicksNothing) {
+    const TemporaryDevice device;
+    device.Make({"Windows/StartUp/Fennelbright.lnk=keep", "App/settings.dat=1234"});
+    FilesAlone real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
+    UnreadableFiles store(real);
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(store);
+    const platform::WindowsInUse windowsInUse(windows);
+    testing::internal::CaptureStderr();
+    std::u16string silent = u"silent";
+    WinMain(nullptr, nullptr, silent.data(), 0);
+    g_Silent = false;
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read to its end"),
+              std::string::npos);
+    EXPECT_EQ(device.Listing().back(), "Windows/StartUp/Fennelbright.lnk=keep");
 }
 
 }  // namespace

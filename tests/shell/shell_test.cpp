@@ -20,7 +20,7 @@ namespace {
 using namespace std::string_literals;
 using Texts = std::vector<std::string>;
 
-TEST(WindowProcedure, EveryMessageHasItsResult) {
+TEST(Shell, EveryMessageHasItsResult) {
     NMHDR other = {nullptr, 0, static_cast<UINT>(-12)};
     const struct {
         UINT message;
@@ -35,11 +35,12 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
         {WM_CLOSE, 0, 0, true},        {WM_HSCROLL, 0, 0, true},
     };
     InteractiveProgram program;
+    program.windows.defaultResult = 77;
     program.Run({[&] {
         for (const auto& expected : cases) {
             EXPECT_EQ(MainWindowProc(g_DisplayWindow->Window(), expected.message, expected.wParam,
                                      expected.lParam),
-                      expected.passedOn ? FakeWindows::kDefaultResult : 1);
+                      expected.passedOn ? 77 : 1);
         }
         EXPECT_TRUE(g_Running);
         EXPECT_EQ(program.windows.boxes, Texts{});
@@ -47,7 +48,7 @@ TEST(WindowProcedure, EveryMessageHasItsResult) {
     }});
 }
 
-TEST(WindowProcedure, ScrollCodesMoveThePage) {
+TEST(Shell, ScrollCodesMoveThePage) {
     const struct {
         WORD code;
         WORD thumb;
@@ -64,7 +65,7 @@ TEST(WindowProcedure, ScrollCodesMoveThePage) {
         {SB_LINEDOWN, 0, 152, 155, 3, 155, "-3"},
         {SB_LINEDOWN, 0, 153, 155, 3, 153, ""},
         {SB_LINEDOWN, 0, 154, 155, 0, 155, "-3"},
-        {SB_LINEDOWN, 0, 0, -217, 3, 0, ""},
+        {SB_LINEDOWN, 0, 0, 0, 3, 0, ""},
         {SB_PAGEUP, 0, 30, 155, 3, 27, "3"},
         {SB_PAGEUP, 0, 0, 155, 3, 0, "3"},
         {SB_PAGEDOWN, 0, 30, 155, 7, 37, "-7"},
@@ -95,13 +96,14 @@ TEST(WindowProcedure, ScrollCodesMoveThePage) {
     }});
 }
 
-TEST(WindowProcedure, ATabWithoutScreenIsToldAndChangesNothing) {
+TEST(Shell, ATabWithoutScreenIsToldAndChangesNothing) {
     InteractiveProgram program;
+    program.windows.defaultResult = 77;
     program.Run({[&] {
         for (const int tab : {-1, 6}) {
             program.windows.boxes.clear();
-            EXPECT_EQ(program.ChooseTab(tab), FakeWindows::kDefaultResult);
-            EXPECT_EQ(program.ChooseTab(0), FakeWindows::kDefaultResult);
+            EXPECT_EQ(program.ChooseTab(tab), 77);
+            EXPECT_EQ(program.ChooseTab(0), 77);
             EXPECT_EQ(program.windows.boxes, (Texts{"[Error] TCN_SELCHANGE Unknown Tab Index",
                                                     "[Error] TCN_SELCHANGING Unknown Tab Index"}));
             EXPECT_TRUE(program.Control(0, 0).visible);
@@ -109,7 +111,7 @@ TEST(WindowProcedure, ATabWithoutScreenIsToldAndChangesNothing) {
     }});
 }
 
-TEST(WindowProcedure, EndingCommandsSaveAndEndTheLoop) {
+TEST(Shell, EndingCommandsSaveAndEndTheLoop) {
     for (const WORD command : {kCommandExit, static_cast<WORD>(IDOK)}) {
         InteractiveProgram program;
         program.Run(
@@ -118,7 +120,7 @@ TEST(WindowProcedure, EndingCommandsSaveAndEndTheLoop) {
     }
 }
 
-TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
+TEST(Shell, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
     const Texts freed = {"[Cleaning Finished] 5 Bytes Cleaned"};
     const Texts required = {freed[0],
                             "[Restart Required] Some settings will not take effect until the "
@@ -154,7 +156,7 @@ TEST(WindowProcedure, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
     }
 }
 
-TEST(Resources, MenuAndIconAreFoundByTheirNumbers) {
+TEST(Shell, MenuAndIconAreFoundByTheirNumbers) {
     EXPECT_EQ(FindMenuResource(102), nullptr);
     EXPECT_EQ(FindIconResource(101), nullptr);
     std::u16string menu;
@@ -171,7 +173,7 @@ TEST(Resources, MenuAndIconAreFoundByTheirNumbers) {
     EXPECT_EQ(FindIconResource(102)->pixels.size(), 256u);
 }
 
-TEST(InteractiveRun, LeavesNothingBehind) {
+TEST(Shell, AnEndedRunLeavesNoWindowAndNoObject) {
     InteractiveProgram program;
     EXPECT_EQ(program.Run(), 0);
     EXPECT_TRUE(program.windows.windows.empty());
@@ -181,7 +183,7 @@ TEST(InteractiveRun, LeavesNothingBehind) {
     EXPECT_TRUE(g_Instance == nullptr && !g_Running);
 }
 
-TEST(InteractiveRun, TheWindowsHaveTheirPlacesAndTabs) {
+TEST(Shell, TheWindowsHaveTheirPlacesAndTabs) {
     InteractiveProgram program;
     program.Run({[&] {
         const FakeWindow& main = program.windows.At(g_MainWindow->Window());
@@ -210,7 +212,7 @@ TEST(InteractiveRun, TheWindowsHaveTheirPlacesAndTabs) {
     }});
 }
 
-TEST(InteractiveRun, AFailureIsToldAndTheNextStepFollows) {
+TEST(Shell, AFailureIsToldAndTheNextStepFollows) {
     const std::pair<std::string, std::string> cases[] = {
         {"CreateWindowExW Marlowtide Fennelbright", "Menu Bar"},
         {"SHCreateMenuBar Marlowtide Fennelbright", "Menu Bar"},
@@ -239,7 +241,7 @@ TEST(InteractiveRun, AFailureIsToldAndTheNextStepFollows) {
     }
 }
 
-TEST(InteractiveRun, WithoutABarTheMainWindowKeepsItsHeight) {
+TEST(Shell, WithoutABarTheMainWindowKeepsItsHeight) {
     InteractiveProgram program;
     program.windows.failing = {"SHCreateMenuBar Marlowtide Fennelbright"};
     program.Run({[&] {
@@ -250,7 +252,7 @@ TEST(InteractiveRun, WithoutABarTheMainWindowKeepsItsHeight) {
     }});
 }
 
-TEST(InteractiveRun, AQuitMessageEndsNothing) {
+TEST(Shell, AQuitMessageEndsNothing) {
     InteractiveProgram program;
     bool wentOn = false;
     program.Run({[&] { program.windows.Post(nullptr, WM_QUIT, 0); }, [&] { wentOn = true; }});
@@ -258,7 +260,7 @@ TEST(InteractiveRun, AQuitMessageEndsNothing) {
 }
 
 // A whole run: a text typed, tabs, scrolling, an Apply, the end.
-TEST(InteractiveRun, NoCallThatFailsBreaksIt) {
+TEST(Shell, AFailureOfAnyCallLeavesNoStrayHandle) {
     int uses = 1;
     for (int failing = 0; failing <= uses; ++failing) {
         for (const LRESULT result : {LRESULT{0}, LRESULT{-1}}) {

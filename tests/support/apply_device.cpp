@@ -54,7 +54,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     if (!input.registry.empty()) {
         WriteFile(device.path() + "/registry.reg", input.registry);
     }
-    platform::RealDevice store(device.OpenFiles(), kModule, device.OpenRegistry());
+    platform::RealDevice store(device.OpenFiles(), kModule, device.OpenRegistry(), ThrowRestarted);
     {
         const platform::StoreInUse inUse(store);
         WriteSettingsOf(input);

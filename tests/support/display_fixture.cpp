@@ -71,10 +71,12 @@ QRect BoundsOf(HWND window) {
     return {QPoint(bounds.left, bounds.top), QPoint(bounds.right - 1, bounds.bottom - 1)};
 }
 
-DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
+WindowsTest::WindowsTest(std::unique_ptr<platform::WindowSystem> windows)
+    : windows_(std::move(windows)), inUse_(*windows_) {
     g_told.clear();
     g_hook = nullptr;
     WNDCLASS record{};
+    record.style = CS_HREDRAW | CS_VREDRAW;
     record.lpfnWndProc = Keep;
     record.lpszClassName = TEXT("Kept");
     record.hbrBackground = SystemColorBrush(COLOR_WINDOW);
@@ -83,28 +85,33 @@ DisplayTest::DisplayTest() : windows_(OpenUnseen()), inUse_(*windows_) {
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
 }
 
-DisplayTest::~DisplayTest() {
+WindowsTest::~WindowsTest() {
     g_hook = nullptr;
 }
 
-HWND DisplayTest::Open(const WCHAR* className) {
+DisplayTest::DisplayTest() : WindowsTest(OpenUnseen()) {
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
+}
+
+HWND WindowsTest::Open(const WCHAR* className) {
     return CreateWindowExW(WS_EX_CAPTIONOKBTN, className, TEXT("Top"), WS_VISIBLE, CW_USEDEFAULT,
                            CW_USEDEFAULT, CW_USEDEFAULT, CW_USEDEFAULT, nullptr, nullptr, nullptr,
                            nullptr);
 }
 
-HWND DisplayTest::Add(const WCHAR* className, DWORD style, const RECT& place, int id,
+HWND WindowsTest::Add(const WCHAR* className, DWORD style, const RECT& place, int id,
                       const WCHAR* text) {
     return CreateWindowExW(0, className, text, style | WS_CHILD | WS_VISIBLE, place.left, place.top,
                            place.right - place.left, place.bottom - place.top, page_,
                            reinterpret_cast<HMENU>(static_cast<DWORD_PTR>(id)), nullptr, nullptr);
 }
 
-void DisplayTest::Dispatch() {
-    QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit));
+void WindowsTest::Dispatch() {
+    if (qApp != nullptr) {
+        QCoreApplication::postEvent(qApp, new QEvent(QEvent::Quit));
+    }
     MSG message{};
     while (true) {
         g_turningLoop = true;
@@ -118,15 +125,21 @@ void DisplayTest::Dispatch() {
     }
 }
 
-AllTold DisplayTest::TakeTold() {
+AllTold WindowsTest::TakeTold() {
     return std::exchange(g_told, {});
 }
 
-LRESULT DisplayTest::Send(HWND window, UINT message, WPARAM wParam, const void* lParam) {
+LRESULT WindowsTest::Send(HWND window, UINT message, WPARAM wParam, const void* lParam) {
     return SendMessageW(window, message, wParam, reinterpret_cast<LPARAM>(lParam));
 }
 
-Codes DisplayTest::TakeCodes() {
+std::u16string WindowsTest::TextOf(HWND window) {
+    WCHAR buffer[1100] = {};
+    Send(window, WM_GETTEXT, std::size(buffer), buffer);
+    return buffer;
+}
+
+Codes WindowsTest::TakeCodes() {
     Codes codes;
     for (const Told& told : TakeTold()) {
         if (told.message == WM_COMMAND || told.message == WM_NOTIFY) {

@@ -6,6 +6,7 @@
 #include <QTest>
 #include <QWidget>
 #include <memory>
+#include <string>
 #include <vector>
 
 #include "platform/display/window_module.h"
@@ -42,12 +43,12 @@ void RepeatKey(QWidget& widget, Qt::Key key, bool seen = true);
 // Where a window stands on the screen.
 QRect BoundsOf(HWND window);
 
-// The unseen window system with a main window and a page that scrolls on it. Their procedure keeps
-// what it is told.
-class DisplayTest : public testing::Test {
+// A window system with a main window and a page that scrolls on it. Their procedure keeps what it
+// is told.
+class WindowsTest : public testing::Test {
   public:
-    DisplayTest();
-    ~DisplayTest() override;
+    explicit WindowsTest(std::unique_ptr<platform::WindowSystem> windows);
+    ~WindowsTest() override;
 
   protected:
     static constexpr RECT kPage = {4, 4, 236, 243};
@@ -74,14 +75,23 @@ class DisplayTest : public testing::Test {
         return SendMessageW(window, message, wParam, lParam);
     }
 
-    platform::DisplayWindowSystem& windows() { return *windows_; }
+    // What WM_GETTEXT gives.
+    static std::u16string TextOf(HWND window);
+
+    platform::WindowSystem& windows() { return *windows_; }
 
     HWND main_ = nullptr;
     HWND page_ = nullptr;
 
   private:
-    std::unique_ptr<platform::DisplayWindowSystem> windows_;
+    std::unique_ptr<platform::WindowSystem> windows_;
     platform::WindowsInUse inUse_;
+};
+
+// The same on the display that nobody sees.
+class DisplayTest : public WindowsTest {
+  public:
+    DisplayTest();
 };
 
 // Called by the procedure with every message that is kept; what it returns is the result.

@@ -1,15 +1,23 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cerrno>
 
 #include "platform/seam/forwarding_store.h"
 #include "tests/support/files_alone.h"
 
-// Thrown in place of what ends the program, so that nothing after it runs.
+// Thrown where a restart of the device ends the program, so that nothing after it runs.
 struct DeviceRestarted {};
 
+// The end of a device's run.
+inline void ThrowRestarted(int code) {
+    EXPECT_EQ(code, 0);
+    throw DeviceRestarted();
+}
+
 // Lets the n-th call come back with failure and its own reason, without having done anything; all
-// others go on but for the restarts, which would end the process.
+// others go on.
 class FailingStore : public platform::ForwardingStore {
   public:
     // `failing` counts from 1; 0 lets every call through. `reason` is an errno.
@@ -20,14 +28,6 @@ class FailingStore : public platform::ForwardingStore {
 
     const platform::Failure& LastFailure() const override {
         return calls_ == failing_ ? reason_ : ForwardingStore::LastFailure();
-    }
-
-    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
-                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
-        if (code == IOCTL_HAL_REBOOT) {
-            throw DeviceRestarted();
-        }
-        return 0;
     }
 
   protected:

@@ -30,26 +30,27 @@ struct FakeWindow {
     bool visible = false;
     LRESULT check = 0;
     int position = -1;                      // of combo box, slider or tab control
-    int highest = 100;                      // position of a slider
+    int lowest = 0;                         // position of a slider
+    int highest = 100;                      // the same
     std::vector<std::u16string> entries{};  // of combo box or tab control
     SCROLLINFO scroll{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0};
+    SCROLLINFO scrollGiven{};  // to SetScrollInfo last
 };
 
 // A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
 // is done by the steps below.
 class FakeWindows : public CollectedBoxes {
   public:
-    static constexpr LRESULT kDefaultResult = 77;  // what DefWindowProcW returns
-
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
     std::set<std::string> failing;   // calls, spelt as above, that come back with failure
     int failingUse = 0;              // the use of the fake that fails, from 1; 0: none
     LRESULT failure = 0;             // what a message gives that fails
+    LRESULT defaultResult = 0;       // what DefWindowProcW returns
     int uses = 0;
     int strayHandles = 0;  // uses of a handle that is neither null nor a living window's
     std::map<HWND, FakeWindow> windows;
 
-    // Each is carried out when the program waits for a message and none is queued. Behind the last
+    // Each is carried out when the program waits for a message and none is queued. After the last
     // one the OK on the main window's caption is pressed.
     std::deque<std::function<void()>> steps;
 
@@ -69,32 +70,40 @@ class FakeWindows : public CollectedBoxes {
     WORD RegisterClassW(const WNDCLASS* windowClass) override {
         EXPECT_TRUE(windowClass->style == 3 && windowClass->hInstance == g_Instance);
         EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
+        const std::u16string key = KeyOf(windowClass->lpszClassName);
         return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
-               classes_.emplace(windowClass->lpszClassName, windowClass->lpfnWndProc).second;
+               windowClass->lpfnWndProc != nullptr && !kControlClasses.contains(key) &&
+               classes_.emplace(key, windowClass->lpfnWndProc).second;
     }
 
     BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override {
         EXPECT_EQ(instance, g_Instance);
         Goes("UnregisterClassW " + platform::ReadableText(className));
-        return classes_.erase(className) != 0;
+        const bool used = std::ranges::any_of(windows, [&](const auto& window) {
+            return KeyOf(window.second.className) == KeyOf(className);
+        });
+        return !used && classes_.erase(KeyOf(className)) != 0;
     }
 
     HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text,
                          DWORD style, int x, int y, int width, int height, HWND parent, HMENU menu,
                          HINSTANCE instance, void* parameter) override {
         EXPECT_TRUE(instance == g_Instance && parameter == nullptr);
-        const auto known = classes_.find(className);
+        const auto known = classes_.find(KeyOf(className));
+        const bool isChild = (style & (WS_CHILD | WS_POPUP)) == WS_CHILD;
+        const bool isControl = kControlClasses.contains(KeyOf(className));
         FakeWindow window = {className, text, style, extendedStyle};
         window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
                                            : RECT{x, y, x + width, y + height};
         window.parent = parent;
         window.id = reinterpret_cast<DWORD_PTR>(menu);
         window.visible = (style & WS_VISIBLE) != 0;
+        window.position = KeyOf(className) == u"msctls_trackbar32" ? 0 : -1;
         window.procedure = known == classes_.end() ? nullptr : known->second;
         const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
         const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
-                          (known != classes_.end() || kControlClasses.contains(className)) &&
-                          ((style & WS_CHILD) == 0 || Living(parent) != nullptr);
+                          (known != classes_.end() || isControl) &&
+                          (parent == nullptr ? !isControl && !isChild : Living(parent) != nullptr);
         return goes ? Add(std::move(window)) : nullptr;
     }
 
@@ -110,6 +119,9 @@ class FakeWindows : public CollectedBoxes {
                 return parent != nullptr && !windows.contains(parent);
             });
         }
+        std::erase_if(queue_, [this](const MSG& message) {
+            return message.hwnd != nullptr && !windows.contains(message.hwnd);
+        });
         return 1;
     }
 
@@ -133,9 +145,19 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL GetWindowRect(HWND window, RECT* rectangle) override {
         const FakeWindow* const found = Living(window);
-        // Only asked of windows that stand on the screen.
-        *rectangle = found != nullptr ? found->bounds : *rectangle;
-        return found != nullptr;
+        if (found == nullptr) {
+            return 0;
+        }
+        *rectangle = found->bounds;
+        for (const FakeWindow* inner = found; (inner->style & WS_POPUP) == 0;) {
+            const auto parent = windows.find(inner->parent);
+            if (parent == windows.end()) {
+                break;
+            }
+            inner = &parent->second;
+            Move(*rectangle, inner->bounds.left, inner->bounds.top);
+        }
+        return 1;
     }
 
     BOOL MoveWindow(HWND window, int x, int y, int width, int height, BOOL repaint) override {
@@ -169,14 +191,13 @@ class FakeWindows : public CollectedBoxes {
 
     LRESULT DefWindowProcW(HWND window, UINT message, WPARAM /*wParam*/,
                            LPARAM /*lParam*/) override {
-        Goes("DefWindowProcW", window, ' ' + std::to_string(message));
-        return kDefaultResult;
+        return Goes("DefWindowProcW", window, ' ' + std::to_string(message)) ? defaultResult : 0;
     }
 
     LRESULT SendMessageW(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override {
         FakeWindow* const target = Living(window);
         if (target == nullptr) {
-            return message == TCM_INSERTITEM || message == TCM_GETCURSEL ? -1 : failure;
+            return failure;
         }
         return target->procedure != nullptr ? target->procedure(window, message, wParam, lParam)
                                             : Answer(window, *target, message, wParam, lParam);
@@ -185,21 +206,23 @@ class FakeWindows : public CollectedBoxes {
     BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) override {
         EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28);
         const FakeWindow* const found = Living(window);
-        if (found == nullptr) {
+        if (found == nullptr || (found->style & WS_VSCROLL) == 0) {
             return 0;
         }
-        const UINT mask = std::exchange(*info, found->scroll).fMask;
-        info->fMask = mask;
+        CopyFields(found->scroll, *info, info->fMask);
         return 1;
     }
 
     int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) override {
         EXPECT_TRUE(bar == SB_VERT && info->cbSize == 28 && redraw == TRUE);
-        if (!Goes("SetScrollInfo", window)) {
+        if (!Goes("SetScrollInfo", window) || (At(window).style & WS_VSCROLL) == 0) {
             return 0;
         }
-        SCROLLINFO& kept = At(window).scroll = *info;
-        return kept.nPos = std::clamp(kept.nPos, kept.nMin, std::max(kept.nMin, kept.nMax));
+        At(window).scrollGiven = *info;
+        SCROLLINFO& kept = At(window).scroll;
+        CopyFields(*info, kept, info->fMask);
+        kept.nMax = std::max(kept.nMin, kept.nMax);
+        return kept.nPos = kept.nTrackPos = std::clamp(kept.nPos, kept.nMin, kept.nMax);
     }
 
     int ScrollWindowEx(HWND window, int dx, int dy, const RECT* scroll, const RECT* clip,
@@ -211,8 +234,7 @@ class FakeWindows : public CollectedBoxes {
         }
         for (auto& [handle, child] : windows) {
             if (child.parent == window) {
-                child.bounds.top += dy;
-                child.bounds.bottom += dy;
+                Move(child.bounds, 0, dy);
             }
         }
         return 2;
@@ -220,11 +242,12 @@ class FakeWindows : public CollectedBoxes {
 
     BOOL SHCreateMenuBar(SHMENUBARINFO* info) override {
         EXPECT_TRUE(info->cbSize == 36 && info->dwFlags == SHCMBF_HMENU &&
-                    info->nToolBarId == 101 && info->hInstRes == g_Instance);
-        if (!Goes("SHCreateMenuBar", info->hwndParent)) {
+                    info->hInstRes == g_Instance);
+        if (!Goes("SHCreateMenuBar", info->hwndParent) || info->nToolBarId != 101) {
             return 0;
         }
         FakeWindow bar;
+        bar.style = WS_POPUP;
         bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
         bar.parent = info->hwndParent;
         info->hwndMB = Add(std::move(bar));
@@ -239,8 +262,29 @@ class FakeWindows : public CollectedBoxes {
     static constexpr int kScreenHeight = 320;
 
     const std::set<std::u16string> kControlClasses = {
-        u"BUTTON",         u"EDIT", u"COMBOBOX", u"LISTBOX", u"STATIC", u"msctls_trackbar32",
-        u"SysTabControl32"};
+        u"button",         u"edit", u"combobox", u"listbox", u"static", u"msctls_trackbar32",
+        u"systabcontrol32"};
+
+    // By which a class is found.
+    static std::u16string KeyOf(std::u16string name) {
+        for (WCHAR& unit : name) {
+            unit = unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit | 0x20) : unit;
+        }
+        return name;
+    }
+
+    static void Move(RECT& bounds, int dx, int dy) {
+        bounds = {bounds.left + dx, bounds.top + dy, bounds.right + dx, bounds.bottom + dy};
+    }
+
+    static void CopyFields(const SCROLLINFO& from, SCROLLINFO& to, UINT mask) {
+        const bool range = (mask & SIF_RANGE) != 0;
+        to.nMin = range ? from.nMin : to.nMin;
+        to.nMax = range ? from.nMax : to.nMax;
+        to.nPage = (mask & SIF_PAGE) != 0 ? from.nPage : to.nPage;
+        to.nPos = (mask & SIF_POS) != 0 ? from.nPos : to.nPos;
+        to.nTrackPos = (mask & SIF_TRACKPOS) != 0 ? from.nTrackPos : to.nTrackPos;
+    }
 
     // The next thing that the user does, once nothing is left to be done.
     void NextStep() {
@@ -295,21 +339,19 @@ class FakeWindows : public CollectedBoxes {
         const auto number = static_cast<int>(static_cast<LPARAM>(wParam));
         const bool ofCombo = message >= CB_ADDSTRING && message <= CB_SETCURSEL;
         const bool ofSlider = message >= TBM_GETPOS && message <= TBM_SETRANGE;
-        EXPECT_EQ(ofCombo, control.className == u"COMBOBOX" && message != WM_GETTEXT);
-        EXPECT_EQ(ofSlider, control.className == u"msctls_trackbar32");
+        const bool ofText = message == WM_SETTEXT || message == WM_GETTEXT;
+        EXPECT_EQ(ofCombo, control.className == u"COMBOBOX" && !ofText);
+        EXPECT_EQ(ofSlider, control.className == u"msctls_trackbar32" && !ofText);
         switch (message) {
             case BM_GETCHECK:
                 return control.check;
             case BM_SETCHECK:
-                control.check = number;
+                control.check = (control.style & 0xF) == BS_AUTOCHECKBOX && number != 0 ? 1 : 0;
                 return 0;
             case WM_GETTEXT:
                 return CopyText(ShownText(control), wParam, lParam);
             case WM_SETTEXT:
-                control.text = TextOf(lParam);
-                return SendMessageW(control.parent, WM_COMMAND,
-                                    MAKELONG(static_cast<WORD>(control.id), EN_CHANGE),
-                                    reinterpret_cast<LPARAM>(handle));
+                return SetText(handle, control, TextOf(lParam));
             case CB_ADDSTRING:
                 control.entries.emplace_back(TextOf(lParam));
                 return static_cast<LRESULT>(control.entries.size()) - 1;
@@ -323,14 +365,16 @@ class FakeWindows : public CollectedBoxes {
             case TCM_GETCURSEL:
                 return control.position;
             case TBM_SETRANGE:
+                control.lowest = LOWORD(static_cast<DWORD_PTR>(lParam));
                 control.highest = HIWORD(static_cast<DWORD_PTR>(lParam));
-                return 0;
+                return Slide(control, control.position);
             case TBM_SETPOS:
-                control.position = std::clamp(static_cast<int>(lParam), 0, control.highest);
-                return 0;
+                return Slide(control, static_cast<int>(lParam));
             case TCM_INSERTITEM:
-                return Goes("TCM_INSERTITEM " + std::to_string(wParam)) ? InsertTab(control, lParam)
-                                                                        : -1;
+                return Goes("TCM_INSERTITEM " + std::to_string(wParam)) && number >= 0 &&
+                               lParam != 0
+                           ? InsertTab(control, static_cast<std::size_t>(number), lParam)
+                           : -1;
             case TCM_ADJUSTRECT: {
                 auto* area = reinterpret_cast<RECT*>(lParam);
                 *area = {area->left + 4, area->top + 4, area->right - 4, area->bottom - 25};
@@ -355,18 +399,43 @@ class FakeWindows : public CollectedBoxes {
 
     static LRESULT CopyText(const std::u16string& text, WPARAM room, LPARAM lParam) {
         auto* buffer = reinterpret_cast<WCHAR*>(lParam);
+        if (room == 0) {
+            return 0;
+        }
         const std::size_t count = text.copy(buffer, room - 1);
         buffer[count] = 0;
         return static_cast<LRESULT>(count);
     }
 
-    static LRESULT InsertTab(FakeWindow& control, LPARAM lParam) {
+    LRESULT SetText(HWND handle, FakeWindow& control, const WCHAR* text) {
+        if (control.className == u"COMBOBOX") {
+            return CB_ERR;
+        }
+        control.text = text;
+        const bool tells = control.className == u"EDIT";
+        const auto [parent, id] = std::pair(control.parent, static_cast<WORD>(control.id));
+        for (const WORD code : {EN_UPDATE, EN_CHANGE}) {
+            if (tells && windows.contains(handle)) {
+                SendMessageW(parent, WM_COMMAND, MAKELONG(id, code),
+                             reinterpret_cast<LPARAM>(handle));
+            }
+        }
+        return 1;
+    }
+
+    static LRESULT Slide(FakeWindow& control, int position) {
+        control.position = std::clamp(position, control.lowest, control.highest);
+        return 0;
+    }
+
+    static LRESULT InsertTab(FakeWindow& control, std::size_t index, LPARAM lParam) {
         const auto* item = reinterpret_cast<const TCITEM*>(lParam);
         EXPECT_EQ(item->mask, TCIF_TEXT);
         EXPECT_EQ(item->iImage, -1);
-        control.entries.emplace_back(item->pszText);
-        control.position = std::max(control.position, 0);
-        return static_cast<LRESULT>(control.entries.size()) - 1;
+        const auto place = static_cast<int>(std::min(index, control.entries.size()));
+        control.entries.emplace(control.entries.begin() + place, item->pszText);
+        control.position += place <= control.position || control.position < 0 ? 1 : 0;
+        return place;
     }
 
     std::map<std::u16string, WNDPROC> classes_;

@@ -50,7 +50,7 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
 
 int InteractiveProgram::Run(const Steps& steps) {
     platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                               device.OpenRegistry());
+                               device.OpenRegistry(), ThrowRestarted);
     TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
     const platform::WindowsInUse windowsInUse(windows);

@@ -85,7 +85,7 @@ bool ExpectNothingLost(const Case& each, int number, int error) {
     return ended != kNoSuchCall;
 }
 
-TEST(ErasingTest, AFaultAtAnyCallLeavesTwoDevices) {
+TEST(HardResetTest, AFaultAtAnyCallLeavesTwoDevices) {
     for (const Case& each : kCases) {
         for (const int error : {0, EIO}) {
             int number = 1;
@@ -97,7 +97,7 @@ TEST(ErasingTest, AFaultAtAnyCallLeavesTwoDevices) {
     }
 }
 
-TEST(ErasingTest, ADeviceWithACardStaysAsItIs) {
+TEST(HardResetTest, ADeviceWithACardStaysAsItIs) {
     if (!EnterMountNamespace()) {
         GTEST_SKIP() << "this user may not mount anything";
     }

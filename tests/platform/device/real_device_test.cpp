@@ -7,14 +7,11 @@
 
 #include <filesystem>
 
-#include "core/application.h"
-#include "core/win_main.h"
 #include "platform/device/hard_reset.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/registry_saving_windows.h"
 #include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
-#include "tests/support/files_alone.h"
 #include "tests/support/mounted_device.h"
 
 namespace {
@@ -31,36 +28,12 @@ LONG WriteNumber(platform::DeviceStore& store) {
     return result;
 }
 
-void WriteAndRestart(const TemporaryDevice& device, std::FILE* report) {
-    platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
-    platform::RunLog log("");
-    platform::ReportingStore recorder(store, report, log);
-    WriteNumber(recorder);
-    WriteNumber(recorder);
-    if (recorder.KernelIoControl(IOCTL_HAL_REBOOT + 1, nullptr, 0, nullptr, 0, nullptr) == 0) {
-        recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
-    }
-    std::_Exit(1);  // not reached
-}
-
-TEST(RealDeviceTest, ARestartStoresWhatIsPendingAndEndsTheProcess) {
-    const TemporaryDevice device;
-    const std::string report = device.path() + "/report";
-    WriteFile(device.path() + "/registry.reg", kKey);
-    std::FILE* const file = std::fopen(report.c_str(), "we");
-    ASSERT_NE(file, nullptr);
-    EXPECT_EXIT(WriteAndRestart(device, file), testing::ExitedWithCode(0), "^$");
-    std::fclose(file);
-    EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kWritten);
-    EXPECT_EQ(ReadFile(report),
-              "wrote [HKCU\\Key] \"Number\": nothing -> 5\nrestarting the device\n");
-}
-
 // A restart that cannot erase the device comes back, and the one after it is a plain one.
 void WriteAndErase(const TemporaryDevice& device) {
     platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     platform::RunLog log("");
     platform::ReportingStore recorder(store, stderr, log);
+    WriteNumber(recorder);
     WriteNumber(recorder);
     recorder.SetCleanRebootFlag();
     recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
@@ -80,8 +53,9 @@ TEST(RealDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
     std::filesystem::rename(device.path() + "/tree", device.files());
     WriteFile(device.path() + "/registry.reg", kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
-                "erasing the device\nfennelbright: erased; its files and registry as they were are "
-                "in its folder erased-20..-..-..\n$");
+                "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "
+                "erased; its files and registry as they were are in its folder "
+                "erased-20..-..-..\n$");
     const std::string folder = device.path() + "/erased-" + platform::Today();
     EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
     EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
@@ -174,36 +148,6 @@ TEST(RealDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
     EXPECT_EQ(ReadFile(report),
               "not written [HKCU\\Key] \"Number\" (another program has deleted its key)\n");
     EXPECT_EQ(log.ExitCode(false), 74);
-}
-
-// A store whose files can be opened and not be read.
-class UnreadableFiles : public platform::ForwardingStore {
-  public:
-    using ForwardingStore::ForwardingStore;
-    std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
-        return fopencookie(nullptr, "r",
-                           {.read = [](void*, char*, std::size_t) -> ssize_t { return -1; },
-                            .write = nullptr,
-                            .seek = nullptr,
-                            .close = nullptr});
-    }
-};
-
-TEST(RealDeviceTest, SettingsThatCannotBeReadTickNothing) {
-    const TemporaryDevice device;
-    device.Make({"Windows/StartUp/Fennelbright.lnk=keep", "App/settings.dat=1234"});
-    FilesAlone real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
-    UnreadableFiles store(real);
-    CollectedBoxes windows;
-    const platform::StoreInUse storeInUse(store);
-    const platform::WindowsInUse windowsInUse(windows);
-    testing::internal::CaptureStderr();
-    std::u16string silent = u"silent";
-    WinMain(nullptr, nullptr, silent.data(), 0);
-    g_Silent = false;
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read to its end"),
-              std::string::npos);
-    EXPECT_EQ(device.Listing().back(), "Windows/StartUp/Fennelbright.lnk=keep");
 }
 
 }  // namespace

@@ -80,7 +80,7 @@ const Case kCases[] = {
     {"MakeByName", {"A/"}, Write, kWritten, kNone},
 };
 
-class KillsTest : public testing::TestWithParam<Case> {
+class KilledMovesTest : public testing::TestWithParam<Case> {
   protected:
     void SetUp() override {
         if (!EnterMountNamespace()) {
@@ -153,10 +153,10 @@ class KillsTest : public testing::TestWithParam<Case> {
     MountedDevice device_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Calls, KillsTest, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(Calls, KilledMovesTest, testing::ValuesIn(kCases),
                          [](const auto& each) { return each.param.name; });
 
-TEST_P(KillsTest, AKillAfterAnyCallLosesNothing) {
+TEST_P(KilledMovesTest, AKillAfterAnyCallLosesNothing) {
     for (int number = 1;; ++number) {
         SCOPED_TRACE(number);
         for (int next = 1 + number % 5;; next += 5) {
@@ -177,7 +177,7 @@ TEST_P(KillsTest, AKillAfterAnyCallLosesNothing) {
     }
 }
 
-TEST_P(KillsTest, AnyCallThatFailsLosesNothing) {
+TEST_P(KilledMovesTest, AnyCallThatFailsLosesNothing) {
     for (const int error : {EIO, ENOSPC, EACCES}) {
         for (int number = 1;; ++number) {
             SCOPED_TRACE(number);

@@ -21,7 +21,7 @@
 namespace {
 
 // A device with a storage card of its own file system.
-class VolumesTest : public testing::TestWithParam<bool> {
+class MovesOverVolumesTest : public testing::TestWithParam<bool> {
   protected:
     void SetUp() override {
         if (!EnterMountNamespace()) {
@@ -50,11 +50,11 @@ class VolumesTest : public testing::TestWithParam<bool> {
     MountedDevice device_;
 };
 
-INSTANTIATE_TEST_SUITE_P(Files, VolumesTest, testing::Bool(), [](const auto& each) {
+INSTANTIATE_TEST_SUITE_P(Files, MovesOverVolumesTest, testing::Bool(), [](const auto& each) {
     return each.param ? "Nameless" : "WithReservedNames";
 });
 
-TEST_P(VolumesTest, FilesMoveToAnotherVolumeAndBack) {
+TEST_P(MovesOverVolumesTest, FilesMoveToAnotherVolumeAndBack) {
     device_.Make({"A/f=1", "A/s/g=22", "A/link>f", "A/t=new", "Card/B/T=old"});
     chmod(HostPath("A/f").c_str(), 0440);
     chmod(HostPath("A/s").c_str(), 0710);
@@ -77,7 +77,7 @@ TEST_P(VolumesTest, FilesMoveToAnotherVolumeAndBack) {
               Words("A/ A/f=1 A/link>f A/s/ A/s/g=22 A/t=new Card/ Card/B/ Card/B/T=old"));
 }
 
-TEST_P(VolumesTest, AFullVolumeLosesNothing) {
+TEST_P(MovesOverVolumesTest, AFullVolumeLosesNothing) {
     const std::string large(300000, 'x');
     device_.Make({"A/1=" + large, "A/2=" + large, "A/3=" + large, "Card/"});
     Move(u"\\A", u"\\Card\\");
@@ -89,7 +89,7 @@ TEST_P(VolumesTest, AFullVolumeLosesNothing) {
     EXPECT_EQ(files, 3U);
 }
 
-TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
+TEST_P(MovesOverVolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
     device_.Mount("T/d/mounted");
     device_.Make(Words("T/d/mounted/keep=1 T/d/f=2 Card/g=3 M/x.lnk=5#\\T\\d\\mounted\\x"));
     FilesAlone store(device_.OpenFiles());
@@ -102,7 +102,7 @@ TEST_P(VolumesTest, MountsBelowTheFirstLevelAreNotEntered) {
                                        "T/d/mounted/keep=1"));
 }
 
-TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
+TEST_P(MovesOverVolumesTest, MovesWorkWithoutFlagsForRenaming) {
     g_calls.renamingFlags = false;
     device_.Make(Words("A/f=1 A/s/g=2 A/x=new B/X=old Card/c/h=3"));
     Move(u"\\A", u"\\B\\");
@@ -112,7 +112,7 @@ TEST_P(VolumesTest, MovesNeedNoHelpOfTheFileSystem) {
                                        "Card/h=3"));
 }
 
-TEST_P(VolumesTest, OneFileOnTwoPathsStays) {
+TEST_P(MovesOverVolumesTest, OneFileOnTwoPathsStays) {
     device_.Bind("A", "View");
     device_.Make({"A/f=1", "Fuse/"});
     const std::string fuse = "command -v bindfs >/dev/null && bindfs '" + HostPath("A") + "' '" +
@@ -130,7 +130,7 @@ TEST_P(VolumesTest, OneFileOnTwoPathsStays) {
                                                : "A/ A/f=1 Card/ Fuse/ View/ View/f=1"));
 }
 
-TEST_P(VolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
+TEST_P(MovesOverVolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
     const struct {
         const char* copy;
         timespec time;
@@ -153,7 +153,7 @@ TEST_P(VolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
     }
 }
 
-TEST_P(VolumesTest, AFileOpenForWritingStays) {
+TEST_P(MovesOverVolumesTest, AFileOpenForWritingStays) {
     device_.Make({"A/f=1"});
     const platform::Descriptor file(open(HostPath("A/f").c_str(), O_RDWR));
     FilesAlone store(device_.OpenFiles());
@@ -167,7 +167,7 @@ bool WriteNumber(const std::string& path, int number) {
     return file && pwrite(file.get(), &number, sizeof number, 0) > 0;
 }
 
-TEST_P(VolumesTest, NoWritingIsLostByAMove) {
+TEST_P(MovesOverVolumesTest, NoWritingIsLostByAMove) {
     const std::string path = HostPath("f");
     FilesAlone store(device_.OpenFiles());
     for (int round = 0; round < 30; ++round) {
@@ -194,7 +194,7 @@ TEST_P(VolumesTest, NoWritingIsLostByAMove) {
     }
 }
 
-TEST_P(VolumesTest, MovedDirectoriesAreNeverOpenToMore) {
+TEST_P(MovesOverVolumesTest, MovedDirectoriesAreNeverOpenToMore) {
     for (const mode_t mode : {0700U, 0750U, 01777U, 0500U}) {
         device_.Make({"A/d/f=1", "A/given up/", "Card/old/"});
         chmod(HostPath("A/d").c_str(), mode);
@@ -219,7 +219,7 @@ TEST_P(VolumesTest, MovedDirectoriesAreNeverOpenToMore) {
 }
 
 // Files set aside, the records of their names, and what the next start makes of them.
-TEST_P(VolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
+TEST_P(MovesOverVolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
     const std::string aside = ".fennelbright-aside-0123456789abcdef";
     const std::string back = ".fennelbright-back-0123456789abcdef=";
     const std::string record = back + "ec4ee03d1bd9b4b0 \\A\\f";

@@ -22,7 +22,7 @@ std::u16string Numbered(std::u16string name, int number) {
     return name.append(digits.begin(), digits.end());
 }
 
-TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
+TEST(NameLookupTest, FindsTheExactNameOrTheFirst) {
     const TemporaryDevice device;
     device.Make({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
     const platform::Descriptor files = device.OpenFiles();
@@ -42,7 +42,7 @@ TEST(SpellingsTest, FindsTheExactNameOrTheFirst) {
 }
 
 // What is kept in mind of a directory must never hide what has been made in it since, however soon.
-TEST(SpellingsTest, SeesWhatWasMadeAfterALookInVain) {
+TEST(NameLookupTest, SeesWhatWasMadeAfterALookInVain) {
     const TemporaryDevice device;
     const platform::Descriptor files = device.OpenFiles();
     platform::NameLookup spellings;
@@ -59,7 +59,7 @@ TEST(SpellingsTest, SeesWhatWasMadeAfterALookInVain) {
     }
 }
 
-TEST(SpellingsTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
+TEST(NameLookupTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
     const TemporaryDevice device;
     device.Make({"Here="});
     const platform::Descriptor files = device.OpenFiles();
@@ -75,7 +75,7 @@ TEST(SpellingsTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
     EXPECT_EQ(Found(spellings.Find(files.get(), u"NEWER")), "newer");
 }
 
-TEST(NameSetTest, DeniesNothingThatItHolds) {
+TEST(NameLookupTest, ASetOfNamesDeniesNoneThatItHolds) {
     platform::NameSet set;
     int held = 0;
     for (int number = 0; number < 4000; ++number) {

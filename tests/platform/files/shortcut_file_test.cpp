@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/device/real_device.h"
 #include "platform/text/readable_text.h"
-#include "tests/support/temporary_device.h"
 
 namespace {
 
@@ -47,51 +45,6 @@ TEST(ShortcutFileTest, WritesTheTrueNumberOfCharacters) {
               "20#\"\\a b\\x.exe\" silent\"");
     EXPECT_EQ(platform::ShortcutContent(u"\\B\u00FC\U0001D11E"), "5#\\B\xC3\xBC\xF0\x9D\x84\x9E");
     EXPECT_EQ(platform::ShortcutContent(u""), "0#");
-}
-
-class ShortcutStoreTest : public testing::Test {
-  protected:
-    // "none" when the store says that it is no shortcut.
-    std::string TargetOf(const WCHAR* path, int limit = 1024) {
-        std::u16string buffer(1024, u'x');
-        return store_.SHGetShortcutTarget(path, buffer.data(), limit) != 0
-                   ? platform::ReadableText(buffer.c_str())
-                   : "none";
-    }
-
-    TemporaryDevice device_;
-    platform::RealDevice store_{device_.OpenFiles(), u"\\x.exe", device_.OpenRegistry()};
-};
-
-TEST_F(ShortcutStoreTest, TellsByContentAndNotByName) {
-    device_.Make({"a.txt=2#\\b", "a.lnk=hello", "dir.lnk/", "link.lnk>a.txt", "pipe.lnk|"});
-    EXPECT_EQ(TargetOf(u"\\A.TXT"), "\\b");
-    for (const WCHAR* const path :
-         {u"\\a.lnk", u"\\dir.lnk", u"\\link.lnk", u"\\pipe.lnk", u"\\gone.lnk", u"\\", u""}) {
-        EXPECT_EQ(TargetOf(path), "none") << platform::ReadableText(path);
-    }
-}
-
-TEST_F(ShortcutStoreTest, GivesWholeTextsOnly) {
-    device_.Make({"fits=1023#\\" + std::string(1022, 'a'), "long=1024#\\" + std::string(1023, 'a'),
-                  "three=3#\\ab", "padded=2#\\a" + std::string(5000, ' ')});
-    EXPECT_EQ(TargetOf(u"\\fits"), "\\" + std::string(1022, 'a'));
-    EXPECT_EQ(TargetOf(u"\\long"), "none");
-    EXPECT_EQ(TargetOf(u"\\three", 4), "\\ab");
-    EXPECT_EQ(TargetOf(u"\\three", 3), "none");
-    EXPECT_EQ(TargetOf(u"\\three", 0), "none");
-    EXPECT_EQ(TargetOf(u"\\padded"), "none");
-}
-
-TEST_F(ShortcutStoreTest, MakesShortcutsUnderNewNamesOnly) {
-    EXPECT_NE(store_.SHCreateShortcut(u"\\a.lnk", u"\\b c"), 0);
-    EXPECT_EQ(TargetOf(u"\\a.lnk"), "\\b c");
-    device_.Make({"dir/", "link>nowhere"});
-    for (const WCHAR* const path :
-         {u"\\a.lnk", u"\\A.LNK", u"\\dir", u"\\link", u"\\none\\a.lnk", u"\\c\\", u"\\c*", u""}) {
-        EXPECT_EQ(store_.SHCreateShortcut(path, u"\\x"), 0) << platform::ReadableText(path);
-    }
-    EXPECT_EQ(device_.Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>nowhere"}));
 }
 
 }  // namespace

@@ -94,7 +94,7 @@ class RegistryTest : public testing::Test {
     const Descriptor directory_{open(device_.path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)};
 };
 
-TEST_F(RegistryTest, OnlyOpenHandlesWork) {
+TEST_F(RegistryTest, AHandleThatIsNotOpenIsInvalid) {
     const Keys keys = Open();
     const HKEY apps = keys.Open(u"\\Software\\\\Apps\\");
     ASSERT_NE(apps, nullptr);
@@ -166,7 +166,7 @@ TEST_F(RegistryTest, AnUnterminatedTextComesBackAsItWasSet) {
     EXPECT_EQ(keys.Text(again, u"InstallDir"), u"\\New\0"s);
 }
 
-TEST_F(RegistryTest, RefusesWhatNoFileHolds) {
+TEST_F(RegistryTest, NamesAndDataThatNoFileHoldsAreRefused) {
     const Keys keys = Open();
     EXPECT_EQ(keys.Set(HKEY_USERS, std::u16string(256, u'n').c_str(), 1), ERROR_INVALID_PARAMETER);
     EXPECT_EQ(keys.Set(HKEY_USERS, u"a\nb", 1), ERROR_INVALID_PARAMETER);
@@ -178,7 +178,7 @@ TEST_F(RegistryTest, RefusesWhatNoFileHolds) {
     EXPECT_EQ(Content(), kFile);
 }
 
-TEST_F(RegistryTest, EnumerationClosesGaps) {
+TEST_F(RegistryTest, ADeletedSubkeyMovesThoseAfterItUp) {
     const Keys keys = Open();
     const HKEY apps = keys.Open(u"Software\\Apps");
     WCHAR name[4] = {};
@@ -193,7 +193,7 @@ TEST_F(RegistryTest, EnumerationClosesGaps) {
     EXPECT_EQ(keys.Enumerate(apps, 2, name, &size), ERROR_NO_MORE_ITEMS);
 }
 
-TEST_F(RegistryTest, DeletedKeysThatAreOpenSayIt) {
+TEST_F(RegistryTest, OperationsOnADeletedKeyThatIsOpenGiveKeyDeleted) {
     const Keys keys = Open();
     const HKEY sub = keys.Open(u"Software\\Apps\\Three\\Sub");
     const HKEY apps = keys.Open(u"Software\\Apps");
@@ -208,7 +208,7 @@ TEST_F(RegistryTest, DeletedKeysThatAreOpenSayIt) {
     EXPECT_EQ(Content(), kFile.substr(0, kFile.rfind('[')));
 }
 
-TEST_F(RegistryTest, WhatOthersChangedMeanwhileStays) {
+TEST_F(RegistryTest, ChangesOfAnotherProgramStay) {
     const Keys first = Open();
     const Keys second = Open();
     const HKEY firstKey = first.Open(u"Software\\Apps\\One");

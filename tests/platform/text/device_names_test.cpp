@@ -14,7 +14,7 @@ void ExpectPair(const std::string& host, const std::u16string& device) {
     EXPECT_EQ(back.view(), host);
 }
 
-TEST(HostNames, EveryHostNameHasOneDeviceNameThatLeadsBack) {
+TEST(DeviceNames, EveryHostNameHasOneDeviceNameThatLeadsBack) {
     const std::pair<std::string, std::u16string> cases[] = {
         {"caf\xC3\xA9 ", u"caf\u00E9 "},
         {"\xF0\x9F\x98\x80", u"\U0001F600"},
@@ -33,7 +33,7 @@ TEST(HostNames, EveryHostNameHasOneDeviceNameThatLeadsBack) {
     }
 }
 
-TEST(HostNames, NamesAsLongAsTheHandheldHasThemAreItsOwn) {
+TEST(DeviceNames, NamesAsLongAsTheHandheldHasThemAreItsOwn) {
     std::string host;
     for (int count = 0; count < 255; ++count) {
         host += "\xE6\x96\x87";  // three bytes each, on a card whose file system allows that
@@ -42,7 +42,7 @@ TEST(HostNames, NamesAsLongAsTheHandheldHasThemAreItsOwn) {
     EXPECT_TRUE(DeviceNameOf(host + "x").view().empty());
 }
 
-TEST(HostNames, NamesThatNoHostEntryCanHaveNameNothing) {
+TEST(DeviceNames, NamesThatNoHostEntryCanHaveNameNothing) {
     // The last four are escapes: of a byte that needs none, of two that would make one character,
     // and of bytes that no name holds.
     for (const std::u16string name :
@@ -56,7 +56,7 @@ TEST(HostNames, NamesThatNoHostEntryCanHaveNameNothing) {
     EXPECT_FALSE(HostNameOf(std::u16string(256, u'a'), host));
 }
 
-TEST(HostNames, CaseDoesNotTellNamesApart) {
+TEST(DeviceNames, CaseDoesNotTellNamesApart) {
     const std::u16string same[][2] = {
         {u"README.TXT", u"readme.txt"}, {u"\u00C4rger", u"\u00E4RGER"}, {u"\u0416", u"\u0436"}};
     for (const auto& [left, right] : same) {

@@ -43,7 +43,30 @@ constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
 "limit"=dword:00000009
 )";
 
-TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
+constexpr char kReport[] = R"(step 1: deleted \1\a (0 bytes)
+step 2: deleted \2\a (0 bytes)
+step 3: deleted \Temp\a (0 bytes)
+step 4: deleted \Windows\Temp\a (0 bytes)
+step 5: deleted \My Documents\Temp\a (0 bytes)
+step 6: deleted \C\a (0 bytes)
+step 7: deleted \H\a (0 bytes)
+step 8: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Explorer\Shell Folders] "Cache": "\C" -> "\8\"
+step 9: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Content] "CacheLimit": 9 -> 3072
+step 10: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\History] "CacheLimit": 9 -> 512
+step 11: wrote [HKCU\Software\Microsoft\Windows\CurrentVersion\Internet Settings\5.0\Cache\Cookies] "CacheLimit": 9 -> 256
+step 12: wrote [HKCU\Software\AvantGo] "DatabaseLocation": "\Go" -> "\12\"
+step 13: deleted key [HKLM\Software\Apps\Gone]
+step 14: wrote [HKLM\Explorer\Shell Folders] "Favorites": "\Fav" -> "\14\"
+step 15: wrote [HKLM\Explorer\Shell Folders] "Fonts": "\Fonts" -> "\15\"
+step 16: wrote [HKLM\Explorer\Shell Folders] "My Documents": "\My" -> "\16\"
+step 17: deleted \Windows\Start Menu\a.lnk (7 bytes)
+step 18: wrote [HKLM\System\GDI\GLYPHCACHE] "limit": 9 -> 16384
+step 19: made shortcut \Windows\StartUp\Fennelbright.lnk to "\App\Fennelbright.exe" silent"
+step 20: wrote [HKLM\System\GWE\Menu] "AniType": 6 -> 0
+step 21: wrote [HKLM\System\GWE] "Animate": 1 -> 0
+)";
+
+TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
     const TemporaryDevice device;
     device.Make(
         Words("1/a= 2/a= Temp/a= Windows/Temp/a= C/a= H/a= "
@@ -67,47 +90,7 @@ TEST(ApplyOrder, EveryStepOfASilentRunHasItsPlace) {
     g_Silent = false;
     EXPECT_TRUE(recorder.StoreRegistry().has_value());
     EXPECT_EQ(windows.boxes, Entries());
-    const std::string folders = "[HKLM\\Explorer\\Shell Folders] ";
-    const std::string browser = "[HKCU\\Software\\Microsoft\\Windows\\CurrentVersion\\";
-    const std::string limits = browser + "Internet Settings\\5.0\\Cache\\";
-    EXPECT_EQ(ReadFile(report),
-              "step 1: deleted \\1\\a (0 bytes)\n"
-              "step 2: deleted \\2\\a (0 bytes)\n"
-              "step 3: deleted \\Temp\\a (0 bytes)\n"
-              "step 4: deleted \\Windows\\Temp\\a (0 bytes)\n"
-              "step 5: deleted \\My Documents\\Temp\\a (0 bytes)\n"
-              "step 6: deleted \\C\\a (0 bytes)\n"
-              "step 7: deleted \\H\\a (0 bytes)\n"
-              "step 8: wrote " +
-                  browser +
-                  "Explorer\\Shell Folders] \"Cache\": \"\\C\" -> \"\\8\\\"\n"
-                  "step 9: wrote " +
-                  limits +
-                  "Content] \"CacheLimit\": 9 -> 3072\n"
-                  "step 10: wrote " +
-                  limits +
-                  "History] \"CacheLimit\": 9 -> 512\n"
-                  "step 11: wrote " +
-                  limits +
-                  "Cookies] \"CacheLimit\": 9 -> 256\n"
-                  "step 12: wrote [HKCU\\Software\\AvantGo] \"DatabaseLocation\": \"\\Go\" -> "
-                  "\"\\12\\\"\n"
-                  "step 13: deleted key [HKLM\\Software\\Apps\\Gone]\n"
-                  "step 14: wrote " +
-                  folders +
-                  "\"Favorites\": \"\\Fav\" -> \"\\14\\\"\n"
-                  "step 15: wrote " +
-                  folders +
-                  "\"Fonts\": \"\\Fonts\" -> \"\\15\\\"\n"
-                  "step 16: wrote " +
-                  folders +
-                  "\"My Documents\": \"\\My\" -> \"\\16\\\"\n"
-                  "step 17: deleted \\Windows\\Start Menu\\a.lnk (7 bytes)\n"
-                  "step 18: wrote [HKLM\\System\\GDI\\GLYPHCACHE] \"limit\": 9 -> 16384\n"
-                  "step 19: made shortcut \\Windows\\StartUp\\Fennelbright.lnk to "
-                  "\"\\App\\Fennelbright.exe\" silent\"\n"
-                  "step 20: wrote [HKLM\\System\\GWE\\Menu] \"AniType\": 6 -> 0\n"
-                  "step 21: wrote [HKLM\\System\\GWE] \"Animate\": 1 -> 0\n");
+    EXPECT_EQ(ReadFile(report), kReport);
 }
 
 }  // namespace

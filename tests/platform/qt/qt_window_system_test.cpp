@@ -1,0 +1,110 @@
+// What a user's mouse and keys do to the windows.
+
+#include <QMenu>
+#include <QScrollBar>
+#include <QTimer>
+#include <QWindow>
+#include <algorithm>
+
+#include "core/window_operations.h"
+#include "platform/display/responsive_store.h"
+#include "tests/support/display_fixture.h"
+#include "tests/support/files_alone.h"
+#include "tests/support/temporary_device.h"
+
+namespace {
+
+class QtWindowSystemTest : public DisplayTest {};
+
+TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
+    const struct {
+        int highest;
+        int position;
+        bool up;
+        int code;  // -1: none
+    } rows[] = {{157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN},
+                {157, 155, false, SB_BOTTOM}, {157, 3, true, SB_LINEUP},
+                {157, 2, true, SB_TOP},       {-217, 0, false, -1},
+                {-217, 0, true, -1}};
+    for (const auto& row : rows) {
+        const SCROLLINFO info = {28, 15, 0, row.highest, 3, row.position, 0};
+        SetScrollInfo(page_, SB_VERT, &info, TRUE);
+        QScrollBar& bar = *Host().findChild<QScrollBar*>();
+        EXPECT_TRUE(bar.isVisible());
+        EXPECT_EQ(bar.isEnabled(), row.code >= 0);
+        Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
+        Dispatch();
+        const AllTold step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
+        EXPECT_EQ(TakeTold(), row.code < 0 ? AllTold{} : step) << row.position;
+        SCROLLINFO after = {28, SIF_POS, 0, 0, 0, 0, 0};
+        GetScrollInfo(page_, SB_VERT, &after);
+        EXPECT_EQ(after.nPos, row.position) << "the bar has moved by itself";
+        EXPECT_EQ(bar.value(), row.position);
+    }
+}
+
+TEST_F(QtWindowSystemTest, ClicksOnAButtonThatIsDestroyedAreNotTold) {
+    const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
+    Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    g_hook = [](const Told& told) -> LRESULT { return DestroyWindow(told.window); };
+    Click(Control(7));
+    DestroyWindow(dying);
+    Click(Control(6));
+    Click(Control(6));
+    Click(*Control(6).parentWidget(), QPoint(200, 200));
+    Dispatch();
+    EXPECT_EQ(TakeTold().size(), 1U) << "a dead window was told";
+    EXPECT_EQ(GetClientRect(page_, nullptr), 0);
+}
+
+TEST_F(QtWindowSystemTest, AnOperationOfTheStoreServesTheDesktop) {
+    const TemporaryDevice device;
+    FilesAlone files(device.OpenFiles());
+    auto& display = dynamic_cast<platform::DisplayWindowSystem&>(windows());
+    platform::ResponsiveStore store(files, [&] { display.ServeDesktop(); });
+    bool answered = false;
+    QTimer::singleShot(0, qApp, [&] { answered = true; });
+    store.DeleteFileW(u"\\none");
+    EXPECT_TRUE(answered);
+}
+
+TEST_F(QtWindowSystemTest, OnlyTheLeftButtonOnABackgroundIsTheStylus) {
+    Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
+    Click(*Control(5).parentWidget(), QPoint(100, 90));
+    Dispatch();
+    EXPECT_EQ(TakeTold(), (AllTold{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
+    QTest::mouseClick(Control(5).parentWidget(), Qt::RightButton, Qt::NoModifier, QPoint(100, 90));
+    Dispatch();
+    EXPECT_TRUE(TakeTold().empty());
+}
+
+TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
+    Add(TEXT("STATIC"), 0, {0, 0, 50, 18}, 5);
+    auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
+    const HWND box = Open(TEXT("Kept"));
+    Click(ok);
+    Host().close();
+    EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
+    EXPECT_EQ(Host().windowHandle()->title(), "A device[*]");
+    Dispatch();
+    DestroyWindow(box);
+    Click(ok);
+    Dispatch();
+    const Told ended = {main_, WM_COMMAND, IDOK, 0};
+    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
+}
+
+TEST_F(QtWindowSystemTest, AMenuOpensAboveItsBar) {
+    SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
+    ASSERT_NE(SHCreateMenuBar(&info), 0);
+    QTest::keyClick(&Host(), Qt::Key_F10);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Return);
+    EXPECT_NE(dynamic_cast<QMenu&>(*QApplication::activePopupWidget()).activeAction(), nullptr);
+    QTest::keyClick(QApplication::activePopupWidget(), Qt::Key_Right);
+    QWidget* const popup = QApplication::activePopupWidget();
+    ASSERT_NE(popup, nullptr);
+    EXPECT_EQ(popup->y() + popup->height(), Host().mapToGlobal(QPoint(0, 294)).y());
+    popup->close();
+}
+
+}  // namespace
