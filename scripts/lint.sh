@@ -5,6 +5,11 @@ cd "$(dirname "$0")/.."
 
 scripts/format.sh --dry-run -Werror
 
+# What the documents say of the sources is found where they say.
+missing=$(grep -ohE '\b(core|settings|engine|screens|search|browser|shell|platform|tests|scripts|bench|docs)/[a-z_/]+\.(cpp|h|sh|py|md|cmake)\b' \
+  ./*.md docs/*.md | sort -u | while read -r path; do [ -e "$path" ] || echo "$path"; done)
+[ -z "$missing" ] || { printf 'Documents name files that are not there:\n%s\n' "$missing"; exit 1; }
+
 # The fuzz targets are compiled in a build of their own. The benchmarks are in neither build of the
 # tests, so this build has its own directory, in which nothing is compiled.
 cmake --preset fuzzing >/dev/null
