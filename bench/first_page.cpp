@@ -15,8 +15,8 @@
 #include <string>
 
 #include "core/win_main.h"
+#include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/real_device.h"
 #include "platform/display/window_module_loader.h"
 
 extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
@@ -84,9 +84,9 @@ int main(int count, char** words) {
         return 64;
     }
     auto device = platform::OpenDeviceDirectory(words[1]).value();
-    platform::RealDevice store(std::move(device.files),
-                               u"\\Program Files\\Fennelbright\\Fennelbright.exe",
-                               platform::Registry::Open(device.directory.get()).value());
+    platform::AssembledDevice store(std::move(device.files),
+                                    u"\\Program Files\\Fennelbright\\Fennelbright.exe",
+                                    platform::Registry::Open(device.directory.get()).value());
     const platform::StoreInUse storeInUse(store);
     const platform::WindowModuleParams params = platform::WindowParamsFor(words[1], 1);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));

@@ -19,7 +19,7 @@
 
 #include "platform/io/descriptor.h"
 #include "platform/registry/registry.h"
-#include "platform/registry/text/registry_text.h"
+#include "platform/registry/text/edited_registry_text.h"
 
 namespace {
 
@@ -37,7 +37,7 @@ bool WriteOneValue(platform::Registry& registry) {
 int Parse(const char* path) {
     std::ifstream file(path, std::ios::binary);
     std::string bytes((std::istreambuf_iterator<char>(file)), {});
-    if (const auto text = platform::RegistryText::Parse(std::move(bytes)); !text) {
+    if (const auto text = platform::EditedRegistryText::Parse(std::move(bytes)); !text) {
         std::fprintf(stderr, "%s\n", platform::Describe(text.error()).c_str());
         return EX_DATAERR;
     }

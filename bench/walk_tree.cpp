@@ -19,12 +19,12 @@
 
 #include "core/application.h"
 #include "engine/file_tree.h"
-#include "platform/display/console_boxes.h"
+#include "platform/display/message_boxes_as_lines.h"
 #include "platform/io/descriptor.h"
 #include "platform/seam/device_store.h"
 #include "platform/text/text_encoding.h"
 #include "search/tree_search.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 #include "tests/support/files_alone.h"
 
 namespace {
@@ -50,7 +50,7 @@ std::optional<Walk> ReadWalk(int count, char** words) {
 }
 
 void SearchWithoutWindows(const WCHAR* directory) {
-    platform::ConsoleBoxes windows(stderr);
+    platform::MessageBoxesAsLines windows(stderr);
     const platform::WindowsInUse inUse(windows);
     CDisplayWindow display;
     g_DisplayWindow = &display;

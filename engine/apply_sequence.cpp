@@ -3,9 +3,9 @@
 #include <optional>
 
 #include "core/application.h"
-#include "core/apply_options.h"
 #include "core/handheld_operations.h"
 #include "core/host_notes.h"
+#include "core/option_table.h"
 #include "core/window_operations.h"
 #include "engine/application_keys.h"
 #include "engine/browser_caches.h"

@@ -2,11 +2,11 @@
 
 #include <cstdio>
 
-#include "core/apply_options.h"
 #include "core/error_box.h"
 #include "core/file_operations.h"
 #include "core/handheld_operations.h"
-#include "engine/option_rows.h"
+#include "core/option_table.h"
+#include "engine/option_row_lookup.h"
 #include "engine/registry_key.h"
 
 namespace {

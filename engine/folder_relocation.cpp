@@ -1,9 +1,9 @@
 #include "engine/folder_relocation.h"
 
-#include "core/apply_options.h"
 #include "core/error_box.h"
+#include "core/option_table.h"
 #include "engine/file_tree.h"
-#include "engine/option_rows.h"
+#include "engine/option_row_lookup.h"
 #include "engine/registry_path.h"
 
 namespace {

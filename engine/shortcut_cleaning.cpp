@@ -5,7 +5,7 @@
 #include "core/handheld_operations.h"
 #include "core/host_notes.h"
 #include "core/tree_level.h"
-#include "engine/shortcut_target.h"
+#include "engine/shortcut_target_lookup.h"
 
 bool ShortcutTargetExists(const WCHAR* shortcutPath) {
     const auto target = std::make_unique<PathText>();

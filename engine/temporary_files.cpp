@@ -1,8 +1,8 @@
 #include "engine/temporary_files.h"
 
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "engine/file_tree.h"
-#include "engine/option_rows.h"
+#include "engine/option_row_lookup.h"
 
 namespace {
 

@@ -15,7 +15,7 @@
 #include "platform/host/command_line.h"
 #include "platform/host/device_choice.h"
 #include "platform/host/device_run.h"
-#include "platform/host/help_viewer.h"
+#include "platform/host/help_viewer_process.h"
 #include "platform/host/make_sample_device.h"
 
 namespace {

@@ -10,7 +10,7 @@
 #include "core/window_operations.h"
 #include "screens/screens.h"
 #include "search/tree_search.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 
 namespace {
 

@@ -2,9 +2,9 @@
 
 #include "core/application.h"
 #include "core/error_box.h"
-#include "screens/catalogue.h"
+#include "screens/control_catalogue.h"
 #include "screens/control_dispatch.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 
 namespace {
 

@@ -19,9 +19,9 @@ set(exceptions
   # Dialogs and pages belong to the main window, and are made as it is.
   "browser/browse_dialog.cpp includes shell/window_creation.h"
   "search/search_indicator.cpp includes shell/window_creation.h"
-  "search/search_indicator.cpp includes shell/windows.h"
-  "screens/control_dispatch.cpp includes shell/windows.h"
-  "screens/screens.cpp includes shell/windows.h")
+  "search/search_indicator.cpp includes shell/main_windows.h"
+  "screens/control_dispatch.cpp includes shell/main_windows.h"
+  "screens/screens.cpp includes shell/main_windows.h")
 
 set(faults "")
 set(needed "")

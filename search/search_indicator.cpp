@@ -4,8 +4,8 @@
 
 #include "core/application.h"
 #include "core/window_operations.h"
+#include "shell/main_windows.h"
 #include "shell/window_creation.h"
-#include "shell/windows.h"
 
 namespace {
 

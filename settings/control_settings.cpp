@@ -1,7 +1,7 @@
 #include "settings/control_settings.h"
 
 #include "core/application.h"
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "core/wide_text.h"
 #include "core/window_operations.h"
 #include "screens/screens.h"

@@ -4,9 +4,9 @@
 #include <optional>
 
 #include "core/application.h"
-#include "core/apply_options.h"
 #include "core/file_operations.h"
 #include "core/host_notes.h"
+#include "core/option_table.h"
 #include "core/wide_text.h"
 #include "core/window_operations.h"
 #include "settings/control_settings.h"

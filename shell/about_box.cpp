@@ -2,9 +2,9 @@
 
 #include "core/application.h"
 #include "core/error_box.h"
+#include "shell/main_windows.h"
 #include "shell/window_creation.h"
 #include "shell/window_procedure.h"
-#include "shell/windows.h"
 
 HWND g_AboutWindow = nullptr;
 CControlList g_AboutControls;

@@ -6,7 +6,7 @@
 #include "screens/screens.h"
 #include "settings/settings_file.h"
 #include "shell/about_box.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 
 namespace {
 

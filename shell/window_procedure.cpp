@@ -12,8 +12,8 @@
 #include "settings/settings_file.h"
 #include "shell/about_box.h"
 #include "shell/device_commands.h"
+#include "shell/main_windows.h"
 #include "shell/resources.h"
-#include "shell/windows.h"
 
 namespace {
 

@@ -24,9 +24,9 @@
 #include <vector>
 
 #include "core/win_main.h"
+#include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/real_device.h"
-#include "platform/device/sample_device.h"
+#include "platform/device/sample_files.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"
@@ -227,8 +227,8 @@ int main(int count, char** words) {
         return 73;
     }
     auto device = platform::OpenDeviceDirectory(sample.device.c_str()).value();
-    platform::RealDevice store(std::move(device.files), sample.modulePath,
-                               platform::Registry::Open(device.directory.get()).value());
+    platform::AssembledDevice store(std::move(device.files), sample.modulePath,
+                                    platform::Registry::Open(device.directory.get()).value());
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const platform::WindowModuleParams params = platform::WindowParamsFor("A device", kScale);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));

@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <pwd.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 
 #include <cerrno>
@@ -111,20 +110,6 @@ Result<DeviceDirectory> OpenDirectory(const char* path) {
     return device;
 }
 
-// False when another run has it.
-Result<bool> Lock(const Descriptor& directory) {
-    if (flock(directory.get(), LOCK_EX | LOCK_NB) == 0) {
-        return true;
-    }
-    if (errno == EBADF) {
-        return FailBecause("lock it", "its \"files\" cannot be opened for reading");
-    }
-    if (errno != EWOULDBLOCK) {
-        return Fail("lock it", errno);
-    }
-    return false;
-}
-
 }  // namespace
 
 Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
@@ -171,18 +156,6 @@ bool CanBecomeDevice(const char* path) {
     return device ? CheckMeant(*device) && CheckEmpty(device->directory) &&
                         !IsFilesOfDevice(device->directory)
                   : device.error().error == ENOENT;
-}
-
-// A lock belongs to an opening of a directory, so one directory in both parts is locked once.
-Result<bool> LockDevice(const DeviceDirectory& device) {
-    Result<bool> locked = Lock(device.directory);
-    if (!locked || !*locked || !device.files) {
-        return locked;
-    }
-    Result<bool> both = Lock(device.files);
-    return both && !*both
-               ? IsSameFile(IdentityOf(device.directory.get()), IdentityOf(device.files.get()))
-               : both;
 }
 
 }  // namespace platform

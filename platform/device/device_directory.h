@@ -28,9 +28,4 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path);
 // Whether MakeDeviceDirectory could be asked for it: it is missing or an empty directory.
 bool CanBecomeDevice(const char* path);
 
-// Takes the locks that keep a second run away, on the file tree and on the directory of the
-// registry, for as long as both are open in any process. False when another run holds one of them;
-// fails where the file system knows no locks.
-Result<bool> LockDevice(const DeviceDirectory& device);
-
 }  // namespace platform

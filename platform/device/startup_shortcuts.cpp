@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/text/device_names.h"
+#include "platform/text/name_matching.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {

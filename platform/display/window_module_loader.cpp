@@ -4,7 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "platform/display/console_boxes.h"
+#include "platform/display/message_boxes_as_lines.h"
 
 namespace platform {
 
@@ -47,7 +47,7 @@ Result<void*> FindInModule(const char* name) {
 }
 
 int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
-    return ConsoleBoxes(stderr).MessageBoxW(nullptr, text, caption, type);
+    return MessageBoxesAsLines(stderr).MessageBoxW(nullptr, text, caption, type);
 }
 
 }  // namespace

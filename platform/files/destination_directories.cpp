@@ -2,7 +2,7 @@
 
 #include <cerrno>
 
-#include "platform/files/name_lookup.h"
+#include "platform/files/case_insensitive_lookup.h"
 #include "platform/io/directory_reader.h"
 #include "platform/io/entry_facts.h"
 
@@ -23,7 +23,7 @@ Result<std::optional<HostName>> DestinationDirectory::Existing(std::u16string_vi
 
 namespace {
 
-Status ReadNamesInto(NameSet& names, int directory) {
+Status ReadNamesInto(NameHashSet& names, int directory) {
     return ReadEntries(directory, DirectoryReader::Names::Device,
                        [&names](const DirectoryReader::Entry& entry) {
                            names.Add(DeviceNameOf(entry.name).view());

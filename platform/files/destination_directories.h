@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files/name_set.h"
+#include "platform/files/name_hash_set.h"
 #include "platform/files/path_resolver.h"
 
 namespace platform {
@@ -14,7 +14,7 @@ namespace platform {
 struct DestinationDirectory {
     std::u16string path;  // as the caller spelt it, backslash included
     Descriptor descriptor;
-    NameSet names;
+    NameHashSet names;
 
     // The entry that has this device name, in whatever case; nothing when there is none. `host` is
     // its exact host name.

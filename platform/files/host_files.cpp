@@ -8,7 +8,7 @@
 #include "core/wide_text.h"
 #include "platform/files/dos_attributes.h"
 #include "platform/files/killed_run_recovery.h"
-#include "platform/files/shortcut_file.h"
+#include "platform/files/shortcut_file_format.h"
 #include "platform/io/atomic_file.h"
 #include "platform/io/file_identity.h"
 #include "platform/io/open_beneath.h"

@@ -13,6 +13,7 @@
 #include "platform/moves/set_aside.h"
 #include "platform/text/device_paths.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/reserved_names.h"
 
 namespace platform {
 

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "platform/files/dos_attributes.h"
+#include "platform/text/name_matching.h"
 
 namespace platform {
 

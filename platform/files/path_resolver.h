@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/files/name_lookup.h"
+#include "platform/files/case_insensitive_lookup.h"
 #include "platform/io/descriptor.h"
 
 // The device's file tree on the host: how a device path reaches a host entry. Everything is opened
@@ -42,7 +42,7 @@ class PathResolver {
     // The root directory of the volume that holds what `path` names.
     Result<Descriptor> OpenVolume(std::u16string_view path) const;
 
-    NameLookup& lookup() const { return lookup_; }
+    CaseInsensitiveLookup& lookup() const { return lookup_; }
 
   private:
     Result<Descriptor> OpenAsSpelt(std::span<const std::u16string_view> components,
@@ -53,7 +53,7 @@ class PathResolver {
                                  OpenFor purpose) const;
 
     Descriptor root_;
-    mutable NameLookup lookup_;  // what is known of the tree, not a part of it
+    mutable CaseInsensitiveLookup lookup_;  // what is known of the tree, not a part of it
 };
 
 }  // namespace platform

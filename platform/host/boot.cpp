@@ -13,7 +13,7 @@
 #include "platform/device/startup_shortcuts.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/files/host_files.h"
-#include "platform/host/exit_code.h"
+#include "platform/host/worst_exit_code.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
 

@@ -5,7 +5,7 @@
 #include <cstdlib>
 #include <optional>
 
-#include "platform/device/sample_device.h"
+#include "platform/device/sample_files.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/text/text_encoding.h"

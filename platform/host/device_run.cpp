@@ -8,15 +8,16 @@
 #include <optional>
 
 #include "core/win_main.h"
+#include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/real_device.h"
+#include "platform/device/device_lock.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/display/console_boxes.h"
 #include "platform/display/display_detection.h"
+#include "platform/display/message_boxes_as_lines.h"
+#include "platform/display/message_boxes_of_silent_run.h"
 #include "platform/display/registry_saving_windows.h"
-#include "platform/display/responsive_store.h"
-#include "platform/display/silent_run_boxes.h"
 #include "platform/display/window_module_loader.h"
+#include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
 #include "platform/report/reporting_store.h"
 
@@ -57,7 +58,7 @@ class DeviceRun {
     bool isSilent_;
     bool isLocked_ = false;
     DeviceDirectory device_;
-    std::unique_ptr<RealDevice> store_;
+    std::unique_ptr<AssembledDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
     std::optional<ReportingStore> recorder_;        // where a report or --strict was asked for
 };
@@ -95,9 +96,9 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
-    store_ = std::make_unique<RealDevice>(std::move(device_.files), line_.modulePath,
-                                          std::move(*registry),
-                                          [this](int code) { EndOnTheSpot(code); });
+    store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
+                                               std::move(*registry),
+                                               [this](int code) { EndOnTheSpot(code); });
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
         RemoveUnfinishedFilesIn(device_.directory.get());
@@ -150,14 +151,14 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        ResponsiveStore answering(store(), [this] { windows_->ServeDesktop(); });
+        WindowRepaintingStore answering(store(), [this] { windows_->ServeDesktop(); });
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {
-        ConsoleBoxes console(stderr);
+        MessageBoxesAsLines console(stderr);
         return RunProgram(store(), console);
     }
-    SilentRunBoxes boxes(WindowParamsFor(line_.device.c_str(), line_.scale), stderr);
+    MessageBoxesOfSilentRun boxes(WindowParamsFor(line_.device.c_str(), line_.scale), stderr);
     return RunProgram(store(), boxes);
 }
 

@@ -4,9 +4,9 @@
 
 #include <utility>
 
+#include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/real_device.h"
-#include "platform/device/sample_device.h"
+#include "platform/device/sample_files.h"
 #include "platform/device/sample_registry.h"
 #include "platform/diagnostics/run_log.h"
 
@@ -22,7 +22,7 @@ Status FillSample(DeviceDirectory& device, const CommandLine& line) {
     if (!registry) {
         return tl::unexpected<Failure>(registry.error());
     }
-    RealDevice store(std::move(device.files), line.modulePath, std::move(*registry));
+    AssembledDevice store(std::move(device.files), line.modulePath, std::move(*registry));
     const StoreInUse inUse(store);
     return FillSampleDevice(store);
 }

@@ -10,6 +10,7 @@
 #include "platform/io/open_beneath.h"
 #include "platform/io/rename_without_replacing.h"
 #include "platform/io/whole_file.h"
+#include "platform/text/reserved_names.h"
 
 namespace platform {
 

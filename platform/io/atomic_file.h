@@ -8,7 +8,7 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/io/descriptor.h"
-#include "platform/text/device_names.h"
+#include "platform/text/name_translation.h"
 
 namespace platform {
 

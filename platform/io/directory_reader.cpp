@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <string_view>
 
-#include "platform/text/device_names.h"
+#include "platform/text/reserved_names.h"
 
 namespace platform {
 

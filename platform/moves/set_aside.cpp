@@ -17,6 +17,7 @@
 #include "platform/io/whole_file.h"
 #include "platform/text/device_paths.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/reserved_names.h"
 #include "platform/text/text_encoding.h"
 
 namespace platform {

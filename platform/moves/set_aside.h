@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/text/device_names.h"
+#include "platform/text/name_translation.h"
 
 namespace platform {
 

@@ -73,7 +73,7 @@ LONG CopyOut(const RegistryData& value, DWORD* type, BYTE* data, DWORD* size) {
 
 }  // namespace
 
-Registry::Registry(int directory, RegistryText text, const FileVersion& version)
+Registry::Registry(int directory, EditedRegistryText text, const FileVersion& version)
     : file_(directory), text_(std::move(text)), version_(version) {
     for (const RegistryRoot& root : kRegistryRoots) {
         open_[Number(root.handle)].path = FoldText(root.name);
@@ -81,19 +81,19 @@ Registry::Registry(int directory, RegistryText text, const FileVersion& version)
 }
 
 Result<std::unique_ptr<Registry>> Registry::Open(int directory) {
-    Result<ReadText> read = Read(RegistryFile(directory));
+    Result<ReadText> read = Read(RegistryRegFile(directory));
     if (!read) {
         return tl::unexpected<Failure>(read.error());
     }
     return std::unique_ptr<Registry>(new Registry(directory, std::move(read->text), read->version));
 }
 
-Result<Registry::ReadText> Registry::Read(const RegistryFile& file) {
-    Result<RegistryFile::Content> content = file.Read();
+Result<Registry::ReadText> Registry::Read(const RegistryRegFile& file) {
+    Result<RegistryRegFile::Content> content = file.Read();
     if (!content) {
         return tl::unexpected<Failure>(content.error());
     }
-    Result<RegistryText> text = RegistryText::Parse(std::move(content->bytes));
+    Result<EditedRegistryText> text = EditedRegistryText::Parse(std::move(content->bytes));
     if (!text) {
         return tl::unexpected<Failure>(text.error());
     }
@@ -267,7 +267,7 @@ LONG Registry::RegCloseKey(HKEY key) {
 }
 
 // A key that is to be deleted and is gone already is no loss.
-bool Registry::Apply(const Change& change, RegistryText& text) {
+bool Registry::Apply(const Change& change, EditedRegistryText& text) {
     const KeyIndex key = text.FindKey(change.path);
     if (key != 0 && change.deletion) {
         text.DeleteKey(key);

@@ -9,8 +9,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/registry/registry_file.h"
-#include "platform/registry/text/registry_text.h"
+#include "platform/registry/registry_reg_file.h"
+#include "platform/registry/text/edited_registry_text.h"
 #include "platform/seam/device_store.h"
 
 namespace platform {
@@ -82,13 +82,13 @@ class Registry : public DeviceRegistry {
         RegistryData set;
     };
 
-    Registry(int directory, RegistryText text, const FileVersion& version);
+    Registry(int directory, EditedRegistryText text, const FileVersion& version);
 
     struct ReadText {
-        RegistryText text;
+        EditedRegistryText text;
         FileVersion version;
     };
-    static Result<ReadText> Read(const RegistryFile& file);
+    static Result<ReadText> Read(const RegistryRegFile& file);
     OpenKey* FindOpen(HKEY key);
     LONG FindKey(HKEY handle, OpenKey*& open, KeyIndex& key);
     std::optional<RegistryData> Value(const OpenKey& open, KeyIndex key,
@@ -96,12 +96,12 @@ class Registry : public DeviceRegistry {
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
     Status Store();
-    static bool Apply(const Change& change, RegistryText& text);
+    static bool Apply(const Change& change, EditedRegistryText& text);
     Status SayLost();
     Status Refresh();
 
-    RegistryFile file_;
-    RegistryText text_;
+    RegistryRegFile file_;
+    EditedRegistryText text_;
     FileVersion version_;
     std::unordered_map<std::uintptr_t, OpenKey> open_;
     std::uintptr_t lastHandle_ = 0;

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "platform/text/device_names.h"
+#include "platform/text/name_translation.h"
 #include "platform/text/unicode.h"
 
 namespace platform {

@@ -10,8 +10,8 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "platform/device/real_device.h"
-#include "platform/display/responsive_store.h"
+#include "platform/device/assembled_device.h"
+#include "platform/display/window_repainting_store.h"
 #include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
 #include "tests/support/failing_store.h"
@@ -27,15 +27,15 @@ const struct Implementation {
     const char* name;
     Wrapper (*wrap)(platform::DeviceStore& store);
 } kImplementations[] = {
-    {"RealDevice", [](auto& /*store*/) { return Wrapper(); }},
+    {"AssembledDevice", [](auto& /*store*/) { return Wrapper(); }},
     {"ReportingStore",
      [](auto& store) {
          static std::FILE* const report = std::fopen("/dev/null", "w");
          static platform::RunLog log("");
          return Wrapper(new platform::ReportingStore(store, report, log));
      }},
-    {"ResponsiveStore",
-     [](auto& store) { return Wrapper(new platform::ResponsiveStore(store, [] {})); }},
+    {"WindowRepaintingStore",
+     [](auto& store) { return Wrapper(new platform::WindowRepaintingStore(store, [] {})); }},
     {"FailingStore", [](auto& store) { return Wrapper(new FailingStore(store, 0)); }}};
 
 DWORD g_reason = 0;  // why the last search found nothing
@@ -43,8 +43,8 @@ DWORD g_reason = 0;  // why the last search found nothing
 class DeviceStoreTest : public testing::TestWithParam<Implementation> {
   protected:
     void Open() {
-        real_ = std::make_unique<platform::RealDevice>(device_.OpenFiles(), u"\\Program.exe",
-                                                       device_.OpenRegistry(), ThrowRestarted);
+        real_ = std::make_unique<platform::AssembledDevice>(device_.OpenFiles(), u"\\Program.exe",
+                                                            device_.OpenRegistry(), ThrowRestarted);
         real_->RecoverFromKilledRuns();
         wrapper_ = GetParam().wrap(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(store());
@@ -88,7 +88,7 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
     TemporaryDevice device_;
 
   private:
-    std::unique_ptr<platform::RealDevice> real_;
+    std::unique_ptr<platform::AssembledDevice> real_;
     Wrapper wrapper_;
     std::unique_ptr<platform::StoreInUse> inUse_;
 };

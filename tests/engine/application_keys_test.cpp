@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "tests/support/apply_device.h"
 
 namespace {

@@ -5,7 +5,7 @@
 
 #include "core/application.h"
 #include "core/win_main.h"
-#include "platform/device/real_device.h"
+#include "platform/device/assembled_device.h"
 #include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
@@ -74,8 +74,8 @@ TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
     device.Make({"My Documents/Temp/a=", "Windows/Start Menu/a.lnk=5#\\Gone",
                  "App/settings.dat=" + Everything()});
     WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
-    platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                               device.OpenRegistry());
+    platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                    device.OpenRegistry());
     const std::string report = device.path() + "/report";
     const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
                                                                 std::fclose);

@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/files_alone.h"
 

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <string>
 
-#include "platform/text/device_names.h"
+#include "platform/text/name_translation.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
 

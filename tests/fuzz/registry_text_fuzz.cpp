@@ -8,15 +8,15 @@
 #include <vector>
 
 #include "core/registry_operations.h"
-#include "platform/registry/text/registry_text.h"
+#include "platform/registry/text/edited_registry_text.h"
 
 // Any bytes at all are either no registry file, or one that is written as it was read, takes a
 // change and a deletion, and is read with both of them and with everything else afterwards.
 namespace {
 
+using platform::EditedRegistryText;
 using platform::KeyIndex;
 using platform::RegistryData;
-using platform::RegistryText;
 using platform::SetResult;
 
 constexpr std::u16string_view kRoot = u"HKEY_LOCAL_MACHINE";
@@ -28,7 +28,7 @@ void Require(bool condition) {
     }
 }
 
-std::vector<std::u16string> Children(const RegistryText& text, std::u16string_view path) {
+std::vector<std::u16string> Children(const EditedRegistryText& text, std::u16string_view path) {
     std::vector<std::u16string> names;
     const KeyIndex key = text.FindKey(path);
     for (std::size_t index = 0; auto name = text.ChildName(key, index); ++index) {
@@ -38,7 +38,7 @@ std::vector<std::u16string> Children(const RegistryText& text, std::u16string_vi
 }
 
 // The first path of keys below the root, one level after the other.
-std::u16string DeepestPath(const RegistryText& text) {
+std::u16string DeepestPath(const EditedRegistryText& text) {
     std::u16string path(kRoot);
     for (auto name = text.ChildName(text.FindKey(path), 0); name;
          name = text.ChildName(text.FindKey(path), 0)) {
@@ -51,7 +51,7 @@ std::u16string DeepestPath(const RegistryText& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string bytes(data, data + size);
-    platform::Result<RegistryText> text = RegistryText::Parse(bytes);
+    platform::Result<EditedRegistryText> text = EditedRegistryText::Parse(bytes);
     if (!text) {
         return 0;
     }
@@ -62,7 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const SetResult result = text->SetValue(text->FindKey(path), u"v", value.type, value.bytes);
     const std::optional<RegistryData> stored = text->Value(text->FindKey(path), u"v");
     Require(result == SetResult::kUnfit || stored.has_value());
-    platform::Result<RegistryText> changed = RegistryText::Parse(text->Serialize());
+    platform::Result<EditedRegistryText> changed = EditedRegistryText::Parse(text->Serialize());
     Require(changed.has_value());
     Require(changed->Value(changed->FindKey(path), u"v") == stored);
     Require(Children(*changed, kRoot) == Children(*text, kRoot));
@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::u16string top = path.substr(0, path.find(u'\\', kRoot.size() + 1));
     if (top != kRoot) {
         text->DeleteKey(text->FindKey(top));
-        changed = RegistryText::Parse(text->Serialize());
+        changed = EditedRegistryText::Parse(text->Serialize());
         Require(changed.has_value());
         Require(changed->FindKey(top) == 0);
         Require(Children(*changed, kRoot) == Children(*text, kRoot));

@@ -5,7 +5,7 @@
 #include <cstdlib>
 
 #include "core/application.h"
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "core/wide_text.h"
 #include "settings/settings_file.h"
 #include "tests/support/files_alone.h"

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "engine/shortcut_target.h"
-#include "platform/files/shortcut_file.h"
+#include "engine/shortcut_target_lookup.h"
+#include "platform/files/shortcut_file_format.h"
 #include "tests/support/files_alone.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

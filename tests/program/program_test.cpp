@@ -12,7 +12,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "platform/host/exit_code.h"
+#include "platform/host/worst_exit_code.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/application.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 #include "tests/support/control_rows.h"
 #include "tests/support/interactive_program.h"
 

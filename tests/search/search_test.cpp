@@ -9,7 +9,7 @@
 #include "platform/text/readable_text.h"
 #include "search/startup_list.h"
 #include "search/tree_search.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/files_alone.h"
 

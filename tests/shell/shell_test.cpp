@@ -11,8 +11,8 @@
 #include "core/application.h"
 #include "engine/apply_sequence.h"
 #include "screens/screens.h"
+#include "shell/main_windows.h"
 #include "shell/resources.h"
-#include "shell/windows.h"
 #include "tests/support/interactive_program.h"
 
 namespace {

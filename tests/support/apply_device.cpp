@@ -5,10 +5,10 @@
 #include <algorithm>
 
 #include "core/application.h"
-#include "core/apply_options.h"
+#include "core/option_table.h"
 #include "core/wide_text.h"
 #include "engine/apply_sequence.h"
-#include "platform/device/real_device.h"
+#include "platform/device/assembled_device.h"
 #include "platform/text/readable_text.h"
 #include "settings/settings_file.h"
 #include "tests/support/failing_store.h"
@@ -54,7 +54,8 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     if (!input.registry.empty()) {
         WriteFile(device.path() + "/registry.reg", input.registry);
     }
-    platform::RealDevice store(device.OpenFiles(), kModule, device.OpenRegistry(), ThrowRestarted);
+    platform::AssembledDevice store(device.OpenFiles(), kModule, device.OpenRegistry(),
+                                    ThrowRestarted);
     {
         const platform::StoreInUse inUse(store);
         WriteSettingsOf(input);

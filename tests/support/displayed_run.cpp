@@ -7,7 +7,7 @@
 #include <string>
 
 #include "core/win_main.h"
-#include "platform/device/real_device.h"
+#include "platform/device/assembled_device.h"
 #include "platform/seam/forwarding_store.h"
 #include "platform/text/readable_text.h"
 #include "tests/support/display_fixture.h"
@@ -91,8 +91,8 @@ void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys) {
 
 Entries RunDisplayed(const TemporaryDevice& device, const Steps& steps, std::deque<int> answers,
                      Entries* calls) {
-    platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                               device.OpenRegistry());
+    platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                    device.OpenRegistry());
     Entries unseen;
     NotingStore noting(store, calls == nullptr ? unseen : *calls);
     const std::unique_ptr<platform::DisplayWindowSystem> windows = OpenUnseen();

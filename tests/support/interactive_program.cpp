@@ -6,9 +6,9 @@
 
 #include "core/application.h"
 #include "core/win_main.h"
-#include "platform/device/real_device.h"
+#include "platform/device/assembled_device.h"
 #include "screens/screens.h"
-#include "shell/windows.h"
+#include "shell/main_windows.h"
 #include "tests/support/failing_store.h"
 
 namespace {
@@ -49,8 +49,8 @@ InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) 
 }
 
 int InteractiveProgram::Run(const Steps& steps) {
-    platform::RealDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                               device.OpenRegistry(), ThrowRestarted);
+    platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
+                                    device.OpenRegistry(), ThrowRestarted);
     TestedStore tested(store, full);
     const platform::StoreInUse storeInUse(tested);
     const platform::WindowsInUse windowsInUse(windows);

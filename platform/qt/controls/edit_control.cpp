@@ -6,7 +6,7 @@
 #include <QLineEdit>
 
 #include "core/wide_text.h"
-#include "platform/qt/base/shown_text.h"
+#include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/base/window_table.h"
 
 namespace platform::qt {

@@ -3,7 +3,7 @@
 #include <QCoreApplication>
 #include <algorithm>
 
-#include "platform/qt/base/shown_text.h"
+#include "platform/qt/base/escaped_display_text.h"
 
 namespace platform::qt {
 

@@ -4,7 +4,7 @@
 
 #include "platform/qt/base/message_queue.h"
 #include "platform/qt/base/window_table.h"
-#include "platform/qt/controls/tab_row.h"
+#include "platform/qt/controls/tab_row_widget.h"
 
 namespace platform::qt {
 
@@ -19,8 +19,9 @@ TabControl::TabControl(WindowContext& context, const CreateParams& params)
     : Window(context, params), below_((params.style & TCS_BOTTOM) != 0) {
     auto pane = std::make_unique<QWidget>(params.surface);
     pane->setAutoFillBackground(true);
-    row_ = new TabRow(pane.get(), below_,
-                      [this](int index) { QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0); });
+    row_ = new TabRowWidget(pane.get(), below_, [this](int index) {
+        QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0);
+    });
     Adopt(std::move(pane), params);
 }
 

@@ -4,7 +4,7 @@
 
 namespace platform::qt {
 
-class TabRow;
+class TabRowWidget;
 
 // Class "SysTabControl32": a display area and its row of tabs.
 class TabControl : public Window {
@@ -23,7 +23,7 @@ class TabControl : public Window {
     LRESULT Notify(UINT code) const;
 
     bool below_;  // the tabs stand below the display area
-    TabRow* row_;
+    TabRowWidget* row_;
 };
 
 }  // namespace platform::qt

@@ -6,8 +6,8 @@
 #include <QTreeWidget>
 #include <algorithm>
 
+#include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/base/message_queue.h"
-#include "platform/qt/base/shown_text.h"
 #include "platform/qt/base/sort_order.h"
 #include "platform/qt/base/window_table.h"
 

@@ -10,7 +10,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
-#include "platform/qt/base/shown_text.h"
+#include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/desktop/help_browser.h"
 
 namespace platform::qt {

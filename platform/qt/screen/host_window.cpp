@@ -4,9 +4,9 @@
 #include <QKeyEvent>
 #include <QLabel>
 
+#include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/base/handheld_style.h"
 #include "platform/qt/base/push_button.h"
-#include "platform/qt/base/shown_text.h"
 
 namespace platform::qt {
 

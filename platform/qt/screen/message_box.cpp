@@ -10,9 +10,9 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "platform/display/unattended_answer.h"
+#include "platform/display/message_box_default_answer.h"
+#include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/base/handheld_style.h"
-#include "platform/qt/base/shown_text.h"
 
 namespace platform::qt {
 

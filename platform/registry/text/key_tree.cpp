@@ -5,7 +5,7 @@
 #include <array>
 #include <utility>
 
-#include "platform/text/device_names.h"
+#include "platform/text/name_matching.h"
 
 namespace platform {
 namespace {

@@ -8,7 +8,7 @@
 #include <csignal>
 #include <cstdio>
 
-#include "platform/text/device_names.h"
+#include "platform/text/reserved_names.h"
 #include "tests/support/files_alone.h"
 #include "tests/support/mounted_device.h"
 #include "tests/support/system_calls.h"

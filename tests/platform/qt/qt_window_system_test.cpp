@@ -7,7 +7,7 @@
 #include <algorithm>
 
 #include "core/window_operations.h"
-#include "platform/display/responsive_store.h"
+#include "platform/display/window_repainting_store.h"
 #include "tests/support/display_fixture.h"
 #include "tests/support/files_alone.h"
 #include "tests/support/temporary_device.h"
@@ -61,7 +61,7 @@ TEST_F(QtWindowSystemTest, AnOperationOfTheStoreServesTheDesktop) {
     const TemporaryDevice device;
     FilesAlone files(device.OpenFiles());
     auto& display = dynamic_cast<platform::DisplayWindowSystem&>(windows());
-    platform::ResponsiveStore store(files, [&] { display.ServeDesktop(); });
+    platform::WindowRepaintingStore store(files, [&] { display.ServeDesktop(); });
     bool answered = false;
     QTimer::singleShot(0, qApp, [&] { answered = true; });
     store.DeleteFileW(u"\\none");

@@ -7,7 +7,7 @@
 #include <QTextBrowser>
 #include <filesystem>
 
-#include "platform/device/real_device.h"
+#include "platform/device/assembled_device.h"
 #include "tests/support/display_fixture.h"
 #include "tests/support/temporary_device.h"
 
@@ -66,7 +66,7 @@ TEST_F(HelpWindowTest, AViewerIsGivenThePageAndNoOtherDescriptor) {
     WriteFile(script, "#!/bin/sh\n(echo $1; cat; ls /proc/$$/fd) >" + seen + ".new\nmv " + seen +
                           ".new " + seen + "\n");
     ASSERT_EQ(chmod(script.c_str(), 0700), 0);
-    platform::RealDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::AssembledDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     store.OfferHelp(std::make_unique<platform::HelpViewers>(script, 0));
     const platform::StoreInUse inUse(store);
     const auto start = [](const WCHAR* image) {

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <cstdlib>
+#include <functional>
+#include <memory>
+
+#include "platform/device/handheld_system.h"
+#include "platform/device/registry_guard.h"
+#include "platform/files/host_files.h"
+#include "platform/registry/registry.h"
+#include "platform/seam/forwarding_store.h"
+
+namespace platform {
+
+// The device of a device directory on this machine: its files, its registry, and its system.
+class AssembledDevice : public ForwardingStore {
+  public:
+    // Ends the run on the spot with this exit code, 0 for a restart of the device; does not return.
+    // The default ends the process.
+    using Exit = std::function<void(int)>;
+
+    // `files` is the root of HostFiles, `modulePath` that of HandheldSystem.
+    AssembledDevice(
+        Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
+        Exit exit = [](int code) { std::_Exit(code); });
+
+    Status CheckStorable() { return guard_.CheckStorable(); }  // see RegistryGuard
+    void OfferHelp(std::unique_ptr<HelpViewers> viewers) { system_.OfferHelp(std::move(viewers)); }
+    void RecoverFromKilledRuns() { files_.RecoverFromKilledRuns(); }
+
+  private:
+    std::unique_ptr<Registry> registry_;
+    RegistryGuard guard_;
+    HostFiles files_;
+    HandheldSystem system_;
+};
+
+}  // namespace platform

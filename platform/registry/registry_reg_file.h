@@ -1,0 +1,53 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/diagnostics/failure.h"
+#include "platform/io/atomic_file.h"
+#include "platform/io/file_identity.h"
+
+namespace platform {
+
+// The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
+// not followed, a pipe not waited for.
+class RegistryRegFile {
+  public:
+    // `directory` is the open device directory; it stays the caller's and must outlive the object.
+    explicit RegistryRegFile(int directory) : directory_(directory) {}
+
+    int directory() const { return directory_; }
+
+    struct Content {
+        std::string bytes;  // empty when there is no file
+        FileVersion version;
+    };
+    Result<Content> Read() const;
+
+    // What is there now. Fails when it is neither a regular file nor nothing.
+    Result<FileVersion> Look() const;
+
+    // Whether Replace could do its work now, but for the room: the file and its directory can be
+    // written, nothing keeps the file from being replaced, and a new one can be made beside it.
+    Status CheckReplaceable() const;
+
+    // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
+    Status ReserveRoom(std::size_t size);
+
+    // Puts a file with these bytes in the place of the one with the version `replaced`, which keeps
+    // its content after any failure, and returns the new version; nothing where another program has
+    // stored another one by the last moment. Mode and owner stay as they were, as far as that is
+    // allowed. A file that may not be written is left alone.
+    Result<std::optional<FileVersion>> Replace(std::string_view bytes, const FileVersion& replaced);
+
+  private:
+    Result<std::unique_ptr<AtomicFile>> NewFile();
+    Status Write(AtomicFile& file, std::string_view bytes) const;
+
+    int directory_;
+    std::unique_ptr<AtomicFile> reserved_;  // null where no room is kept
+};
+
+}  // namespace platform

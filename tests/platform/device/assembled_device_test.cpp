@@ -1,0 +1,153 @@
+// The registry and the file tree of one device: what is stored, and when.
+
+#include "platform/device/assembled_device.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "platform/device/hard_reset.h"
+#include "platform/diagnostics/run_log.h"
+#include "platform/display/registry_saving_windows.h"
+#include "platform/report/reporting_store.h"
+#include "tests/support/apply_device.h"
+#include "tests/support/mounted_device.h"
+
+namespace {
+
+constexpr char kKey[] = "[HKEY_CURRENT_USER\\Key]\n";
+constexpr char kWritten[] = "[HKEY_CURRENT_USER\\Key]\n\"Number\"=dword:00000005\n";
+
+LONG WriteNumber(platform::DeviceStore& store) {
+    HKEY key = nullptr;
+    store.RegOpenKeyExW(HKEY_CURRENT_USER, u"\\Key\\", 0, 0, &key);
+    const BYTE number[] = {5, 0, 0, 0};
+    const LONG result = store.RegSetValueExW(key, u"Number", 0, REG_DWORD, number, 4);
+    store.RegCloseKey(key);
+    return result;
+}
+
+// A restart that cannot erase the device comes back, and the one after it is a plain one.
+void WriteAndErase(const TemporaryDevice& device) {
+    platform::AssembledDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    platform::RunLog log("");
+    platform::ReportingStore recorder(store, stderr, log);
+    WriteNumber(recorder);
+    WriteNumber(recorder);
+    recorder.SetCleanRebootFlag();
+    recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+    recorder.KernelIoControl(IOCTL_HAL_REBOOT, nullptr, 0, nullptr, 0, nullptr);
+}
+
+TEST(AssembledDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
+    const TemporaryDevice device;
+    device.Make({"../tree/f=1"});
+    std::filesystem::remove(device.files());
+    std::filesystem::create_symlink("tree", device.files());
+    WriteFile(device.path() + "/registry.reg", kKey);
+    EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
+                "erasing the device\nfennelbright: not erased, and not restarted: cannot erase the "
+                "device: .*\nnot restarted .*\nrestarting the device\n$");
+    std::filesystem::remove(device.files());
+    std::filesystem::rename(device.path() + "/tree", device.files());
+    WriteFile(device.path() + "/registry.reg", kKey);
+    EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
+                "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "
+                "erased; its files and registry as they were are in its folder "
+                "erased-20..-..-..\n$");
+    const std::string folder = device.path() + "/erased-" + platform::Today();
+    EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
+    EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
+    EXPECT_EQ(device.Listing(), Entries());
+}
+
+// What stores the registry, and what leaves it for later because it changes nothing.
+TEST(AssembledDeviceTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
+    using Operation = void (*)(platform::DeviceStore&, platform::WindowSystem&);
+    const std::pair<Operation, bool> cases[] = {
+        {[](auto& store, auto& /*windows*/) { store.DeleteFileW(u"\\f"); }, true},
+        {[](auto& store, auto& /*windows*/) { store.DeleteFileW(u"\\none"); }, false},
+        {[](auto& store, auto& /*windows*/) { store.RemoveDirectoryW(u"\\d"); }, true},
+        {[](auto& store, auto& /*windows*/) { store.CreateDirectoryW(u"\\new", nullptr); }, true},
+        {[](auto& store, auto& /*windows*/) { store.CreateDirectoryW(u"\\D", nullptr); }, false},
+        {[](auto& store, auto& /*windows*/) { store.MoveFileW(u"\\f", u"\\g"); }, true},
+        {[](auto& store, auto& /*windows*/) { store.SHCreateShortcut(u"\\s", u"\\f"); }, true},
+        {[](auto& store, auto& /*windows*/) { std::fclose(store._wfopen(u"\\f", u"rb")); }, false},
+        {[](auto& store, auto& /*windows*/) { std::fclose(store._wfopen(u"\\f", u"wb")); }, true},
+        {[](auto& /*store*/, auto& windows) { windows.MessageBoxW(nullptr, u"", u"", MB_OK); },
+         true},
+        {[](auto& /*store*/, auto& windows) { windows.GetMessageW(nullptr, nullptr, 0, 0); }, true},
+    };
+    for (const auto& [operation, stores] : cases) {
+        const TemporaryDevice device;
+        device.Make({"f=1", "d/"});
+        WriteFile(device.path() + "/registry.reg", kKey);
+        platform::RunLog log("");
+        platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
+        CollectedBoxes boxes;
+        platform::RegistrySavingWindows windows(boxes, store, log);
+        ASSERT_EQ(WriteNumber(store), ERROR_SUCCESS);
+        EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kKey);
+        operation(store, windows);
+        EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), stores ? kWritten : kKey)
+            << &operation - &cases[0].first;
+    }
+}
+
+// Where there is no room for one more registry nothing moves; deleting makes room.
+TEST(AssembledDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
+    if (!EnterMountNamespace()) {
+        GTEST_SKIP() << "this user may not mount anything";
+    }
+    MountedDevice outer;
+    outer.Mount("Card", "size=64k");
+    const TemporaryDevice device(outer.HostPath("Card"));
+    device.Make({"A/f=1", "A/d/", "B/", "filler=" + std::string(40000, 'x')});
+    WriteFile(device.path() + "/registry.reg", kKey + std::string(8000, ';'));
+    platform::RunLog log("");
+    const platform::LogInUse logInUse(log);
+    platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
+    log.BeginStep(12);
+    testing::internal::CaptureStderr();
+    for (int round = 0; round < 2; ++round) {
+        EXPECT_EQ(store.MoveFileW(u"\\A\\f", u"\\B\\f"), 0);
+        EXPECT_EQ(store.CreateDirectoryW(u"\\B\\d", nullptr), 0);
+        EXPECT_EQ(platform::ErrorCodeOf(store.LastFailure()), DWORD{ERROR_NO_SYSTEM_RESOURCES});
+    }
+    const std::string lines = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(lines.find("nothing is moved"), lines.rfind("nothing is moved")) << lines;
+    EXPECT_EQ(log.ExitCode(false), 74);
+    EXPECT_NE(store.DeleteFileW(u"\\filler"), 0);
+    EXPECT_EQ(store.MoveFileW(u"\\A\\f", u"\\B\\f"), 0)
+        << "the step that was refused stays refused";
+    log.BeginStep(14);
+    EXPECT_NE(store.MoveFileW(u"\\A\\f", u"\\B\\f"), 0);
+    EXPECT_EQ(WriteNumber(store), ERROR_SUCCESS);
+    EXPECT_TRUE(store.StoreRegistry().has_value());
+}
+
+// What another program has stored meanwhile stays, and what it has deleted is not reported as done.
+TEST(AssembledDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
+    const TemporaryDevice device;
+    const std::string registry = device.path() + "/registry.reg";
+    const std::string report = device.path() + "/report";
+    WriteFile(registry, kKey);
+    std::FILE* const file = std::fopen(report.c_str(), "we");
+    platform::RunLog log("");
+    const platform::LogInUse logInUse(log);
+    platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
+    platform::ReportingStore recorder(store, file, log);
+    ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
+    WriteFile(registry, "; another editor\n");
+    testing::internal::CaptureStderr();
+    EXPECT_FALSE(recorder.StoreRegistry().has_value());
+    EXPECT_NE(testing::internal::GetCapturedStderr().find("another program"), std::string::npos);
+    std::fclose(file);
+    EXPECT_EQ(ReadFile(registry), "; another editor\n");
+    EXPECT_EQ(ReadFile(report),
+              "not written [HKCU\\Key] \"Number\" (another program has deleted its key)\n");
+    EXPECT_EQ(log.ExitCode(false), 74);
+}
+
+}  // namespace
