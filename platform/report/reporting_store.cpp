@@ -1,27 +1,19 @@
 #include "platform/report/reporting_store.h"
 
 #include <algorithm>
-#include <cstring>
 #include <optional>
 #include <vector>
 
 #include "platform/diagnostics/run_log.h"
 #include "platform/registry/text/registry_roots.h"
-#include "platform/text/readable_text.h"
 
 namespace platform {
 
 namespace {
 
-// A value of the registry, as it came back or went out.
-struct Value {
-    DWORD type = REG_NONE;
-    std::vector<BYTE> bytes;
-};
-
 // Nothing when there is no such value.
-std::optional<Value> ReadValue(DeviceRegistry& registry, HKEY key, const WCHAR* name) {
-    Value value;
+std::optional<ReportedValue> ReadValue(DeviceRegistry& registry, HKEY key, const WCHAR* name) {
+    ReportedValue value;
     DWORD size = 0;
     if (registry.RegQueryValueExW(key, name, nullptr, &value.type, nullptr, &size) !=
         ERROR_SUCCESS) {
@@ -35,39 +27,10 @@ std::optional<Value> ReadValue(DeviceRegistry& registry, HKEY key, const WCHAR* 
     return value;
 }
 
-// A text in quotes, without the terminators at its end; nothing when the bytes are no text.
-std::string ReadableTextOf(const Value& value) {
-    std::u16string text(value.bytes.size() / sizeof(WCHAR), u'\0');
-    if (!text.empty()) {
-        std::memcpy(text.data(), value.bytes.data(), text.size() * sizeof(WCHAR));
-    }
-    text.erase(text.find_last_not_of(u'\0') + 1);
-    return '"' + ReadableText(text) + '"';
-}
-
-std::string ReadableValue(const std::optional<Value>& value) {
-    if (!value) {
-        return "nothing";
-    }
-    if (value->type == REG_DWORD && value->bytes.size() == sizeof(DWORD)) {
-        DWORD number = 0;
-        std::memcpy(&number, value->bytes.data(), sizeof number);
-        return std::to_string(number);
-    }
-    if (value->type == REG_SZ && value->bytes.size() % sizeof(WCHAR) == 0) {
-        return ReadableTextOf(*value);
-    }
-    return std::to_string(value->bytes.size()) + " bytes of type " + std::to_string(value->type);
-}
-
-std::string RootName(HKEY key) {
+std::u16string_view RootName(HKEY key) {
     const auto* const root = std::find_if(kRegistryRoots.begin(), kRegistryRoots.end(),
                                           [key](const auto& each) { return each.handle == key; });
-    return root == kRegistryRoots.end() ? "?" : root->shortName;
-}
-
-std::string Count(std::uint64_t count, const char* one, const char* many) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : many);
+    return root == kRegistryRoots.end() ? u"?" : root->shortName;
 }
 
 // Whether a failure leaves things as they were wanted.
@@ -91,51 +54,49 @@ std::string RegistryReason(LONG code) {
 }  // namespace
 
 ReportingStore::ReportingStore(DeviceStore& inner, std::FILE* report, RunLog& log)
-    : ForwardingStore(inner), report_(report), log_(log) {
-    // What is reported was done: a run that is killed must not take lines with it.
-    if (report_ != nullptr) {
-        std::setvbuf(report_, nullptr, _IOLBF, BUFSIZ);
+    : ForwardingStore(inner), log_(log) {
+    if (report != nullptr) {
+        lines_.emplace(report);
     }
 }
 
-void ReportingStore::WriteLine(int step, const std::string& line) {
-    if (report_ == nullptr) {
-        return;
+void ReportingStore::Write(const ReportEvent& event) {
+    totals_.Count(event);
+    if (lines_) {
+        lines_->Write(event);
     }
-    const std::string begin = step > 0 ? "step " + std::to_string(step) + ": " : std::string();
-    isWritten_ = std::fputs((begin + line + '\n').c_str(), report_) >= 0 && isWritten_;
 }
 
-void ReportingStore::Report(const std::string& line) {
+// What the registry has stored before comes first, so that the order is that of the changes.
+void ReportingStore::Report(ReportEvent event) {
     SettleRegistry();
-    WriteLine(log_.step(), line);
+    event.step = log_.step();
+    Write(event);
 }
 
-void ReportingStore::ReportUndone(const std::string& what, const std::string& reason) {
-    ++notDone_;
+void ReportingStore::ReportUndone(ReportEvent event) {
     log_.CountUndone();
-    Report("not " + what + " (" + reason + ")");
-}
-
-void ReportingStore::ReportUndone(const std::string& what) {
-    ReportUndone(what, ReasonOf(LastFailure()));
+    if (!event.failure) {
+        event.failure = ReasonOf(LastFailure());
+    }
+    Report(std::move(event));
 }
 
 // A search without a wildcard asks whether something is there, and whoever asks reports.
-void ReportingStore::ReportSearch(const std::string& pattern) {
+void ReportingStore::ReportSearch(const std::u16string& pattern) {
     const DWORD code = ErrorCodeOf(LastFailure());
     const bool isRead = code == ERROR_NO_MORE_FILES || IsNotThere(LastFailure());
-    if (!isRead && pattern.ends_with('*')) {
-        ReportUndone("read " + pattern.substr(0, pattern.rfind('\\') + 1));
+    if (!isRead && pattern.ends_with(u'*')) {
+        ReportUndone({ReportAction::ReadDirectory, pattern.substr(0, pattern.rfind(u'\\') + 1)});
     }
 }
 
 HANDLE ReportingStore::FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) {
     const HANDLE find = files().FindFirstFileW(pattern, data);
     if (find == INVALID_HANDLE_VALUE) {
-        ReportSearch(ReadableText(pattern));
+        ReportSearch(pattern);
     } else {
-        searches_[find] = ReadableText(pattern);
+        searches_[find] = pattern;
     }
     return find;
 }
@@ -157,13 +118,9 @@ BOOL ReportingStore::FindClose(HANDLE find) {
 BOOL ReportingStore::DeleteFileW(const WCHAR* path) {
     const BOOL deleted = files().DeleteFileW(path);
     if (deleted != 0) {
-        const std::optional<std::uint64_t> size = DeletedSize();
-        ++filesDeleted_;
-        bytesDeleted_ += size.value_or(0);
-        Report("deleted " + ReadableText(path) + " (" +
-               (size ? Count(*size, "byte", "bytes") : "size unknown") + ")");
+        Report({.action = ReportAction::DeleteFile, .path = path, .bytes = DeletedSize()});
     } else if (!IsNotThere(LastFailure())) {
-        ReportUndone("deleted " + ReadableText(path));
+        ReportUndone({ReportAction::DeleteFile, path});
     }
     return deleted;
 }
@@ -171,10 +128,9 @@ BOOL ReportingStore::DeleteFileW(const WCHAR* path) {
 BOOL ReportingStore::RemoveDirectoryW(const WCHAR* path) {
     const BOOL removed = files().RemoveDirectoryW(path);
     if (removed != 0) {
-        ++directoriesRemoved_;
-        Report("removed directory " + ReadableText(path));
+        Report({ReportAction::RemoveDirectory, path});
     } else if (!IsNotThere(LastFailure()) && !IsWantedAnyway(LastFailure(), ERROR_DIR_NOT_EMPTY)) {
-        ReportUndone("removed directory " + ReadableText(path));
+        ReportUndone({ReportAction::RemoveDirectory, path});
     }
     return removed;
 }
@@ -182,40 +138,32 @@ BOOL ReportingStore::RemoveDirectoryW(const WCHAR* path) {
 BOOL ReportingStore::CreateDirectoryW(const WCHAR* path, void* security) {
     const BOOL made = files().CreateDirectoryW(path, security);
     if (made != 0) {
-        ++directoriesMade_;
-        Report("made directory " + ReadableText(path));
+        Report({ReportAction::MakeDirectory, path});
     } else if (!IsWantedAnyway(LastFailure(), ERROR_ALREADY_EXISTS)) {
-        ReportUndone("made directory " + ReadableText(path));
+        ReportUndone({ReportAction::MakeDirectory, path});
     }
     return made;
 }
 
 BOOL ReportingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     const BOOL moved = files().MoveFileW(oldPath, newPath);
-    const std::string line = "moved " + ReadableText(oldPath) + " to " + ReadableText(newPath);
     if (moved != 0) {
-        ++entriesMoved_;
-        Report(line);
+        Report({ReportAction::MoveEntry, oldPath, newPath});
     } else if (!IsWantedAnyway(LastFailure(), ERROR_FILE_NOT_FOUND)) {
-        ReportUndone(line);
+        ReportUndone({ReportAction::MoveEntry, oldPath, newPath});
     }
     return moved;
 }
 
 void ReportingStore::NothingMoves(const WCHAR* source, const WCHAR* destination) {
-    ReportUndone("moved " + ReadableText(source) + " to " + ReadableText(destination));
+    ReportUndone({ReportAction::MoveEntry, source, destination});
     ForwardingStore::NothingMoves(source, destination);
 }
 
 BOOL ReportingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     const BOOL made = files().SHCreateShortcut(path, target);
-    const std::string line = "made shortcut " + ReadableText(path) + " to " + ReadableText(target);
-    if (made != 0) {
-        ++shortcutsMade_;
-        Report(line);
-    } else {
-        ReportUndone(line);
-    }
+    const ReportEvent event = {ReportAction::MakeShortcut, path, target};
+    made != 0 ? Report(event) : ReportUndone(event);
     return made;
 }
 
@@ -229,23 +177,23 @@ BOOL ReportingStore::KernelIoControl(DWORD code, void* input, DWORD inputSize, v
                                      DWORD outputSize, DWORD* returned) {
     if (code == IOCTL_HAL_REBOOT) {
         [[maybe_unused]] const Status stored = StoreRegistry();
-        Report(std::exchange(erases_, false) ? "erasing the device" : "restarting the device");
+        Report({std::exchange(erases_, false) ? ReportAction::EraseDevice : ReportAction::Restart});
     }
     const BOOL done =
         system().KernelIoControl(code, input, inputSize, output, outputSize, returned);
     if (done == 0 && code == IOCTL_HAL_REBOOT) {
-        ReportUndone("restarted");
+        ReportUndone({ReportAction::Restart});
     }
     return done;
 }
 
-std::string ReportingStore::PathBelow(HKEY key, std::u16string_view subkey) const {
+std::u16string ReportingStore::PathBelow(HKEY key, std::u16string_view subkey) const {
     const auto open = openKeys_.find(key);
-    std::string path = open != openKeys_.end() ? open->second : RootName(key);
+    std::u16string path(open != openKeys_.end() ? open->second : RootName(key));
     const std::size_t begin = subkey.find_first_not_of(u'\\');
     if (begin != std::u16string_view::npos) {
         const std::size_t end = subkey.find_last_not_of(u'\\') + 1;
-        path += '\\' + ReadableText(subkey.substr(begin, end - begin));
+        path.append(u"\\").append(subkey.substr(begin, end - begin));
     }
     return path;
 }
@@ -260,12 +208,14 @@ LONG ReportingStore::RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options,
 }
 
 // A key that did not open has had its box.
-LONG ReportingStore::NoteChange(LONG result, Pending change, std::uint64_t before) {
-    change.number = ChangesOfRegistry().made;
-    if (result == ERROR_SUCCESS && change.number > before) {
-        pending_.push_back(std::move(change));
+LONG ReportingStore::NoteChange(LONG result, ReportEvent change, std::uint64_t before) {
+    const std::uint64_t number = ChangesOfRegistry().made;
+    change.step = log_.step();
+    if (result == ERROR_SUCCESS && number > before) {
+        pending_.push_back({number, std::move(change)});
     } else if (result != ERROR_SUCCESS && result != ERROR_INVALID_HANDLE) {
-        ReportUndone(change.place, RegistryReason(result));
+        change.failure = RegistryReason(result);
+        ReportUndone(std::move(change));
     }
     return result;
 }
@@ -273,19 +223,19 @@ LONG ReportingStore::NoteChange(LONG result, Pending change, std::uint64_t befor
 LONG ReportingStore::RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type,
                                     const BYTE* data, DWORD size) {
     const std::uint64_t before = ChangesOfRegistry().made;
-    const std::string old = ReadableValue(ReadValue(registry(), key, name));
+    ReportEvent change = {.action = ReportAction::WriteValue,
+                          .path = PathBelow(key, {}),
+                          .other = name,
+                          .before = ReadValue(registry(), key, name),
+                          .after = ReportedValue{type, {data, data + size}}};
     const LONG written = registry().RegSetValueExW(key, name, reserved, type, data, size);
-    const std::string place = "written [" + PathBelow(key, {}) + "] \"" + ReadableText(name) + '"';
-    const std::string change = "wrote" + place.substr(7) + ": " + old + " -> " +
-                               ReadableValue(Value{type, {data, data + size}});
-    return NoteChange(written, {0, log_.step(), change, place, &valuesWritten_}, before);
+    return NoteChange(written, std::move(change), before);
 }
 
 LONG ReportingStore::RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
     const std::uint64_t before = ChangesOfRegistry().made;
     const LONG deleted = registry().RegDeleteKeyW(key, subkey);
-    const std::string place = "deleted key [" + PathBelow(key, subkey) + "]";
-    return NoteChange(deleted, {0, log_.step(), place, place, &keysDeleted_}, before);
+    return NoteChange(deleted, {ReportAction::DeleteKey, PathBelow(key, subkey)}, before);
 }
 
 LONG ReportingStore::RegCloseKey(HKEY key) {
@@ -296,14 +246,12 @@ LONG ReportingStore::RegCloseKey(HKEY key) {
 // Changes are stored by the inner store whenever it has to, in the order in which they were made.
 void ReportingStore::SettleRegistry() {
     const std::uint64_t stored = ChangesOfRegistry().stored;
-    while (!pending_.empty() && pending_.front().number <= stored) {
-        const Pending& change = pending_.front();
-        const bool isLost = IsChangeLost(change.number);
-        ++(isLost ? notDone_ : *change.total);
-        WriteLine(change.step,
-                  isLost ? "not " + change.place + " (another program has deleted its key)"
-                         : change.change);
-        pending_.pop_front();
+    for (; !pending_.empty() && pending_.front().number <= stored; pending_.pop_front()) {
+        Pending& change = pending_.front();
+        if (IsChangeLost(change.number)) {
+            change.event.failure = "another program has deleted its key";
+        }
+        Write(change.event);
     }
 }
 
@@ -317,23 +265,14 @@ Status ReportingStore::StoreRegistry() {
 Status ReportingStore::Finish() {
     SettleRegistry();
     for (; !pending_.empty(); pending_.pop_front()) {
-        ++notDone_;
-        WriteLine(pending_.front().step,
-                  "not " + pending_.front().place + " (" + whyNotStored_ + ")");
+        pending_.front().event.failure = whyNotStored_;
+        Write(pending_.front().event);
     }
-    WriteLine(0, "total: " + Count(filesDeleted_, "file", "files") + " deleted (" +
-                     Count(bytesDeleted_, "byte", "bytes") + "), " +
-                     Count(entriesMoved_, "entry", "entries") + " moved, " +
-                     Count(directoriesMade_, "directory", "directories") + " made, " +
-                     Count(directoriesRemoved_, "directory", "directories") + " removed, " +
-                     Count(shortcutsMade_, "shortcut", "shortcuts") + " made, " +
-                     Count(valuesWritten_, "value", "values") + " written, " +
-                     Count(keysDeleted_, "key", "keys") + " deleted, " + std::to_string(notDone_) +
-                     " not done");
-    if (report_ != nullptr && (std::fflush(report_) != 0 || !isWritten_)) {
-        return FailBecause("write the report", "standard output cannot be written");
+    if (!lines_) {
+        return {};
     }
-    return {};
+    lines_->WriteTotals(totals_);
+    return lines_->Finish();
 }
 
 }  // namespace platform

@@ -4,15 +4,18 @@
 #include <cstdio>
 #include <deque>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/diagnostics/run_log.h"
+#include "platform/report/report_event.h"
+#include "platform/report/report_lines.h"
 #include "platform/seam/forwarding_store.h"
 
 namespace platform {
 
-// Reports what is done to the device and what could not be: a line for each thing, after it was
+// Reports what is done to the device and what could not be: an event for each thing, after it was
 // done, with the step of the Apply sequence that did it, and the totals when asked. A change of the
 // registry is done when it is stored.
 class ReportingStore : public ForwardingStore {
@@ -52,38 +55,25 @@ class ReportingStore : public ForwardingStore {
     // A change of the registry that is not known to be stored yet.
     struct Pending {
         std::uint64_t number;  // of the change, as the inner store counts them
-        int step;
-        std::string change;    // what is reported when it is stored
-        std::string place;     // and what when it is not
-        std::uint64_t* total;  // which of the totals counts it
+        ReportEvent event;
     };
 
-    void WriteLine(int step, const std::string& line);
-    void Report(const std::string& line);
-    void ReportUndone(const std::string& what);
-    void ReportUndone(const std::string& what, const std::string& reason);
-    void ReportSearch(const std::string& pattern);
+    void Write(const ReportEvent& event);
+    void Report(ReportEvent event);
+    void ReportUndone(ReportEvent event);
+    void ReportSearch(const std::u16string& pattern);
     void SettleRegistry();
-    LONG NoteChange(LONG result, Pending change, std::uint64_t before);
-    std::string PathBelow(HKEY key, std::u16string_view subkey) const;
+    LONG NoteChange(LONG result, ReportEvent change, std::uint64_t before);
+    std::u16string PathBelow(HKEY key, std::u16string_view subkey) const;
 
-    std::FILE* report_;
+    std::optional<ReportLines> lines_;  // none where only the log counts
     RunLog& log_;
-    std::map<HKEY, std::string> openKeys_;    // the path of each, in readable form
-    std::map<HANDLE, std::string> searches_;  // the pattern of each open search, the same
+    std::map<HKEY, std::u16string> openKeys_;    // the path of each
+    std::map<HANDLE, std::u16string> searches_;  // the pattern of each open search
     std::deque<Pending> pending_;
     std::string whyNotStored_;
     bool erases_ = false;  // the next restart does
-    bool isWritten_ = true;
-    std::uint64_t filesDeleted_ = 0;
-    std::uint64_t bytesDeleted_ = 0;
-    std::uint64_t entriesMoved_ = 0;
-    std::uint64_t directoriesMade_ = 0;
-    std::uint64_t directoriesRemoved_ = 0;
-    std::uint64_t shortcutsMade_ = 0;
-    std::uint64_t valuesWritten_ = 0;
-    std::uint64_t keysDeleted_ = 0;
-    std::uint64_t notDone_ = 0;
+    ReportTotals totals_;
 };
 
 }  // namespace platform

@@ -11,12 +11,12 @@ namespace platform {
 struct RegistryRoot {
     HKEY handle;
     std::u16string_view name;
-    const char* shortName;
+    std::u16string_view shortName;
 };
 inline const std::array<RegistryRoot, 4> kRegistryRoots = {
-    {{HKEY_CLASSES_ROOT, u"HKEY_CLASSES_ROOT", "HKCR"},
-     {HKEY_CURRENT_USER, u"HKEY_CURRENT_USER", "HKCU"},
-     {HKEY_LOCAL_MACHINE, u"HKEY_LOCAL_MACHINE", "HKLM"},
-     {HKEY_USERS, u"HKEY_USERS", "HKU"}}};
+    {{HKEY_CLASSES_ROOT, u"HKEY_CLASSES_ROOT", u"HKCR"},
+     {HKEY_CURRENT_USER, u"HKEY_CURRENT_USER", u"HKCU"},
+     {HKEY_LOCAL_MACHINE, u"HKEY_LOCAL_MACHINE", u"HKLM"},
+     {HKEY_USERS, u"HKEY_USERS", u"HKU"}}};
 
 }  // namespace platform

@@ -1,0 +1,127 @@
+#include "platform/report/report_lines.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "platform/text/readable_text.h"
+
+namespace platform {
+
+namespace {
+
+// The words for each action: as it was done, and after "not". `link` stands between both paths.
+struct Wording {
+    ReportAction action;
+    const char* done;
+    const char* undone;
+    const char* link = "";
+};
+
+constexpr Wording kWordings[] = {
+    {ReportAction::DeleteFile, "deleted ", "deleted "},
+    {ReportAction::RemoveDirectory, "removed directory ", "removed directory "},
+    {ReportAction::MakeDirectory, "made directory ", "made directory "},
+    {ReportAction::MoveEntry, "moved ", "moved ", " to "},
+    {ReportAction::MakeShortcut, "made shortcut ", "made shortcut ", " to "},
+    {ReportAction::WriteValue, "wrote ", "written "},
+    {ReportAction::DeleteKey, "deleted key ", "deleted key "},
+    {ReportAction::ReadDirectory, "read ", "read "},
+    {ReportAction::Restart, "restarting the device", "restarted"},
+    {ReportAction::EraseDevice, "erasing the device", "erased"},
+};
+
+std::string Count(std::uint64_t count, const char* one, const char* many) {
+    return std::to_string(count) + ' ' + (count == 1 ? one : many);
+}
+
+// A text in quotes, without the terminators at its end.
+std::string QuotedTextOf(const ReportedValue& value) {
+    std::u16string text(value.bytes.size() / sizeof(WCHAR), u'\0');
+    if (!text.empty()) {
+        std::memcpy(text.data(), value.bytes.data(), text.size() * sizeof(WCHAR));
+    }
+    text.erase(text.find_last_not_of(u'\0') + 1);
+    return '"' + ReadableText(text) + '"';
+}
+
+std::string ReadableValue(const std::optional<ReportedValue>& value) {
+    if (!value) {
+        return "nothing";
+    }
+    if (value->type == REG_DWORD && value->bytes.size() == sizeof(DWORD)) {
+        DWORD number = 0;
+        std::memcpy(&number, value->bytes.data(), sizeof number);
+        return std::to_string(number);
+    }
+    if (value->type == REG_SZ && value->bytes.size() % sizeof(WCHAR) == 0) {
+        return QuotedTextOf(*value);
+    }
+    return std::to_string(value->bytes.size()) + " bytes of type " + std::to_string(value->type);
+}
+
+// What the event is about.
+std::string ObjectOf(const ReportEvent& event, const Wording& wording) {
+    const std::string path = ReadableText(event.path);
+    switch (event.action) {
+        case ReportAction::WriteValue:
+            return '[' + path + "] \"" + ReadableText(event.other) + '"';
+        case ReportAction::DeleteKey:
+            return '[' + path + ']';
+        default:
+            return path + wording.link + ReadableText(event.other);
+    }
+}
+
+// What is said of it besides, when it was done.
+std::string DetailsOf(const ReportEvent& event) {
+    if (event.action == ReportAction::WriteValue) {
+        return ": " + ReadableValue(event.before) + " -> " + ReadableValue(event.after);
+    }
+    if (event.action != ReportAction::DeleteFile) {
+        return {};
+    }
+    return " (" + (event.bytes ? Count(*event.bytes, "byte", "bytes") : "size unknown") + ')';
+}
+
+}  // namespace
+
+ReportLines::ReportLines(std::FILE* output) : output_(output) {
+    std::setvbuf(output_, nullptr, _IOLBF, BUFSIZ);
+}
+
+void ReportLines::WriteLine(const std::string& line) {
+    isWritten_ = std::fputs((line + '\n').c_str(), output_) >= 0 && isWritten_;
+}
+
+void ReportLines::Write(const ReportEvent& event) {
+    const Wording& wording =
+        *std::find_if(std::begin(kWordings), std::end(kWordings),
+                      [&](const Wording& each) { return each.action == event.action; });
+    std::string line = event.step > 0 ? "step " + std::to_string(event.step) + ": " : "";
+    line += event.failure ? std::string("not ") + wording.undone : wording.done;
+    line += ObjectOf(event, wording);
+    line += event.failure ? " (" + *event.failure + ')' : DetailsOf(event);
+    WriteLine(line);
+}
+
+void ReportLines::WriteTotals(const ReportTotals& totals) {
+    WriteLine("total: " + Count(totals.filesDeleted, "file", "files") + " deleted (" +
+              Count(totals.bytesDeleted, "byte", "bytes") + "), " +
+              Count(totals.entriesMoved, "entry", "entries") + " moved, " +
+              Count(totals.directoriesMade, "directory", "directories") + " made, " +
+              Count(totals.directoriesRemoved, "directory", "directories") + " removed, " +
+              Count(totals.shortcutsMade, "shortcut", "shortcuts") + " made, " +
+              Count(totals.valuesWritten, "value", "values") + " written, " +
+              Count(totals.keysDeleted, "key", "keys") + " deleted, " +
+              std::to_string(totals.notDone) + " not done");
+}
+
+Status ReportLines::Finish() {
+    if (std::fflush(output_) != 0 || !isWritten_) {
+        return FailBecause("write the report", "standard output cannot be written");
+    }
+    return {};
+}
+
+}  // namespace platform
