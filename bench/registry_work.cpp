@@ -18,7 +18,7 @@
 #include <utility>
 
 #include "platform/io/descriptor.h"
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 #include "platform/registry/text/edited_registry_text.h"
 
 namespace {

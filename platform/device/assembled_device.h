@@ -7,7 +7,7 @@
 #include "platform/device/handheld_system.h"
 #include "platform/device/registry_guard.h"
 #include "platform/files/host_files.h"
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 #include "platform/seam/forwarding_store.h"
 
 namespace platform {

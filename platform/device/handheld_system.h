@@ -7,7 +7,7 @@
 #include "platform/device/help_viewer_start.h"
 #include "platform/device/registry_guard.h"
 #include "platform/files/host_files.h"
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 
 namespace platform {
 

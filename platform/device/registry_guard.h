@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "platform/files/host_files.h"
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 
 namespace platform {
 

@@ -14,7 +14,7 @@
 #include "platform/io/open_beneath.h"
 #include "platform/io/rename_without_replacing.h"
 #include "platform/io/whole_file.h"
-#include "platform/moves/file_move.h"
+#include "platform/moves/move_to_other_volume.h"
 #include "platform/text/device_paths.h"
 
 namespace platform {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/io/descriptor.h"
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 
 // A device directory of a test's own, removed with the object.
 class TemporaryDevice {

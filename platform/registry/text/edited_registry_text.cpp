@@ -7,13 +7,13 @@
 
 namespace platform {
 
-EditedRegistryText::EditedRegistryText(ParsedRegistry content)
+EditedRegistryText::EditedRegistryText(RegistryModel content)
     : content_(std::move(content)),
       firstNewValue_(content_.values.size()),
       firstNewSection_(content_.sections.size()) {}
 
 Result<EditedRegistryText> EditedRegistryText::Parse(std::string bytes) {
-    return ParseRegistry(std::move(bytes)).map([](ParsedRegistry&& content) {
+    return ParseRegistry(std::move(bytes)).map([](RegistryModel&& content) {
         return EditedRegistryText(std::move(content));
     });
 }
@@ -138,7 +138,7 @@ bool EditedRegistryText::EndsLine(std::string_view text) const {
 }
 
 std::string EditedRegistryText::ValueLine(ValueIndex value) const {
-    const ParsedRegistry::Value& text = content_.values[value];
+    const RegistryModel::Value& text = content_.values[value];
     std::string line = text.name.empty() ? content_.Spell(u"@") : content_.Spell(u"\"");
     if (!text.name.empty()) {
         line.append(text.name).append(content_.Spell(u"\""));
@@ -173,7 +173,7 @@ std::vector<EditedRegistryText::Edit> EditedRegistryText::Edits() const {
         }
     }
     for (std::size_t index = 1; index < firstNewSection_; ++index) {
-        const ParsedRegistry::Section& section = content_.sections[index];
+        const RegistryModel::Section& section = content_.sections[index];
         if (section.removed) {
             edits.push_back({section.begin, section.end - section.begin, {}});
         }

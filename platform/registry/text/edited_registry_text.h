@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/registry/text/parsed_registry.h"
+#include "platform/registry/text/registry_model.h"
 
 namespace platform {
 
@@ -26,7 +26,7 @@ enum class SetResult {
 // of its own at the end of the file; the lines of a deleted key go, those of its subkeys too.
 class EditedRegistryText {
   public:
-    explicit EditedRegistryText(ParsedRegistry content);
+    explicit EditedRegistryText(RegistryModel content);
 
     // The registry of a file with these bytes; see ParseRegistry.
     static Result<EditedRegistryText> Parse(std::string bytes);
@@ -77,7 +77,7 @@ class EditedRegistryText {
     std::string ValueLine(ValueIndex value) const;
     bool EndsLine(std::string_view text) const;
 
-    ParsedRegistry content_;
+    RegistryModel content_;
 
     // From these numbers on, values and sections are not in the file's bytes.
     std::size_t firstNewValue_ = 0;

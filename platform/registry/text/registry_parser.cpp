@@ -38,7 +38,7 @@ std::string LineName(std::size_t line) {
 // Puts the statements of a file into its content, one after the other.
 class RegistryParser {
   public:
-    explicit RegistryParser(ParsedRegistry& content) : content_(content) {}
+    explicit RegistryParser(RegistryModel& content) : content_(content) {}
 
     Status Read();
 
@@ -58,7 +58,7 @@ class RegistryParser {
     Result<KeyIndex> FindPath(std::string_view path, bool add);
     Status FindLevel(std::string_view name, bool add);
 
-    ParsedRegistry& content_;
+    RegistryModel& content_;
     SectionIndex currentSection_ = 0;
     std::vector<Level> path_;
     std::u16string folded_;  // the name that was looked up last
@@ -121,7 +121,7 @@ Status RegistryParser::Apply(const RegistryStatement& statement) {
 // Blank lines belong to the key before them, unless a comment stands between: it may be about the
 // next one.
 void RegistryParser::ApplyBlankLine(const RegistryStatement& statement) {
-    ParsedRegistry::Section& section = content_.sections[currentSection_];
+    RegistryModel::Section& section = content_.sections[currentSection_];
     if (section.end == content_.BeginOf(statement.lines)) {
         section.end = content_.EndOf(statement.lines);
     }
@@ -132,7 +132,7 @@ Status RegistryParser::ApplyKey(const RegistryStatement& statement) {
     if (!key) {
         return tl::unexpected(std::move(key.error()));
     }
-    const ParsedRegistry::Offset end = content_.EndOf(statement.lines);
+    const RegistryModel::Offset end = content_.EndOf(statement.lines);
     currentSection_ =
         content_.AddSection({*key, 0, content_.BeginOf(statement.lines), end, end, false});
     return {};
@@ -159,7 +159,7 @@ Status RegistryParser::ApplyValue(const RegistryStatement& statement) {
     if (currentSection_ == 0) {
         return Malformed("a value without a key");
     }
-    ParsedRegistry::Section& section = content_.sections[currentSection_];
+    RegistryModel::Section& section = content_.sections[currentSection_];
     content_.AddValue(section.key, {statement.name, statement.data, 0});
     section.valuesEnd = content_.EndOf(statement.lines);
     section.end = section.valuesEnd;
@@ -217,7 +217,7 @@ Status RegistryParser::FindLevel(std::string_view name, bool add) {
 
 }  // namespace
 
-Result<ParsedRegistry> ParseRegistry(std::string bytes) {
+Result<RegistryModel> ParseRegistry(std::string bytes) {
     if (bytes.empty()) {
         bytes = BytesOfNewFile();
     }
@@ -228,7 +228,7 @@ Result<ParsedRegistry> ParseRegistry(std::string bytes) {
     if (!encoding) {
         return FailOf(std::move(encoding.error()), LineName(1));
     }
-    ParsedRegistry content(std::move(bytes), *encoding);
+    RegistryModel content(std::move(bytes), *encoding);
     if (Status read = RegistryParser(content).Read(); !read) {
         return tl::unexpected(std::move(read.error()));
     }

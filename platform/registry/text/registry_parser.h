@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/registry/text/parsed_registry.h"
+#include "platform/registry/text/registry_model.h"
 
 namespace platform {
 
@@ -16,6 +16,6 @@ inline constexpr std::size_t kRegistryTextLimit = std::size_t{256} << 20;
 // Reads a registry file with these bytes; one without keys, of the usual form, when there are none.
 // Fails when they are no registry file; the failure's object is the line: "registry.reg, line 3".
 // The time is in proportion to the bytes, and the memory at most 40 times as much as they take.
-Result<ParsedRegistry> ParseRegistry(std::string bytes);
+Result<RegistryModel> ParseRegistry(std::string bytes);
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

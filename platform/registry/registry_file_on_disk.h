@@ -13,10 +13,10 @@ namespace platform {
 
 // The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
 // not followed, a pipe not waited for.
-class RegistryRegFile {
+class RegistryFileOnDisk {
   public:
     // `directory` is the open device directory; it stays the caller's and must outlive the object.
-    explicit RegistryRegFile(int directory) : directory_(directory) {}
+    explicit RegistryFileOnDisk(int directory) : directory_(directory) {}
 
     int directory() const { return directory_; }
 

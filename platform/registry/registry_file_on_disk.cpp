@@ -1,4 +1,4 @@
-#include "platform/registry/registry_reg_file.h"
+#include "platform/registry/registry_file_on_disk.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -63,11 +63,11 @@ Status CheckOwned(int directory, const struct stat& old) {
 
 }  // namespace
 
-Result<FileVersion> RegistryRegFile::Look() const {
+Result<FileVersion> RegistryFileOnDisk::Look() const {
     return LookAt(directory_).map([](const struct stat& status) { return FileVersion(status); });
 }
 
-Result<RegistryRegFile::Content> RegistryRegFile::Read() const {
+Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
     const Result<struct stat> found = LookAt(directory_);
     if (!found) {
         return tl::unexpected<Failure>(found.error());
@@ -95,7 +95,7 @@ Result<RegistryRegFile::Content> RegistryRegFile::Read() const {
     return Content{std::move(*bytes), version};
 }
 
-Status RegistryRegFile::CheckReplaceable() const {
+Status RegistryFileOnDisk::CheckReplaceable() const {
     const Result<struct stat> old = LookAt(directory_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
@@ -116,7 +116,7 @@ Status RegistryRegFile::CheckReplaceable() const {
     return possible ? possible : FailOf(possible.error(), std::string("beside ") + kName);
 }
 
-Status RegistryRegFile::ReserveRoom(std::size_t size) {
+Status RegistryFileOnDisk::ReserveRoom(std::size_t size) {
     if (reserved_ != nullptr) {
         return {};
     }
@@ -132,15 +132,15 @@ Status RegistryRegFile::ReserveRoom(std::size_t size) {
     return {};
 }
 
-Result<std::unique_ptr<AtomicFile>> RegistryRegFile::NewFile() {
+Result<std::unique_ptr<AtomicFile>> RegistryFileOnDisk::NewFile() {
     if (reserved_ != nullptr) {
         return std::exchange(reserved_, nullptr);
     }
     return AtomicFile::Create(directory_, directory_);
 }
 
-Result<std::optional<FileVersion>> RegistryRegFile::Replace(std::string_view bytes,
-                                                            const FileVersion& replaced) {
+Result<std::optional<FileVersion>> RegistryFileOnDisk::Replace(std::string_view bytes,
+                                                               const FileVersion& replaced) {
     const Result<struct stat> old = LookAt(directory_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
@@ -176,7 +176,7 @@ Result<std::optional<FileVersion>> RegistryRegFile::Replace(std::string_view byt
 }
 
 // Writes the whole content and stores it; what was kept as room and is not needed goes.
-Status RegistryRegFile::Write(AtomicFile& file, std::string_view bytes) const {
+Status RegistryFileOnDisk::Write(AtomicFile& file, std::string_view bytes) const {
     if (Status written = WriteWhole(file.descriptor(), bytes); !written) {
         return written;
     }

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "platform/registry/text/key_tree.h"
-#include "platform/registry/text/statement_parser.h"
+#include "platform/registry/text/statement_syntax.h"
 #include "platform/registry/text/value_data_format.h"
 
 namespace platform {
@@ -20,7 +20,7 @@ inline constexpr std::size_t kRegistryNameLimit = 255;
 
 // A registry file: its bytes, and where each key and value stands in them. What is added later has
 // texts of its own.
-struct ParsedRegistry {
+struct RegistryModel {
     // A position in the file's bytes, of which there are fewer than 4 GiB.
     using Offset = std::uint32_t;
 
@@ -41,7 +41,7 @@ struct ParsedRegistry {
     };
 
     // Without keys; the statements of the file are still to be read.
-    ParsedRegistry(std::string fileBytes, const FileEncoding& encoding);
+    RegistryModel(std::string fileBytes, const FileEncoding& encoding);
 
     // Add to a key that is there.
     SectionIndex AddSection(const Section& section);

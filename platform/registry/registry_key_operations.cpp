@@ -1,4 +1,4 @@
-#include "platform/registry/registry.h"
+#include "platform/registry/registry_key_operations.h"
 
 #include <algorithm>
 #include <array>
@@ -81,15 +81,15 @@ Registry::Registry(int directory, EditedRegistryText text, const FileVersion& ve
 }
 
 Result<std::unique_ptr<Registry>> Registry::Open(int directory) {
-    Result<ReadText> read = Read(RegistryRegFile(directory));
+    Result<ReadText> read = Read(RegistryFileOnDisk(directory));
     if (!read) {
         return tl::unexpected<Failure>(read.error());
     }
     return std::unique_ptr<Registry>(new Registry(directory, std::move(read->text), read->version));
 }
 
-Result<Registry::ReadText> Registry::Read(const RegistryRegFile& file) {
-    Result<RegistryRegFile::Content> content = file.Read();
+Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {
+    Result<RegistryFileOnDisk::Content> content = file.Read();
     if (!content) {
         return tl::unexpected<Failure>(content.error());
     }

@@ -1,4 +1,4 @@
-#include "platform/registry/text/statement_parser.h"
+#include "platform/registry/text/statement_syntax.h"
 
 #include <utility>
 

@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "platform/registry/registry_reg_file.h"
+#include "platform/registry/registry_file_on_disk.h"
 #include "platform/registry/text/edited_registry_text.h"
 #include "platform/seam/device_store.h"
 
@@ -88,7 +88,7 @@ class Registry : public DeviceRegistry {
         EditedRegistryText text;
         FileVersion version;
     };
-    static Result<ReadText> Read(const RegistryRegFile& file);
+    static Result<ReadText> Read(const RegistryFileOnDisk& file);
     OpenKey* FindOpen(HKEY key);
     LONG FindKey(HKEY handle, OpenKey*& open, KeyIndex& key);
     std::optional<RegistryData> Value(const OpenKey& open, KeyIndex key,
@@ -100,7 +100,7 @@ class Registry : public DeviceRegistry {
     Status SayLost();
     Status Refresh();
 
-    RegistryRegFile file_;
+    RegistryFileOnDisk file_;
     EditedRegistryText text_;
     FileVersion version_;
     std::unordered_map<std::uintptr_t, OpenKey> open_;

@@ -1,4 +1,4 @@
-#include "platform/moves/file_move.h"
+#include "platform/moves/move_to_other_volume.h"
 
 #include <fcntl.h>
 #include <linux/fs.h>

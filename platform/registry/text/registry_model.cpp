@@ -1,4 +1,4 @@
-#include "platform/registry/text/parsed_registry.h"
+#include "platform/registry/text/registry_model.h"
 
 #include <utility>
 
@@ -6,7 +6,7 @@
 
 namespace platform {
 
-ParsedRegistry::ParsedRegistry(std::string fileBytes, const FileEncoding& encoding)
+RegistryModel::RegistryModel(std::string fileBytes, const FileEncoding& encoding)
     : bytes(std::make_unique<const std::string>(std::move(fileBytes))),
       textBegin(encoding.markSize),
       keys(encoding.encoding),
@@ -15,21 +15,21 @@ ParsedRegistry::ParsedRegistry(std::string fileBytes, const FileEncoding& encodi
     form.encoding = encoding.encoding;
 }
 
-SectionIndex ParsedRegistry::AddSection(const Section& section) {
+SectionIndex RegistryModel::AddSection(const Section& section) {
     const auto added = static_cast<SectionIndex>(sections.size());
     sections.push_back(section);
     sections.back().previous = std::exchange(keys[section.key].lastSection, added);
     return added;
 }
 
-ValueIndex ParsedRegistry::AddValue(KeyIndex key, const Value& value) {
+ValueIndex RegistryModel::AddValue(KeyIndex key, const Value& value) {
     const auto added = static_cast<ValueIndex>(values.size());
     values.push_back(value);
     values.back().previous = std::exchange(keys[key].lastValue, added);
     return added;
 }
 
-void ParsedRegistry::AddRoots() {
+void RegistryModel::AddRoots() {
     for (std::size_t index = 0; index < kRegistryRoots.size(); ++index) {
         KeyIndex& root = roots[index];
         if (root == 0 || keys[root].removed) {
@@ -39,21 +39,21 @@ void ParsedRegistry::AddRoots() {
     }
 }
 
-std::string_view ParsedRegistry::Own(std::string text) {
+std::string_view RegistryModel::Own(std::string text) {
     return owned.emplace_back(std::move(text));
 }
 
-std::string ParsedRegistry::Spell(std::u16string_view text) const {
+std::string RegistryModel::Spell(std::u16string_view text) const {
     std::string spelt;
     EncodeText(form.encoding, text, spelt);
     return spelt;
 }
 
-ParsedRegistry::Offset ParsedRegistry::BeginOf(std::string_view part) const {
+RegistryModel::Offset RegistryModel::BeginOf(std::string_view part) const {
     return static_cast<Offset>(part.data() - bytes->data());
 }
 
-ParsedRegistry::Offset ParsedRegistry::EndOf(std::string_view part) const {
+RegistryModel::Offset RegistryModel::EndOf(std::string_view part) const {
     return static_cast<Offset>(part.data() + part.size() - bytes->data());
 }
 
