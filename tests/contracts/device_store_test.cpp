@@ -50,7 +50,7 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
         inUse_ = std::make_unique<platform::StoreInUse>(store());
     }
 
-    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
+    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash after them.
     static Entries Search(const std::u16string& pattern) {
         Entries names;
         WIN32_FIND_DATA data;
@@ -139,7 +139,7 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     }
 }
 
-TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
+TEST_P(DeviceStoreTest, RecordsHaveSizesAndAttributes) {
     device_.Make({"big=", "locked=abc", "hidden/", "plain/"});
     ASSERT_EQ(truncate(HostPath("big").c_str(), (3LL << 32) + 7), 0);
     chmod(HostPath("locked").c_str(), 0444);
@@ -156,7 +156,7 @@ TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
         {u"\\hidden", FILE_ATTRIBUTE_DIRECTORY | (hidden ? kHidden : 0), 0, 0},
     };
     for (const auto& expected : cases) {
-        // A single entry and one of a list are told alike.
+        // A single entry and one of a list have the same record.
         for (const std::u16string& pattern : {expected.path, expected.path + u"*"}) {
             WIN32_FIND_DATA data{};
             FindClose(FindFirstFileW(pattern.c_str(), &data));

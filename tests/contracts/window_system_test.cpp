@@ -180,26 +180,25 @@ TEST_P(WindowSystemTest, PlacesCountFromTheParentAndBoundsFromTheScreen) {
 TEST_P(WindowSystemTest, WhatWaitsForADestroyedWindowIsDropped) {
     const HWND outer = AddButton(1);
     Tap(outer, 1);
-    EXPECT_TRUE(TakeTold().empty()) << "told before the program asked for messages";
+    EXPECT_TRUE(TakeReceived().empty()) << "received before the program asked for messages";
     Dispatch();
-    EXPECT_EQ(
-        TakeTold(),
-        (AllTold{{page_, WM_COMMAND, MAKELONG(1, BN_CLICKED), reinterpret_cast<LPARAM>(outer)}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{page_, WM_COMMAND, MAKELONG(1, BN_CLICKED),
+                                                 reinterpret_cast<LPARAM>(outer)}}));
     Tap(outer, 1);
     EXPECT_NE(DestroyWindow(main_), 0);
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
     for (const HWND child : {page_, outer}) {
         EXPECT_EQ(DestroyWindow(child), 0) << "it has not gone with its parents";
     }
 }
 
-TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
+TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxReportsIt) {
     const struct {
         const WCHAR* name;
         LRESULT result;
         std::u16string text;
-        Codes told;
+        Codes codes;
     } classes[] = {{TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
                    {TEXT("BUTTON"), TRUE, u"abc", {}},
                    {TEXT("STATIC"), TRUE, u"abc", {}},
@@ -212,7 +211,7 @@ TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
         }
         EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), each.result);
         EXPECT_EQ(TextOf(control), each.text);
-        EXPECT_EQ(TakeCodes(), each.told);
+        EXPECT_EQ(TakeCodes(), each.codes);
         DestroyWindow(control);
     }
     const HWND edit = Add(TEXT("EDIT"), 0, {2, 2, 102, 20}, 5, TEXT("abc"));
@@ -226,11 +225,11 @@ TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
         EXPECT_EQ(Send(edit, WM_GETTEXT, row.room, buffer), row.copied);
         EXPECT_EQ(buffer, row.text) << row.room;
     }
-    g_hook = [](const Told& told) -> LRESULT {
-        return DestroyWindow(reinterpret_cast<HWND>(told.lParam));
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return DestroyWindow(reinterpret_cast<HWND>(received.lParam));
     };
     EXPECT_EQ(Send(edit, WM_SETTEXT, 0, TEXT("x")), TRUE);
-    EXPECT_EQ(TakeCodes(), Codes{EN_UPDATE}) << "a dead box was told of";
+    EXPECT_EQ(TakeCodes(), Codes{EN_UPDATE}) << "a dead box was reported";
 }
 
 // Each row goes on from what those before it have left.
@@ -279,7 +278,7 @@ TEST_P(WindowSystemTest, EveryMessageToAControlHasItsResult) {
     }
     EXPECT_EQ((Bounds{area.left, area.top, area.right, area.bottom}), (Bounds{4, 4, 236, 243}));
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty()) << "what the program does was told to it";
+    EXPECT_TRUE(TakeReceived().empty()) << "what the program does was reported to it";
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ const Entries kMoved = Words("New/ New/Sub/ New/Sub/b=2 New/a=1 Old/");
 const Entries kInside = Words("New/ Old/ Old/Sub/ Old/Sub/a=1 Old/Sub/b=2");
 const Entries kOutside = Words("New/ Old/ Old/Sub/ Old/a=1 Old/b=2");
 
-TEST(FolderRelocationTest, TellsOfMissingKeysAndValues) {
+TEST(FolderRelocationTest, ReportsMissingKeysAndValues) {
     for (const Folder& folder : kFolders) {
         for (const std::string key : {"", folder.key}) {
             const std::string registry = kQuietTweaks + key;

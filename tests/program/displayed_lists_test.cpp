@@ -1,4 +1,4 @@
-// The lists of the pages and the folder browser, on a display that nobody sees.
+// The lists of the pages and the folder browser, on an offscreen display.
 
 #include <QLineEdit>
 #include <QListView>

@@ -1,4 +1,4 @@
-// The menus "Power" and "Help", chosen by keys on a display that nobody sees.
+// The menus "Power" and "Help", chosen by keys on an offscreen display.
 
 #include <QCheckBox>
 #include <QLabel>

@@ -1,4 +1,4 @@
-// The whole program on a display that nobody sees, with a user's mouse and keys.
+// The whole program on an offscreen display, with a user's mouse and keys.
 
 #include <QCheckBox>
 #include <QComboBox>

@@ -41,7 +41,7 @@ export LSAN_OPTIONS=suppressions=$scratch/known-leaks
 "$program" --new-device "$device" >/dev/null
 before=$(mask)
 
-# A display that lets nobody in without its key is none, and a box is a line there.
+# A display that refuses a client without its key is none, and a box is a line there.
 printf '\xff\xff\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10%016d' 0 >"$scratch/key"
 open_display -auth "$scratch/key"
 code=0
@@ -51,7 +51,7 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 "$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
-# Nobody has named a device: its user is asked, and makes one.
+# Where no device is named, its user is asked, and makes one.
 open_display
 answer() {
   xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
@@ -111,7 +111,7 @@ kill -CONT "$running"
 while kill -0 "$running" 2>/dev/null; do
   xdotool mousemove --window "$window" 440 26 click 1 2>/dev/null || true
 done
-ended "behind a tab"
+ended "after a tab"
 [ "$(mask)" = "$after" ] || fail "the tap went astray: $(mask)"
 
 # A signal that the program was started to ignore ends nothing.
@@ -122,7 +122,7 @@ kill -HUP "$running"
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1
 ended "after a signal to ignore"
-[ "$(mask)" = "$before" ] || fail "the tick behind an ignored signal is lost: $(mask)"
+[ "$(mask)" = "$before" ] || fail "the tick after an ignored signal is lost: $(mask)"
 after=$before
 
 # A box that is up is answered, and the work goes on to its end.
@@ -141,7 +141,7 @@ open_display
 "$program" --device "$device" silent 2>"$scratch/errors" &
 running=$!
 xdotool search --sync --onlyvisible --name "^Error$" >/dev/null
-[ ! -s "$scratch/errors" ] || fail "a box is told twice: $(<"$scratch/errors")"
+[ ! -s "$scratch/errors" ] || fail "a box is shown twice: $(<"$scratch/errors")"
 kill "${displays[-1]}"
 ended "when its display broke off"
 [ "$(grep -c "^\[Error\]" "$scratch/errors")" -gt 5 ] || fail "$(<"$scratch/errors")"

@@ -28,7 +28,7 @@ struct Outcome {
 // What is unusual about a run.
 struct Circumstances {
     std::string home = {};      // the user's home directory, if not empty
-    bool closedOutput = false;  // nobody reads its standard output
+    bool closedOutput = false;  // its standard output has no reader
     rlim_t fileSize = RLIM_INFINITY;
     rlim_t memory = RLIM_INFINITY;
 };
@@ -102,7 +102,7 @@ Outcome RunReported(const std::string& device) {
     return RunProgram({"--device", device, "--report", "silent"});
 }
 
-TEST(Program, ExitCodesTellWhatWentWrong) {
+TEST(Program, ExitCodesSayWhatWentWrong) {
     const TemporaryDevice device;
     device.Make({"Temp/keep=1", SettingsEntry(kRootTemp)});
     const TemporaryDevice noDevice;
@@ -342,7 +342,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
     }
 }
 
-TEST(Program, AReportThatNobodyReadsDoesNotStopTheWork) {
+TEST(Program, AReportWithoutAReaderDoesNotStopTheWork) {
     const TemporaryDevice device;
     device.Make({"Temp/a=1", "Temp/b=2", SettingsEntry(kRootTemp)});
     const Outcome outcome =
@@ -378,7 +378,7 @@ TEST(Program, TheWorstOfSeveralExitCodesCounts) {
     }
 }
 
-TEST(Program, ABoxIsOneLineAndWaitsForNobody) {
+TEST(Program, ABoxIsOneLineAndDoesNotWait) {
     const TemporaryDevice device;
     device.Make({"Temp/keep=1"});
     const Outcome outcome =

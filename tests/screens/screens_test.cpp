@@ -91,7 +91,7 @@ TEST(Screens, ASwitchShowsOnePageFromItsTop) {
     }});
 }
 
-TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
+TEST(Screens, AnUnknownIndexIsReportedAndTheWorkGoesOn) {
     InteractiveProgram program;
     program.Run({[&] {
         g_Screens->SwitchScreenTo(6);
@@ -108,7 +108,7 @@ TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
     }});
 }
 
-TEST(Screens, AControlWithoutAnActionDoesNothingAndAnUnknownOneIsToldOf) {
+TEST(Screens, AControlWithoutAnActionDoesNothingAndAnUnknownOneIsReported) {
     const std::set<UINT> acting = {50003, 50006, 50011, 50014, 50025, 50034, 50038, 50041, 50044};
     InteractiveProgram program;
     program.Run({[&] {

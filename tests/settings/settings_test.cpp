@@ -186,7 +186,7 @@ std::int32_t Load(const TemporaryDevice& device, CSettings& settings, CollectedB
     return mask;
 }
 
-// Whatever is missing is null or 0 and never half of what was written; nothing behind it is taken.
+// Whatever is missing is null or 0 and never half of what was written; nothing after it is taken.
 TEST(Settings, ADamagedFileGivesWhatIsWholeInIt) {
     const std::u16string longest(1023, u'x');
     const struct {

@@ -96,7 +96,7 @@ TEST(Shell, ScrollCodesMoveThePage) {
     }});
 }
 
-TEST(Shell, ATabWithoutScreenIsToldAndChangesNothing) {
+TEST(Shell, ATabWithoutScreenIsReportedAndChangesNothing) {
     InteractiveProgram program;
     program.windows.defaultResult = 77;
     program.Run({[&] {
@@ -120,7 +120,7 @@ TEST(Shell, EndingCommandsSaveAndEndTheLoop) {
     }
 }
 
-TEST(Shell, ApplyTellsWhatItFreedAndDecidesAboutTheRestart) {
+TEST(Shell, ApplyReportsWhatItFreedAndDecidesAboutTheRestart) {
     const Texts freed = {"[Cleaning Finished] 5 Bytes Cleaned"};
     const Texts required = {freed[0],
                             "[Restart Required] Some settings will not take effect until the "
@@ -212,7 +212,7 @@ TEST(Shell, TheWindowsHaveTheirPlacesAndTabs) {
     }});
 }
 
-TEST(Shell, AFailureIsToldAndTheNextStepFollows) {
+TEST(Shell, AFailureIsReportedAndTheNextStepFollows) {
     const std::pair<std::string, std::string> cases[] = {
         {"CreateWindowExW Marlowtide Fennelbright", "Menu Bar"},
         {"SHCreateMenuBar Marlowtide Fennelbright", "Menu Bar"},

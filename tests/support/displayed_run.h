@@ -14,7 +14,7 @@ using Steps = std::vector<std::function<void()>>;
 // Adds the keys that choose an item of the menus.
 void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys);
 
-// Runs the program on a device and on a display that nobody sees; behind the last step taps the OK.
+// Runs the program on a device and on an offscreen display; after the last step taps the OK.
 // Boxes get the next one of `answers`, or are closed where there is none. Returns the boxes,
 // "[caption] text"; `calls` receives "erase", "restart" and "start IMAGE WORDS", none of which
 // happens.

@@ -37,7 +37,7 @@ struct FakeWindow {
     SCROLLINFO scrollGiven{};  // to SetScrollInfo last
 };
 
-// A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
+// A window system in memory that keeps what was done with it. What a user would do
 // is done by the steps below.
 class FakeWindows : public CollectedBoxes {
   public:
@@ -295,7 +295,7 @@ class FakeWindows : public CollectedBoxes {
         }
         const auto shown = std::ranges::find_if(
             windows, [](const auto& other) { return other.second.procedure != nullptr; });
-        g_Running = g_Running && shown != windows.end();  // else nobody could ask for the end
+        g_Running = g_Running && shown != windows.end();  // else no window could end it
         if (g_Running) {
             Post(shown->first, WM_COMMAND, IDOK);
         }

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Has no room for files if it is told so.
+// Has no room for files where `full` says so.
 class TestedStore : public FailingStore {
   public:
     TestedStore(platform::DeviceStore& store, const bool& full)

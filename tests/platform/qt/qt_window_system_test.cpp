@@ -34,8 +34,8 @@ TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
         EXPECT_EQ(bar.isEnabled(), row.code >= 0);
         Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
         Dispatch();
-        const AllTold step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
-        EXPECT_EQ(TakeTold(), row.code < 0 ? AllTold{} : step) << row.position;
+        const ReceivedMessages step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
+        EXPECT_EQ(TakeReceived(), row.code < 0 ? ReceivedMessages{} : step) << row.position;
         SCROLLINFO after = {28, SIF_POS, 0, 0, 0, 0, 0};
         GetScrollInfo(page_, SB_VERT, &after);
         EXPECT_EQ(after.nPos, row.position) << "the bar has moved by itself";
@@ -43,17 +43,19 @@ TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
     }
 }
 
-TEST_F(QtWindowSystemTest, ClicksOnAButtonThatIsDestroyedAreNotTold) {
+TEST_F(QtWindowSystemTest, ClicksOnADestroyedButtonAreDropped) {
     const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
-    g_hook = [](const Told& told) -> LRESULT { return DestroyWindow(told.window); };
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return DestroyWindow(received.window);
+    };
     Click(Control(7));
     DestroyWindow(dying);
     Click(Control(6));
     Click(Control(6));
     Click(*Control(6).parentWidget(), QPoint(200, 200));
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U) << "a dead window was told";
+    EXPECT_EQ(TakeReceived().size(), 1U) << "a dead window has got a message";
     EXPECT_EQ(GetClientRect(page_, nullptr), 0);
 }
 
@@ -72,10 +74,10 @@ TEST_F(QtWindowSystemTest, OnlyTheLeftButtonOnABackgroundIsTheStylus) {
     Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
     Click(*Control(5).parentWidget(), QPoint(100, 90));
     Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
     QTest::mouseClick(Control(5).parentWidget(), Qt::RightButton, Qt::NoModifier, QPoint(100, 90));
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
 }
 
 TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
@@ -84,14 +86,14 @@ TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
     const HWND box = Open(TEXT("Kept"));
     Click(ok);
     Host().close();
-    EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
+    EXPECT_FALSE(Control(5).isEnabled()) << "what is below can be reached";
     EXPECT_EQ(Host().windowHandle()->title(), "A device[*]");
     Dispatch();
     DestroyWindow(box);
     Click(ok);
     Dispatch();
-    const Told ended = {main_, WM_COMMAND, IDOK, 0};
-    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
+    const ReceivedMessage ended = {main_, WM_COMMAND, IDOK, 0};
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
 TEST_F(QtWindowSystemTest, AMenuOpensAboveItsBar) {

@@ -119,7 +119,7 @@ TEST_F(RegistryTest, AHandleThatIsNotOpenIsInvalid) {
     EXPECT_NE(keys.Open(u"Software"), nullptr);
 }
 
-TEST_F(RegistryTest, QueriesCountBytesAndTouchNothingBehindThem) {
+TEST_F(RegistryTest, QueriesCountBytesAndTouchNothingAfterThem) {
     const Keys keys = Open();
     const HKEY key = keys.Open(u"software\\APPS\\one");
     std::string data(12, '\xEE');

@@ -1,4 +1,4 @@
-// The boxes, on a display that nobody sees.
+// The boxes, on an offscreen display.
 
 #include <QAbstractButton>
 #include <QDialog>
@@ -75,16 +75,16 @@ TEST_F(MessageBoxTest, NothingIsDispatchedWhileABoxIsUp) {
         qobject_cast<QAbstractButton*>(&Control(6))->click();
         Press(box, IDOK);
     });
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U);
+    EXPECT_EQ(TakeReceived().size(), 1U);
 }
 
 TEST_F(MessageBoxTest, ClosingTheWindowAnswersTheBoxAndEndsTheProgramOnce) {
     EXPECT_EQ(Show(MB_YESNO, [](QDialog& /*box*/) { Host().close(); }), IDNO);
     Host().close();
     Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, IDOK, 0}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{main_, WM_COMMAND, IDOK, 0}}));
     EXPECT_TRUE(Host().isVisible());
 }
 
@@ -95,7 +95,7 @@ TEST_F(MessageBoxTest, AfterASignalNoBoxWaits) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "[Caption] Text\n");
     std::raise(SIGHUP);
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U);
+    EXPECT_EQ(TakeReceived().size(), 1U);
 }
 
 }  // namespace

@@ -56,7 +56,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 
 TEST(EditedRegistryText, ReadsEveryFormOfData) {
     const struct {
-        const char* data;  // behind "v"=
+        const char* data;  // after "v"=
         std::uint32_t type;
         std::vector<std::uint8_t> bytes;
     } cases[] = {
@@ -108,7 +108,7 @@ TEST(EditedRegistryText, LeavesOutValuesWithoutData) {
     }
 }
 
-TEST(EditedRegistryText, TellsTheLineOfAFault) {
+TEST(EditedRegistryText, NamesTheLineOfAFault) {
     const std::pair<const char*, std::size_t> cases[] = {
         {"nonsense", 1},
         {"[HKEY_USERS]\n\"a\"=\"b\"\nIF X\n", 3},
@@ -212,7 +212,7 @@ const std::string kHklm = "[HKEY_LOCAL_MACHINE\\Software";
 const std::string kEnd = "; the end";
 const std::string kFile =
     "; top\r\n" + kHklm + "\\Apps]\r\n\r\n" + kHklm + "\\Apps\\One] ; kept\r\n" +
-    "  \"Dir\" =  \"\\\\One\" ;behind\r\n; between\r\n\"Odd\"=hex:00,\\\r\n  01\r\n" +
+    "  \"Dir\" =  \"\\\\One\" ;after\r\n; between\r\n\"Odd\"=hex:00,\\\r\n  01\r\n" +
     "\"Sym\"=dword:LOC_X\r\n\r\n; about two\r\n" + kHklm + "\\Apps\\Two]\r\n\"Dir\"=\"two\"\r\n" +
     kHklm + "\\Apps\\Two\\Sub]\r\n\n" + kHklm + "\\Apps\\One]\r\n@=\"last\"\r\n\r\n" + kEnd;
 constexpr std::u16string_view kSoftware = u"HKEY_LOCAL_MACHINE\\Software";
@@ -241,7 +241,7 @@ const struct {
     {u"HKEY_USERS", u"n", REG_SZ, {}, kEnd, kEnd + "\r\n\r\n[HKEY_USERS]\r\n\"n\"=\"\"\r\n"},
 };
 
-// A file in each of its encodings, behind a line that only a whole copy keeps.
+// A file in each of its encodings, after a line that only a whole copy keeps.
 std::vector<std::string> Encoded(const std::string& text) {
     return {"; \xE9\x81\x01\r\n" + text, "; \xC3\xA9\xED\xA0\x80\r\n" + text,
             "\xEF\xBB\xBF;\0\r\n"s + text,
