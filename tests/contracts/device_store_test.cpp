@@ -82,7 +82,6 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
         return KernelIoControl(code, nullptr, 0, nullptr, 0, nullptr);
     }
 
-    std::string Registry() const { return device_.path() + "/registry.reg"; }
     std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
 
     TemporaryDevice device_;
@@ -201,8 +200,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
 }
 
 TEST_P(DeviceStoreTest, LinksAndDotsOpenNothingOutsideTheTree) {
-    TemporaryDevice outside;
-    outside.Make({"secret=s", "dir/secret=s"});
+    TemporaryDevice outside({"secret=s", "dir/secret=s"});
     device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
                   "file=f"});
     Open();
@@ -418,7 +416,7 @@ TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
 }
 
 TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) {
-    WriteFile(Registry(), "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n");
+    WriteFile(device_.registry(), "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n");
     Open();
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExW(HKEY_USERS, u"\\KEY\\", 0, 0, &key), ERROR_SUCCESS);
@@ -436,14 +434,14 @@ TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) 
     EXPECT_EQ(store().ChangesOfRegistry().stored, 0U);
     EXPECT_TRUE(store().StoreRegistry().has_value());
     EXPECT_EQ(store().ChangesOfRegistry().stored, 2U);
-    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
+    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
     data[0] = 6;
     RegSetValueExW(key, u"Number", 0, REG_DWORD, data, 4);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_FALSE(store().IsChangeLost(3));
     EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
-    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
+    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
 }
 
 TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {

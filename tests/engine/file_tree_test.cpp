@@ -43,8 +43,7 @@ class Device : public TemporaryDevice {
 };
 
 Entries Made(const std::string& entries) {
-    const TemporaryDevice device;
-    device.Make(Words(entries));
+    const TemporaryDevice device(Words(entries));
     return device.Listing();
 }
 

@@ -102,9 +102,8 @@ struct ClosingGuard : platform::ChangeGuard {
 
 TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
     for (const int closing : {1, 2, 3}) {
-        const TemporaryDevice device;
-        device.Make(kFiles);
-        WriteFile(device.path() + "/registry.reg", Registry(kFolders[1], R"("\\Old")"));
+        const TemporaryDevice device(kFiles);
+        WriteFile(device.registry(), Registry(kFolders[1], R"("\\Old")"));
         ClosingGuard guard;
         guard.open = closing;
         platform::HostFiles files(device.OpenFiles(), &guard);

@@ -68,12 +68,6 @@ void Apply() {
 
 class DisplayedLists : public testing::Test {
   protected:
-    DisplayedLists() {
-        device_.Make({std::string("App/settings.dat=\0\0\0\0", 21), "Games/Cache/a=12345",
-                      "Games/Cache/sub/b=1", "Games/keep=1"});
-        WriteFile(device_.path() + "/registry.reg", kQuietTweaks);
-    }
-
     // Runs the program and returns what has gone but for the settings, which keep the ticks.
     Entries Lost(const Steps& steps, std::initializer_list<const char*> bytes) {
         Entries boxes;
@@ -89,7 +83,9 @@ class DisplayedLists : public testing::Test {
         return lost;
     }
 
-    TemporaryDevice device_;
+    TemporaryDevice device_{{std::string("App/settings.dat=\0\0\0\0", 21),
+                             std::string("../registry.reg=") + kQuietTweaks, "Games/Cache/a=12345",
+                             "Games/Cache/sub/b=1", "Games/keep=1"}};
 };
 
 TEST_F(DisplayedLists, AChosenFolderIsCleaned) {

@@ -42,8 +42,7 @@ TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
         {kIndex, {}, {}, {"start peghelp.exe file:brightdoc.htm#Main_Contents"}},
     };
     for (const auto& each : cases) {
-        const TemporaryDevice device;
-        device.Make({"App/"});
+        const TemporaryDevice device({"App/"});
         Entries calls;
         Steps steps;
         AddMenu(steps, each.keys);
@@ -65,8 +64,7 @@ TEST(DisplayedMenus, AKeyOrClickThatSwitchesTheDeviceOnDoesNothingElse) {
         QTest::mouseClick(Host().windowHandle(), Qt::LeftButton, Qt::NoModifier, at);
     };
     for (const std::function<void()>& act : {std::function<void()>(pressKey), {click}}) {
-        const TemporaryDevice device;
-        device.Make({"App/"});
+        const TemporaryDevice device({"App/"});
         Steps steps = {[] { Control(50001).setFocus(); }};
         AddMenu(steps, kOff);
         steps.insert(
@@ -92,8 +90,7 @@ QLabel* AboutLabel() {
 }
 
 TEST(DisplayedMenus, TheAboutBoxOpensAgainAfterItWasClosed) {
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     const auto look = [] {
         EXPECT_EQ(g_AboutControls.Count(), 1u);
         EXPECT_EQ(BoundsOf(g_AboutWindow), QRect(0, 26, 240, 268));

@@ -86,8 +86,7 @@ TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
     const auto number = [&](int count) {
         return static_cast<int>(random() % static_cast<unsigned>(count));
     };
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     int shown = 0;
     int scrolled = 0;
     Steps steps = {ExpectControls};
@@ -113,8 +112,7 @@ TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
 }
 
 TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     int reached = 0;
     Steps steps = {[] { Control(50001).setFocus(); }};
     for (int press = 0; press < 80; ++press) {
@@ -135,9 +133,7 @@ TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
 
 TEST(DisplayedProgram, TicksAndTextsAreAppliedAndSaved) {
     using namespace std::string_literals;
-    const TemporaryDevice device;
-    device.Make({"App/", "Temp/a=12345"});
-    WriteFile(device.path() + "/registry.reg", kQuietTweaks);
+    const TemporaryDevice device({"App/", "Temp/a=12345", "../registry.reg="s + kQuietTweaks});
     Steps steps = {[] { Click(Control(50001)); },
                    [] { Click(Control(50002)); },
                    [] { QTest::keyClicks(&Control(50002), QStringLiteral("\\a")); },

@@ -43,9 +43,8 @@ void EndProcess() {
 
 }  // namespace
 
-InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) {
+InteractiveProgram::InteractiveProgram(const Entries& entries) : device(entries) {
     device.Make({"App/"});
-    device.Make(entries);
 }
 
 int InteractiveProgram::Run(const Steps& steps) {

@@ -78,7 +78,7 @@ class RegistryTest : public testing::Test {
   protected:
     void SetUp() override { Write(kFile); }
 
-    std::string File() const { return device_.path() + "/registry.reg"; }
+    std::string File() const { return device_.registry(); }
     void Write(const std::string& content) const { WriteFile(File(), content); }
     std::string Content() const { return ReadFile(File()); }
     ino_t Number() const {
@@ -277,26 +277,6 @@ TEST_F(RegistryTest, AFullDiskLeavesTheOldFile) {
     EXPECT_TRUE(keys->StoreRegistry().has_value());
     EXPECT_EQ(keys->ChangesOfRegistry().stored, 1U);
     EXPECT_EQ(Content().size(), kFile.size() + 9010);
-}
-
-TEST_F(RegistryTest, ManyChangesAreOneWrite) {
-    std::string many;
-    for (int number = 0; number < 5000; ++number) {
-        many += kApps + '\\' + std::to_string(number) + "]\n";
-    }
-    Write(many + "[HKEY_USERS]\n");
-    const ino_t number = Number();
-    const Keys keys = Open();
-    const HKEY apps = keys.Open(u"Software\\Apps");
-    WCHAR name[20] = {};
-    for (DWORD size = 20; keys.Enumerate(apps, 0, name, &size) == ERROR_SUCCESS; size = 20) {
-        ASSERT_EQ(keys->RegDeleteKeyW(apps, name), ERROR_SUCCESS);
-    }
-    EXPECT_EQ(Number(), number);
-    EXPECT_TRUE(keys->StoreRegistry().has_value());
-    EXPECT_EQ(keys->ChangesOfRegistry().made, 5000U);
-    EXPECT_EQ(keys->ChangesOfRegistry().stored, 5000U);
-    EXPECT_EQ(Content(), "[HKEY_USERS]\n\n" + kApps + "]\n");
 }
 
 }  // namespace

@@ -20,17 +20,10 @@ class TreeControlTest : public DisplayTest {
     }
 
     static HTREEITEM Insert(HTREEITEM parent, std::u16string text, int children, int image = 0) {
-        TVINSERTSTRUCT record = {parent, TVI_SORT, {}};
-        record.item = {TVIF_TEXT | TVIF_PARAM | TVIF_CHILDREN | TVIF_IMAGE | TVIF_SELECTEDIMAGE,
-                       nullptr,
-                       0,
-                       0,
-                       text.data(),
-                       0,
-                       image,
-                       1 - image,
-                       children,
-                       -1};
+        constexpr UINT kMask =
+            TVIF_TEXT | TVIF_PARAM | TVIF_CHILDREN | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
+        const TVITEM item = {kMask, nullptr, 0, 0, text.data(), 0, image, 1 - image, children, -1};
+        const TVINSERTSTRUCT record = {parent, TVI_SORT, {item}};
         return reinterpret_cast<HTREEITEM>(Send(s_tree, TVM_INSERTITEM, 0, &record));
     }
 
