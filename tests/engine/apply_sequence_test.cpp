@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
-
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
@@ -68,21 +65,19 @@ TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
     WriteFile(device.registry(), kRegistry + std::string(kQuietTweaks));
     platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                device.OpenRegistry());
-    const std::string report = device.path() + "/report";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
-                                                                std::fclose);
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::ReportingStore recorder(store, lines.get(), log);
+    platform::ReportingStore recorder(store, stdout, log);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(recorder);
     const platform::WindowsInUse windowsInUse(windows);
     std::u16string silent = u"silent";
+    testing::internal::CaptureStdout();
     WinMain(nullptr, nullptr, silent.data(), 0);
     g_Silent = false;
     EXPECT_TRUE(recorder.StoreRegistry().has_value());
     EXPECT_EQ(windows.boxes, Entries());
-    EXPECT_EQ(ReadFile(report), kReport);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), kReport);
 }
 
 }  // namespace

@@ -51,19 +51,10 @@ auto Open(const char* name) {
     };
 }
 
-void NextTab() {
-    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
-}
-
-void Press(std::initializer_list<Qt::Key> keys) {
-    for (const Qt::Key key : keys) {
-        QWidget* const menu = QApplication::activePopupWidget();
-        QTest::keyClick(menu != nullptr ? menu : &Host(), key);
-    }
-}
-
 void Apply() {
-    Press({Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+    for (const Qt::Key key : {Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return}) {
+        PressKey(key);
+    }
 }
 
 class DisplayedLists : public testing::Test {
@@ -131,7 +122,8 @@ TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
     const auto another = [] { Click(Control(50003)), Click(Control(50006)); };
     const auto nextPage = [] { Click(Control(50003)), NextTab(); };
     const auto vanish = [this] { std::filesystem::remove_all(device_.files() + "/Games"); };
-    const auto exit = [] { Press({Qt::Key_F10, Qt::Key_Down, Qt::Key_Return}); };
+    const auto menu = [] { PressKey(Qt::Key_F10); };
+    const auto exit = [] { PressKey(Qt::Key_Down), PressKey(Qt::Key_Return); };
     const struct {
         Steps steps;
         std::string texts;  // of the first two boxes at the end; empty: the program ends
@@ -142,7 +134,7 @@ TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
         {{another, Open("Games"), Tap(60001)}, "a|\\Games\\"},
         {{nextPage, Open("Games"), Tap(60001)}, "\\Games\\|b"},
         {{Tap(50003), Open("Games"), Apply, Tap(60002)}, "a|b"},
-        {{Tap(50003), Open("Games"), exit}, ""},
+        {{Tap(50003), Open("Games"), menu, exit}, ""},
         {{Tap(50003), Open("Games"), [] { Host().close(); }}, ""},
         {{Tap(50003), vanish, Open("Games"), Tap(60001)}, "\\Games\\|b"},
     };

@@ -74,10 +74,6 @@ void DragOnBar(int from, int to) {
     QTest::mouseRelease(&Bar(), Qt::LeftButton, Qt::NoModifier, QPoint(6, to));
 }
 
-void NextTab() {
-    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
-}
-
 // Many things are done before the program looks at the first.
 TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
     const unsigned seed = std::random_device{}();

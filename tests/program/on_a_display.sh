@@ -13,11 +13,13 @@ fail() { echo "$*"; exit 1; }
 
 mask() { od -An -tx4 -N4 "$settings"; }
 
-# Starts the program and waits for its window.
+window_of() { window=$(xdotool search --sync --onlyvisible --name "$1" | tail -n 1); }
+
+# Starts the program on a device and waits for its window.
 start() {
-  "$program" --device "$device" --scale 2 &
+  "$program" --device "${1:-$device}" --scale 2 &
   running=$!
-  window=$(xdotool search --sync --onlyvisible --name "$device" | tail -n 1)
+  window_of "${1:-$device}"
 }
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
@@ -66,7 +68,7 @@ running=$!
 answer "^Choose the handheld" type "$scratch/mine"
 xdotool key Return
 answer "^Fennelbright$" key Return  # "Yes"
-window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+window_of "$scratch/mine"
 kill -TERM "$running"
 ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
@@ -74,9 +76,7 @@ ended "on a device that it made"
 # A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
 for pause in 0.3 1 3; do
   rm -f "$scratch/mine/files/Program Files/Fennelbright/settings.dat"
-  "$program" --device "$scratch/mine" --scale 2 &
-  running=$!
-  window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+  start "$scratch/mine"
   # "Browse", the sign beside "My Documents", "Personal" below it, "OK", the box beside the path
   for place in "386 118" "36 128" "140 272" "160 558" "30 82"; do
     xdotool mousemove --window "$window" ${place% *} ${place#* } click 1

@@ -65,16 +65,9 @@ void RepeatKey(QWidget& widget, Qt::Key key, bool seen) {
     }
 }
 
-QRect BoundsOf(HWND window) {
-    RECT bounds{};
-    EXPECT_NE(GetWindowRect(window, &bounds), 0);
-    return {QPoint(bounds.left, bounds.top), QPoint(bounds.right - 1, bounds.bottom - 1)};
-}
-
 WindowsTest::WindowsTest(std::unique_ptr<platform::WindowSystem> windows)
     : windows_(std::move(windows)), inUse_(*windows_) {
     g_received.clear();
-    g_hook = nullptr;
     WNDCLASS record{};
     record.style = CS_HREDRAW | CS_VREDRAW;
     record.lpfnWndProc = Keep;
@@ -85,14 +78,6 @@ WindowsTest::WindowsTest(std::unique_ptr<platform::WindowSystem> windows)
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
-}
-
-WindowsTest::~WindowsTest() {
-    g_hook = nullptr;
-}
-
-DisplayTest::DisplayTest() : WindowsTest(OpenUnseen()) {
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
 }
 
 HWND WindowsTest::Open(const WCHAR* className) {

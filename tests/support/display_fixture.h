@@ -40,15 +40,15 @@ void Click(QWidget& widget, QPoint at = {});
 // What a key that is held down sends again and again, whether or not the toolkit has seen that.
 void RepeatKey(QWidget& widget, Qt::Key key, bool seen = true);
 
-// Where a window stands on the screen.
-QRect BoundsOf(HWND window);
+// Called by the procedure with every message that is kept; what it returns is the result.
+extern LRESULT (*g_hook)(const ReceivedMessage& received);
 
 // A window system with a main window and a page that scrolls on it. Their procedure keeps what it
 // receives.
 class WindowsTest : public testing::Test {
   public:
     explicit WindowsTest(std::unique_ptr<platform::WindowSystem> windows);
-    ~WindowsTest() override;
+    ~WindowsTest() override { g_hook = nullptr; }
 
   protected:
     static constexpr RECT kPage = {4, 4, 236, 243};
@@ -91,8 +91,7 @@ class WindowsTest : public testing::Test {
 // The same on an offscreen display.
 class DisplayTest : public WindowsTest {
   public:
-    DisplayTest();
+    DisplayTest() : WindowsTest(OpenUnseen()) {
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
+    }
 };
-
-// Called by the procedure with every message that is kept; what it returns is the result.
-extern LRESULT (*g_hook)(const ReceivedMessage& received);

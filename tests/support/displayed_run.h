@@ -11,6 +11,11 @@
 // What a user does, a step each time that the program waits.
 using Steps = std::vector<std::function<void()>>;
 
+void NextTab();
+
+// Presses a key in the menu that is open, or in the main window.
+void PressKey(Qt::Key key);
+
 // Adds the keys that choose an item of the menus.
 void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys);
 

@@ -128,20 +128,18 @@ TEST(AssembledDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
 // What another program has stored meanwhile stays, and what it has deleted is not reported as done.
 TEST(AssembledDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
     const TemporaryDevice device({kKeyEntry});
-    const std::string report = device.path() + "/report";
-    std::FILE* const file = std::fopen(report.c_str(), "we");
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
-    platform::ReportingStore recorder(store, file, log);
+    platform::ReportingStore recorder(store, stdout, log);
     ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
     WriteFile(device.registry(), "; another editor\n");
     testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
     EXPECT_FALSE(recorder.StoreRegistry().has_value());
     EXPECT_NE(testing::internal::GetCapturedStderr().find("another program"), std::string::npos);
-    std::fclose(file);
     EXPECT_EQ(ReadFile(device.registry()), "; another editor\n");
-    EXPECT_EQ(ReadFile(report),
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "not written [HKCU\\Key] \"Number\" (another program has deleted its key)\n");
     EXPECT_EQ(log.ExitCode(false), 74);
 }

@@ -4,7 +4,6 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QWindow>
-#include <algorithm>
 
 #include "core/window_operations.h"
 #include "platform/display/window_repainting_store.h"

@@ -1,6 +1,5 @@
 // Buttons, edit boxes, combo boxes, sliders and labels: what they report of their user.
 
-#include <QAbstractButton>
 #include <QClipboard>
 #include <QWheelEvent>
 
