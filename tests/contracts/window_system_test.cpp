@@ -1,6 +1,7 @@
 // The contract of the window system, on the toolkit's windows and on the tests' own.
 
 #include <array>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -194,36 +195,29 @@ TEST_P(WindowSystemTest, WhatWaitsForADestroyedWindowIsDropped) {
 }
 
 TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxReportsIt) {
-    const struct {
-        const WCHAR* name;
-        LRESULT result;
-        std::u16string text;
-        Codes codes;
-    } classes[] = {{TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
-                   {TEXT("BUTTON"), TRUE, u"abc", {}},
-                   {TEXT("STATIC"), TRUE, u"abc", {}},
-                   {TEXT("COMBOBOX"), CB_ERR, u"entry", {}}};
-    for (const auto& each : classes) {
-        const HWND control = Add(each.name, 0, {2, 2, 102, 20}, 5);
-        if (each.result == CB_ERR) {
+    const std::tuple<const WCHAR*, LRESULT, std::u16string, Codes> classes[] = {
+        {TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
+        {TEXT("BUTTON"), TRUE, u"abc", {}},
+        {TEXT("STATIC"), TRUE, u"abc", {}},
+        {TEXT("COMBOBOX"), CB_ERR, u"entry", {}}};
+    for (const auto& [name, result, text, codes] : classes) {
+        const HWND control = Add(name, 0, {2, 2, 102, 20}, 5);
+        if (result == CB_ERR) {
             Send(control, CB_ADDSTRING, 0, TEXT("entry"));
             Send(control, CB_SETCURSEL);
         }
-        EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), each.result);
-        EXPECT_EQ(TextOf(control), each.text);
-        EXPECT_EQ(TakeCodes(), each.codes);
+        EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), result);
+        EXPECT_EQ(TextOf(control), text);
+        EXPECT_EQ(TakeCodes(), codes);
         DestroyWindow(control);
     }
     const HWND edit = Add(TEXT("EDIT"), 0, {2, 2, 102, 20}, 5, TEXT("abc"));
-    const struct {
-        WPARAM room;
-        LRESULT copied;
-        std::u16string text;
-    } rows[] = {{0, 0, u"zz"}, {1, 0, u""}, {3, 2, u"ab"}, {4, 3, u"abc"}, {9, 3, u"abc"}};
-    for (const auto& row : rows) {
+    const std::tuple<WPARAM, LRESULT, std::u16string> rows[] = {
+        {0, 0, u"zz"}, {1, 0, u""}, {3, 2, u"ab"}, {4, 3, u"abc"}, {9, 3, u"abc"}};
+    for (const auto& [room, copied, text] : rows) {
         WCHAR buffer[10] = TEXT("zz");
-        EXPECT_EQ(Send(edit, WM_GETTEXT, row.room, buffer), row.copied);
-        EXPECT_EQ(buffer, row.text) << row.room;
+        EXPECT_EQ(Send(edit, WM_GETTEXT, room, buffer), copied);
+        EXPECT_EQ(buffer, text) << room;
     }
     g_hook = [](const ReceivedMessage& received) -> LRESULT {
         return DestroyWindow(reinterpret_cast<HWND>(received.lParam));

@@ -64,7 +64,7 @@ TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
                  "App/settings.dat=" + settings});
     WriteFile(device.registry(), kRegistry + std::string(kQuietTweaks));
     platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
-                               device.OpenRegistry());
+                                    device.OpenRegistry());
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::ReportingStore recorder(store, stdout, log);

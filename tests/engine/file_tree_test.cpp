@@ -4,6 +4,7 @@
 #include <sys/resource.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "engine/apply_sequence.h"
 #include "platform/text/readable_text.h"
@@ -48,23 +49,18 @@ Entries Made(const std::string& entries) {
 
 TEST(FileTree, DeletesWhatItsFlagsSayAndCountsIt) {
     const std::string tree = "T/a=0123456789 T/b/c=01234 T/b/e/f=012 Tx=keep keep=k";
-    const struct {
-        const WCHAR* directory;
-        bool recurse, removeDirectories;
-        std::string after;
-        std::uint32_t bytes;
-    } cases[] = {
+    const std::tuple<const WCHAR*, bool, bool, std::string, std::uint32_t> cases[] = {
         {u"\\T\\", false, true, "T/b/c=01234 T/b/e/f=012", 10},
         {u"\\T\\", true, false, "T/b/e/", 18},
         {u"\\T\\", true, true, "T/", 18},
         {u"t\\\\", true, true, "T/", 18},
         {u"\\T\\b\\e\\", true, true, "T/a=0123456789 T/b/c=01234 T/b/e/", 3},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [directory, recurse, removes, after, bytes] : cases) {
         const Device device(Words(tree));
-        DeleteTree(expected.directory, expected.recurse, expected.removeDirectories);
-        EXPECT_EQ(device.Listing(), Made(expected.after + " Tx=keep keep=k"));
-        EXPECT_EQ(BytesCleaned, expected.bytes);
+        DeleteTree(directory, recurse, removes);
+        EXPECT_EQ(device.Listing(), Made(after + " Tx=keep keep=k"));
+        EXPECT_EQ(BytesCleaned, bytes);
     }
 }
 

@@ -124,10 +124,8 @@ TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
     const auto vanish = [this] { std::filesystem::remove_all(device_.files() + "/Games"); };
     const auto menu = [] { PressKey(Qt::Key_F10); };
     const auto exit = [] { PressKey(Qt::Key_Down), PressKey(Qt::Key_Return); };
-    const struct {
-        Steps steps;
-        std::string texts;  // of the first two boxes at the end; empty: the program ends
-    } cases[] = {
+    // The texts are those of the first two boxes at the end; none: the program ends.
+    const std::pair<Steps, std::string> cases[] = {
         {{Tap(50003), Tap(60001)}, "|b"},
         {{Tap(50003), Open("\\"), Tap(60001)}, "\\|b"},
         {{Tap(50003), Open("Games"), Tap(60002)}, "a|b"},
@@ -138,15 +136,15 @@ TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
         {{Tap(50003), Open("Games"), [] { Host().close(); }}, ""},
         {{Tap(50003), vanish, Open("Games"), Tap(60001)}, "\\Games\\|b"},
     };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(&each - cases);
+    for (const auto& [browsing, texts] : cases) {
+        SCOPED_TRACE(texts);
         std::string seen;
         Steps steps = {[] { QTest::keyClicks(&Control(50002), QStringLiteral("a")); },
                        [] { QTest::keyClicks(&Control(50005), QStringLiteral("b")); }};
-        steps.insert(steps.end(), each.steps.begin(), each.steps.end());
+        steps.insert(steps.end(), browsing.begin(), browsing.end());
         steps.emplace_back([&] { seen = Tree() == nullptr ? BoxTexts() : "the browser is open"; });
         RunDisplayed(device_, steps);
-        EXPECT_EQ(seen, each.texts);
+        EXPECT_EQ(seen, texts);
     }
 }
 

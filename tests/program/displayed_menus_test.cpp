@@ -28,12 +28,7 @@ const Keys kAbout = {Qt::Key_F10, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return};
 const Keys kExit = {Qt::Key_F10, Qt::Key_Down, Qt::Key_Return};
 
 TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
-    const struct {
-        Keys keys;
-        std::deque<int> answers;
-        Entries boxes;
-        Entries calls;
-    } cases[] = {
+    const std::tuple<Keys, std::deque<int>, Entries, Entries> cases[] = {
         {kSoftReset, {}, {}, {"restart"}},
         {kHardReset, {}, {kFirst}, {}},  // closed without an answer
         {kHardReset, {IDNO}, {kFirst}, {}},
@@ -42,14 +37,14 @@ TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
         {kHardReset, {IDYES, IDYES}, {kFirst, kSecond}, {"erase", "restart"}},
         {kIndex, {}, {}, {"start peghelp.exe file:brightdoc.htm#Main_Contents"}},
     };
-    for (const auto& each : cases) {
+    for (const auto& [keys, answers, boxes, made] : cases) {
         const TemporaryDevice device({"App/"});
         Entries calls;
         Steps steps;
-        AddMenu(steps, each.keys);
+        AddMenu(steps, keys);
         steps.emplace_back([&] { EXPECT_EQ(device.Listing(), Entries{"App/"}); });
-        EXPECT_EQ(RunDisplayed(device, steps, each.answers, &calls), each.boxes);
-        EXPECT_EQ(calls, each.calls);
+        EXPECT_EQ(RunDisplayed(device, steps, answers, &calls), boxes);
+        EXPECT_EQ(calls, made);
     }
 }
 

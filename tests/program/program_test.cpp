@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <tuple>
 
 #include "platform/host/worst_exit_code.h"
 #include "tests/support/apply_device.h"
@@ -59,11 +60,8 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
     std::filesystem::create_symlink(device.files(), linked.files());
     const TemporaryDevice damaged({"../registry.reg=REGEDIT4\n\n[HKEY_CURRENT_USER\n"});
     const std::string& taken = device.path();
-    const struct {
-        Entries words;
-        int exitCode;
-        std::string says;  // part of standard error, or of standard output where it ends well
-    } cases[] = {
+    // What it says is a part of standard error, or of standard output where it ends well.
+    const std::tuple<Entries, int, std::string> cases[] = {
         {{}, 64, "no device directory"},
         {{"--device", taken, "--dry-run", "silent"}, 64, "--dry-run"},
         {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
@@ -87,12 +85,12 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--version"}, 0, "fennelbright "},
     };
     const Entries before = device.Listing();
-    for (const auto& expected : cases) {
-        const Outcome outcome = RunProgram(expected.words);
-        SCOPED_TRACE(testing::PrintToString(expected.words) + outcome.errors);
-        EXPECT_EQ(outcome.exitCode, expected.exitCode);
-        const std::string& said = expected.exitCode == 0 ? outcome.output : outcome.errors;
-        EXPECT_NE(said.find(expected.says), std::string::npos);
+    for (const auto& [words, exitCode, says] : cases) {
+        const Outcome outcome = RunProgram(words);
+        SCOPED_TRACE(testing::PrintToString(words) + outcome.errors);
+        EXPECT_EQ(outcome.exitCode, exitCode);
+        const std::string& said = exitCode == 0 ? outcome.output : outcome.errors;
+        EXPECT_NE(said.find(says), std::string::npos);
         EXPECT_FALSE(outcome.errors.starts_with('['));
     }
     EXPECT_EQ(RunProgram({"--device", taken, "silent"}, "HOME=" + taken + "/.").exitCode, 66);

@@ -58,13 +58,6 @@ class FakeWindows : public CollectedBoxes {
         queue_.push_back({window, message, wParam, lParam, 0, {}});
     }
 
-    // The only window of this class; null when there is none.
-    HWND Find(const std::u16string& className) const {
-        const auto found = std::ranges::find_if(
-            windows, [&](const auto& window) { return window.second.className == className; });
-        return found == windows.end() ? nullptr : found->first;
-    }
-
     FakeWindow& At(HWND window) { return windows.at(window); }
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override {

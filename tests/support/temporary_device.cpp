@@ -55,12 +55,10 @@ void TemporaryDevice::Make(const Entries& entries) const {
     }
 }
 
-Entries TemporaryDevice::Listing() const {
+Entries ListingOf(const std::string& directory) {
     Entries listing;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(files())) {
-        const std::string path =
-            fs::relative(entry.path().parent_path(), files()) / entry.path().filename();
-        const std::string name = path.starts_with("./") ? path.substr(2) : path;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
+        const std::string name = entry.path().string().substr(directory.size() + 1);
         if (entry.is_symlink()) {
             listing.push_back(name + '>' + fs::read_symlink(entry.path()).string());
         } else if (entry.is_directory()) {

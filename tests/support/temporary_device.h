@@ -10,6 +10,9 @@
 
 using Entries = std::vector<std::string>;
 
+// What is in a directory, however deep, in the notation of TemporaryDevice::Make, sorted.
+Entries ListingOf(const std::string& directory);
+
 // A device directory of a test's own, removed with the object.
 class TemporaryDevice {
   public:
@@ -30,8 +33,8 @@ class TemporaryDevice {
     // "a/b>target" a symbolic link, "a/b|" a pipe. Parents are made as needed.
     void Make(const Entries& entries) const;
 
-    // The file tree in the same notation, sorted by path.
-    Entries Listing() const;
+    // The file tree in the same notation, sorted.
+    Entries Listing() const { return ListingOf(files()); }
 
   private:
     std::string path_;

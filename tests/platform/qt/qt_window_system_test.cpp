@@ -4,6 +4,7 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QWindow>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "platform/display/window_repainting_store.h"
@@ -16,29 +17,25 @@ namespace {
 class QtWindowSystemTest : public DisplayTest {};
 
 TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
-    const struct {
-        int highest;
-        int position;
-        bool up;
-        int code;  // -1: none
-    } rows[] = {{157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN},
-                {157, 155, false, SB_BOTTOM}, {157, 3, true, SB_LINEUP},
-                {157, 2, true, SB_TOP},       {-217, 0, false, -1},
-                {-217, 0, true, -1}};
-    for (const auto& row : rows) {
-        const SCROLLINFO info = {28, 15, 0, row.highest, 3, row.position, 0};
+    // A code of -1: no step.
+    const std::tuple<int, int, bool, int> rows[] = {
+        {157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN}, {157, 155, false, SB_BOTTOM},
+        {157, 3, true, SB_LINEUP},    {157, 2, true, SB_TOP},         {-217, 0, false, -1},
+        {-217, 0, true, -1}};
+    for (const auto& [highest, position, up, code] : rows) {
+        const SCROLLINFO info = {28, 15, 0, highest, 3, position, 0};
         SetScrollInfo(page_, SB_VERT, &info, TRUE);
         QScrollBar& bar = *Host().findChild<QScrollBar*>();
         EXPECT_TRUE(bar.isVisible());
-        EXPECT_EQ(bar.isEnabled(), row.code >= 0);
-        Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
+        EXPECT_EQ(bar.isEnabled(), code >= 0);
+        Click(bar, QPoint(6, up ? 4 : bar.height() - 4));
         Dispatch();
-        const ReceivedMessages step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
-        EXPECT_EQ(TakeReceived(), row.code < 0 ? ReceivedMessages{} : step) << row.position;
+        const ReceivedMessages step = {{page_, WM_VSCROLL, static_cast<WPARAM>(code), 0}};
+        EXPECT_EQ(TakeReceived(), code < 0 ? ReceivedMessages{} : step) << position;
         SCROLLINFO after = {28, SIF_POS, 0, 0, 0, 0, 0};
         GetScrollInfo(page_, SB_VERT, &after);
-        EXPECT_EQ(after.nPos, row.position) << "the bar has moved by itself";
-        EXPECT_EQ(bar.value(), row.position);
+        EXPECT_EQ(after.nPos, position) << "the bar has moved by itself";
+        EXPECT_EQ(bar.value(), position);
     }
 }
 

@@ -48,12 +48,9 @@ class TreeControlTest : public DisplayTest {
         return *dynamic_cast<QTreeWidget&>(Control(5)).topLevelItem(0)->child(index);
     }
 
-    static HWND s_tree;
-    static int s_asked;
+    inline static HWND s_tree = nullptr;
+    inline static int s_asked = 0;
 };
-
-HWND TreeControlTest::s_tree = nullptr;
-int TreeControlTest::s_asked = 0;
 
 TEST_F(TreeControlTest, ItemsAreSortedFoundAndRead) {
     const HTREEITEM root = Insert(TVI_ROOT, u"\\", 1);

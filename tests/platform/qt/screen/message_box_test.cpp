@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <csignal>
 #include <functional>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -31,21 +32,18 @@ class MessageBoxTest : public DisplayTest {
 };
 
 TEST_F(MessageBoxTest, BoxesAreAnsweredByTheirUser) {
-    const struct {
-        UINT type;
-        int pressed;  // 0: the box is closed
-        int answer;
-    } rows[] = {{MB_OK, IDOK, IDOK},
-                {MB_OK, 0, IDOK},
-                {MB_YESNO, IDYES, IDYES},
-                {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
-                {MB_YESNO, 0, IDNO}};
-    for (const auto& row : rows) {
-        const int answer = Show(row.type, [&](QDialog& box) {
+    // A box without a press is closed.
+    const std::tuple<UINT, int, int> rows[] = {{MB_OK, IDOK, IDOK},
+                                               {MB_OK, 0, IDOK},
+                                               {MB_YESNO, IDYES, IDYES},
+                                               {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
+                                               {MB_YESNO, 0, IDNO}};
+    for (const auto& [type, pressed, answer] : rows) {
+        const auto step = [pressed = pressed](QDialog& box) {
             EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
-            row.pressed == 0 ? static_cast<void>(box.close()) : Press(box, row.pressed);
-        });
-        EXPECT_EQ(answer, row.answer) << row.type << ' ' << row.pressed;
+            pressed == 0 ? static_cast<void>(box.close()) : Press(box, pressed);
+        };
+        EXPECT_EQ(Show(type, step), answer) << type << ' ' << pressed;
     }
 }
 

@@ -54,11 +54,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 }
 
 TEST(EditedRegistryText, ReadsEveryFormOfData) {
-    const struct {
-        const char* data;  // after "v"=
-        std::uint32_t type;
-        std::vector<std::uint8_t> bytes;
-    } cases[] = {
+    const std::tuple<const char*, std::uint32_t, std::vector<std::uint8_t>> cases[] = {
         {R"("text")", REG_SZ, TextBytes(u"text")},
         {"- \n  \"V\" = \"text\" ; a comment", REG_SZ, TextBytes(u"text")},
         {R"("\\Temp\\ \"x\"")", REG_SZ, TextBytes(u"\\Temp\\ \"x\"")},
@@ -82,15 +78,15 @@ TEST(EditedRegistryText, ReadsEveryFormOfData) {
         {R"(mui_sz:"x.dll,#1")", REG_MUI_SZ, TextBytes(u"x.dll,#1")},
         {"dword:1\n\"V\"=dword:2", REG_DWORD, {2, 0, 0, 0}},
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.data);
+    for (const auto& [data, type, bytes] : cases) {
+        SCOPED_TRACE(data);
         for (const char* const header : {"", "Windows Registry Editor Version 5.00\r\n\r\n"}) {
             const EditedRegistryText text =
-                MustParse(header + kAppsLine + "\"v\"=" + test.data + "\r\n");
+                MustParse(header + kAppsLine + "\"v\"=" + data + "\r\n");
             const std::optional<RegistryData> value = Read(text, kApps, u"v");
             ASSERT_TRUE(value);
-            EXPECT_EQ(value->type, test.type);
-            EXPECT_EQ(value->bytes, test.bytes);
+            EXPECT_EQ(value->type, type);
+            EXPECT_EQ(value->bytes, bytes);
         }
     }
 }
