@@ -26,7 +26,6 @@ QTreeWidget* Tree() {
     return Host().findChild<QTreeWidget*>();
 }
 
-// What a user does. First a tap on a control, then the selection of an entry of a list.
 auto Tap(int id) {
     return [id] { Click(Control(id)); };
 }
@@ -40,7 +39,7 @@ auto Select(int id, const char* text) {
     };
 }
 
-// In the browser: selects a folder and opens it.
+// In the browser.
 auto Open(const char* name) {
     return [name] {
         const auto found =

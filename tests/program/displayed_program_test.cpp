@@ -56,7 +56,6 @@ void ExpectControls() {
     }
 }
 
-// Turns the wheel over a place of the page.
 void Turn(QPoint at, int units) {
     QWidget* const child = Page().childAt(at);
     QWidget& below = child == nullptr ? Page() : *child;

@@ -15,7 +15,6 @@
 
 namespace {
 
-// What a finished process said and how it ended.
 struct Outcome {
     int exitCode;  // -1 when a signal ended it
     std::string output;
@@ -257,6 +256,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
             EXPECT_NE(outcome.errors.find(run.errors), std::string::npos) << outcome.errors;
             EXPECT_EQ(outcome.output.find("wrote"), std::string::npos);
             EXPECT_EQ(ReadFile(device.registry()), run.registry);
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(device.path()), {}), 2);
         }
     }
 }

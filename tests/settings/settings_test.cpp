@@ -60,7 +60,6 @@ const OptionRow kOptionRows[] = {
 };
 // clang-format on
 
-// The file with all options.
 std::string Everything() {
     return AllOptionsWith({u"\\1", u"\\22", u"log", u"\\4", u"\\5", u"\\6\\", u"\\7 7", u"\\"},
                           {2, 1, 0, 2});

@@ -37,8 +37,7 @@ struct FakeWindow {
     SCROLLINFO scrollGiven{};  // to SetScrollInfo last
 };
 
-// A window system in memory that keeps what was done with it. What a user would do
-// is done by the steps below.
+// A window system in memory that keeps what was done with it. A user's part is done by the steps.
 class FakeWindows : public CollectedBoxes {
   public:
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
@@ -248,7 +247,6 @@ class FakeWindows : public CollectedBoxes {
         u"button",         u"edit", u"combobox", u"listbox", u"static", u"msctls_trackbar32",
         u"systabcontrol32"};
 
-    // By which a class is found.
     static std::u16string KeyOf(std::u16string name) {
         for (WCHAR& unit : name) {
             unit = unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit | 0x20) : unit;
@@ -299,7 +297,6 @@ class FakeWindows : public CollectedBoxes {
         return Goes(operation + name + rest) && target != nullptr;
     }
 
-    // As it stands in a call.
     static std::string NameOf(const FakeWindow& window) {
         const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
         return ' ' + platform::ReadableText(window.className.c_str()) + id;

@@ -17,7 +17,6 @@ namespace fs = std::filesystem;
 
 enum Ended { kErased, kNotErased, kKilled, kNoSuchCall };
 
-// Erases with a fault at one system call.
 Ended EraseWithFault(const std::string& path, int number, int error) {
     const pid_t child = fork();
     if (child == 0) {

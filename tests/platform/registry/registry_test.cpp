@@ -2,10 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
-#include <csignal>
 #include <filesystem>
 
 #include "core/file_operations.h"
@@ -250,28 +248,6 @@ TEST_F(RegistryTest, OpensNothingButARegularFile) {
         EXPECT_TRUE(before->StoreRegistry().has_value()) << "the change was kept";
         EXPECT_EQ(Content(), kFile + "\n[HKEY_USERS]\n\"a\"=dword:00000001\n");
     }
-}
-
-TEST_F(RegistryTest, AFullDiskLeavesTheOldFile) {
-    const Keys keys = Open();
-    const HKEY key = keys.Open(u"Software\\Apps\\One");
-    ASSERT_EQ(keys.Set(key, u"Text", std::u16string(9000, u'x')), ERROR_SUCCESS);
-    struct rlimit old {};
-    getrlimit(RLIMIT_FSIZE, &old);
-    const struct rlimit small { 4096, old.rlim_max };
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const Status stored = keys->StoreRegistry();
-    setrlimit(RLIMIT_FSIZE, &old);
-    std::signal(SIGXFSZ, handler);
-    ASSERT_FALSE(stored.has_value());
-    EXPECT_EQ(stored.error().error, EFBIG);
-    EXPECT_EQ(keys->ChangesOfRegistry().stored, 0U);
-    EXPECT_EQ(Content(), kFile);
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(device_.path()), {}), 2);
-    EXPECT_TRUE(keys->StoreRegistry().has_value());
-    EXPECT_EQ(keys->ChangesOfRegistry().stored, 1U);
-    EXPECT_EQ(Content().size(), kFile.size() + 9010);
 }
 
 }  // namespace

@@ -1,5 +1,3 @@
-// The boxes, on an offscreen display.
-
 #include <QAbstractButton>
 #include <QDialog>
 #include <QLabel>
