@@ -250,5 +250,18 @@ TEST_F(RegistryTest, OpensNothingButARegularFile) {
     }
 }
 
+TEST_F(RegistryTest, WhatCouldNotBeStoredWaitsForTheNextStoring) {
+    const Keys keys = Open();
+    ASSERT_EQ(keys.Set(HKEY_USERS, u"a", 1), ERROR_SUCCESS);
+    chmod(File().c_str(), 0444);
+    EXPECT_FALSE(keys->StoreRegistry().has_value());
+    EXPECT_EQ(keys->ChangesOfRegistry().stored, 0U);
+    EXPECT_EQ(Content(), kFile);
+    chmod(File().c_str(), 0644);
+    EXPECT_TRUE(keys->StoreRegistry().has_value());
+    EXPECT_EQ(keys->ChangesOfRegistry().stored, 1U);
+    EXPECT_EQ(Content(), kFile + "\n[HKEY_USERS]\n\"a\"=dword:00000001\n");
+}
+
 }  // namespace
 }  // namespace platform
