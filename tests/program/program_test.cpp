@@ -149,7 +149,7 @@ TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
     EXPECT_EQ(RunProgram({"--device", unread.path(), "--boot"}).errors.find("nothing"),
               std::string::npos);
     const TemporaryDevice device(
-        {"Windows/StartUp/x.lnk=9#"s + "\Program Files\Fennelbright\Fennelbright.exe"});
+        {"Windows/StartUp/x.lnk=9#"s + "\\Program Files\\Fennelbright\\Fennelbright.exe"});
     EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 69);
 }
 
