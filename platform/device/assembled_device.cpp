@@ -10,7 +10,7 @@ namespace platform {
 
 namespace {
 
-std::function<void(const Failure&)> EndUnchanged(AssembledDevice::Exit exit) {
+std::function<void(const Failure&)> EndUnchanged(std::function<void(int)> exit) {
     return [exit = std::move(exit)](const Failure& failure) {
         LogInUse::Current().Say("nothing was changed, because the registry could not be stored: " +
                                 Describe(failure));
@@ -20,13 +20,12 @@ std::function<void(const Failure&)> EndUnchanged(AssembledDevice::Exit exit) {
 
 }  // namespace
 
-AssembledDevice::AssembledDevice(Descriptor files, std::u16string modulePath,
-                                 std::unique_ptr<Registry> registry, Exit exit)
-    : ForwardingStore(files_, *registry, system_),
-      registry_(std::move(registry)),
-      guard_(*registry_, EndUnchanged(exit)),
-      files_(std::move(files), &guard_),
-      system_({files_, *registry_, guard_}, std::move(modulePath),
-              [exit = std::move(exit)] { exit(EXIT_SUCCESS); }) {}
+DeviceParts::DeviceParts(Descriptor root, std::u16string modulePath,
+                         std::unique_ptr<Registry> ownRegistry, std::function<void(int)> exit)
+    : keys(std::move(ownRegistry)),
+      guard(*keys, EndUnchanged(exit)),
+      tree(std::move(root), &guard),
+      handheld({tree, *keys, guard}, std::move(modulePath),
+               [exit = std::move(exit)] { exit(EXIT_SUCCESS); }) {}
 
 }  // namespace platform

@@ -12,8 +12,20 @@
 
 namespace platform {
 
-// The device of a device directory on this machine: its files, its registry, and its system.
-class AssembledDevice : public ForwardingStore {
+// The parts of a device, in the order in which each needs the ones before it.
+struct DeviceParts {
+    DeviceParts(Descriptor root, std::u16string modulePath, std::unique_ptr<Registry> ownRegistry,
+                std::function<void(int)> exit);
+
+    std::unique_ptr<Registry> keys;
+    RegistryGuard guard;
+    HostFiles tree;
+    HandheldSystem handheld;
+};
+
+// The device of a device directory on this machine: its files, its registry, and its system. The
+// parts are a base, because they have to be there before what forwards to them.
+class AssembledDevice : private DeviceParts, public ForwardingStore {
   public:
     // Ends the run on the spot with this exit code, 0 for a restart of the device; does not return.
     // The default ends the process.
@@ -22,17 +34,14 @@ class AssembledDevice : public ForwardingStore {
     // `files` is the root of HostFiles, `modulePath` that of HandheldSystem.
     AssembledDevice(
         Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
-        Exit exit = [](int code) { std::_Exit(code); });
+        Exit exit = [](int code) { std::_Exit(code); })
+        : DeviceParts(std::move(files), std::move(modulePath), std::move(registry),
+                      std::move(exit)),
+          ForwardingStore(tree, *keys, handheld) {}
 
-    Status CheckStorable() { return guard_.CheckStorable(); }  // see RegistryGuard
-    void OfferHelp(std::unique_ptr<HelpViewers> viewers) { system_.OfferHelp(std::move(viewers)); }
-    void RecoverFromKilledRuns() { files_.RecoverFromKilledRuns(); }
-
-  private:
-    std::unique_ptr<Registry> registry_;
-    RegistryGuard guard_;
-    HostFiles files_;
-    HandheldSystem system_;
+    Status CheckStorable() { return guard.CheckStorable(); }  // see RegistryGuard
+    void OfferHelp(std::unique_ptr<HelpViewers> viewers) { handheld.OfferHelp(std::move(viewers)); }
+    void RecoverFromKilledRuns() { tree.RecoverFromKilledRuns(); }
 };
 
 }  // namespace platform
