@@ -23,4 +23,12 @@ std::vector<std::u16string_view> ComponentsOf(std::u16string_view path) {
     return components;
 }
 
+std::u16string CanonicalPath(std::u16string_view path) {
+    std::u16string canonical;
+    for (const std::u16string_view component : ComponentsOf(path)) {
+        canonical.append(u"\\").append(component);
+    }
+    return canonical.empty() && !path.empty() ? u"\\" : canonical;
+}
+
 }  // namespace platform

@@ -13,6 +13,9 @@ namespace platform {
 namespace {
 
 bool IsSeen(utf8proc_int32_t character) {
+    if (character >= ' ' && character <= '~') {
+        return true;
+    }
     switch (utf8proc_category(character)) {
         case UTF8PROC_CATEGORY_CC:
         case UTF8PROC_CATEGORY_CF:
@@ -53,6 +56,15 @@ std::string ReadableText(std::u16string_view text) {
         }
     }
     return readable;
+}
+
+bool IsReadable(std::u16string_view text) {
+    for (std::size_t index = 0; index < text.size();) {
+        if (!IsSeen(NextCharacter(text, index))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::string ReadableBytes(std::string_view bytes) {
