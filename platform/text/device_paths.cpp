@@ -25,8 +25,16 @@ std::vector<std::u16string_view> ComponentsOf(std::u16string_view path) {
 
 std::u16string CanonicalPath(std::u16string_view path) {
     std::u16string canonical;
-    for (const std::u16string_view component : ComponentsOf(path)) {
-        canonical.append(u"\\").append(component);
+    canonical.reserve(path.size() + 1);
+    bool isBegun = false;  // a component
+    for (const char16_t unit : path) {
+        if (unit != u'\\' && !isBegun) {
+            canonical += u'\\';
+        }
+        isBegun = unit != u'\\';
+        if (isBegun) {
+            canonical += unit;
+        }
     }
     return canonical.empty() && !path.empty() ? u"\\" : canonical;
 }

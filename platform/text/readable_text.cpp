@@ -12,8 +12,12 @@ namespace platform {
 
 namespace {
 
+constexpr bool IsPlain(utf8proc_int32_t character) {
+    return character >= ' ' && character <= '~';
+}
+
 bool IsSeen(utf8proc_int32_t character) {
-    if (character >= ' ' && character <= '~') {
+    if (IsPlain(character)) {
         return true;
     }
     switch (utf8proc_category(character)) {
@@ -40,10 +44,13 @@ void AppendEscape(std::string& text, char16_t unit) {
 
 std::string ReadableText(std::u16string_view text) {
     std::string readable;
+    readable.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
         const std::size_t begin = index;
         const utf8proc_int32_t character = NextCharacter(text, index);
-        if (character == u'\n') {
+        if (IsPlain(character)) {
+            readable += static_cast<char>(character);
+        } else if (character == u'\n') {
             readable += ' ';
         } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
             continue;  // the line feed after it makes the blank

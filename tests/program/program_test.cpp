@@ -67,6 +67,9 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
+        {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
+        {{"--device", taken, "--report-html", "", "silent"}, 64, "report is empty"},
+        {{"--device", taken, "--report=xml", "silent"}, 64, "\"lines\" or \"json\""},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
@@ -223,7 +226,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
          ""},
         {{"Temp>Windows", "Windows/", SettingsEntry(kRootTemp)},
          {0, 74},
-         "step 3: not read \\Temp\\ (a symbolic link, which is not followed)",
+         "step 3: not read \\Temp (a symbolic link, which is not followed)",
          ""},
         {{SettingsEntry(kRootTemp)}, {0, 74}, "", "[Error] Unable to locate", ""},
         {{SettingsEntry(kRootTemp + 'x')}, {0, 74}, "", "settings.dat is damaged"},
@@ -274,6 +277,71 @@ TEST(Program, AReportWithoutAReaderDoesNotStopTheWork) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.errors.find("cannot write the report"), std::string::npos);
     EXPECT_EQ(device.Listing().size(), 4U);
+}
+
+// A page that cannot be written is not done; last-run.txt costs no exit code.
+TEST(Program, ReportsReplaceOnlyRegularFilesOutsideOfTheDevice) {
+    const struct {
+        Entries outside;  // than the device: the page is "page"
+        std::string page;
+        Entries inside;  // of the device directory
+        int exitCode;
+        std::string says;
+    } cases[] = {
+        {{}, "/page", {}, 0, ""},
+        {{"../page=old"}, "/page", {"../last-run.txt=old"}, 0, ""},
+        {{"../target=old", "../page>target"},
+         "/page",
+         {},
+         74,
+         "page: cannot replace it: it is not"},
+        {{"../page/"}, "/page", {}, 74, "page: cannot replace it: it is not a regular file"},
+        {{"../page=locked"}, "/page", {}, 74, "page: cannot replace it: it is read-only"},
+        {{}, "/none/page", {}, 74, "/none/page: cannot write the report: No such file"},
+        {{}, "/d/files/Temp/page", {}, 74, "it would be in the device directory"},
+        {{}, "/d/registry.reg", {}, 74, "it would be in the device directory"},
+        {{},
+         "/page",
+         {"../t=", "../last-run.txt>t"},
+         0,
+         "last-run.txt: cannot replace it: it is n"},
+        {{}, "/page", {"../last-run.txt/"}, 0, "last-run.txt: cannot replace it: it is not a reg"},
+        {{}, "/page", {"../last-run.txt=locked"}, 0, "last-run.txt: cannot replace it: it is read"},
+    };
+    const auto read = [](const std::string& path) {
+        return std::filesystem::is_regular_file(path) ? ReadFile(path) : "";
+    };
+    for (const auto& each : cases) {
+        const TemporaryDevice outside;
+        const TemporaryDevice device;
+        outside.Make(each.outside);
+        device.Make({"Temp/a=1", SettingsEntry(kRootTemp)});
+        device.Make(each.inside);
+        WriteFile(device.path() + "/registry.reg", kQuietTweaks);
+        std::filesystem::create_directory_symlink(device.path(), outside.path() + "/d");
+        const std::string page = outside.path() + "/page";
+        const std::string last = device.path() + "/last-run.txt";
+        for (const std::string& path : {page, last}) {
+            if (read(path) == "locked") {
+                chmod(path.c_str(), 0444);
+            }
+        }
+        const Outcome outcome = RunProgram({"--device", device.path(), "--report=json", "--strict",
+                                            "--report-html", outside.path() + each.page, "silent"});
+        SCOPED_TRACE(outcome.errors);
+        const std::string code = "\"exit_code\":" + std::to_string(each.exitCode) + "}\n";
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_TRUE(outcome.output.ends_with(code)) << outcome.output;
+        EXPECT_NE(outcome.errors.find(each.says), std::string::npos);
+        EXPECT_EQ(outcome.errors.empty(), each.says.empty());
+        EXPECT_EQ(read(page).ends_with("</html>\n"), each.exitCode == 0);
+        EXPECT_EQ(read(last).starts_with("step 3: deleted \\Temp\\a (1 byte)\ntotal: 1 "),
+                  !each.says.starts_with("last"));
+        EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kQuietTweaks);
+        const std::string before = read(last);
+        EXPECT_EQ(RunProgram({"--device", device.path(), "silent"}).errors, "") << "nothing to do";
+        EXPECT_EQ(read(last), before);
+    }
 }
 
 TEST(Program, MemoryThatRunsOutEndsTheRunAndChangesNothing) {
