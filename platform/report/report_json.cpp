@@ -60,9 +60,13 @@ std::string HexOfUnits(std::u16string_view units) {
     return text;
 }
 
+constexpr std::size_t kUsualLength = 256;
+
 // An object of JSON while it is written. Texts are readable ones: UTF-8 without control characters.
 class JsonObject {
   public:
+    JsonObject() { text_.reserve(kUsualLength); }
+
     JsonObject& Raw(const char* name, std::string_view value) {
         ((text_ += text_.empty() ? "{\"" : ",\"") += name) += "\":";
         text_ += value;
