@@ -119,11 +119,11 @@ std::string Grouped(std::uint64_t number) {
 
 std::string TitleOf(int step) {
     const auto index = static_cast<std::size_t>(step);
-    const std::string number = step > 0 ? "Step " + std::to_string(step) : "";
-    if (index >= std::size(kStepTitles)) {
-        return number;
+    const std::string title = index < std::size(kStepTitles) ? kStepTitles[index] : "";
+    if (step == 0) {
+        return title;
     }
-    return number + (number.empty() ? "" : ": ") + kStepTitles[index];
+    return "Step " + std::to_string(step) + (title.empty() ? "" : ": ") + title;
 }
 
 std::string LocalTime(std::time_t time) {
