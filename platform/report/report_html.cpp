@@ -119,7 +119,7 @@ std::string Grouped(std::uint64_t number) {
 
 std::string TitleOf(int step) {
     const auto index = static_cast<std::size_t>(step);
-    const std::string title = index < std::size(kStepTitles) ? kStepTitles[index] : "";
+    std::string title = index < std::size(kStepTitles) ? kStepTitles[index] : "";
     if (step == 0) {
         return title;
     }
