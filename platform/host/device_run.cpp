@@ -182,6 +182,7 @@ int DeviceRun::Finish() {
 // What a process that ends on the spot still holds is written first, because no destructor runs.
 void DeviceRun::EndOnTheSpot(int code) {
     const int result = code == 0 ? Finish() : code;
+    report_.reset();  // its unfinished files go with it
     std::fflush(nullptr);
     std::_Exit(result);
 }
