@@ -9,6 +9,7 @@
 #include "platform/device/sample_files.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
+#include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
 
 namespace platform {
@@ -123,7 +124,7 @@ Status ParseScale(const char* value, CommandLine& line) {
 
 Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
     if (!line.device.empty()) {
-        return Refuse("more than one device directory is given");
+        return Refuse("only one of --device DIR and --new-device DIR can be given, and only once");
     }
     line.device = value;
     SetTask(line, task);
@@ -164,10 +165,9 @@ Status SetSwitch(int choice, CommandLine& line) {
             line.task = CommandLine::Task::ShowHelp;
             return {};
         case kVersion:
+        default:
             line.task = CommandLine::Task::ShowVersion;
             return {};
-        default:
-            return Refuse("nothing was started");
     }
 }
 
@@ -194,6 +194,30 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         default:
             return SetSwitch(choice, line);
     }
+}
+
+// What getopt_long has not taken.
+Status RefuseWord(int answer, const char* word) {
+    const bool isKnown = optopt > kWord && optopt <= kVersion;
+    const char* const reason = answer == ':' ? "a value must follow"
+                               : isKnown     ? "this option takes no value"
+                                             : "there is no such option";
+    return FailOf({kUnderstand, {}, 0, reason}, ReadableBytes(word));
+}
+
+// The ':' keeps getopt_long from writing messages of its own.
+Status TakeOptions(int count, char** words, CommandLine& line) {
+    Status taken;
+    while (taken) {
+        const char* const word = optind < count ? words[optind] : "";
+        const int choice = getopt_long(count, words, "-:", kChoices, nullptr);
+        if (choice == -1) {
+            return taken;
+        }
+        taken = choice == ':' || choice == '?' ? RefuseWord(choice, word)
+                                               : ParseOption(choice, optarg, line);
+    }
+    return taken;
 }
 
 // Whether the user can be asked for the device: the program is to open windows on a display.
@@ -224,11 +248,7 @@ Status CheckComplete(const CommandLine& line) {
 Result<CommandLine> ParseCommandLine(int count, char** words) {
     CommandLine line;
     line.modulePath = kDefaultModulePath;
-    Status taken;
-    for (int choice = 0;
-         taken && (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
-        taken = ParseOption(choice, optarg, line);
-    }
+    Status taken = TakeOptions(count, words, line);
     for (; taken && optind < count; ++optind) {
         taken = ParseWord(words[optind], line);
     }

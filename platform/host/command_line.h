@@ -26,8 +26,7 @@ struct CommandLine {
     double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
 };
 
-// Reads the command line. About an option that it does not know, getopt_long writes a line to
-// standard error first.
+// Reads the command line. The object of a failure is the option that is wrong, if it is one alone.
 Result<CommandLine> ParseCommandLine(int count, char** words);
 
 extern const char kHelp[];

@@ -62,10 +62,12 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
     // What it says is a part of standard error, or of standard output where it ends well.
     const std::tuple<Entries, int, std::string> cases[] = {
         {{}, 64, "no device directory"},
-        {{"--device", taken, "--dry-run", "silent"}, 64, "--dry-run"},
-        {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
+        {{"--device", taken, "-r", "silent"}, 64, "fennelbright: -r: there is no such option; see"},
+        {{"--device", taken, "silent", "--unknown"}, 64, "fennelbright: --unknown: there is no"},
+        {{"--report=1", "silent"}, 64, "fennelbright: --report=1: this option takes no value"},
+        {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
-        {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
+        {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
         {{"--device", taken, "--report-html", "", "silent"}, 64, "report is empty"},

@@ -56,8 +56,8 @@ TEST(AssembledDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack)
     WriteFile(device.registry(), kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
                 "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "
-                "erased; its files and registry as they were are in its folder "
-                "erased-20..-..-..\n$");
+                "erased; the old files and registry are in erased-20..-..-.. in the device "
+                "directory\n$");
     const std::string folder = device.path() + "/erased-" + platform::Today();
     EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
     EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
