@@ -64,7 +64,7 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{}, 64, "no device directory"},
         {{"--device", taken, "-r", "silent"}, 64, "fennelbright: -r: there is no such option; see"},
         {{"--device", taken, "silent", "--unknown"}, 64, "fennelbright: --unknown: there is no"},
-        {{"--report=1", "silent"}, 64, "fennelbright: --report=1: this option takes no value"},
+        {{"--strict=1", "silent"}, 64, "fennelbright: --strict=1: this option takes no value"},
         {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
