@@ -1,0 +1,136 @@
+#!/usr/bin/env python3
+"""Runs the program silently on random devices on both platforms, and compares what is left.
+
+usage: compare_runs.py PROGRAM FENNELBRIGHT_EXE SEED COUNT
+"""
+
+import os
+import shutil
+import stat
+import subprocess
+import sys
+import tempfile
+
+from random_devices import RandomDevice
+from registry_files import parse_registry
+
+MODULE_DIRECTORY = "Program Files/Fennelbright"
+
+
+class SecondPlatform:
+    """A fresh prefix with a drive X: for the devices, in a temporary directory that is thrown away."""
+
+    def __init__(self, executable, directory):
+        self.drive = os.path.join(directory, "drive")
+        os.makedirs(os.path.join(self.drive, MODULE_DIRECTORY))
+        self.executable = shutil.copy(executable, os.path.join(self.drive, MODULE_DIRECTORY))
+        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "WINEDEBUG": "-all", "WINEARCH": "win64",
+                            "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
+                            "WINEDLLOVERRIDES": "mscoree,mshtml,winemenubuilder.exe="}
+        self.run("wineboot", "--init")
+        os.symlink(self.drive, os.path.join(directory, "prefix/dosdevices/x:"))
+
+    def run(self, *words, **environment):
+        process = subprocess.run(["wine", *words], env={**self.environment, **environment}, timeout=300, check=False,
+                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        if process.returncode != 0:
+            sys.exit("wine %s: exit code %d\n%s" % (" ".join(words), process.returncode, process.stderr.decode()))
+        return process.stdout.decode()
+
+    def end(self):
+        subprocess.run(["wineserver", "-k"], env=self.environment, check=False)
+
+
+def tree(root):
+    """Each entry by its path: its content, None for a directory, and whether it can be written."""
+    entries = {}
+    for directory, directories, files in os.walk(root):
+        for name in directories + files:
+            path = os.path.join(directory, name)
+            content = None
+            if name in files:
+                with open(path, "rb") as file:
+                    content = file.read()
+            entries[os.path.relpath(path, root)] = (content, bool(os.stat(path).st_mode & stat.S_IWUSR))
+    return entries
+
+
+def differences(what, first, second):
+    return ["%s %s: %r, on the second platform %r" % (what, key, first.get(key), second.get(key))
+            for key in sorted(first.keys() | second.keys(), key=repr) if first.get(key) != second.get(key)]
+
+
+def without_roots(values):
+    """The roots are always there, on the first platform without a line."""
+    return {(key, name): data for (key, name), data in values.items() if "\\" in key.rstrip("\\")}
+
+
+def run_first(program, device):
+    """The boxes of the run."""
+    process = subprocess.run([program, "--device", device, "--no-display", "silent"], check=False,
+                             stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=60)
+    return [line for line in process.stderr.decode().splitlines() if line.startswith("[")]
+
+
+def make_devices(seeds, directory, platform):
+    registry = "Windows Registry Editor Version 5.00\n\n"
+    for number, seed in enumerate(seeds):
+        device = RandomDevice(seed)
+        first = os.path.join(directory, "devices", str(number))
+        os.makedirs(os.path.join(first, "files"))
+        device.make(os.path.join(first, "files"))
+        with open(os.path.join(first, "registry.reg"), "w", encoding="utf-16", newline="\r\n") as file:
+            file.write("Windows Registry Editor Version 5.00\n\n" + device.registry)
+        shutil.copytree(os.path.join(first, "files"), os.path.join(platform.drive, str(number)))
+        registry += device.registry.replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\%d\\HKEY_" % number)
+    path = os.path.join(platform.drive, "in.reg")
+    with open(path, "w", encoding="utf-16", newline="\r\n") as file:
+        file.write(registry)
+    platform.run("regedit", "/S", "X:\\in.reg")
+
+
+def run_second(platform, count):
+    """The boxes of each run and all registries."""
+    output = platform.run(platform.executable, "silent", FENNELBRIGHT_DEVICES=str(count))
+    boxes = [part.splitlines()[1:] for part in output.split("device ")[1:]]
+    platform.run("regedit", "/E", "X:\\out.reg", "HKEY_CURRENT_USER\\Devices")
+    keys = parse_registry(os.path.join(platform.drive, "out.reg"))
+    return boxes, keys
+
+
+def compare(program, executable, seeds, directory):
+    platform = SecondPlatform(executable, directory)
+    try:
+        make_devices(seeds, directory, platform)
+        boxes, keys = run_second(platform, len(seeds))
+    finally:
+        platform.end()
+    faults = 0
+    for number, seed in enumerate(seeds):
+        device = os.path.join(directory, "devices", str(number))
+        found = differences("boxes", dict(enumerate(run_first(program, device))), dict(enumerate(boxes[number])))
+        found += differences("entry", tree(os.path.join(device, "files")), tree(os.path.join(platform.drive, str(number))))
+        prefix = "HKEY_CURRENT_USER\\Devices\\%d\\" % number
+        found += differences("value", without_roots(parse_registry(os.path.join(device, "registry.reg"))),
+                             without_roots({(key[len(prefix):], name): data for (key, name), data in keys.items()
+                                            if key.startswith(prefix)}))
+        faults += bool(found)
+        for line in found:
+            print("device of seed %d: %s" % (seed, line))
+    return faults
+
+
+def main():
+    program, executable = (os.path.abspath(path) for path in sys.argv[1:3])
+    first, count = int(sys.argv[3]), int(sys.argv[4])
+    directory = tempfile.mkdtemp()
+    try:
+        faults = compare(program, executable, range(first, first + count), directory)
+    finally:
+        shutil.rmtree(directory, ignore_errors=True)
+    print("%d devices from seed %d, %d with differences" % (count, first, faults))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
