@@ -1,11 +1,14 @@
 #!/usr/bin/env bash
-# Installs what is missing on a Debian machine. With "tests": also what only the tests need.
+# Installs what is missing on a Debian machine. With "tests": also what only the tests need; with
+# "second_platform": what only scripts/second_platform.sh needs.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
 if [ "${1:-}" = tests ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs)
+elif [ "${1:-}" = second_platform ]; then
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64 python3)
 fi
 
 missing=()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the tests in the release build, in the sanitized build, and the fuzz targets for a short time
-# each. With "quick": in the release build alone.
+# Runs the tests in the release build, in the sanitized build, the fuzz targets for a short time each,
+# and the comparison with the second platform. With "quick": the tests in the release build alone.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -22,3 +22,6 @@ run_tests release -DBUILD_TESTING=ON
 [ "${1-}" = quick ] && exit
 run_tests sanitized -DBUILD_TESTING=ON
 run_tests fuzzing
+
+printf '\n== second platform\n'
+scripts/second_platform.sh

@@ -4,6 +4,7 @@
 usage: compare_runs.py PROGRAM FENNELBRIGHT_EXE SEED COUNT
 """
 
+import collections
 import os
 import shutil
 import stat
@@ -42,16 +43,16 @@ class SecondPlatform:
 
 
 def tree(root):
-    """Each entry by its path: its content, None for a directory, and whether it can be written."""
+    """Each entry by its path: of a file its content and whether it can be written, None for a directory."""
     entries = {}
     for directory, directories, files in os.walk(root):
         for name in directories + files:
             path = os.path.join(directory, name)
-            content = None
+            entry = None
             if name in files:
                 with open(path, "rb") as file:
-                    content = file.read()
-            entries[os.path.relpath(path, root)] = (content, bool(os.stat(path).st_mode & stat.S_IWUSR))
+                    entry = (file.read(), bool(os.stat(path).st_mode & stat.S_IWUSR))
+            entries[os.path.relpath(path, root)] = entry
     return entries
 
 
@@ -63,6 +64,11 @@ def differences(what, first, second):
 def without_roots(values):
     """The roots are always there, on the first platform without a line."""
     return {(key, name): data for (key, name), data in values.items() if "\\" in key.rstrip("\\")}
+
+
+def state(device):
+    return {"box": {}, "entry": tree(os.path.join(device, "files")),
+            "value": without_roots(parse_registry(os.path.join(device, "registry.reg")))}
 
 
 def run_first(program, device):
@@ -99,6 +105,7 @@ def run_second(platform, count):
 
 
 def compare(program, executable, seeds, directory):
+    """The number of devices with differences, and how much was compared."""
     platform = SecondPlatform(executable, directory)
     try:
         make_devices(seeds, directory, platform)
@@ -106,18 +113,25 @@ def compare(program, executable, seeds, directory):
     finally:
         platform.end()
     faults = 0
+    compared = collections.Counter()
     for number, seed in enumerate(seeds):
         device = os.path.join(directory, "devices", str(number))
-        found = differences("boxes", dict(enumerate(run_first(program, device))), dict(enumerate(boxes[number])))
-        found += differences("entry", tree(os.path.join(device, "files")), tree(os.path.join(platform.drive, str(number))))
+        before = state(device)
+        shown = run_first(program, device)
+        after = state(device)
         prefix = "HKEY_CURRENT_USER\\Devices\\%d\\" % number
-        found += differences("value", without_roots(parse_registry(os.path.join(device, "registry.reg"))),
-                             without_roots({(key[len(prefix):], name): data for (key, name), data in keys.items()
-                                            if key.startswith(prefix)}))
+        second = {"box": dict(enumerate(boxes[number])), "entry": tree(os.path.join(platform.drive, str(number))),
+                  "value": without_roots({(key[len(prefix):], name): data for (key, name), data in keys.items()
+                                          if key.startswith(prefix)})}
+        after["box"] = dict(enumerate(shown))
+        found = [line for what in after for line in differences(what, after[what], second[what])]
+        for what, left in after.items():
+            compared[what] += len(left)
+            compared["changed " + what] += len(set(left.items()) ^ set(before[what].items()))
         faults += bool(found)
         for line in found:
             print("device of seed %d: %s" % (seed, line))
-    return faults
+    return faults, compared
 
 
 def main():
@@ -125,9 +139,10 @@ def main():
     first, count = int(sys.argv[3]), int(sys.argv[4])
     directory = tempfile.mkdtemp()
     try:
-        faults = compare(program, executable, range(first, first + count), directory)
+        faults, compared = compare(program, executable, range(first, first + count), directory)
     finally:
         shutil.rmtree(directory, ignore_errors=True)
+    print("compared: " + ", ".join("%d %s" % (count, what) for what, count in sorted(compared.items())))
     print("%d devices from seed %d, %d with differences" % (count, first, faults))
     return 1 if faults else 0
 

@@ -75,8 +75,8 @@ std::wstring Decoded(const std::string& bytes) {
     const std::string plain = bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes;
     const int size = static_cast<int>(plain.size());
     std::wstring text(plain.size(), 0);
-    int length = MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, plain.data(), size,
-                                     text.data(), size);
+    int length =
+        MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, plain.data(), size, text.data(), size);
     if (length == 0) {
         length = MultiByteToWideChar(1252, 0, plain.data(), size, text.data(), size);
     }
@@ -186,9 +186,9 @@ BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
                                             FILE_ATTRIBUTE_NORMAL, nullptr)
                               : INVALID_HANDLE_VALUE;
     DWORD written = 0;
-    const BOOL isMade = file != INVALID_HANDLE_VALUE &&
-                        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written,
-                                  nullptr) != 0;
+    const BOOL isMade =
+        file != INVALID_HANDLE_VALUE &&
+        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0;
     CloseHandle(file);
     return isMade;
 }

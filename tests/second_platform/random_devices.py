@@ -8,7 +8,7 @@ DIRECTORIES = ["Temp", "Windows/Temp", "My Documents/Temp", "My Documents", "Cac
                "Fonts", "New", "Cache/New", "Windows/StartUp", "Windows/Start Menu/Programs",
                "Storage Card/Old", "Storage Card/New", "Program Files/Reader"]
 NAMES = ["a", "B", "c.tmp", "d e.log", "\u00e9", "Reader.exe", ".dots.", "x y.z w", "CON", "nul.txt", "%s", "l" * 200,
-         "\U0001f33f", "[1];=+,.bak", "Temp", "a page.txt", "\u0130i", "\u00df"]
+         "\U0001f33f", "[1];=+,.bak", "Temp", "a page.txt", "\u0130i", "\u00df", "a.", "b ", "longna~1.tmp"]
 SUBDIRECTORIES = ["sub", "DEEP", "Cache", "aux", "n" * 120]
 ODD_PATHS = ["", "Temp", "\\None\\x", "\\Temp\\..", "\\Temp\\.", "\\", "\\\\", "\\Te*", "\\Temp\\*.*", "\\a\\b\\c\\", "/Temp/",
              "\\Temp/", "X:\\Temp\\", "\\\\Temp\\\\", "\\" + "p" * 1100 + "\\", "\\Temp\\a", "\\Temp\\a\\", " \\Temp\\", "\\Temp:x\\",
@@ -87,8 +87,10 @@ class RandomDevice:
         text = ""
         for key, values in keys.items():
             if self.chance(94):
-                text += "[" + (key.lower().replace("hkey_local_machine", "HKEY_LOCAL_MACHINE")
-                               .replace("hkey_current_user", "HKEY_CURRENT_USER") if self.chance(5) else key) + "]\n"
+                root, _, path = key.partition("\\")
+                # Of the keys of Apps some are deleted, and a file then shows the spelling of the next.
+                lower = self.chance(5) and "Apps" not in key
+                text += "[" + root + "\\" + (path.lower() if lower else path) + "]\n"
                 text += "".join((literal(name) if name else "@") + "=" + data() + "\n"
                                 for name, data in values if self.chance(90))
         return text
@@ -136,6 +138,8 @@ class RandomDevice:
                 self.write(os.path.join(directory, name), b"x" * self.random.choice([0, 1, 5000]))
         if depth == 0 and self.chance(5):
             self.fill(os.path.join(directory, *["deep" * 30] * 9), 3)
+        if self.chance(4):
+            os.chmod(directory, 0o555)
 
     def write(self, path, content, read_only=15):
         with open(path, "wb") as file:

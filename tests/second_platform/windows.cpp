@@ -32,10 +32,10 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) 
     return g_hasWindows ? ::MessageBoxW(owner, text, caption, type) : IDOK;
 }
 
-BOOL CreateProcessW(const WCHAR* /*image*/, const WCHAR* /*commandLine*/,
-                    void* /*processSecurity*/, void* /*threadSecurity*/, BOOL /*inherit*/,
-                    DWORD /*flags*/, void* /*environment*/, WCHAR* /*directory*/,
-                    void* /*startup*/, void* /*information*/) {
+BOOL CreateProcessW(const WCHAR* /*image*/, const WCHAR* /*commandLine*/, void* /*processSecurity*/,
+                    void* /*threadSecurity*/, BOOL /*inherit*/, DWORD /*flags*/,
+                    void* /*environment*/, WCHAR* /*directory*/, void* /*startup*/,
+                    void* /*information*/) {
     SetLastError(ERROR_FILE_NOT_FOUND);
     return FALSE;
 }
@@ -90,9 +90,9 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) {
 }
 
 BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
-    info->hwndMB = ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0,
-                                     kHeight - kBarHeight, kWidth, kBarHeight, info->hwndParent,
-                                     nullptr, nullptr, nullptr);
+    info->hwndMB =
+        ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, kHeight - kBarHeight, kWidth,
+                          kBarHeight, info->hwndParent, nullptr, nullptr, nullptr);
     return info->hwndMB != nullptr;
 }
 
