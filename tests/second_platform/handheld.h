@@ -18,6 +18,11 @@ namespace handheld {
 // are shown besides.
 void UseDevice(const std::wstring& root, const std::wstring& registry, bool hasWindows);
 
+// In pixels; the bars are the caption's and the menu's.
+inline constexpr int kScreenWidth = 240;
+inline constexpr int kScreenHeight = 320;
+inline constexpr int kBarHeight = 26;
+
 HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATAW* data);
 BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATAW* data);
 BOOL DeleteFileW(const WCHAR* path);
@@ -37,12 +42,6 @@ BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWO
 void SetCleanRebootFlag();
 
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
-LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
-                      DWORD* size);
-LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
-                    DWORD size);
-LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
-                   WCHAR* className, DWORD* classSize, FILETIME* lastWriteTime);
 LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey);
 
 inline constexpr DWORD kCaptionOkButton = 0x80000000;

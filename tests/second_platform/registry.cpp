@@ -6,24 +6,6 @@ namespace handheld {
 
 namespace {
 
-struct Root {
-    HKEY key;
-    const WCHAR* name;
-    HKEY opened = nullptr;
-};
-
-Root g_roots[] = {{HKEY_CLASSES_ROOT, L"HKEY_CLASSES_ROOT"},
-                  {HKEY_CURRENT_USER, L"HKEY_CURRENT_USER"},
-                  {HKEY_LOCAL_MACHINE, L"HKEY_LOCAL_MACHINE"},
-                  {HKEY_USERS, L"HKEY_USERS"}};
-
-HKEY Real(HKEY key) {
-    for (const Root& root : g_roots) {
-        key = root.key == key ? root.opened : key;
-    }
-    return key;
-}
-
 // Without leading, trailing and doubled backslashes.
 std::wstring Plain(const WCHAR* path) {
     std::wstring plain;
@@ -35,42 +17,34 @@ std::wstring Plain(const WCHAR* path) {
     return plain;
 }
 
+void Exchange(HKEY root, const std::wstring& path) {
+    HKEY key = nullptr;
+    RegOverridePredefKey(root, nullptr);
+    RegCreateKeyExW(HKEY_CURRENT_USER, path.c_str(), 0, nullptr, 0, KEY_ALL_ACCESS, nullptr, &key,
+                    nullptr);
+    RegOverridePredefKey(root, key);
+    RegCloseKey(key);
+}
+
 }  // namespace
 
+// The one below which the keys lie comes last.
 void UseRegistry(const std::wstring& registry) {
-    for (Root& root : g_roots) {
-        RegCloseKey(root.opened);
-        RegCreateKeyExW(HKEY_CURRENT_USER, (registry + L'\\' + root.name).c_str(), 0, nullptr, 0,
-                        KEY_ALL_ACCESS, nullptr, &root.opened, nullptr);
-    }
+    RegOverridePredefKey(HKEY_CURRENT_USER, nullptr);
+    Exchange(HKEY_LOCAL_MACHINE, registry + L"\\HKEY_LOCAL_MACHINE");
+    Exchange(HKEY_CURRENT_USER, registry + L"\\HKEY_CURRENT_USER");
 }
 
 // The handheld knows no access rights.
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD /*options*/, DWORD /*access*/,
                    HKEY* result) {
     *result = nullptr;
-    return ::RegOpenKeyExW(Real(key), Plain(subkey).c_str(), 0, KEY_ALL_ACCESS, result);
-}
-
-LONG RegQueryValueExW(HKEY key, const WCHAR* name, DWORD* reserved, DWORD* type, BYTE* data,
-                      DWORD* size) {
-    return ::RegQueryValueExW(Real(key), name, reserved, type, data, size);
-}
-
-LONG RegSetValueExW(HKEY key, const WCHAR* name, DWORD reserved, DWORD type, const BYTE* data,
-                    DWORD size) {
-    return ::RegSetValueExW(Real(key), name, reserved, type, data, size);
-}
-
-LONG RegEnumKeyExW(HKEY key, DWORD index, WCHAR* name, DWORD* size, DWORD* reserved,
-                   WCHAR* className, DWORD* classSize, FILETIME* lastWriteTime) {
-    return ::RegEnumKeyExW(Real(key), index, name, size, reserved, className, classSize,
-                           lastWriteTime);
+    return ::RegOpenKeyExW(key, Plain(subkey).c_str(), 0, KEY_ALL_ACCESS, result);
 }
 
 LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
     const std::wstring path = Plain(subkey);
-    return path.empty() ? ERROR_INVALID_PARAMETER : RegDeleteTreeW(Real(key), path.c_str());
+    return path.empty() ? ERROR_INVALID_PARAMETER : RegDeleteTreeW(key, path.c_str());
 }
 
 }  // namespace handheld

@@ -1,8 +1,10 @@
 // Windows, boxes and power: a screen of 240 by 320 pixels in the corner of the desktop's.
 
-#include "tests/second_platform/handheld.h"
-
+#include <algorithm>
+#include <map>
 #include <string_view>
+
+#include "tests/second_platform/handheld.h"
 
 namespace handheld {
 
@@ -11,12 +13,48 @@ void UseRegistry(const std::wstring& registry);
 
 namespace {
 
-constexpr int kWidth = 240;
-constexpr int kHeight = 320;
-constexpr int kBarHeight = 26;  // the caption's and the menu bar's
-constexpr UINT kFirstPopup = 1;
+constexpr int kOkWidth = 40;
+constexpr int kLineStep = 3;
 
 bool g_hasWindows = false;
+std::map<ULONG_PTR, WNDPROC> g_procedures;  // of the program's classes, by their atoms
+
+// The program moves the page by whole steps, so the bar asks for none that does not fit.
+WPARAM FittingScroll(HWND window, WPARAM wParam) {
+    SCROLLINFO info{sizeof info, SIF_ALL, 0, 0, 0, 0, 0};
+    handheld::GetScrollInfo(window, SB_VERT, &info);
+    const WORD code = LOWORD(wParam);
+    const bool isUp = code == SB_LINEUP || code == SB_PAGEUP;
+    const bool isDown = code == SB_LINEDOWN || code == SB_PAGEDOWN;
+    if (isUp && info.nPos - kLineStep < info.nMin) {
+        return SB_TOP;
+    }
+    return isDown && info.nPos + kLineStep > info.nMax ? SB_BOTTOM : wParam;
+}
+
+LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+    const WNDPROC procedure = g_procedures[GetClassLongPtrW(window, GCW_ATOM)];
+    if (message == WM_CLOSE) {
+        return procedure(window, WM_COMMAND, IDOK, 0);
+    }
+    return procedure(window, message,
+                     message == WM_VSCROLL ? FittingScroll(window, wParam) : wParam, lParam);
+}
+
+// The OK on the caption of a window that fills the screen below it.
+void AddOk(HWND window) {
+    const HWND button =
+        ::CreateWindowExW(0, L"BUTTON", L"OK", WS_POPUP | WS_VISIBLE, kScreenWidth - kOkWidth, 0,
+                          kOkWidth, kBarHeight, window, nullptr, nullptr, nullptr);
+    SetWindowLongPtrW(button, GWLP_ID, IDOK);
+}
+
+int PageLessOne(HWND window, int bar, const SCROLLINFO& info) {
+    SCROLLINFO whole{sizeof whole, SIF_PAGE, 0, 0, 0, 0, 0};
+    ::GetScrollInfo(window, bar, &whole);
+    const UINT page = (info.fMask & SIF_PAGE) != 0 ? info.nPage : whole.nPage;
+    return std::max(static_cast<int>(page) - 1, 0);
+}
 
 }  // namespace
 
@@ -54,50 +92,62 @@ void SetCleanRebootFlag() {
 void PressKey(BYTE /*key*/, BYTE /*scanCode*/, DWORD /*flags*/, DWORD_PTR /*extra*/) {}
 
 ATOM RegisterClassW(const WNDCLASSW* windowClass) {
-    return ::RegisterClassW(windowClass);
+    WNDCLASSW own = *windowClass;
+    own.lpfnWndProc = Procedure;
+    const ATOM atom = own.lpszClassName == nullptr || windowClass->lpfnWndProc == nullptr
+                          ? ATOM{0}
+                          : ::RegisterClassW(&own);
+    if (atom != 0) {
+        g_procedures[atom] = windowClass->lpfnWndProc;
+    }
+    return atom;
 }
 
 HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text, DWORD style,
                      int x, int y, int width, int height, HWND parent, HMENU menu,
                      HINSTANCE instance, void* parameter) {
     if ((extendedStyle & kCaptionOkButton) != 0) {
-        return ::CreateWindowExW(0, className, text, style | WS_POPUP, 0, kBarHeight, kWidth,
-                                 kHeight - kBarHeight, nullptr, nullptr, instance, nullptr);
+        const HWND window =
+            ::CreateWindowExW(0, className, text, style | WS_POPUP, 0, kBarHeight, kScreenWidth,
+                              kScreenHeight - kBarHeight, nullptr, nullptr, instance, nullptr);
+        AddOk(window);
+        return window;
     }
-    if (std::wstring_view(className) == L"LISTBOX") {
-        style |= LBS_NOINTEGRALHEIGHT;
-    }
-    if ((style & WS_POPUP) == 0) {
-        style |= WS_CHILD;
-    }
+    const bool isList = _wcsicmp(className, L"LISTBOX") == 0;
+    style |= (isList ? LBS_NOINTEGRALHEIGHT : 0) | ((style & WS_POPUP) == 0 ? WS_CHILD : 0);
     return ::CreateWindowExW(extendedStyle, className, text, style, x, y, width, height, parent,
                              menu, instance, parameter);
 }
 
 HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
                                 WNDPROC procedure, LPARAM parameter) {
-    return ::CreateDialogIndirectParamW(instance, dialog, parent,
+    struct {
+        DLGTEMPLATE head;
+        WORD menuClassAndTitle[3];
+    } own = {*dialog, {}};
+    own.head.style = WS_POPUP;
+    return ::CreateDialogIndirectParamW(instance, &own.head, parent,
                                         reinterpret_cast<DLGPROC>(procedure), parameter);
 }
 
-// The desktop's position ends a page less one before the end of the range.
+// The desktop's position ends a page less one before the end of its range.
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
-    return ::GetScrollInfo(window, bar, info);
+    const BOOL result = ::GetScrollInfo(window, bar, info);
+    if (result != 0 && (info->fMask & SIF_RANGE) != 0) {
+        info->nMax = std::max(info->nMax - PageLessOne(window, bar, *info), info->nMin);
+    }
+    return result;
 }
 
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) {
-    return ::SetScrollInfo(window, bar, info, redraw);
-}
-
-BOOL SHCreateMenuBar(SHMENUBARINFO* info) {
-    info->hwndMB =
-        ::CreateWindowExW(0, L"STATIC", L"", WS_POPUP | WS_VISIBLE, 0, kHeight - kBarHeight, kWidth,
-                          kBarHeight, info->hwndParent, nullptr, nullptr, nullptr);
-    return info->hwndMB != nullptr;
+    SCROLLINFO own = *info;
+    own.nMax = std::max(own.nMax, own.nMin) + PageLessOne(window, bar, own);
+    return ::SetScrollInfo(window, bar, &own, redraw);
 }
 
 BOOL SHInitDialog(const SHINITDLGINFO* info) {
-    return MoveWindow(info->hDlg, 0, kBarHeight, kWidth, kHeight - 2 * kBarHeight, TRUE);
+    AddOk(info->hDlg);
+    return MoveWindow(info->hDlg, 0, kBarHeight, kScreenWidth, kScreenHeight - kBarHeight, TRUE);
 }
 
 DWORD_PTR FileInfo(const WCHAR* /*path*/, DWORD /*attributes*/, SHFILEINFOW* info, UINT size,

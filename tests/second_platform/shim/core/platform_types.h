@@ -22,21 +22,29 @@
 #define MessageBoxW handheld::MessageBoxW
 #define MoveFileW handheld::MoveFileW
 #define RegDeleteKeyW handheld::RegDeleteKeyW
-#define RegEnumKeyExW handheld::RegEnumKeyExW
 #define RegOpenKeyExW handheld::RegOpenKeyExW
-#define RegQueryValueExW handheld::RegQueryValueExW
-#define RegSetValueExW handheld::RegSetValueExW
 #define RegisterClassW handheld::RegisterClassW
 #define RemoveDirectoryW handheld::RemoveDirectoryW
 #define SetScrollInfo handheld::SetScrollInfo
-#define WinMain handheldWinMain
-#define _wcsnicmp handheld_wcsnicmp
+#define WinMain HandheldWinMain
 #define _wfopen handheld::OpenFile
 #define keybd_event handheld::PressKey
-#define wcsrchr handheld_wcsrchr
-#define wcsstr handheld_wcsstr
 #undef SHGetFileInfo
 #define SHGetFileInfo handheld::FileInfo
+
+// The program's own declarations of these have the types of the standard.
+inline const WCHAR* HandheldWcsstr(const WCHAR* text, const WCHAR* part) {
+    return std::wcsstr(text, part);
+}
+inline const WCHAR* HandheldWcsrchr(const WCHAR* text, WCHAR character) {
+    return std::wcsrchr(text, character);
+}
+inline int HandheldWcsnicmp(const WCHAR* left, const WCHAR* right, std::size_t count) {
+    return _wcsnicmp(left, right, count);
+}
+#define _wcsnicmp HandheldWcsnicmp
+#define wcsrchr HandheldWcsrchr
+#define wcsstr HandheldWcsstr
 
 // The brush of one of the platform's own colours.
 inline HBRUSH SystemColorBrush(DWORD color) {
