@@ -15,4 +15,4 @@ cmake --preset second_platform >/dev/null
 cmake --build --preset second_platform
 
 tests/second_platform/compare_runs.py build/release/fennelbright \
-  build/second_platform/tests/second_platform/Fennelbright.exe "${1:-$RANDOM}" 100
+  build/second_platform/Fennelbright.exe "${1:-$RANDOM}" 100

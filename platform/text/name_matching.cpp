@@ -47,9 +47,7 @@ bool MatchesPattern(std::u16string_view pattern, std::u16string_view name) {
             return false;
         }
     }
-    const std::u16string_view rest = pattern.substr(at);
-    return rest.empty() ||
-           (rest.back() == u'*' && rest.find_first_not_of(u".*") == std::u16string_view::npos);
+    return pattern.find_first_not_of(u".*", at) == std::u16string_view::npos;
 }
 
 }  // namespace platform

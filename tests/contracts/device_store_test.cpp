@@ -106,7 +106,7 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
                                                             {u"\\ff\\*.*", all},
                                                             {u"\\FF\\NO*T.*", "noext"},
                                                             {u"\\ff\\sub.", ""},
-                                                            {u"\\ff\\*.", ""},
+                                                            {u"\\ff\\*.", all},
                                                             {u"\\FF\\*.lnk", "a.lnk b.LNK"},
                                                             {u"\\FF\\A.LNK", "a.lnk"},
                                                             {u"\\\\ff\\\\a.lnk", "a.lnk"},

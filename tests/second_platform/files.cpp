@@ -27,7 +27,7 @@ std::optional<std::wstring> OnDrive(std::wstring_view path, bool isPattern = fal
         result.append(1, L'\\').append(name);
         begin = path.find_first_not_of(L'\\', end);
     }
-    SetLastError(ERROR_PATH_NOT_FOUND);
+    SetLastError(ERROR_FILE_NOT_FOUND);
     return isValid ? std::optional(result) : std::nullopt;
 }
 
@@ -40,22 +40,30 @@ bool IsDirectory(const std::wstring& onDrive) {
 std::optional<std::wstring> EntryOnDrive(std::wstring_view path, bool isPattern = false) {
     std::optional<std::wstring> entry = OnDrive(path, isPattern);
     if (entry && path.ends_with(L'\\') && !IsDirectory(*entry)) {
-        SetLastError(ERROR_PATH_NOT_FOUND);
+        SetLastError(ERROR_FILE_NOT_FOUND);
         entry.reset();
     }
     return entry;
 }
 
+// Where there is nothing yet.
+std::optional<std::wstring> NewOnDrive(std::wstring_view path) {
+    std::optional<std::wstring> entry = OnDrive(path);
+    if (entry && path.ends_with(L'\\')) {
+        *entry += L'\\';
+    }
+    SetLastError(ERROR_INVALID_NAME);
+    return entry;
+}
+
 // The desktop has more reasons for the one thing that an entry is not there.
 template <typename Result>
-Result WithReason(Result result, Result failed) {
+Result WithReason(Result result, Result failed, bool keepsDirectory = false) {
     if (result == failed) {
         const DWORD reason = GetLastError();
         if (reason == ERROR_INVALID_NAME || reason == ERROR_BAD_PATHNAME ||
-            reason == ERROR_NO_MORE_FILES) {
+            reason == ERROR_NO_MORE_FILES || (reason == ERROR_DIRECTORY && !keepsDirectory)) {
             SetLastError(ERROR_FILE_NOT_FOUND);
-        } else if (reason == ERROR_DIRECTORY) {
-            SetLastError(ERROR_PATH_NOT_FOUND);
         }
     }
     return result;
@@ -139,16 +147,16 @@ BOOL DeleteFileW(const WCHAR* path) {
 
 BOOL RemoveDirectoryW(const WCHAR* path) {
     const auto entry = EntryOnDrive(path);
-    return entry ? WithReason(::RemoveDirectoryW(entry->c_str()), FALSE) : FALSE;
+    return entry ? WithReason(::RemoveDirectoryW(entry->c_str()), FALSE, true) : FALSE;
 }
 
 BOOL CreateDirectoryW(const WCHAR* path, void* /*security*/) {
-    const auto entry = OnDrive(path);
-    return entry ? WithReason(::CreateDirectoryW(entry->c_str(), nullptr), FALSE) : FALSE;
+    const auto entry = NewOnDrive(path);
+    return entry ? ::CreateDirectoryW(entry->c_str(), nullptr) : FALSE;
 }
 
 BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
-    const auto to = OnDrive(newPath);
+    const auto to = NewOnDrive(newPath);
     const auto from = to ? EntryOnDrive(oldPath) : std::nullopt;
     return from ? WithReason(::MoveFileW(from->c_str(), to->c_str()), FALSE) : FALSE;
 }
