@@ -14,32 +14,7 @@ import tempfile
 
 from random_devices import RandomDevice
 from registry_files import parse_registry
-
-MODULE_DIRECTORY = "Program Files/Fennelbright"
-
-
-class SecondPlatform:
-    """A fresh prefix with a drive X: for the devices, in a temporary directory that is thrown away."""
-
-    def __init__(self, executable, directory):
-        self.drive = os.path.join(directory, "drive")
-        os.makedirs(os.path.join(self.drive, MODULE_DIRECTORY))
-        self.executable = shutil.copy(executable, os.path.join(self.drive, MODULE_DIRECTORY))
-        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "WINEDEBUG": "-all", "WINEARCH": "win64",
-                            "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
-                            "WINEDLLOVERRIDES": "mscoree,mshtml,winemenubuilder.exe="}
-        self.run("wineboot", "--init")
-        os.symlink(self.drive, os.path.join(directory, "prefix/dosdevices/x:"))
-
-    def run(self, *words, **environment):
-        process = subprocess.run(["wine", *words], env={**self.environment, **environment}, timeout=300, check=False,
-                                 stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
-        if process.returncode != 0:
-            sys.exit("wine %s: exit code %d\n%s" % (" ".join(words), process.returncode, process.stderr.decode()))
-        return process.stdout.decode()
-
-    def end(self):
-        subprocess.run(["wineserver", "-k"], env=self.environment, check=False)
+from second_platform import REGISTRY_HEADER, SecondPlatform
 
 
 def tree(root):
@@ -79,14 +54,14 @@ def run_first(program, device):
 
 
 def make_devices(seeds, directory, platform):
-    registry = "Windows Registry Editor Version 5.00\n\n"
+    registry = REGISTRY_HEADER
     for number, seed in enumerate(seeds):
         device = RandomDevice(seed)
         first = os.path.join(directory, "devices", str(number))
         os.makedirs(os.path.join(first, "files"))
         device.make(os.path.join(first, "files"))
         with open(os.path.join(first, "registry.reg"), "w", encoding="utf-16", newline="\r\n") as file:
-            file.write("Windows Registry Editor Version 5.00\n\n" + device.registry)
+            file.write(REGISTRY_HEADER + device.registry)
         shutil.copytree(os.path.join(first, "files"), os.path.join(platform.drive, str(number)))
         registry += device.registry.replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\%d\\HKEY_" % number)
     path = os.path.join(platform.drive, "in.reg")
@@ -106,12 +81,9 @@ def run_second(platform, count):
 
 def compare(program, executable, seeds, directory):
     """The number of devices with differences, and how much was compared."""
-    platform = SecondPlatform(executable, directory)
-    try:
+    with SecondPlatform(executable, directory) as platform:
         make_devices(seeds, directory, platform)
         boxes, keys = run_second(platform, len(seeds))
-    finally:
-        platform.end()
     faults = 0
     compared = collections.Counter()
     for number, seed in enumerate(seeds):

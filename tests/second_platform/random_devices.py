@@ -1,4 +1,7 @@
-"""Random devices that two platforms can hold: files, a registry and settings that lead all over them."""
+"""Random devices that two platforms can hold: files, a registry and settings that lead all over them.
+
+What the two settle differently is left out; docs/platform.md names it.
+"""
 
 import os
 import random

@@ -83,7 +83,7 @@ const WideString kPaths[] = {TEXT("\\T\\file.txt"),
                              TEXT("\\T\\a\"b"),
                              TEXT("\\T\\tab\tx"),
                              TEXT("\\T\\ro.txt"),
-                             TEXT("\\T\\hidden.txt"),
+                             TEXT("\\T\\hid"),
                              TEXT("\\T\\\u00E9.txt"),
                              TEXT("\\T\\\u00C9.TXT"),
                              TEXT("\\T\\\u00DF"),
@@ -221,25 +221,30 @@ void WritePath(const WCHAR* path) {
 }
 
 // Whether each letter and the upper case that Unicode gives it are one name.
-void WriteLetters() {
-    const WCHAR letters[][2] = {
-        {0xE9, 0xC9},     {0xFF, 0x178},    {0x153, 0x152},   {0x3C3, 0x3A3},   {0x3AC, 0x386},
-        {0x434, 0x414},   {0x451, 0x401},   {0x561, 0x531},   {0x1E01, 0x1E00}, {0x1F00, 0x1F08},
-        {0x2170, 0x2160}, {0x24D0, 0x24B6}, {0xFF41, 0xFF21}, {0x131, 0x49},    {0x17F, 0x53},
-        {0x130, 0x69},    {0x212A, 0x6B},   {0x10D0, 0x1C90}, {0xB5, 0x39C},    {0xDF, 0x1E9E},
-        {0x1C5, 0x1C4},   {0x345, 0x399},   {0x3C2, 0x3A3},   {0x3D0, 0x392},   {0x3D1, 0x398},
-        {0x3D5, 0x3A6},   {0x3D6, 0x3A0},   {0x3F0, 0x39A},   {0x3F1, 0x3A1},   {0x3F5, 0x395},
-        {0x1C80, 0x412},  {0x1E9B, 0x1E60}, {0x1FBE, 0x399}};
+template <std::size_t Count>
+void WriteLetters(const std::string& call, const WCHAR (&letters)[Count][2]) {
     for (const auto& pair : letters) {
         const WideString first = WideString(TEXT("\\W\\")) + pair[0];
         const WideString second = WideString(TEXT("\\W\\")) + pair[1];
         CreateDirectoryW(first.c_str(), nullptr);
-        Write("one name " + Readable(first) + ' ' + Readable(second),
+        Write(call + ' ' + Readable(first) + ' ' + Readable(second),
               CreateDirectoryW(second.c_str(), nullptr) == 0);
         RemoveDirectoryW(first.c_str());
         RemoveDirectoryW(second.c_str());
     }
 }
+
+const WCHAR kLetters[][2] = {{0xE9, 0xC9},     {0xFF, 0x178},    {0x153, 0x152},   {0x3C3, 0x3A3},
+                             {0x3AC, 0x386},   {0x434, 0x414},   {0x451, 0x401},   {0x561, 0x531},
+                             {0x1E01, 0x1E00}, {0x1F00, 0x1F08}, {0x2170, 0x2160}, {0x24D0, 0x24B6},
+                             {0xFF41, 0xFF21}, {0x131, 0x49},    {0x17F, 0x53},    {0x130, 0x69},
+                             {0x212A, 0x6B},   {0x10D0, 0x1C90}};
+
+// Forms of letters whose upper case has another lower case.
+const WCHAR kForms[][2] = {{0xB5, 0x39C},   {0xDF, 0x1E9E},   {0x1C5, 0x1C4}, {0x345, 0x399},
+                           {0x3C2, 0x3A3},  {0x3D0, 0x392},   {0x3D1, 0x398}, {0x3D5, 0x3A6},
+                           {0x3D6, 0x3A0},  {0x3F0, 0x39A},   {0x3F1, 0x3A1}, {0x3F5, 0x395},
+                           {0x1C80, 0x412}, {0x1E9B, 0x1E60}, {0x1FBE, 0x399}};
 
 void WriteWalk() {
     WIN32_FIND_DATA data;
@@ -414,7 +419,8 @@ int WinMain(HINSTANCE /*hInstance*/, HINSTANCE /*hPrevInstance*/, WCHAR* lpCmdLi
         Write("search " + Readable(pattern), Found(pattern));
     }
     WriteWalk();
-    WriteLetters();
+    WriteLetters("one name", kLetters);
+    WriteLetters("a form of the letter", kForms);
     WriteRegistry();
     if (!IsSilentCommandLine(lpCmdLine)) {
         WriteWindowTranscript();

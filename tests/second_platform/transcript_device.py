@@ -30,7 +30,7 @@ REGISTRY = r"""[HKEY_LOCAL_MACHINE\Software\K]
 
 FILES = {"file.txt": "abc", "sub/in.txt": "in", "empty/": "", "ro.txt": "abc", "\u00e9.txt": "abc", "\u03c3": "abc",
          "\U00010428": "abc", "a.lnk": '9#"\\x y" /a', "b.lnk": "9#\\x?i,0\r\n", "noext": "", "T.tmp": "1",
-         "x.y.z": "12", "hidden.txt": "abc"}
+         "x.y.z": "12", "hid/in.txt": ""}
 
 
 def make(root):
@@ -42,9 +42,9 @@ def make(root):
                 file.write(content)
     os.chmod(os.path.join(root, "T/ro.txt"), 0o444)
     try:
-        os.setxattr(os.path.join(root, "T/hidden.txt"), "user.DOSATTRIB", b"0x2")
+        os.setxattr(os.path.join(root, "T/hid"), "user.DOSATTRIB", b"0x2")
     except OSError:
-        pass  # it is an ordinary file then, on both
+        pass  # it is not hidden then, on both
     os.makedirs(os.path.join(root, "W"))
     for name in "abcdefgh":
         with open(os.path.join(root, "W", name), "w", encoding="utf-8"):

@@ -43,10 +43,10 @@ LRESULT CALLBACK Procedure(HWND window, UINT message, WPARAM wParam, LPARAM lPar
 
 // The OK on the caption of a window that fills the screen below it.
 void AddOk(HWND window) {
-    const HWND button =
-        ::CreateWindowExW(0, L"BUTTON", L"OK", WS_POPUP | WS_VISIBLE, kScreenWidth - kOkWidth, 0,
-                          kOkWidth, kBarHeight, window, nullptr, nullptr, nullptr);
+    const HWND button = ::CreateWindowExW(0, L"BUTTON", L"OK", WS_POPUP, kScreenWidth - kOkWidth, 0,
+                                          kOkWidth, kBarHeight, window, nullptr, nullptr, nullptr);
     SetWindowLongPtrW(button, GWLP_ID, IDOK);
+    ShowWindow(button, SW_SHOWNOACTIVATE);
 }
 
 int PageLessOne(HWND window, int bar, const SCROLLINFO& info) {
@@ -147,7 +147,8 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) {
 
 BOOL SHInitDialog(const SHINITDLGINFO* info) {
     AddOk(info->hDlg);
-    return MoveWindow(info->hDlg, 0, kBarHeight, kScreenWidth, kScreenHeight - kBarHeight, TRUE);
+    return MoveWindow(info->hDlg, 0, kBarHeight, kScreenWidth, kScreenHeight - 2 * kBarHeight,
+                      TRUE);
 }
 
 DWORD_PTR FileInfo(const WCHAR* /*path*/, DWORD /*attributes*/, SHFILEINFOW* info, UINT size,

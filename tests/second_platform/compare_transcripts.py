@@ -1,0 +1,91 @@
+#!/usr/bin/env python3
+"""Compares the transcripts of both platforms. Where they differ, a row of a table in docs/platform.md
+says why; a row for which nothing differs is a fault as well.
+
+usage: compare_transcripts.py TRANSCRIPT TRANSCRIPT_EXE
+"""
+
+import fnmatch
+import os
+import re
+import shutil
+import subprocess
+import sys
+import tempfile
+
+import transcript_device
+from second_platform import REGISTRY_HEADER, Display, SecondPlatform
+
+TABLE = os.path.join(os.path.dirname(__file__), "../../docs/platform.md")
+# As wide as the handheld's, in twips.
+SCROLL_BAR = '[HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics]\n"ScrollWidth"="-195"\n'
+ROW = re.compile(r"\| `(.*)` \| handheld \| .+ \|")
+
+
+def write_registry(path, text):
+    with open(path, "w", encoding="utf-16", newline="\r\n") as file:
+        file.write(REGISTRY_HEADER + text)
+
+
+def first_transcript(program, device, display):
+    environment = {key: value for key, value in os.environ.items() if key not in ("WAYLAND_DISPLAY", "XAUTHORITY")}
+    return subprocess.run([program, "--device", device], env={**environment, "DISPLAY": display.name}, timeout=120,
+                          check=True, stdout=subprocess.PIPE).stdout.decode().splitlines()
+
+
+def second_transcript(executable, directory, device, display):
+    with SecondPlatform(executable, directory, display.name) as platform:
+        shutil.copytree(os.path.join(device, "files"), os.path.join(platform.drive, "0"))
+        write_registry(os.path.join(platform.drive, "in.reg"),
+                       SCROLL_BAR + transcript_device.REGISTRY.replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
+        platform.run("regedit", "/S", "X:\\in.reg")
+        return platform.run(platform.executable).splitlines()[1:]
+
+
+def transcripts(program, executable, directory):
+    device = os.path.join(directory, "device")
+    transcript_device.make(os.path.join(device, "files"))
+    with Display() as display:
+        second = second_transcript(executable, directory, device, display)
+    write_registry(os.path.join(device, "registry.reg"), transcript_device.REGISTRY)
+    with Display() as display:
+        return first_transcript(program, device, display), second
+
+
+def explained_differences():
+    with open(TABLE, encoding="utf-8") as file:
+        return [match[1] for match in map(ROW.fullmatch, file.read().splitlines()) if match]
+
+
+def compare(first, second):
+    """The faults, as lines."""
+    rows = explained_differences()
+    used = set()
+    faults = []
+    if len(first) != len(second):
+        faults.append("%d lines, on the second platform %d" % (len(first), len(second)))
+    for left, right in zip(first, second):
+        if left != right:
+            call = left.partition(" = ")[0]
+            matching = [row for row in rows if fnmatch.fnmatchcase(call, row)]
+            used.update(matching[:1])
+            if not matching:
+                faults.append("%s\n    on the second platform: %s" % (left, right.partition(" = ")[2]))
+    return faults + ["nothing differs any more: " + row for row in rows if row not in used]
+
+
+def main():
+    directory = tempfile.mkdtemp()
+    try:
+        first, second = transcripts(*map(os.path.abspath, sys.argv[1:3]), directory)
+    finally:
+        shutil.rmtree(directory, ignore_errors=True)
+    faults = compare(first, second)
+    print("\n".join(faults))
+    differing = sum(left != right for left, right in zip(first, second))
+    print("%d lines compared, %d differ, %d faults" % (len(first), differing, len(faults)))
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
