@@ -80,16 +80,14 @@ std::wstring Decoded(const std::string& bytes) {
         std::memcpy(text.data(), bytes.data() + 2, 2 * text.size());
         return text;
     }
-    const std::string plain = bytes.starts_with("\xEF\xBB\xBF") ? bytes.substr(3) : bytes;
-    const int size = static_cast<int>(plain.size());
-    std::wstring text(plain.size(), 0);
-    int length =
-        MultiByteToWideChar(CP_UTF8, MB_ERR_INVALID_CHARS, plain.data(), size, text.data(), size);
-    if (length == 0) {
-        length = MultiByteToWideChar(1252, 0, plain.data(), size, text.data(), size);
-    }
-    text.resize(static_cast<std::size_t>(length));
-    return text;
+    const int size = static_cast<int>(bytes.size());
+    std::wstring text(bytes.size(), 0);
+    const auto decode = [&](UINT page, DWORD flags) {
+        return MultiByteToWideChar(page, flags, bytes.data(), size, text.data(), size);
+    };
+    const int length = decode(CP_UTF8, MB_ERR_INVALID_CHARS);
+    text.resize(static_cast<std::size_t>(length != 0 ? length : decode(1252, 0)));
+    return text.starts_with(L'\xFEFF') ? text.substr(1) : text;
 }
 
 // The command line in a shortcut's text; nothing if the text is no shortcut's.
@@ -183,22 +181,17 @@ BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
 }
 
 BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
-    const std::wstring_view text = target;
-    std::string bytes(3 * text.size() + 1, 0);
-    bytes.resize(static_cast<std::size_t>(
-        WideCharToMultiByte(CP_UTF8, 0, target, static_cast<int>(text.size()), bytes.data(),
-                            static_cast<int>(bytes.size()), nullptr, nullptr)));
-    bytes.insert(0, std::to_string(text.size()) + '#');
     const auto entry = EntryOnDrive(path);
-    const HANDLE file = entry ? CreateFileW(entry->c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                                            FILE_ATTRIBUTE_NORMAL, nullptr)
-                              : INVALID_HANDLE_VALUE;
-    DWORD written = 0;
-    const BOOL isMade =
-        file != INVALID_HANDLE_VALUE &&
-        WriteFile(file, bytes.data(), static_cast<DWORD>(bytes.size()), &written, nullptr) != 0;
-    CloseHandle(file);
-    return isMade;
+    const bool isNew = entry && GetFileAttributesW(entry->c_str()) == INVALID_FILE_ATTRIBUTES;
+    std::FILE* const file = isNew ? OpenFile(path, L"wb") : nullptr;
+    if (file == nullptr) {
+        return FALSE;
+    }
+    std::string bytes(3 * std::wcslen(target) + 1, 0);
+    WideCharToMultiByte(CP_UTF8, 0, target, -1, bytes.data(), static_cast<int>(bytes.size()),
+                        nullptr, nullptr);
+    std::fprintf(file, "%u#%s", static_cast<unsigned>(std::wcslen(target)), bytes.c_str());
+    return std::fclose(file) == 0;
 }
 
 // The executable lies on every device where it lies on its drive.

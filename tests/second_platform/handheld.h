@@ -34,11 +34,9 @@ BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit);
 BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target);
 
 DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit);
-BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* processSecurity,
-                    void* threadSecurity, BOOL inherit, DWORD flags, void* environment,
-                    WCHAR* directory, void* startup, void* information);
-BOOL KernelIoControl(DWORD code, void* input, DWORD inputSize, void* output, DWORD outputSize,
-                     DWORD* returned);
+BOOL CreateProcessW(const WCHAR*, const WCHAR*, void*, void*, BOOL, DWORD, void*, WCHAR*, void*,
+                    void*);
+BOOL KernelIoControl(DWORD, void*, DWORD, void*, DWORD, DWORD*);
 void SetCleanRebootFlag();
 
 LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access, HKEY* result);
@@ -68,14 +66,12 @@ ATOM RegisterClassW(const WNDCLASSW* windowClass);
 HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text, DWORD style,
                      int x, int y, int width, int height, HWND parent, HMENU menu,
                      HINSTANCE instance, void* parameter);
-HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
-                                WNDPROC procedure, LPARAM parameter);
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type);
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info);
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);
 BOOL SHCreateMenuBar(SHMENUBARINFO* info);
 BOOL SHInitDialog(const SHINITDLGINFO* info);
-DWORD_PTR FileInfo(const WCHAR* path, DWORD attributes, SHFILEINFOW* info, UINT size, UINT flags);
-void PressKey(BYTE key, BYTE scanCode, DWORD flags, DWORD_PTR extra);  // keybd_event
+DWORD_PTR FileInfo(const WCHAR*, DWORD, SHFILEINFOW* info, UINT size, UINT flags);
+void PressKey(BYTE, BYTE, DWORD, DWORD_PTR);  // keybd_event
 
 }  // namespace handheld

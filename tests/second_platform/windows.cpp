@@ -70,16 +70,13 @@ int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) 
     return g_hasWindows ? ::MessageBoxW(owner, text, caption, type) : IDOK;
 }
 
-BOOL CreateProcessW(const WCHAR* /*image*/, const WCHAR* /*commandLine*/, void* /*processSecurity*/,
-                    void* /*threadSecurity*/, BOOL /*inherit*/, DWORD /*flags*/,
-                    void* /*environment*/, WCHAR* /*directory*/, void* /*startup*/,
-                    void* /*information*/) {
+BOOL CreateProcessW(const WCHAR*, const WCHAR*, void*, void*, BOOL, DWORD, void*, WCHAR*, void*,
+                    void*) {
     SetLastError(ERROR_FILE_NOT_FOUND);
     return FALSE;
 }
 
-BOOL KernelIoControl(DWORD /*code*/, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
-                     DWORD /*outputSize*/, DWORD* /*returned*/) {
+BOOL KernelIoControl(DWORD, void*, DWORD, void*, DWORD, DWORD*) {
     std::puts("restart");
     std::fflush(stdout);
     ExitProcess(0);
@@ -89,7 +86,7 @@ void SetCleanRebootFlag() {
     std::puts("erase");
 }
 
-void PressKey(BYTE /*key*/, BYTE /*scanCode*/, DWORD /*flags*/, DWORD_PTR /*extra*/) {}
+void PressKey(BYTE, BYTE, DWORD, DWORD_PTR) {}
 
 ATOM RegisterClassW(const WNDCLASSW* windowClass) {
     WNDCLASSW own = *windowClass;
@@ -119,17 +116,6 @@ HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* t
                              menu, instance, parameter);
 }
 
-HWND CreateDialogIndirectParamW(HINSTANCE instance, const DLGTEMPLATE* dialog, HWND parent,
-                                WNDPROC procedure, LPARAM parameter) {
-    struct {
-        DLGTEMPLATE head;
-        WORD menuClassAndTitle[3];
-    } own = {*dialog, {}};
-    own.head.style = WS_POPUP;
-    return ::CreateDialogIndirectParamW(instance, &own.head, parent,
-                                        reinterpret_cast<DLGPROC>(procedure), parameter);
-}
-
 // The desktop's position ends a page less one before the end of its range.
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info) {
     const BOOL result = ::GetScrollInfo(window, bar, info);
@@ -146,13 +132,13 @@ int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw) {
 }
 
 BOOL SHInitDialog(const SHINITDLGINFO* info) {
+    SetWindowLongPtrW(info->hDlg, GWL_STYLE, WS_POPUP | WS_VISIBLE);
     AddOk(info->hDlg);
     return MoveWindow(info->hDlg, 0, kBarHeight, kScreenWidth, kScreenHeight - 2 * kBarHeight,
                       TRUE);
 }
 
-DWORD_PTR FileInfo(const WCHAR* /*path*/, DWORD /*attributes*/, SHFILEINFOW* info, UINT size,
-                   UINT flags) {
+DWORD_PTR FileInfo(const WCHAR*, DWORD, SHFILEINFOW* info, UINT size, UINT flags) {
     return SHGetFileInfoW(L"folder", FILE_ATTRIBUTE_DIRECTORY, info, size,
                           flags | SHGFI_USEFILEATTRIBUTES);
 }

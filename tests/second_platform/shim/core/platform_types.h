@@ -10,7 +10,6 @@
 #include "tests/second_platform/handheld.h"
 
 // The program's calls of what the handheld does in its own way lead to the shim.
-#define CreateDialogIndirectParamW handheld::CreateDialogIndirectParamW
 #define CreateDirectoryW handheld::CreateDirectoryW
 #define CreateProcessW handheld::CreateProcessW
 #define CreateWindowExW handheld::CreateWindowExW
