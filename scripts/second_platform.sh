@@ -5,15 +5,17 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh second_platform
-for tool in wine Xvfb x86_64-w64-mingw32-g++-posix; do
+for tool in wine Xvfb xdotool x86_64-w64-mingw32-g++-posix; do
   command -v $tool >/dev/null || { echo "$tool is missing, so nothing can be compared" >&2; exit 1; }
 done
 
 cmake --preset release -DBUILD_TESTING=ON >/dev/null
-cmake --build --preset release --target fennelbright transcript
+cmake --build --preset release --target fennelbright transcript logged_program
 cmake --preset second_platform >/dev/null
 cmake --build --preset second_platform
 
-tests/second_platform/compare_transcripts.py build/release/transcript build/second_platform/transcript.exe
-tests/second_platform/compare_runs.py build/release/fennelbright build/second_platform/Fennelbright.exe \
-  "${1:-$RANDOM}" 100
+first=build/release
+second=build/second_platform
+tests/second_platform/compare_transcripts.py $first/transcript $second/transcript.exe
+tests/second_platform/compare_windows.py $first/logged_program $second/Fennelbright.exe
+tests/second_platform/compare_runs.py $first/fennelbright $second/Fennelbright.exe "${1:-$RANDOM}" 100

@@ -8,7 +8,7 @@ packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
 if [ "${1:-}" = tests ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs)
 elif [ "${1:-}" = second_platform ]; then
-  packages+=(g++-mingw-w64-x86-64-posix wine wine64 python3 xvfb)
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64 python3 xvfb xdotool)
 fi
 
 missing=()

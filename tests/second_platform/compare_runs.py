@@ -54,7 +54,7 @@ def run_first(program, device):
 
 
 def make_devices(seeds, directory, platform):
-    registry = REGISTRY_HEADER
+    registry = ""
     for number, seed in enumerate(seeds):
         device = RandomDevice(seed)
         first = os.path.join(directory, "devices", str(number))
@@ -64,10 +64,7 @@ def make_devices(seeds, directory, platform):
             file.write(REGISTRY_HEADER + device.registry)
         shutil.copytree(os.path.join(first, "files"), os.path.join(platform.drive, str(number)))
         registry += device.registry.replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\%d\\HKEY_" % number)
-    path = os.path.join(platform.drive, "in.reg")
-    with open(path, "w", encoding="utf-16", newline="\r\n") as file:
-        file.write(registry)
-    platform.run("regedit", "/S", "X:\\in.reg")
+    platform.register(registry)
 
 
 def run_second(platform, count):

@@ -14,17 +14,10 @@ import sys
 import tempfile
 
 import transcript_device
-from second_platform import REGISTRY_HEADER, Display, SecondPlatform
+from second_platform import REGISTRY_HEADER, SCROLL_BAR, Display, SecondPlatform
 
 TABLE = os.path.join(os.path.dirname(__file__), "../../docs/platform.md")
-# As wide as the handheld's, in twips.
-SCROLL_BAR = '[HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics]\n"ScrollWidth"="-195"\n'
 ROW = re.compile(r"\| `(.*)` \| handheld \| .+ \|")
-
-
-def write_registry(path, text):
-    with open(path, "w", encoding="utf-16", newline="\r\n") as file:
-        file.write(REGISTRY_HEADER + text)
 
 
 def first_transcript(program, device, display):
@@ -36,9 +29,8 @@ def first_transcript(program, device, display):
 def second_transcript(executable, directory, device, display):
     with SecondPlatform(executable, directory, display.name) as platform:
         shutil.copytree(os.path.join(device, "files"), os.path.join(platform.drive, "0"))
-        write_registry(os.path.join(platform.drive, "in.reg"),
-                       SCROLL_BAR + transcript_device.REGISTRY.replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
-        platform.run("regedit", "/S", "X:\\in.reg")
+        platform.register(SCROLL_BAR + transcript_device.REGISTRY.replace("[HKEY_",
+                                                                          "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
         return platform.run(platform.executable).splitlines()[1:]
 
 
@@ -47,7 +39,8 @@ def transcripts(program, executable, directory):
     transcript_device.make(os.path.join(device, "files"))
     with Display() as display:
         second = second_transcript(executable, directory, device, display)
-    write_registry(os.path.join(device, "registry.reg"), transcript_device.REGISTRY)
+    with open(os.path.join(device, "registry.reg"), "w", encoding="utf-8") as file:
+        file.write(REGISTRY_HEADER + transcript_device.REGISTRY)
     with Display() as display:
         return first_transcript(program, device, display), second
 

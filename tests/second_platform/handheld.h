@@ -66,6 +66,7 @@ ATOM RegisterClassW(const WNDCLASSW* windowClass);
 HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* text, DWORD style,
                      int x, int y, int width, int height, HWND parent, HMENU menu,
                      HINSTANCE instance, void* parameter);
+BOOL DestroyWindow(HWND window);
 int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type);
 BOOL GetScrollInfo(HWND window, int bar, SCROLLINFO* info);
 int SetScrollInfo(HWND window, int bar, const SCROLLINFO* info, BOOL redraw);

@@ -7,6 +7,8 @@ import sys
 
 MODULE_DIRECTORY = "Program Files/Fennelbright"
 REGISTRY_HEADER = "Windows Registry Editor Version 5.00\n\n"
+# As wide as the handheld's, in twips.
+SCROLL_BAR = '[HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics]\n"ScrollWidth"="-195"\n'
 
 
 class SecondPlatform:
@@ -31,6 +33,12 @@ class SecondPlatform:
             sys.exit("wine %s: exit code %d\n%s" % (" ".join(words), process.returncode, process.stderr.decode()))
         return process.stdout.decode()
 
+    def register(self, keys):
+        """Puts keys and values, as a registry file has them, into the registry."""
+        with open(os.path.join(self.drive, "in.reg"), "w", encoding="utf-16", newline="\r\n") as file:
+            file.write(REGISTRY_HEADER + keys)
+        self.run("regedit", "/S", "X:\\in.reg")
+
     def __enter__(self):
         return self
 
@@ -43,12 +51,16 @@ class Display:
 
     def __enter__(self):
         number, write = os.pipe()
-        self.server = subprocess.Popen(["Xvfb", "-noreset", "-displayfd", str(write), "-screen", "0", "640x480x24"],
+        self.server = subprocess.Popen(["Xvfb", "-noreset", "-displayfd", str(write), "-screen", "0", "240x320x24"],
                                        pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
         with open(number, encoding="ascii") as file:
             self.name = ":" + file.readline().strip()
         return self
+
+    def tool(self, *words):
+        subprocess.run(["xdotool", *map(str, words)], env={**os.environ, "DISPLAY": self.name}, check=True,
+                       stdout=subprocess.DEVNULL, timeout=60)
 
     def __exit__(self, *unused):
         self.server.terminate()

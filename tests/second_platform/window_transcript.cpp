@@ -136,7 +136,7 @@ void WriteMessages(const std::string& label, HWND window) {
     for (const Message& row : messages) {
         Line(label + ' ' + row.name, Send(window, row.message, row.wParam, row.lParam));
     }
-    for (const WPARAM room : {0, 1, 5, 60}) {
+    for (const WPARAM room : {0U, 1U, 5U, 60U}) {
         Write(label + " WM_GETTEXT " + Number(static_cast<long long>(room)), TextOf(window, room));
     }
     Line(label + " ShowWindow, hide", ShowWindow(window, SW_HIDE) != 0);
@@ -176,9 +176,10 @@ void WriteList(HWND list) {
         Line("LB_SETSEL " + Number(index), Send(list, LB_SETSEL, 1, Value(index)));
     }
     LONG selected[8] = {};
-    for (const WPARAM room : {0, 2, 8}) {
+    for (const WPARAM room : {0U, 2U, 8U}) {
         Line("LB_GETSELITEMS " + Number(static_cast<long long>(room)),
-             Send(list, LB_GETSELITEMS, room, selected) * 100 + selected[0] * 10 + selected[1]);
+             Send(list, LB_GETSELITEMS, room, selected) * 100 + LRESULT{selected[0]} * 10 +
+                 selected[1]);
     }
     Line("LB_SETSEL all off", Send(list, LB_SETSEL, 0, Value(-1)));
     Line("LB_GETSELCOUNT", Send(list, LB_GETSELCOUNT));
@@ -189,7 +190,7 @@ void WriteList(HWND list) {
 
 void WriteTabs(HWND tabs) {
     const WCHAR* const labels[] = {TEXT("One"), TEXT("Two"), TEXT("Three")};
-    for (const WPARAM index : {0, 9, 1}) {
+    for (const WPARAM index : {0U, 9U, 1U}) {
         TCITEM item{};
         item.mask = TCIF_TEXT;
         item.pszText = const_cast<WCHAR*>(labels[index % 3]);
@@ -197,7 +198,7 @@ void WriteTabs(HWND tabs) {
              Send(tabs, TCM_INSERTITEM, index, &item));
         Line("TCM_GETCURSEL", Send(tabs, TCM_GETCURSEL));
     }
-    for (const WPARAM index : {2, 7, 0}) {
+    for (const WPARAM index : {2U, 7U, 0U}) {
         Line("TCM_SETCURSEL " + Number(static_cast<long long>(index)),
              Send(tabs, TCM_SETCURSEL, index));
         Line("TCM_GETCURSEL", Send(tabs, TCM_GETCURSEL));

@@ -15,6 +15,8 @@ namespace {
 
 constexpr int kOkWidth = 40;
 constexpr int kLineStep = 3;
+constexpr int kTabHeight = 21;
+constexpr int kFieldHeight = 14;  // without its frame
 
 bool g_hasWindows = false;
 std::map<ULONG_PTR, WNDPROC> g_procedures;  // of the program's classes, by their atoms
@@ -112,8 +114,26 @@ HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* t
     }
     const bool isList = _wcsicmp(className, L"LISTBOX") == 0;
     style |= (isList ? LBS_NOINTEGRALHEIGHT : 0) | ((style & WS_POPUP) == 0 ? WS_CHILD : 0);
-    return ::CreateWindowExW(extendedStyle, className, text, style, x, y, width, height, parent,
-                             menu, instance, parameter);
+    static const HFONT font = CreateFontW(-11, 0, 0, 0, FW_NORMAL, 0, 0, 0, DEFAULT_CHARSET, 0, 0,
+                                          0, 0, L"DejaVu Sans Condensed");
+    const HWND window = ::CreateWindowExW(extendedStyle, className, text, style, x, y, width,
+                                          height, parent, menu, instance, parameter);
+    SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    if (_wcsicmp(className, WC_TABCONTROLW) == 0) {
+        SendMessageW(window, TCM_SETITEMSIZE, 0, MAKELPARAM(0, kTabHeight));
+    } else if (_wcsicmp(className, L"COMBOBOX") == 0) {
+        SendMessageW(window, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), kFieldHeight);
+    }
+    return window;
+}
+
+// Says where a window was.
+BOOL DestroyWindow(HWND window) {
+    RECT place{};
+    if (g_hasWindows && GetWindowRect(window, &place)) {
+        std::printf("%ld %ld %ld %ld\n", place.left, place.top, place.right, place.bottom);
+    }
+    return ::DestroyWindow(window);
 }
 
 // The desktop's position ends a page less one before the end of its range.

@@ -14,6 +14,7 @@
 #define CreateProcessW handheld::CreateProcessW
 #define CreateWindowExW handheld::CreateWindowExW
 #define DeleteFileW handheld::DeleteFileW
+#define DestroyWindow handheld::DestroyWindow
 #define FindFirstFileW handheld::FindFirstFileW
 #define FindNextFileW handheld::FindNextFileW
 #define GetModuleFileNameW handheld::GetModuleFileNameW
