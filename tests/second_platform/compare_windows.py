@@ -98,7 +98,8 @@ def run_second(executable, directory, device):
         with open(os.path.join(device, "registry.reg"), encoding="utf-8") as file:
             keys = file.read().partition("[")
         platform.register(SCROLL_BAR + (keys[1] + keys[2]).replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
-        return run_all(display, ["wine", platform.executable], platform.environment, files, "second")
+        return run_all(display, ["wine", platform.executable], {**platform.environment, "FENNELBRIGHT_PLACES": "1"},
+                       files, "second")
 
 
 def compare(program, executable, directory):

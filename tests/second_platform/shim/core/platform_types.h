@@ -7,7 +7,7 @@
 
 #include <cwchar>
 
-#include "tests/second_platform/handheld.h"
+#include "tests/second_platform/shim/handheld.h"
 
 // The program's calls of what the handheld does in its own way lead to the shim.
 #define CreateDirectoryW handheld::CreateDirectoryW

@@ -1,10 +1,11 @@
 // Windows, boxes and power: a screen of 240 by 320 pixels in the corner of the desktop's.
 
 #include <algorithm>
+#include <cstdlib>
 #include <map>
 #include <string_view>
 
-#include "tests/second_platform/handheld.h"
+#include "tests/second_platform/shim/handheld.h"
 
 namespace handheld {
 
@@ -127,10 +128,10 @@ HWND CreateWindowExW(DWORD extendedStyle, const WCHAR* className, const WCHAR* t
     return window;
 }
 
-// Says where a window was.
+// With FENNELBRIGHT_PLACES in the environment, says where the window was.
 BOOL DestroyWindow(HWND window) {
     RECT place{};
-    if (g_hasWindows && GetWindowRect(window, &place)) {
+    if (std::getenv("FENNELBRIGHT_PLACES") != nullptr && GetWindowRect(window, &place)) {
         std::printf("%ld %ld %ld %ld\n", place.left, place.top, place.right, place.bottom);
     }
     return ::DestroyWindow(window);

@@ -8,7 +8,7 @@
 
 #include "core/host_notes.h"
 #include "core/win_main.h"
-#include "tests/second_platform/handheld.h"
+#include "tests/second_platform/shim/handheld.h"
 
 // The notes are for the report, which only the host makes.
 void NoteStep(int /*number*/) {}

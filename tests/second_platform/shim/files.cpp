@@ -5,7 +5,7 @@
 #include <cstring>
 #include <optional>
 
-#include "tests/second_platform/handheld.h"
+#include "tests/second_platform/shim/handheld.h"
 
 namespace handheld {
 
