@@ -5,6 +5,7 @@ the end, the settings after each run and what is left of the sample device.
 usage: compare_windows.py LOGGED_PROGRAM FENNELBRIGHT_EXE
 """
 
+import concurrent.futures
 import os
 import shutil
 import subprocess
@@ -106,8 +107,10 @@ def compare(program, executable, directory):
     device = os.path.join(directory, "device")
     subprocess.run([program, "--new-device", device], check=True, stdout=subprocess.DEVNULL)
     before = tree(os.path.join(device, "files"))
-    second, second_tree = run_second(executable, directory, device)
-    first, first_tree = run_first(program, device)
+    copy = shutil.copytree(device, os.path.join(directory, "copy"))
+    with concurrent.futures.ThreadPoolExecutor() as both:
+        results = both.submit(run_first, program, device), both.submit(run_second, executable, directory, copy)
+    (first, first_tree), (second, second_tree) = (result.result() for result in results)
     print("%d runs with windows, %d lines, %d of %d entries changed" %
           (len(RUNS), len(first), len(differences("", before, first_tree)), len(before)))
     return differences("line", first, second) + differences("entry", first_tree, second_tree)
