@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -34,7 +35,9 @@ class HostFiles : public DeviceFiles {
     // `root` is the open root directory of the device's files, none for a device without files.
     // `guard` stays the caller's; null where nothing has to be asked.
     explicit HostFiles(Descriptor root, ChangeGuard* guard = nullptr)
-        : tree_(std::move(root)), guard_(guard) {}
+        : HostFiles(std::make_unique<FileTree>(std::move(root)), guard) {}
+    HostFiles(std::unique_ptr<FileTree> tree, ChangeGuard* guard)
+        : tree_(std::move(tree)), paths_(*tree_), guard_(guard) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
     BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
@@ -68,10 +71,11 @@ class HostFiles : public DeviceFiles {
   private:
     // An entry that is there, reached through its open directory.
     struct Place {
-        int directory = -1;
+        const OpenedDirectory& directory() const {
+            return search != nullptr ? search->directory() : owned;
+        }
         const Search* search = nullptr;  // that has the directory open
         OpenedDirectory owned;           // empty where a search has it
-        bool directoryIsRoot = false;
         HostName name;
         EntryFacts facts;
     };
@@ -113,7 +117,8 @@ class HostFiles : public DeviceFiles {
     Result<std::u16string> TargetOf(std::u16string_view path, int limit);
     Status CreateShortcut(std::u16string_view path, std::u16string_view target);
 
-    PathResolver tree_;
+    std::unique_ptr<FileTree> tree_;
+    PathResolver paths_;
     ChangeGuard* guard_;
     OpenSearches searches_;
     DestinationDirectories filled_;

@@ -62,7 +62,7 @@ Status ReturnTo(const PathResolver& tree, std::u16string_view path, int volume,
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
     }
-    return ReturnSetAside(volume, aside, directory->descriptor.get(), name.c_str());
+    return ReturnSetAside(volume, aside, directory->get(), name.c_str());
 }
 
 // Does nothing, but remove the record, when there is no such file.
@@ -117,8 +117,8 @@ void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::
     if (!mayBeDirectory || !IsMountPoint(root, entry.name)) {
         return;
     }
-    const Result<Descriptor> volume =
-        tree.OpenSubdirectory(root, true, entry.name, OpenFor::Reading);
+    const Result<OpenedDirectory> volume =
+        tree.OpenSubdirectory(tree.tree().root(), entry.name, OpenFor::Reading);
     const Status done = volume ? ClearUpVolume(tree, volume->get(), [](const auto& /*entry*/) {})
                                : Status(tl::unexpected<Failure>(volume.error()));
     if (!done) {
@@ -129,11 +129,11 @@ void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::
 }  // namespace
 
 void RecoverVolumes(const PathResolver& tree) {
-    if (tree.root() < 0) {
+    if (!tree.tree().root().descriptor) {
         return;
     }
-    const Status done = ClearUpVolume(tree, tree.root(), [&tree](const auto& entry) {
-        ClearUpIfVolume(tree, tree.root(), entry);
+    const Status done = ClearUpVolume(tree, tree.tree().root().get(), [&tree](const auto& entry) {
+        ClearUpIfVolume(tree, tree.tree().root().get(), entry);
     });
     if (!done) {
         SayLeft("what was left in \\", Describe(done.error()));
