@@ -43,10 +43,15 @@ SourceFile SourceOf(const FileMove& move) {
 
 Result<OpenedDirectory> FileTree::Open(const OpenedDirectory& parent, const char* path,
                                        OpenFor purpose, Mounts mounts) const {
-    return OpenBeneath(parent.get(), path, DirectoryFlags(purpose), mounts)
-        .map([](Descriptor opened) {
-            return OpenedDirectory{std::move(opened), false, nullptr};
-        });
+    const int flags = DirectoryFlags(purpose);
+    const int more = purpose == OpenFor::Reading ? flagsForReading_ : 0;
+    Result<Descriptor> opened = OpenBeneath(parent.get(), path, flags | more, mounts);
+    if (!opened && opened.error().error == EPERM && more != 0) {
+        opened = OpenBeneath(parent.get(), path, flags, mounts);  // somebody else's directory
+    }
+    return std::move(opened).map([](Descriptor opened) {
+        return OpenedDirectory{std::move(opened), false, nullptr};
+    });
 }
 
 std::unique_ptr<DirectoryListing> FileTree::List(const OpenedDirectory& directory) const {

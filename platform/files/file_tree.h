@@ -74,7 +74,7 @@ struct FileMove {
 class FileTree {
   public:
     // `root` is the open root directory; without one there is no tree.
-    explicit FileTree(Descriptor root) : root_{std::move(root), true, nullptr} {}
+    explicit FileTree(Descriptor root) : FileTree(std::move(root), 0) {}
     virtual ~FileTree() = default;
     FileTree(const FileTree&) = delete;
     FileTree& operator=(const FileTree&) = delete;
@@ -119,8 +119,14 @@ class FileTree {
     virtual void CopyDirectoryAttributes(const OpenedDirectory& old, const struct stat& status,
                                          const OpenedDirectory& made);
 
+  protected:
+    // `flags` are more of open's for whatever is opened to be read, as far as they are allowed.
+    FileTree(Descriptor root, int flags)
+        : root_{std::move(root), true, nullptr}, flagsForReading_(flags) {}
+
   private:
     OpenedDirectory root_;
+    int flagsForReading_;
 };
 
 }  // namespace platform
