@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "platform/diagnostics/run_log.h"
+#include "platform/rehearsal/rehearsed_tree.h"
 
 namespace platform {
 
@@ -22,10 +23,25 @@ std::function<void(const Failure&)> EndUnchanged(AssembledDevice::Exit exit) {
 
 AssembledDevice::AssembledDevice(Descriptor files, std::u16string modulePath,
                                  std::unique_ptr<Registry> registry, Exit exit)
+    : AssembledDevice(std::make_unique<FileTree>(std::move(files)), std::move(modulePath),
+                      std::move(registry), std::move(exit)) {}
+
+std::unique_ptr<AssembledDevice> AssembledDevice::Rehearsed(Descriptor files,
+                                                            std::u16string modulePath,
+                                                            std::unique_ptr<Registry> registry,
+                                                            Exit exit) {
+    registry->Rehearse();
+    return std::unique_ptr<AssembledDevice>(
+        new AssembledDevice(std::make_unique<RehearsedTree>(std::move(files)),
+                            std::move(modulePath), std::move(registry), std::move(exit)));
+}
+
+AssembledDevice::AssembledDevice(std::unique_ptr<FileTree> tree, std::u16string modulePath,
+                                 std::unique_ptr<Registry> registry, Exit exit)
     : ForwardingStore(files_, *registry, system_),
       registry_(std::move(registry)),
       guard_(*registry_, EndUnchanged(exit)),
-      files_(std::move(files), &guard_),
+      files_(std::move(tree), &guard_),
       system_({files_, *registry_, guard_}, std::move(modulePath),
               [exit = std::move(exit)] { exit(EXIT_SUCCESS); }) {}
 

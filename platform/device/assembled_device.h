@@ -19,16 +19,24 @@ class AssembledDevice : public ForwardingStore {
     // The default ends the process.
     using Exit = std::function<void(int)>;
 
-    // `files` is the root of HostFiles, `modulePath` that of HandheldSystem.
+    // `files` is the root of the device's files, `modulePath` that of HandheldSystem.
     AssembledDevice(
         Descriptor files, std::u16string modulePath, std::unique_ptr<Registry> registry,
         Exit exit = [](int code) { std::_Exit(code); });
+
+    // A device on which every change takes effect in memory alone; the same otherwise.
+    static std::unique_ptr<AssembledDevice> Rehearsed(Descriptor files, std::u16string modulePath,
+                                                      std::unique_ptr<Registry> registry,
+                                                      Exit exit);
 
     Status CheckStorable() { return guard_.CheckStorable(); }  // see RegistryGuard
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { system_.OfferHelp(std::move(viewers)); }
     void RecoverFromKilledRuns() { files_.RecoverFromKilledRuns(); }
 
   private:
+    AssembledDevice(std::unique_ptr<FileTree> tree, std::u16string modulePath,
+                    std::unique_ptr<Registry> registry, Exit exit);
+
     std::unique_ptr<Registry> registry_;
     RegistryGuard guard_;
     HostFiles files_;

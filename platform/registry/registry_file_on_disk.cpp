@@ -1,6 +1,7 @@
 #include "platform/registry/registry_file_on_disk.h"
 
 #include <fcntl.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -95,7 +96,7 @@ Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
     return Content{std::move(*bytes), version};
 }
 
-Status RegistryFileOnDisk::CheckReplaceable() const {
+Status RegistryFileOnDisk::CheckAllowed() const {
     const Result<struct stat> old = LookAt(directory_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
@@ -110,10 +111,24 @@ Status RegistryFileOnDisk::CheckReplaceable() const {
     }
     possible = CheckChangeable(directory_, "");
     possible = possible ? CheckOwned(directory_, *old) : std::move(possible);
-    if (possible) {
-        possible = AtomicFile::Create(directory_, directory_).map([](const auto& /*file*/) {});
-    }
     return possible ? possible : FailOf(possible.error(), std::string("beside ") + kName);
+}
+
+Status RegistryFileOnDisk::CheckPossible() const {
+    const Result<struct stat> old = LookAt(directory_);
+    if (!old || old->st_mode == 0) {
+        return old.map([](const auto& /*status*/) {});
+    }
+    const auto file = AtomicFile::Create(directory_, directory_);
+    return file ? Status() : FailOf(file.error(), std::string("beside ") + kName);
+}
+
+Status RegistryFileOnDisk::CheckRoom(std::size_t size) const {
+    struct statvfs volume {};
+    const bool isKnown = fstatvfs(directory_, &volume) == 0;
+    return isKnown && volume.f_bavail * volume.f_frsize < size
+               ? FailOf({"keep room for it", {}, ENOSPC}, kName)
+               : Status();
 }
 
 Status RegistryFileOnDisk::ReserveRoom(std::size_t size) {

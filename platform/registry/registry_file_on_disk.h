@@ -29,9 +29,15 @@ class RegistryFileOnDisk {
     // What is there now. Fails when it is neither a regular file nor nothing.
     Result<FileVersion> Look() const;
 
-    // Whether Replace could do its work now, but for the room: the file and its directory can be
-    // written, nothing keeps the file from being replaced, and a new one can be made beside it.
-    Status CheckReplaceable() const;
+    // Whether the file and its directory can be written and nothing keeps the file from being
+    // replaced. Only asks.
+    Status CheckAllowed() const;
+
+    // Whether a new file can be made beside it, for which one is made and vanishes.
+    Status CheckPossible() const;
+
+    // Whether there is room for a file of `size` bytes. Only asks.
+    Status CheckRoom(std::size_t size) const;
 
     // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
     Status ReserveRoom(std::size_t size);

@@ -278,8 +278,22 @@ bool Registry::Apply(const Change& change, EditedRegistryText& text) {
     return key != 0 || change.deletion;
 }
 
+Status Registry::CheckStorable() const {
+    Status allowed = file_.CheckAllowed();
+    const bool isOnReadOnly = !allowed && allowed.error().error == EROFS;
+    if (isRehearsed_) {
+        return isOnReadOnly ? Status() : allowed;
+    }
+    return allowed ? file_.CheckPossible() : allowed;
+}
+
 Status Registry::StoreRegistry() {
     tried_ = made_;
+    if (isRehearsed_) {
+        pending_.clear();
+        stored_ = made_;
+        return {};
+    }
     Status stored = Store();
     if (!stored) {
         RunLog& log = LogInUse::Current();
@@ -357,7 +371,8 @@ Status Registry::ReserveRoom() {
         return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
                       "registry.reg");
     }
-    return file_.ReserveRoom(version_.size() + kGrowth);
+    return isRehearsed_ ? file_.CheckRoom(version_.size() + kGrowth)
+                        : file_.ReserveRoom(version_.size() + kGrowth);
 }
 
 }  // namespace platform

@@ -50,11 +50,14 @@ class Registry : public DeviceRegistry {
     // Whether there are changes that StoreRegistry has not tried to store yet.
     bool HasUntriedChanges() const { return made_ > tried_; }
 
+    // From now on changes are seen and never stored: storing succeeds and writes nothing.
+    void Rehearse() { isRehearsed_ = true; }
+
     // `action` is called with each change, which is in memory alone by then.
     void OnChange(std::function<void()> action) { onChange_ = std::move(action); }
 
     // Whether changes could be stored, but for the room. A device without a registry has none.
-    Status CheckStorable() const { return file_.CheckReplaceable(); }
+    Status CheckStorable() const;
 
     // Keeps the room that the next storing takes. A registry that could not be stored the last time
     // counts as one without room.
@@ -113,6 +116,7 @@ class Registry : public DeviceRegistry {
     std::uint64_t tried_ = 0;
     std::set<std::uint64_t> lost_;  // numbers of changes
     std::size_t lostSaid_ = 0;
+    bool isRehearsed_ = false;
 };
 
 }  // namespace platform

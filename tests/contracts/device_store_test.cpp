@@ -14,6 +14,7 @@
 #include "platform/display/window_repainting_store.h"
 #include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 #include "tests/support/failing_store.h"
 #include "tests/support/temporary_device.h"
 
@@ -26,8 +27,10 @@ using Wrapper = std::unique_ptr<platform::DeviceStore>;
 const struct Implementation {
     const char* name;
     Wrapper (*wrap)(platform::DeviceStore& store);
+    bool isRehearsed = false;
 } kImplementations[] = {
     {"AssembledDevice", [](auto& /*store*/) { return Wrapper(); }},
+    {"RehearsedDevice", [](auto& /*store*/) { return Wrapper(); }, true},
     {"ReportingStore",
      [](auto& store) {
          static std::FILE* const report = std::fopen("/dev/null", "w");
@@ -43,11 +46,49 @@ DWORD g_reason = 0;  // why the last search found nothing
 class DeviceStoreTest : public testing::TestWithParam<Implementation> {
   protected:
     void Open() {
-        real_ = std::make_unique<platform::AssembledDevice>(device_.OpenFiles(), u"\\Program.exe",
-                                                            device_.OpenRegistry(), ThrowRestarted);
-        real_->RecoverFromKilledRuns();
+        before_ = device_.Listing();
+        if (GetParam().isRehearsed) {
+            real_ = platform::AssembledDevice::Rehearsed(device_.OpenFiles(), u"\\Program.exe",
+                                                         device_.OpenRegistry(), ThrowRestarted);
+        } else {
+            real_ = std::make_unique<platform::AssembledDevice>(
+                device_.OpenFiles(), u"\\Program.exe", device_.OpenRegistry(), ThrowRestarted);
+            real_->RecoverFromKilledRuns();
+        }
         wrapper_ = GetParam().wrap(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(store());
+    }
+
+    void AddListing(Entries& entries, const std::u16string& path) {
+        for (const std::string& name : Search(path + u"\\*")) {
+            const bool isDirectory = name.ends_with('\\');
+            const std::u16string below =
+                path + u'\\' + *platform::WideText(name.substr(0, name.size() - isDirectory));
+            std::string line = platform::Utf8Text(below.substr(1)) + (isDirectory ? "/" : "=");
+            std::replace(line.begin(), line.end(), '\\', '/');
+            if (std::FILE* const file = isDirectory ? nullptr : _wfopen(below.c_str(), u"rb")) {
+                for (int byte = 0; (byte = std::fgetc(file)) != EOF;) {
+                    line += static_cast<char>(byte);
+                }
+                std::fclose(file);
+            }
+            entries.push_back(line);
+            if (isDirectory) {
+                AddListing(entries, below);
+            }
+        }
+    }
+
+    // What the device's files are by now, and what they are to the host where nothing is rehearsed.
+    Entries Listing() {
+        if (!GetParam().isRehearsed) {
+            return device_.Listing();
+        }
+        EXPECT_EQ(device_.Listing(), before_);
+        Entries entries;
+        AddListing(entries, u"");
+        std::sort(entries.begin(), entries.end());
+        return entries;
     }
 
     // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
@@ -88,6 +129,7 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
     TemporaryDevice device_;
 
   private:
+    Entries before_;
     std::unique_ptr<platform::AssembledDevice> real_;
     Wrapper wrapper_;
     std::unique_ptr<platform::StoreInUse> inUse_;
@@ -196,7 +238,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_DIRECTORY});
     EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
     EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
-    EXPECT_EQ(device_.Listing(),
+    EXPECT_EQ(Listing(),
               (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
 }
 
@@ -253,8 +295,8 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
     for (const auto& [from, to] : moved) {
         EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
     }
-    EXPECT_EQ(device_.Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
-                                       "file=6"));
+    EXPECT_EQ(Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
+                               "file=6"));
 }
 
 TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
@@ -270,7 +312,7 @@ TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
     EXPECT_NE(CreateDirectoryW(u"\\to\\d", nullptr), 0);
     EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\D"), 0);
     FindClose(find);
-    EXPECT_EQ(device_.Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
+    EXPECT_EQ(Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
 }
 
 TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
@@ -286,7 +328,7 @@ TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
         EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
         EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
+    EXPECT_EQ(Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
 }
 
 TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
@@ -325,7 +367,7 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
         EXPECT_FALSE(Exists(u"\\d\\New"));
         EXPECT_EQ(std::fclose(file), 0);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
+    EXPECT_EQ(Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
     struct stat published {};
     ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
     EXPECT_EQ(published.st_mode & 0777, 0640U);
@@ -336,7 +378,7 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
 TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     device_.Make({".fennelbright-new-0123456789abcdef=half", "sub/", ".fennelbright-new-x=mine"});
     Open();
-    EXPECT_EQ(device_.Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
+    EXPECT_EQ(Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
     WriteFile(HostPath(".fennelbright-new-00000000000000ff"), "half");
     EXPECT_EQ(Search(u"\\*"), (Entries{".fennelbright-new-x", "sub\\"}));
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
@@ -402,7 +444,7 @@ TEST_P(DeviceStoreTest, AShortcutIsMadeUnderANewNameOnly) {
          {u"\\a.lnk", u"\\A.LNK", u"\\dir", u"\\link", u"\\none\\a.lnk", u"\\c\\", u"\\c*", u""}) {
         EXPECT_EQ(SHCreateShortcut(path, u"\\x"), 0) << platform::ReadableText(path);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>nowhere"}));
+    EXPECT_EQ(Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>nowhere"}));
 }
 
 TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
@@ -463,7 +505,7 @@ TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {
     testing::internal::CaptureStderr();
     EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(device_.Listing(), Entries());
+    EXPECT_EQ(Listing(), Entries());
 }
 
 }  // namespace
