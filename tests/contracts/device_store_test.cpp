@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <tuple>
 
 #include "platform/device/assembled_device.h"
 #include "platform/display/window_repainting_store.h"
@@ -91,7 +92,7 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
         return entries;
     }
 
-    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash behind them.
+    // Entries that a search finds, in UTF-8 and sorted, directories with a backslash after them.
     static Entries Search(const std::u16string& pattern) {
         Entries names;
         WIN32_FIND_DATA data;
@@ -123,7 +124,6 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
         return KernelIoControl(code, nullptr, 0, nullptr, 0, nullptr);
     }
 
-    std::string Registry() const { return device_.path() + "/registry.reg"; }
     std::string HostPath(const std::string& path) const { return device_.files() + '/' + path; }
 
     TemporaryDevice device_;
@@ -181,30 +181,27 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     }
 }
 
-TEST_P(DeviceStoreTest, RecordsTellSizesAndAttributes) {
+TEST_P(DeviceStoreTest, RecordsHaveSizesAndAttributes) {
     device_.Make({"big=", "locked=abc", "hidden/", "plain/"});
     ASSERT_EQ(truncate(HostPath("big").c_str(), (3LL << 32) + 7), 0);
     chmod(HostPath("locked").c_str(), 0444);
     const bool hidden = setxattr(HostPath("hidden").c_str(), "user.DOSATTRIB", "0x6", 3, 0) == 0;
     Open();
     constexpr DWORD kHidden = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
-    const struct {
-        std::u16string path;
-        DWORD attributes, high, low;
-    } cases[] = {
+    const std::tuple<std::u16string, DWORD, DWORD, DWORD> cases[] = {
         {u"\\big", FILE_ATTRIBUTE_NORMAL, 3, 7},
         {u"\\locked", FILE_ATTRIBUTE_READONLY, 0, 3},
         {u"\\plain", FILE_ATTRIBUTE_DIRECTORY, 0, 0},
         {u"\\hidden", FILE_ATTRIBUTE_DIRECTORY | (hidden ? kHidden : 0), 0, 0},
     };
-    for (const auto& expected : cases) {
-        // A single entry and one of a list are told alike.
-        for (const std::u16string& pattern : {expected.path, expected.path + u"*"}) {
+    for (const auto& [path, attributes, high, low] : cases) {
+        // A single entry and one of a list have the same record.
+        for (const std::u16string& pattern : {path, path + u"*"}) {
             WIN32_FIND_DATA data{};
             FindClose(FindFirstFileW(pattern.c_str(), &data));
-            EXPECT_EQ(data.dwFileAttributes, expected.attributes);
-            EXPECT_EQ(data.nFileSizeHigh, expected.high);
-            EXPECT_EQ(data.nFileSizeLow, expected.low);
+            EXPECT_EQ(data.dwFileAttributes, attributes);
+            EXPECT_EQ(data.nFileSizeHigh, high);
+            EXPECT_EQ(data.nFileSizeLow, low);
         }
     }
 }
@@ -243,8 +240,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
 }
 
 TEST_P(DeviceStoreTest, LinksAndDotsOpenNothingOutsideTheTree) {
-    TemporaryDevice outside;
-    outside.Make({"secret=s", "dir/secret=s"});
+    TemporaryDevice outside({"secret=s", "dir/secret=s"});
     device_.Make({"link>" + outside.files(), "up>..", "abs>/", "sub/in>" + outside.files() + "/dir",
                   "file=f"});
     Open();
@@ -268,24 +264,20 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
     Open();
     // Names that are taken, in another case too; places that are not there, names that are none,
     // and a directory's own inside.
-    const struct {
-        const WCHAR* from;
-        const WCHAR* to;
-        LONG reason;
-    } refused[] = {{u"\\a\\x", u"\\b\\x", ERROR_ALREADY_EXISTS},
-                   {u"\\a\\Y", u"\\b\\y", ERROR_ALREADY_EXISTS},
-                   {u"\\a\\x", u"\\none\\x", ERROR_PATH_NOT_FOUND},
-                   {u"\\a\\x", u"\\file\\x", ERROR_PATH_NOT_FOUND},
-                   {u"\\a\\none", u"\\c\\none", ERROR_FILE_NOT_FOUND},
-                   {u"\\a\\x", u"\\c\\x\\", ERROR_DIRECTORY},
-                   {u"\\a\\x", u"\\c\\a:b", ERROR_INVALID_NAME},
-                   {u"\\a\\x", u"", ERROR_INVALID_NAME},
-                   {u"\\", u"\\c\\root", ERROR_FILE_NOT_FOUND},
-                   {u"\\a\\d", u"\\a\\d\\e", ERROR_INVALID_PARAMETER}};
-    for (const auto& move : refused) {
-        EXPECT_EQ(MoveFileW(move.from, move.to), 0) << platform::ReadableText(move.to);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(move.reason))
-            << platform::ReadableText(move.to);
+    const std::tuple<const WCHAR*, const WCHAR*, LONG> refused[] = {
+        {u"\\a\\x", u"\\b\\x", ERROR_ALREADY_EXISTS},
+        {u"\\a\\Y", u"\\b\\y", ERROR_ALREADY_EXISTS},
+        {u"\\a\\x", u"\\none\\x", ERROR_PATH_NOT_FOUND},
+        {u"\\a\\x", u"\\file\\x", ERROR_PATH_NOT_FOUND},
+        {u"\\a\\none", u"\\c\\none", ERROR_FILE_NOT_FOUND},
+        {u"\\a\\x", u"\\c\\x\\", ERROR_DIRECTORY},
+        {u"\\a\\x", u"\\c\\a:b", ERROR_INVALID_NAME},
+        {u"\\a\\x", u"", ERROR_INVALID_NAME},
+        {u"\\", u"\\c\\root", ERROR_FILE_NOT_FOUND},
+        {u"\\a\\d", u"\\a\\d\\e", ERROR_INVALID_PARAMETER}};
+    for (const auto& [from, to, reason] : refused) {
+        EXPECT_EQ(MoveFileW(from, to), 0) << platform::ReadableText(to);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(to);
     }
     const std::pair<const WCHAR*, const WCHAR*> moved[] = {{u"\\a\\x", u"\\A\\X"},
                                                            {u"\\a\\d", u"\\\\a\\D\\"},
@@ -335,21 +327,16 @@ TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
     device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
     chmod(HostPath("locked").c_str(), 0444);
     Open();
-    const struct {
-        const WCHAR* path;
-        const WCHAR* mode;
-        LONG reason;
-    } refused[] = {
+    const std::tuple<const WCHAR*, const WCHAR*, LONG> refused[] = {
         {u"\\dir", u"r", ERROR_ACCESS_DENIED},       {u"\\pipe", u"rb", ERROR_ACCESS_DENIED},
         {u"\\link", u"rb", ERROR_ACCESS_DENIED},     {u"\\none", u"r", ERROR_FILE_NOT_FOUND},
         {u"\\", u"rb", ERROR_FILE_NOT_FOUND},        {u"", u"rb", ERROR_FILE_NOT_FOUND},
         {u"\\dir", u"wb", ERROR_ACCESS_DENIED},      {u"\\pipe", u"wb", ERROR_ACCESS_DENIED},
         {u"\\link", u"wb", ERROR_ACCESS_DENIED},     {u"\\locked", u"wb", ERROR_ACCESS_DENIED},
         {u"\\no\\dir", u"wb", ERROR_PATH_NOT_FOUND}, {u"\\a", u"a", ERROR_INVALID_PARAMETER}};
-    for (const auto& open : refused) {
-        EXPECT_EQ(_wfopen(open.path, open.mode), nullptr) << platform::ReadableText(open.path);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(open.reason))
-            << platform::ReadableText(open.path);
+    for (const auto& [path, mode, reason] : refused) {
+        EXPECT_EQ(_wfopen(path, mode), nullptr) << platform::ReadableText(path);
+        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
     }
 }
 
@@ -413,26 +400,20 @@ TEST_P(DeviceStoreTest, EntriesThatVanishDoNotEndAWalk) {
     EXPECT_FALSE(Exists(u"\\d"));
 }
 
-TEST_P(DeviceStoreTest, AShortcutIsKnownByItsContentAndNotItsName) {
-    device_.Make({"a.txt=2#\\b", "a.lnk=hello", "dir.lnk/", "link.lnk>a.txt", "pipe.lnk|"});
-    Open();
-    EXPECT_EQ(TargetOf(u"\\A.TXT"), "\\b");
-    for (const WCHAR* const path :
-         {u"\\a.lnk", u"\\dir.lnk", u"\\link.lnk", u"\\pipe.lnk", u"\\gone.lnk", u"\\", u""}) {
-        EXPECT_EQ(TargetOf(path), "none") << platform::ReadableText(path);
-    }
-}
-
-TEST_P(DeviceStoreTest, ATargetThatDoesNotFitIsNotCut) {
-    device_.Make({"fits=1023#\\" + std::string(1022, 'a'), "long=1024#\\" + std::string(1023, 'a'),
+TEST_P(DeviceStoreTest, AShortcutIsKnownByItsContentAndItsTargetIsNotCut) {
+    device_.Make({"a.txt=2#\\b", "a.lnk=hello", "dir.lnk/", "link.lnk>a.txt", "pipe.lnk|",
+                  "fits=1023#\\" + std::string(1022, 'a'), "long=1024#\\" + std::string(1023, 'a'),
                   "three=3#\\ab", "padded=2#\\a" + std::string(5000, ' ')});
     Open();
+    EXPECT_EQ(TargetOf(u"\\A.TXT"), "\\b");
     EXPECT_EQ(TargetOf(u"\\fits"), "\\" + std::string(1022, 'a'));
-    EXPECT_EQ(TargetOf(u"\\long"), "none");
     EXPECT_EQ(TargetOf(u"\\three", 4), "\\ab");
     EXPECT_EQ(TargetOf(u"\\three", 3), "none");
     EXPECT_EQ(TargetOf(u"\\three", 0), "none");
-    EXPECT_EQ(TargetOf(u"\\padded"), "none");
+    for (const WCHAR* const path : {u"\\a.lnk", u"\\dir.lnk", u"\\link.lnk", u"\\pipe.lnk",
+                                    u"\\gone.lnk", u"\\", u"", u"\\long", u"\\padded"}) {
+        EXPECT_EQ(TargetOf(path), "none") << platform::ReadableText(path);
+    }
 }
 
 TEST_P(DeviceStoreTest, AShortcutIsMadeUnderANewNameOnly) {
@@ -460,7 +441,7 @@ TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
 }
 
 TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) {
-    WriteFile(Registry(), "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n");
+    WriteFile(device_.registry(), "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n");
     Open();
     HKEY key = nullptr;
     EXPECT_EQ(RegOpenKeyExW(HKEY_USERS, u"\\KEY\\", 0, 0, &key), ERROR_SUCCESS);
@@ -478,14 +459,14 @@ TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) 
     EXPECT_EQ(store().ChangesOfRegistry().stored, 0U);
     EXPECT_TRUE(store().StoreRegistry().has_value());
     EXPECT_EQ(store().ChangesOfRegistry().stored, 2U);
-    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
+    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
     data[0] = 6;
     RegSetValueExW(key, u"Number", 0, REG_DWORD, data, 4);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_FALSE(store().IsChangeLost(3));
     EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
-    EXPECT_EQ(ReadFile(Registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
+    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
 }
 
 TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {

@@ -1,6 +1,7 @@
 // The contract of the window system, on the toolkit's windows and on the tests' own.
 
 #include <array>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -180,57 +181,49 @@ TEST_P(WindowSystemTest, PlacesCountFromTheParentAndBoundsFromTheScreen) {
 TEST_P(WindowSystemTest, WhatWaitsForADestroyedWindowIsDropped) {
     const HWND outer = AddButton(1);
     Tap(outer, 1);
-    EXPECT_TRUE(TakeTold().empty()) << "told before the program asked for messages";
+    EXPECT_TRUE(TakeReceived().empty()) << "received before the program asked for messages";
     Dispatch();
-    EXPECT_EQ(
-        TakeTold(),
-        (AllTold{{page_, WM_COMMAND, MAKELONG(1, BN_CLICKED), reinterpret_cast<LPARAM>(outer)}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{page_, WM_COMMAND, MAKELONG(1, BN_CLICKED),
+                                                 reinterpret_cast<LPARAM>(outer)}}));
     Tap(outer, 1);
     EXPECT_NE(DestroyWindow(main_), 0);
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
     for (const HWND child : {page_, outer}) {
         EXPECT_EQ(DestroyWindow(child), 0) << "it has not gone with its parents";
     }
 }
 
-TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxTellsOfIt) {
-    const struct {
-        const WCHAR* name;
-        LRESULT result;
-        std::u16string text;
-        Codes told;
-    } classes[] = {{TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
-                   {TEXT("BUTTON"), TRUE, u"abc", {}},
-                   {TEXT("STATIC"), TRUE, u"abc", {}},
-                   {TEXT("COMBOBOX"), CB_ERR, u"entry", {}}};
-    for (const auto& each : classes) {
-        const HWND control = Add(each.name, 0, {2, 2, 102, 20}, 5);
-        if (each.result == CB_ERR) {
+TEST_P(WindowSystemTest, ATextReachesEveryClassAndAnEditBoxReportsIt) {
+    const std::tuple<const WCHAR*, LRESULT, std::u16string, Codes> classes[] = {
+        {TEXT("EDIT"), TRUE, u"abc", {EN_UPDATE, EN_CHANGE}},
+        {TEXT("BUTTON"), TRUE, u"abc", {}},
+        {TEXT("STATIC"), TRUE, u"abc", {}},
+        {TEXT("COMBOBOX"), CB_ERR, u"entry", {}}};
+    for (const auto& [name, result, text, codes] : classes) {
+        const HWND control = Add(name, 0, {2, 2, 102, 20}, 5);
+        if (result == CB_ERR) {
             Send(control, CB_ADDSTRING, 0, TEXT("entry"));
             Send(control, CB_SETCURSEL);
         }
-        EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), each.result);
-        EXPECT_EQ(TextOf(control), each.text);
-        EXPECT_EQ(TakeCodes(), each.told);
+        EXPECT_EQ(Send(control, WM_SETTEXT, 0, TEXT("abc")), result);
+        EXPECT_EQ(TextOf(control), text);
+        EXPECT_EQ(TakeCodes(), codes);
         DestroyWindow(control);
     }
     const HWND edit = Add(TEXT("EDIT"), 0, {2, 2, 102, 20}, 5, TEXT("abc"));
-    const struct {
-        WPARAM room;
-        LRESULT copied;
-        std::u16string text;
-    } rows[] = {{0, 0, u"zz"}, {1, 0, u""}, {3, 2, u"ab"}, {4, 3, u"abc"}, {9, 3, u"abc"}};
-    for (const auto& row : rows) {
+    const std::tuple<WPARAM, LRESULT, std::u16string> rows[] = {
+        {0, 0, u"zz"}, {1, 0, u""}, {3, 2, u"ab"}, {4, 3, u"abc"}, {9, 3, u"abc"}};
+    for (const auto& [room, copied, text] : rows) {
         WCHAR buffer[10] = TEXT("zz");
-        EXPECT_EQ(Send(edit, WM_GETTEXT, row.room, buffer), row.copied);
-        EXPECT_EQ(buffer, row.text) << row.room;
+        EXPECT_EQ(Send(edit, WM_GETTEXT, room, buffer), copied);
+        EXPECT_EQ(buffer, text) << room;
     }
-    g_hook = [](const Told& told) -> LRESULT {
-        return DestroyWindow(reinterpret_cast<HWND>(told.lParam));
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return DestroyWindow(reinterpret_cast<HWND>(received.lParam));
     };
     EXPECT_EQ(Send(edit, WM_SETTEXT, 0, TEXT("x")), TRUE);
-    EXPECT_EQ(TakeCodes(), Codes{EN_UPDATE}) << "a dead box was told of";
+    EXPECT_EQ(TakeCodes(), Codes{EN_UPDATE}) << "a dead box was reported";
 }
 
 // Each row goes on from what those before it have left.
@@ -279,7 +272,7 @@ TEST_P(WindowSystemTest, EveryMessageToAControlHasItsResult) {
     }
     EXPECT_EQ((Bounds{area.left, area.top, area.right, area.bottom}), (Bounds{4, 4, 236, 243}));
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty()) << "what the program does was told to it";
+    EXPECT_TRUE(TakeReceived().empty()) << "what the program does was reported to it";
 }
 
 }  // namespace

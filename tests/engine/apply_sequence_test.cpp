@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <memory>
-
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
@@ -11,16 +8,6 @@
 #include "tests/support/settings_bytes.h"
 
 namespace {
-
-// All options, and a position for each of the four.
-std::string Everything() {
-    std::string bytes = Number(0x1FFFFFF);
-    for (const WCHAR* const text :
-         {u"\\1\\", u"\\2\\", u"log", u"\\8\\", u"\\12\\", u"\\14\\", u"\\15\\", u"\\16\\"}) {
-        bytes += Record(text);
-    }
-    return bytes + Number(2) + Number(1) + Number(0) + Number(1);
-}
 
 constexpr char kRegistry[] = R"([HKEY_CURRENT_USER\Software\AvantGo]
 "DatabaseLocation"="\\Go"
@@ -67,30 +54,30 @@ step 21: wrote [HKLM\System\GWE] "Animate": 1 -> 0
 )";
 
 TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
-    const TemporaryDevice device;
-    device.Make(
+    const std::string settings = AllOptionsWith(
+        {u"\\1\\", u"\\2\\", u"log", u"\\8\\", u"\\12\\", u"\\14\\", u"\\15\\", u"\\16\\"},
+        {2, 1, 0, 1});
+    const TemporaryDevice device(
         Words("1/a= 2/a= Temp/a= Windows/Temp/a= C/a= H/a= "
               "8/ 12/ 14/ 15/ 16/ Windows/StartUp/"));
     device.Make({"My Documents/Temp/a=", "Windows/Start Menu/a.lnk=5#\\Gone",
-                 "App/settings.dat=" + Everything()});
-    WriteFile(device.path() + "/registry.reg", kRegistry + std::string(kQuietTweaks));
+                 "App/settings.dat=" + settings});
+    WriteFile(device.registry(), kRegistry + std::string(kQuietTweaks));
     platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                     device.OpenRegistry());
-    const std::string report = device.path() + "/report";
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> lines(std::fopen(report.c_str(), "we"),
-                                                                std::fclose);
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::ReportingStore recorder(store, lines.get(), log);
+    platform::ReportingStore recorder(store, stdout, log);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(recorder);
     const platform::WindowsInUse windowsInUse(windows);
     std::u16string silent = u"silent";
+    testing::internal::CaptureStdout();
     WinMain(nullptr, nullptr, silent.data(), 0);
     g_Silent = false;
     EXPECT_TRUE(recorder.StoreRegistry().has_value());
     EXPECT_EQ(windows.boxes, Entries());
-    EXPECT_EQ(ReadFile(report), kReport);
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), kReport);
 }
 
 }  // namespace

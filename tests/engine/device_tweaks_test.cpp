@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 #include "core/option_table.h"
 #include "tests/support/apply_device.h"
 
@@ -34,13 +36,7 @@ const std::string kEmpty = Animations("", "");
 const std::string kNoKey = "[HKEY_LOCAL_MACHINE\\System]\n";
 
 TEST(DeviceTweaksTest, BringsAnimationsToWhatIsWanted) {
-    const struct {
-        std::string before;
-        std::uint32_t mask;
-        Entries boxes;
-        std::string after;
-        int restarts;
-    } cases[] = {
+    const std::tuple<std::string, std::uint32_t, Entries, std::string, int> cases[] = {
         {kOn, 0, {}, kOn, 0},
         {kOff, kNoMenus | kNoWindows, {}, kOff, 0},
         {kOn, kNoMenus | kNoWindows, {}, kOff, 1},
@@ -54,14 +50,13 @@ TEST(DeviceTweaksTest, BringsAnimationsToWhatIsWanted) {
         {kNoKey, kNoMenus | kNoWindows, kNoKeys, kNoKey, 0},
         {kNoKey, 0, kNoKeys, kNoKey, 1},
     };
-    for (const auto& test : cases) {
+    for (const auto& [before, mask, boxes, after, restarts] : cases) {
         for (const bool allowed : {false, true}) {
-            SCOPED_TRACE(test.before + std::to_string(test.mask));
-            const ApplyResult result =
-                ApplySilently({{}, test.before, test.mask, nullptr, 0, allowed});
-            EXPECT_EQ(result.boxes, test.boxes);
-            EXPECT_EQ(result.registry, test.after);
-            EXPECT_EQ(result.restarts, allowed ? test.restarts : 0);
+            SCOPED_TRACE(before + std::to_string(mask));
+            const ApplyResult result = ApplySilently({{}, before, mask, nullptr, 0, allowed});
+            EXPECT_EQ(result.boxes, boxes);
+            EXPECT_EQ(result.registry, after);
+            EXPECT_EQ(result.restarts, allowed ? restarts : 0);
         }
     }
 }
@@ -87,11 +82,7 @@ TEST(DeviceTweaksTest, SetsTheFontCache) {
 
 TEST(DeviceTweaksTest, MakesAndDeletesTheStartupShortcutAsTicked) {
     const std::string made = "Fennelbright.lnk=31#\"\\App\\Fennelbright.exe\" silent\"";
-    const struct {
-        std::string before;  // in the directory of such shortcuts
-        std::uint32_t mask;
-        std::string after;
-    } cases[] = {
+    const std::tuple<std::string, std::uint32_t, std::string> cases[] = {
         {"", OPT_SILENT_STARTUP, made},
         {"fennelbright.LNK=other", OPT_SILENT_STARTUP, "fennelbright.LNK=other"},
         {"Fennelbright.lnk/", OPT_SILENT_STARTUP, "Fennelbright.lnk/"},
@@ -99,12 +90,11 @@ TEST(DeviceTweaksTest, MakesAndDeletesTheStartupShortcutAsTicked) {
         {"Other.lnk=", 0, "Other.lnk="},
     };
     const std::string directory = "Windows/StartUp/";
-    for (const auto& test : cases) {
-        const ApplyResult result =
-            ApplySilently({{directory + test.before}, kQuietTweaks, test.mask});
+    for (const auto& [before, mask, left] : cases) {
+        const ApplyResult result = ApplySilently({{directory + before}, kQuietTweaks, mask});
         Entries after = {"Windows/", directory};
-        if (!test.after.empty()) {
-            after.push_back(directory + test.after);
+        if (!left.empty()) {
+            after.push_back(directory + left);
         }
         EXPECT_EQ(result.files, after);
         EXPECT_EQ(result.bytesCleaned, 0U);

@@ -2,9 +2,9 @@
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 
 #include <algorithm>
+#include <tuple>
 
 #include "engine/apply_sequence.h"
 #include "platform/text/readable_text.h"
@@ -43,30 +43,24 @@ class Device : public TemporaryDevice {
 };
 
 Entries Made(const std::string& entries) {
-    const TemporaryDevice device;
-    device.Make(Words(entries));
+    const TemporaryDevice device(Words(entries));
     return device.Listing();
 }
 
 TEST(FileTree, DeletesWhatItsFlagsSayAndCountsIt) {
     const std::string tree = "T/a=0123456789 T/b/c=01234 T/b/e/f=012 Tx=keep keep=k";
-    const struct {
-        const WCHAR* directory;
-        bool recurse, removeDirectories;
-        std::string after;
-        std::uint32_t bytes;
-    } cases[] = {
+    const std::tuple<const WCHAR*, bool, bool, std::string, std::uint32_t> cases[] = {
         {u"\\T\\", false, true, "T/b/c=01234 T/b/e/f=012", 10},
         {u"\\T\\", true, false, "T/b/e/", 18},
         {u"\\T\\", true, true, "T/", 18},
         {u"t\\\\", true, true, "T/", 18},
         {u"\\T\\b\\e\\", true, true, "T/a=0123456789 T/b/c=01234 T/b/e/", 3},
     };
-    for (const auto& expected : cases) {
+    for (const auto& [directory, recurse, removes, after, bytes] : cases) {
         const Device device(Words(tree));
-        DeleteTree(expected.directory, expected.recurse, expected.removeDirectories);
-        EXPECT_EQ(device.Listing(), Made(expected.after + " Tx=keep keep=k"));
-        EXPECT_EQ(BytesCleaned, expected.bytes);
+        DeleteTree(directory, recurse, removes);
+        EXPECT_EQ(device.Listing(), Made(after + " Tx=keep keep=k"));
+        EXPECT_EQ(BytesCleaned, bytes);
     }
 }
 

@@ -36,10 +36,8 @@ std::string Registry(const Folder& folder, const std::string& data) {
 const Entries kFiles = Words("Old/a=1 Old/Sub/b=2 New/");
 const Entries kUnmoved = Words("New/ Old/ Old/Sub/ Old/Sub/b=2 Old/a=1");
 const Entries kMoved = Words("New/ New/Sub/ New/Sub/b=2 New/a=1 Old/");
-const Entries kInside = Words("New/ Old/ Old/Sub/ Old/Sub/a=1 Old/Sub/b=2");
-const Entries kOutside = Words("New/ Old/ Old/Sub/ Old/a=1 Old/b=2");
 
-TEST(FolderRelocationTest, TellsOfMissingKeysAndValues) {
+TEST(FolderRelocationTest, ReportsMissingKeysAndValues) {
     for (const Folder& folder : kFolders) {
         for (const std::string key : {"", folder.key}) {
             const std::string registry = kQuietTweaks + key;
@@ -69,9 +67,6 @@ TEST(FolderRelocationTest, MovesWhatIsThereAndWritesTheNewPlace) {
         {"no destination", R"("\\Old")", nullptr, R"("\\Old")", kUnmoved},
         {"missing destination", R"("\\Old")", u"\\None\\", R"("\\None\\")", kUnmoved},
         {"missing source", R"("\\None")", u"\\New\\", R"("\\New\\")", kUnmoved},
-        {"same place", R"("\\Old")", u"\\OLD\\\\", R"("\\OLD\\\\")", kUnmoved},
-        {"into itself", R"("\\Old")", u"\\Old\\Sub\\", R"("\\Old\\Sub\\")", kInside},
-        {"out of a part", R"("\\Old\\Sub")", u"\\Old\\", R"("\\Old\\")", kOutside},
         {"root", R"("\\")", u"\\New\\", R"("\\New\\")", kUnmoved, true},
         {"relative", R"("Old")", u"\\New\\", R"("\\New\\")", kMoved},
         {"pattern", R"("\\Ol?")", u"\\New\\", R"("\\New\\")", kUnmoved},
@@ -102,9 +97,8 @@ struct ClosingGuard : platform::ChangeGuard {
 
 TEST(FolderRelocationTest, StopsAndWritesNoNewPlaceWhenNothingMayMove) {
     for (const int closing : {1, 2, 3}) {
-        const TemporaryDevice device;
-        device.Make(kFiles);
-        WriteFile(device.path() + "/registry.reg", Registry(kFolders[1], R"("\\Old")"));
+        const TemporaryDevice device(kFiles);
+        WriteFile(device.registry(), Registry(kFolders[1], R"("\\Old")"));
         ClosingGuard guard;
         guard.open = closing;
         platform::HostFiles files(device.OpenFiles(), &guard);

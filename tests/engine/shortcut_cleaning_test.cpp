@@ -13,8 +13,7 @@
 
 namespace {
 
-// Cleans a Start menu with one shortcut on a device with these entries, "*" alone for the
-// shortcut's own directory, and tells whether the shortcut is still there.
+// Cleans a Start menu of one shortcut on a device with these entries. Returns whether it stays.
 bool Stays(const std::string& target, Entries entries) {
     entries.push_back("Windows/Start Menu/x.lnk=9#" + target);
     const ApplyResult result =

@@ -1,4 +1,4 @@
-// The lists of the pages and the folder browser, on a display that nobody sees.
+// The lists of the pages and the folder browser, on an offscreen display.
 
 #include <QLineEdit>
 #include <QListView>
@@ -26,7 +26,6 @@ QTreeWidget* Tree() {
     return Host().findChild<QTreeWidget*>();
 }
 
-// What a user does. First a tap on a control, then the selection of an entry of a list.
 auto Tap(int id) {
     return [id] { Click(Control(id)); };
 }
@@ -40,7 +39,7 @@ auto Select(int id, const char* text) {
     };
 }
 
-// In the browser: selects a folder and opens it.
+// In the browser.
 auto Open(const char* name) {
     return [name] {
         const auto found =
@@ -51,29 +50,14 @@ auto Open(const char* name) {
     };
 }
 
-void NextTab() {
-    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
-}
-
-void Press(std::initializer_list<Qt::Key> keys) {
-    for (const Qt::Key key : keys) {
-        QWidget* const menu = QApplication::activePopupWidget();
-        QTest::keyClick(menu != nullptr ? menu : &Host(), key);
-    }
-}
-
 void Apply() {
-    Press({Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return});
+    for (const Qt::Key key : {Qt::Key_F10, Qt::Key_Right, Qt::Key_Up, Qt::Key_Return}) {
+        PressKey(key);
+    }
 }
 
 class DisplayedLists : public testing::Test {
   protected:
-    DisplayedLists() {
-        device_.Make({std::string("App/settings.dat=\0\0\0\0", 21), "Games/Cache/a=12345",
-                      "Games/Cache/sub/b=1", "Games/keep=1"});
-        WriteFile(device_.path() + "/registry.reg", kQuietTweaks);
-    }
-
     // Runs the program and returns what has gone but for the settings, which keep the ticks.
     Entries Lost(const Steps& steps, std::initializer_list<const char*> bytes) {
         Entries boxes;
@@ -89,7 +73,9 @@ class DisplayedLists : public testing::Test {
         return lost;
     }
 
-    TemporaryDevice device_;
+    TemporaryDevice device_{{std::string("App/settings.dat=\0\0\0\0", 21),
+                             std::string("../registry.reg=") + kQuietTweaks, "Games/Cache/a=12345",
+                             "Games/Cache/sub/b=1", "Games/keep=1"}};
 };
 
 TEST_F(DisplayedLists, AChosenFolderIsCleaned) {
@@ -135,30 +121,29 @@ TEST_F(DisplayedLists, TheBrowserFillsItsBoxByOkAlone) {
     const auto another = [] { Click(Control(50003)), Click(Control(50006)); };
     const auto nextPage = [] { Click(Control(50003)), NextTab(); };
     const auto vanish = [this] { std::filesystem::remove_all(device_.files() + "/Games"); };
-    const auto exit = [] { Press({Qt::Key_F10, Qt::Key_Down, Qt::Key_Return}); };
-    const struct {
-        Steps steps;
-        std::string texts;  // of the first two boxes at the end; empty: the program ends
-    } cases[] = {
+    const auto menu = [] { PressKey(Qt::Key_F10); };
+    const auto exit = [] { PressKey(Qt::Key_Down), PressKey(Qt::Key_Return); };
+    // The texts are those of the first two boxes at the end; none: the program ends.
+    const std::pair<Steps, std::string> cases[] = {
         {{Tap(50003), Tap(60001)}, "|b"},
         {{Tap(50003), Open("\\"), Tap(60001)}, "\\|b"},
         {{Tap(50003), Open("Games"), Tap(60002)}, "a|b"},
         {{another, Open("Games"), Tap(60001)}, "a|\\Games\\"},
         {{nextPage, Open("Games"), Tap(60001)}, "\\Games\\|b"},
         {{Tap(50003), Open("Games"), Apply, Tap(60002)}, "a|b"},
-        {{Tap(50003), Open("Games"), exit}, ""},
+        {{Tap(50003), Open("Games"), menu, exit}, ""},
         {{Tap(50003), Open("Games"), [] { Host().close(); }}, ""},
         {{Tap(50003), vanish, Open("Games"), Tap(60001)}, "\\Games\\|b"},
     };
-    for (const auto& each : cases) {
-        SCOPED_TRACE(&each - cases);
+    for (const auto& [browsing, texts] : cases) {
+        SCOPED_TRACE(texts);
         std::string seen;
         Steps steps = {[] { QTest::keyClicks(&Control(50002), QStringLiteral("a")); },
                        [] { QTest::keyClicks(&Control(50005), QStringLiteral("b")); }};
-        steps.insert(steps.end(), each.steps.begin(), each.steps.end());
+        steps.insert(steps.end(), browsing.begin(), browsing.end());
         steps.emplace_back([&] { seen = Tree() == nullptr ? BoxTexts() : "the browser is open"; });
         RunDisplayed(device_, steps);
-        EXPECT_EQ(seen, each.texts);
+        EXPECT_EQ(seen, texts);
     }
 }
 

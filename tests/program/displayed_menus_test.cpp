@@ -1,8 +1,9 @@
-// The menus "Power" and "Help", chosen by keys on a display that nobody sees.
+// The menus "Power" and "Help", chosen by keys on an offscreen display.
 
 #include <QCheckBox>
 #include <QLabel>
 #include <string>
+#include <tuple>
 
 #include "core/application.h"
 #include "shell/about_box.h"
@@ -27,12 +28,7 @@ const Keys kAbout = {Qt::Key_F10, Qt::Key_Left, Qt::Key_Up, Qt::Key_Return};
 const Keys kExit = {Qt::Key_F10, Qt::Key_Down, Qt::Key_Return};
 
 TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
-    const struct {
-        Keys keys;
-        std::deque<int> answers;
-        Entries boxes;
-        Entries calls;
-    } cases[] = {
+    const std::tuple<Keys, std::deque<int>, Entries, Entries> cases[] = {
         {kSoftReset, {}, {}, {"restart"}},
         {kHardReset, {}, {kFirst}, {}},  // closed without an answer
         {kHardReset, {IDNO}, {kFirst}, {}},
@@ -41,15 +37,14 @@ TEST(DisplayedMenus, EachCommandAsksAndDoesWhatItSays) {
         {kHardReset, {IDYES, IDYES}, {kFirst, kSecond}, {"erase", "restart"}},
         {kIndex, {}, {}, {"start peghelp.exe file:brightdoc.htm#Main_Contents"}},
     };
-    for (const auto& each : cases) {
-        const TemporaryDevice device;
-        device.Make({"App/"});
+    for (const auto& [keys, answers, boxes, made] : cases) {
+        const TemporaryDevice device({"App/"});
         Entries calls;
         Steps steps;
-        AddMenu(steps, each.keys);
+        AddMenu(steps, keys);
         steps.emplace_back([&] { EXPECT_EQ(device.Listing(), Entries{"App/"}); });
-        EXPECT_EQ(RunDisplayed(device, steps, each.answers, &calls), each.boxes);
-        EXPECT_EQ(calls, each.calls);
+        EXPECT_EQ(RunDisplayed(device, steps, answers, &calls), boxes);
+        EXPECT_EQ(calls, made);
     }
 }
 
@@ -65,8 +60,7 @@ TEST(DisplayedMenus, AKeyOrClickThatSwitchesTheDeviceOnDoesNothingElse) {
         QTest::mouseClick(Host().windowHandle(), Qt::LeftButton, Qt::NoModifier, at);
     };
     for (const std::function<void()>& act : {std::function<void()>(pressKey), {click}}) {
-        const TemporaryDevice device;
-        device.Make({"App/"});
+        const TemporaryDevice device({"App/"});
         Steps steps = {[] { Control(50001).setFocus(); }};
         AddMenu(steps, kOff);
         steps.insert(
@@ -92,11 +86,13 @@ QLabel* AboutLabel() {
 }
 
 TEST(DisplayedMenus, TheAboutBoxOpensAgainAfterItWasClosed) {
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     const auto look = [] {
         EXPECT_EQ(g_AboutControls.Count(), 1u);
-        EXPECT_EQ(BoundsOf(g_AboutWindow), QRect(0, 26, 240, 268));
+        RECT bounds{};
+        GetWindowRect(g_AboutWindow, &bounds);
+        EXPECT_EQ(std::tuple(bounds.left, bounds.top, bounds.right, bounds.bottom),
+                  std::tuple(0, 26, 240, 294));
         EXPECT_EQ(AboutLabel()->geometry(), QRect(2, 2, 200, 50));
         EXPECT_LE(AboutLabel()->sizeHint().height(), 50);
         EXPECT_EQ(AboutLabel()->text().count(u'\n'), 2);

@@ -1,4 +1,4 @@
-// The whole program on a display that nobody sees, with a user's mouse and keys.
+// The whole program on an offscreen display, with a user's mouse and keys.
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -56,7 +56,6 @@ void ExpectControls() {
     }
 }
 
-// Turns the wheel over a place of the page.
 void Turn(QPoint at, int units) {
     QWidget* const child = Page().childAt(at);
     QWidget& below = child == nullptr ? Page() : *child;
@@ -74,10 +73,6 @@ void DragOnBar(int from, int to) {
     QTest::mouseRelease(&Bar(), Qt::LeftButton, Qt::NoModifier, QPoint(6, to));
 }
 
-void NextTab() {
-    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
-}
-
 // Many things are done before the program looks at the first.
 TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
     const unsigned seed = std::random_device{}();
@@ -86,8 +81,7 @@ TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
     const auto number = [&](int count) {
         return static_cast<int>(random() % static_cast<unsigned>(count));
     };
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     int shown = 0;
     int scrolled = 0;
     Steps steps = {ExpectControls};
@@ -113,8 +107,7 @@ TEST(DisplayedProgram, EveryPageHasItsControlsInTheirPlaces) {
 }
 
 TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
-    const TemporaryDevice device;
-    device.Make({"App/"});
+    const TemporaryDevice device({"App/"});
     int reached = 0;
     Steps steps = {[] { Control(50001).setFocus(); }};
     for (int press = 0; press < 80; ++press) {
@@ -135,9 +128,7 @@ TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
 
 TEST(DisplayedProgram, TicksAndTextsAreAppliedAndSaved) {
     using namespace std::string_literals;
-    const TemporaryDevice device;
-    device.Make({"App/", "Temp/a=12345"});
-    WriteFile(device.path() + "/registry.reg", kQuietTweaks);
+    const TemporaryDevice device({"App/", "Temp/a=12345", "../registry.reg="s + kQuietTweaks});
     Steps steps = {[] { Click(Control(50001)); },
                    [] { Click(Control(50002)); },
                    [] { QTest::keyClicks(&Control(50002), QStringLiteral("\\a")); },

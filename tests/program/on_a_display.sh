@@ -13,11 +13,13 @@ fail() { echo "$*"; exit 1; }
 
 mask() { od -An -tx4 -N4 "$settings"; }
 
-# Starts the program and waits for its window.
+window_of() { window=$(xdotool search --sync --onlyvisible --name "$1" | tail -n 1); }
+
+# Starts the program on a device and waits for its window.
 start() {
-  "$program" --device "$device" --scale 2 &
+  "$program" --device "${1:-$device}" --scale 2 &
   running=$!
-  window=$(xdotool search --sync --onlyvisible --name "$device" | tail -n 1)
+  window_of "${1:-$device}"
 }
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
@@ -41,7 +43,7 @@ export LSAN_OPTIONS=suppressions=$scratch/known-leaks
 "$program" --new-device "$device" >/dev/null
 before=$(mask)
 
-# A display that lets nobody in without its key is none, and a box is a line there.
+# A display that refuses a client without its key is none, and a box is a line there.
 printf '\xff\xff\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10%016d' 0 >"$scratch/key"
 open_display -auth "$scratch/key"
 code=0
@@ -51,7 +53,7 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 "$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
-# Nobody has named a device: its user is asked, and makes one.
+# Where no device is named, its user is asked, and makes one.
 open_display
 answer() {
   xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
@@ -66,7 +68,7 @@ running=$!
 answer "^Choose the handheld" type "$scratch/mine"
 xdotool key Return
 answer "^Fennelbright$" key Return  # "Yes"
-window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+window_of "$scratch/mine"
 kill -TERM "$running"
 ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
@@ -74,9 +76,7 @@ ended "on a device that it made"
 # A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
 for pause in 0.3 1 3; do
   rm -f "$scratch/mine/files/Program Files/Fennelbright/settings.dat"
-  "$program" --device "$scratch/mine" --scale 2 &
-  running=$!
-  window=$(xdotool search --sync --onlyvisible --name "$scratch/mine" | tail -n 1)
+  start "$scratch/mine"
   # "Browse", the sign beside "My Documents", "Personal" below it, "OK", the box beside the path
   for place in "386 118" "36 128" "140 272" "160 558" "30 82"; do
     xdotool mousemove --window "$window" ${place% *} ${place#* } click 1
@@ -111,7 +111,7 @@ kill -CONT "$running"
 while kill -0 "$running" 2>/dev/null; do
   xdotool mousemove --window "$window" 440 26 click 1 2>/dev/null || true
 done
-ended "behind a tab"
+ended "after a tab"
 [ "$(mask)" = "$after" ] || fail "the tap went astray: $(mask)"
 
 # A signal that the program was started to ignore ends nothing.
@@ -122,7 +122,7 @@ kill -HUP "$running"
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool mousemove --window "$window" 440 26 click 1
 ended "after a signal to ignore"
-[ "$(mask)" = "$before" ] || fail "the tick behind an ignored signal is lost: $(mask)"
+[ "$(mask)" = "$before" ] || fail "the tick after an ignored signal is lost: $(mask)"
 after=$before
 
 # A box that is up is answered, and the work goes on to its end.
@@ -141,7 +141,7 @@ open_display
 "$program" --device "$device" silent 2>"$scratch/errors" &
 running=$!
 xdotool search --sync --onlyvisible --name "^Error$" >/dev/null
-[ ! -s "$scratch/errors" ] || fail "a box is told twice: $(<"$scratch/errors")"
+[ ! -s "$scratch/errors" ] || fail "a box is shown twice: $(<"$scratch/errors")"
 kill "${displays[-1]}"
 ended "when its display broke off"
 [ "$(grep -c "^\[Error\]" "$scratch/errors")" -gt 5 ] || fail "$(<"$scratch/errors")"

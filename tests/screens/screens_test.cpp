@@ -15,29 +15,27 @@
 
 namespace {
 
-HWND Handle(DWORD_PTR number) {
-    return reinterpret_cast<HWND>(number);  // NOLINT(performance-no-int-to-ptr)
-}
-
 TEST(Screens, AControlListKeepsTheOrderOfAppendingAndACopyIsAView) {
+    int windows[2] = {};
     CControlList list;
     for (int round = 0; round < 2; ++round) {
         EXPECT_TRUE(list.Count() == 0 && list.First() == nullptr && list.ItemAt(0) == nullptr);
-        list.Append(Handle(7));
+        list.Append(&windows[0]);
         {
             const CControlList view = list;
             list.Append(nullptr);
             EXPECT_EQ(view.Count(), 1u);
             EXPECT_EQ(view.First(), list.First());
         }
-        list.Append(Handle(9));
+        list.Append(&windows[1]);
         std::vector<HWND> walked;
         for (const auto* node = list.First(); node != nullptr; node = node->next) {
             EXPECT_EQ(node->prev == nullptr, walked.empty());
             walked.push_back(node->value);
         }
-        EXPECT_EQ(walked, (std::vector<HWND>{Handle(7), nullptr, Handle(9)}));
-        EXPECT_TRUE(list.Count() == 3 && list.ItemAt(2) == Handle(9) && list.ItemAt(3) == nullptr);
+        EXPECT_EQ(walked, (std::vector<HWND>{&windows[0], nullptr, &windows[1]}));
+        EXPECT_TRUE(list.Count() == 3 && list.ItemAt(2) == &windows[1] &&
+                    list.ItemAt(3) == nullptr);
         list.Clear();
         list.Clear();
     }
@@ -91,7 +89,7 @@ TEST(Screens, ASwitchShowsOnePageFromItsTop) {
     }});
 }
 
-TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
+TEST(Screens, AnUnknownIndexIsReportedAndTheWorkGoesOn) {
     InteractiveProgram program;
     program.Run({[&] {
         g_Screens->SwitchScreenTo(6);
@@ -108,7 +106,7 @@ TEST(Screens, AnUnknownIndexIsToldAndTheWorkGoesOn) {
     }});
 }
 
-TEST(Screens, AControlWithoutAnActionDoesNothingAndAnUnknownOneIsToldOf) {
+TEST(Screens, AControlWithoutAnActionDoesNothingAndAnUnknownOneIsReported) {
     const std::set<UINT> acting = {50003, 50006, 50011, 50014, 50025, 50034, 50038, 50041, 50044};
     InteractiveProgram program;
     program.Run({[&] {

@@ -18,10 +18,8 @@ namespace {
 // Keeps what is added to the one list, and counts the windows.
 class OneList : public CollectedBoxes {
   public:
-    HWND CreateWindowExW(DWORD /*extendedStyle*/, const WCHAR* className, const WCHAR* /*text*/,
-                         DWORD /*style*/, int /*x*/, int /*y*/, int /*width*/, int /*height*/,
-                         HWND /*parent*/, HMENU /*menu*/, HINSTANCE /*instance*/,
-                         void* /*parameter*/) override {
+    HWND CreateWindowExW(DWORD, const WCHAR* className, const WCHAR*, DWORD, int, int, int, int,
+                         HWND, HMENU, HINSTANCE, void*) override {
         made.push_back(platform::ReadableText(className));
         return this;
     }

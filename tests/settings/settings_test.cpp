@@ -4,7 +4,6 @@
 #include <string>
 
 #include "core/application.h"
-#include "core/win_main.h"
 #include "settings/control_settings.h"
 #include "settings/settings_file.h"
 #include "tests/support/files_alone.h"
@@ -17,6 +16,7 @@ using namespace std::string_literals;
 using S = CSettings;
 
 const std::string kFile = "App/settings.dat=";
+constexpr const WCHAR* kModule = u"\\App\\Fennelbright.exe";
 
 // An option: its bit, its box by page and item, and what goes with it.
 struct OptionRow {
@@ -60,14 +60,9 @@ const OptionRow kOptionRows[] = {
 };
 // clang-format on
 
-// The file with all options.
 std::string Everything() {
-    std::string bytes = Number(0x1FFFFFF);
-    for (const WCHAR* const text :
-         {u"\\1", u"\\22", u"log", u"\\4", u"\\5", u"\\6\\", u"\\7 7", u"\\"}) {
-        bytes += Record(text);
-    }
-    return bytes + Number(2) + Number(1) + Number(0) + Number(2);
+    return AllOptionsWith({u"\\1", u"\\22", u"log", u"\\4", u"\\5", u"\\6\\", u"\\7 7", u"\\"},
+                          {2, 1, 0, 2});
 }
 
 std::u16string TextOf(const SettingsText& text) {
@@ -175,10 +170,8 @@ TEST(Settings, AFileThatCannotBeWrittenStaysAsItWas) {
 }
 
 // Loads settings from a device as an unattended run does.
-std::int32_t Load(const TemporaryDevice& device, CSettings& settings, CollectedBoxes& windows,
-                  const std::u16string& module = u"\\App\\Fennelbright.exe") {
+std::int32_t Load(platform::DeviceStore& store, CSettings& settings, CollectedBoxes& windows) {
     g_Silent = true;
-    FilesAlone store(device.OpenFiles(), module);
     const platform::StoreInUse inUse(store);
     const platform::WindowsInUse windowsInUse(windows);
     const std::int32_t mask = LoadSettings(settings);
@@ -186,7 +179,7 @@ std::int32_t Load(const TemporaryDevice& device, CSettings& settings, CollectedB
     return mask;
 }
 
-// Whatever is missing is null or 0 and never half of what was written; nothing behind it is taken.
+// Whatever is missing is null or 0 and never half of what was written; nothing after it is taken.
 TEST(Settings, ADamagedFileGivesWhatIsWholeInIt) {
     const std::u16string longest(1023, u'x');
     const struct {
@@ -202,15 +195,17 @@ TEST(Settings, ADamagedFileGivesWhatIsWholeInIt) {
         {Number(3) + Record(longest + u"x") + Record(u"b"), 3, u"-", u"-"},
         {Number(0x803) + Number(1024) + Record(u"") + Number(9), 0x803, u"-", u"-"},
         {Number(0x801) + Record(u"a") + "\x01\0\0"s, 0x801, u"a", u"-"},
+        {Number(3) + Record(u"a") + "\x02\0"s, 3, u"a", u"-"},
+        {Number(3) + Record(u"a") + Number(2) + "\\\0\\"s, 3, u"a", u"-"},
         {Number(3) + Number(0xFFFFFFFF) + std::string(9000, 'x'), 3, u"-", u"-"},
         {Number(3) + Record(u"\\a\0b\\"s) + Record(u"c"), 3, u"\\a", u"c"},
     };
     for (const auto& expected : cases) {
-        const TemporaryDevice device;
-        device.Make({kFile + expected.content});
+        const TemporaryDevice device({kFile + expected.content});
+        FilesAlone store(device.OpenFiles(), kModule);
         CSettings settings;
         CollectedBoxes windows;
-        EXPECT_EQ(static_cast<std::uint32_t>(Load(device, settings, windows)), expected.mask);
+        EXPECT_EQ(static_cast<std::uint32_t>(Load(store, settings, windows)), expected.mask);
         EXPECT_EQ(TextOf(settings.UserDir1), expected.first);
         EXPECT_EQ(TextOf(settings.UserDir2), expected.second);
         EXPECT_EQ(settings.IeCacheLimitIndex, expected.position);
@@ -219,9 +214,8 @@ TEST(Settings, ADamagedFileGivesWhatIsWholeInIt) {
 }
 
 TEST(Settings, ThePathIsTheModulesLessSixteenCharacters) {
-    const TemporaryDevice device;
-    device.Make({"P/settings.dat=" + Number(4), "P/Q/settings.dat=" + Number(8),
-                 "settings.dat=" + Number(16)});
+    const TemporaryDevice device({"P/settings.dat=" + Number(4), "P/Q/settings.dat=" + Number(8),
+                                  "settings.dat=" + Number(16)});
     const std::pair<std::u16string, std::int32_t> cases[] = {
         {u"\\P\\Fennelbright.exe", 4},
         {u"\\P\\Q\\sixteen-char.exe", 8},
@@ -231,42 +225,32 @@ TEST(Settings, ThePathIsTheModulesLessSixteenCharacters) {
         {std::u16string(2000, u'x'), kNoMask},
     };
     for (const auto& [module, mask] : cases) {
+        FilesAlone store(device.OpenFiles(), module);
         CSettings settings;
         CollectedBoxes windows;
-        EXPECT_EQ(Load(device, settings, windows, module), mask);
+        EXPECT_EQ(Load(store, settings, windows), mask);
         EXPECT_EQ(windows.boxes, Entries(mask == kNoMask ? 1 : 0,
                                          "[Error!!!] Failed retrieving application directory"));
     }
 }
 
 // A store whose files can be opened and not be read.
-class UnreadableFiles : public platform::ForwardingStore {
+class UnreadableFiles : public FilesAlone {
   public:
-    using ForwardingStore::ForwardingStore;
+    using FilesAlone::FilesAlone;
     std::FILE* _wfopen(const WCHAR* /*path*/, const WCHAR* /*mode*/) override {
-        return fopencookie(nullptr, "r",
-                           {.read = [](void*, char*, std::size_t) -> ssize_t { return -1; },
-                            .write = nullptr,
-                            .seek = nullptr,
-                            .close = nullptr});
+        return std::fopen("/", "rb");
     }
 };
 
 TEST(Settings, AFileThatCannotBeReadToItsEndTicksNothing) {
-    const TemporaryDevice device;
-    device.Make({"Windows/StartUp/Fennelbright.lnk=keep", "App/settings.dat=1234"});
-    FilesAlone real(device.OpenFiles(), u"\\App\\Fennelbright.exe");
-    UnreadableFiles store(real);
+    UnreadableFiles store(platform::Descriptor(), kModule);
+    CSettings settings;
     CollectedBoxes windows;
-    const platform::StoreInUse storeInUse(store);
-    const platform::WindowsInUse windowsInUse(windows);
     testing::internal::CaptureStderr();
-    std::u16string silent = u"silent";
-    WinMain(nullptr, nullptr, silent.data(), 0);
-    g_Silent = false;
+    EXPECT_EQ(Load(store, settings, windows), kNoMask);
     EXPECT_NE(testing::internal::GetCapturedStderr().find("cannot be read to its end"),
               std::string::npos);
-    EXPECT_EQ(device.Listing().back(), "Windows/StartUp/Fennelbright.lnk=keep");
 }
 
 }  // namespace

@@ -48,11 +48,10 @@ int CollectedBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* capt
 }
 
 ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int reason) {
-    TemporaryDevice device;
-    device.Make(input.files);
+    const TemporaryDevice device(input.files);
     device.Make({"App/"});
     if (!input.registry.empty()) {
-        WriteFile(device.path() + "/registry.reg", input.registry);
+        WriteFile(device.registry(), input.registry);
     }
     platform::AssembledDevice store(device.OpenFiles(), kModule, device.OpenRegistry(),
                                     ThrowRestarted);
@@ -80,7 +79,7 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     EXPECT_TRUE(store.StoreRegistry().has_value());
     result.boxes = windows.boxes;
     result.bytesCleaned = BytesCleaned;
-    result.registry = ReadFile(device.path() + "/registry.reg");
+    result.registry = ReadFile(device.registry());
     result.files = device.Listing();
     std::erase_if(result.files, [](const std::string& entry) { return entry.starts_with("App/"); });
     if (calls != nullptr) {

@@ -9,7 +9,7 @@
 #include "platform/seam/refusing_window_system.h"
 #include "tests/support/temporary_device.h"
 
-// Keeps the boxes that it was asked to show, "[caption] text", and "?" behind one with a choice.
+// Keeps the boxes that it was asked to show, "[caption] text", and "?" after one with a choice.
 class CollectedBoxes : public platform::RefusingWindowSystem {
   public:
     int MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption, UINT type) override;
@@ -27,7 +27,7 @@ struct ApplyInput {
     bool allowRestart = false;
 };
 
-// What it leaves behind. The program's own directory "App", with settings.dat in it, is left out.
+// What it leaves. The program's own directory "App", with settings.dat in it, is left out.
 struct ApplyResult {
     std::vector<std::string> boxes;
     std::vector<std::string> files;  // in the notation of TemporaryDevice::Listing

@@ -3,11 +3,11 @@
 #include "core/window_operations.h"
 #include "platform/display/window_module_loader.h"
 
-LRESULT (*g_hook)(const Told& told) = nullptr;
+LRESULT (*g_hook)(const ReceivedMessage& received) = nullptr;
 
 namespace {
 
-AllTold g_told;
+ReceivedMessages g_received;
 bool g_turningLoop = false;
 
 bool IsKept(UINT message) {
@@ -22,8 +22,8 @@ LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
         return DefWindowProcW(window, message, wParam, lParam);
     }
     const UINT code = message == WM_NOTIFY ? reinterpret_cast<const NMHDR*>(lParam)->code : 0;
-    g_told.push_back({window, message, wParam, lParam, code});
-    return g_hook == nullptr ? 0 : g_hook(Told(g_told.back()));
+    g_received.push_back({window, message, wParam, lParam, code});
+    return g_hook == nullptr ? 0 : g_hook(ReceivedMessage(g_received.back()));
 }
 
 }  // namespace
@@ -65,16 +65,9 @@ void RepeatKey(QWidget& widget, Qt::Key key, bool seen) {
     }
 }
 
-QRect BoundsOf(HWND window) {
-    RECT bounds{};
-    EXPECT_NE(GetWindowRect(window, &bounds), 0);
-    return {QPoint(bounds.left, bounds.top), QPoint(bounds.right - 1, bounds.bottom - 1)};
-}
-
 WindowsTest::WindowsTest(std::unique_ptr<platform::WindowSystem> windows)
     : windows_(std::move(windows)), inUse_(*windows_) {
-    g_told.clear();
-    g_hook = nullptr;
+    g_received.clear();
     WNDCLASS record{};
     record.style = CS_HREDRAW | CS_VREDRAW;
     record.lpfnWndProc = Keep;
@@ -85,14 +78,6 @@ WindowsTest::WindowsTest(std::unique_ptr<platform::WindowSystem> windows)
     page_ = CreateWindowExW(0, TEXT("Kept"), TEXT("Page"), WS_CHILD | WS_VISIBLE | WS_VSCROLL,
                             kPage.left, kPage.top, kPage.right - kPage.left,
                             kPage.bottom - kPage.top, main_, nullptr, nullptr, nullptr);
-}
-
-WindowsTest::~WindowsTest() {
-    g_hook = nullptr;
-}
-
-DisplayTest::DisplayTest() : WindowsTest(OpenUnseen()) {
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
 }
 
 HWND WindowsTest::Open(const WCHAR* className) {
@@ -125,8 +110,8 @@ void WindowsTest::Dispatch() {
     }
 }
 
-AllTold WindowsTest::TakeTold() {
-    return std::exchange(g_told, {});
+ReceivedMessages WindowsTest::TakeReceived() {
+    return std::exchange(g_received, {});
 }
 
 LRESULT WindowsTest::Send(HWND window, UINT message, WPARAM wParam, const void* lParam) {
@@ -141,9 +126,10 @@ std::u16string WindowsTest::TextOf(HWND window) {
 
 Codes WindowsTest::TakeCodes() {
     Codes codes;
-    for (const Told& told : TakeTold()) {
-        if (told.message == WM_COMMAND || told.message == WM_NOTIFY) {
-            codes.push_back(told.message == WM_NOTIFY ? told.code : HIWORD(told.wParam));
+    for (const ReceivedMessage& received : TakeReceived()) {
+        if (received.message == WM_COMMAND || received.message == WM_NOTIFY) {
+            codes.push_back(received.message == WM_NOTIFY ? received.code
+                                                          : HIWORD(received.wParam));
         }
     }
     return codes;

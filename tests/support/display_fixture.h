@@ -11,21 +11,21 @@
 
 #include "platform/display/window_module.h"
 
-// The window system on a display that nobody sees.
+// The window system on an offscreen display.
 std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen();
 
-// What a window's procedure was told.
-struct Told {
+// A message that a window's procedure has received.
+struct ReceivedMessage {
     HWND window;
     UINT message;
     WPARAM wParam;
     LPARAM lParam;
     UINT code = 0;  // of WM_NOTIFY
 
-    bool operator==(const Told&) const = default;
+    bool operator==(const ReceivedMessage&) const = default;
 };
 
-using AllTold = std::vector<Told>;
+using ReceivedMessages = std::vector<ReceivedMessage>;
 using Codes = std::vector<UINT>;
 
 // The window on the desktop.
@@ -40,15 +40,15 @@ void Click(QWidget& widget, QPoint at = {});
 // What a key that is held down sends again and again, whether or not the toolkit has seen that.
 void RepeatKey(QWidget& widget, Qt::Key key, bool seen = true);
 
-// Where a window stands on the screen.
-QRect BoundsOf(HWND window);
+// Called by the procedure with every message that is kept; what it returns is the result.
+extern LRESULT (*g_hook)(const ReceivedMessage& received);
 
 // A window system with a main window and a page that scrolls on it. Their procedure keeps what it
-// is told.
+// receives.
 class WindowsTest : public testing::Test {
   public:
     explicit WindowsTest(std::unique_ptr<platform::WindowSystem> windows);
-    ~WindowsTest() override;
+    ~WindowsTest() override { g_hook = nullptr; }
 
   protected:
     static constexpr RECT kPage = {4, 4, 236, 243};
@@ -63,9 +63,9 @@ class WindowsTest : public testing::Test {
     // Takes and dispatches what waits in the queue, and what comes of it, until none is left.
     static void Dispatch();
 
-    // What was told since the last call, of these messages alone: WM_COMMAND, WM_NOTIFY,
+    // What was received since the last call, of these messages alone: WM_COMMAND, WM_NOTIFY,
     // WM_VSCROLL, WM_HSCROLL and the stylus.
-    static AllTold TakeTold();
+    static ReceivedMessages TakeReceived();
 
     // The same, of WM_COMMAND and WM_NOTIFY the codes alone.
     static Codes TakeCodes();
@@ -88,11 +88,10 @@ class WindowsTest : public testing::Test {
     platform::WindowsInUse inUse_;
 };
 
-// The same on the display that nobody sees.
+// The same on an offscreen display.
 class DisplayTest : public WindowsTest {
   public:
-    DisplayTest();
+    DisplayTest() : WindowsTest(OpenUnseen()) {
+        EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
+    }
 };
-
-// Called by the procedure with every message that is kept; what it returns is the result.
-extern LRESULT (*g_hook)(const Told& told);

@@ -60,15 +60,12 @@ class NotingStore : public platform::ForwardingStore {
         : ForwardingStore(store), calls_(calls) {}
 
     void SetCleanRebootFlag() override { calls_.emplace_back("erase"); }
-    BOOL KernelIoControl(DWORD code, void* /*input*/, DWORD /*inputSize*/, void* /*output*/,
-                         DWORD /*outputSize*/, DWORD* /*returned*/) override {
+    BOOL KernelIoControl(DWORD code, void*, DWORD, void*, DWORD, DWORD*) override {
         calls_.emplace_back(code == IOCTL_HAL_REBOOT ? "restart" : "control");
         return 0;
     }
-    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void* /*processSecurity*/,
-                        void* /*threadSecurity*/, BOOL /*inherit*/, DWORD /*flags*/,
-                        void* /*environment*/, WCHAR* /*directory*/, void* /*startup*/,
-                        void* /*information*/) override {
+    BOOL CreateProcessW(const WCHAR* image, const WCHAR* commandLine, void*, void*, BOOL, DWORD,
+                        void*, WCHAR*, void*, void*) override {
         calls_.push_back("start " + platform::ReadableText(image) + ' ' +
                          platform::ReadableText(commandLine));
         return 0;
@@ -80,12 +77,18 @@ class NotingStore : public platform::ForwardingStore {
 
 }  // namespace
 
+void NextTab() {
+    QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);
+}
+
+void PressKey(Qt::Key key) {
+    QWidget* const popup = QApplication::activePopupWidget();
+    QTest::keyClick(popup != nullptr ? popup : &Host(), key);
+}
+
 void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys) {
     for (const Qt::Key key : keys) {
-        steps.emplace_back([key] {
-            QWidget* const popup = QApplication::activePopupWidget();
-            QTest::keyClick(popup != nullptr ? popup : &Host(), key);
-        });
+        steps.emplace_back([key] { PressKey(key); });
     }
 }
 

@@ -11,10 +11,15 @@
 // What a user does, a step each time that the program waits.
 using Steps = std::vector<std::function<void()>>;
 
+void NextTab();
+
+// Presses a key in the menu that is open, or in the main window.
+void PressKey(Qt::Key key);
+
 // Adds the keys that choose an item of the menus.
 void AddMenu(Steps& steps, std::initializer_list<Qt::Key> keys);
 
-// Runs the program on a device and on a display that nobody sees; behind the last step taps the OK.
+// Runs the program on a device and on an offscreen display; after the last step taps the OK.
 // Boxes get the next one of `answers`, or are closed where there is none. Returns the boxes,
 // "[caption] text"; `calls` receives "erase", "restart" and "start IMAGE WORDS", none of which
 // happens.

@@ -10,7 +10,6 @@
 // Thrown where a restart of the device ends the program, so that nothing after it runs.
 struct DeviceRestarted {};
 
-// The end of a device's run.
 inline void ThrowRestarted(int code) {
     EXPECT_EQ(code, 0);
     throw DeviceRestarted();

@@ -37,8 +37,7 @@ struct FakeWindow {
     SCROLLINFO scrollGiven{};  // to SetScrollInfo last
 };
 
-// A window system in memory that keeps what was done with it. Nobody sees it: what a user would do
-// is done by the steps below.
+// A window system in memory that keeps what was done with it. A user's part is done by the steps.
 class FakeWindows : public CollectedBoxes {
   public:
     std::vector<std::string> calls;  // what changes a window, such as "ShowWindow BUTTON 50001 0"
@@ -56,13 +55,6 @@ class FakeWindows : public CollectedBoxes {
 
     void Post(HWND window, UINT message, WPARAM wParam, LPARAM lParam = 0) {
         queue_.push_back({window, message, wParam, lParam, 0, {}});
-    }
-
-    // The only window of this class; null when there is none.
-    HWND Find(const std::u16string& className) const {
-        const auto found = std::ranges::find_if(
-            windows, [&](const auto& window) { return window.second.className == className; });
-        return found == windows.end() ? nullptr : found->first;
     }
 
     FakeWindow& At(HWND window) { return windows.at(window); }
@@ -92,16 +84,15 @@ class FakeWindows : public CollectedBoxes {
         const auto known = classes_.find(KeyOf(className));
         const bool isChild = (style & (WS_CHILD | WS_POPUP)) == WS_CHILD;
         const bool isControl = kControlClasses.contains(KeyOf(className));
-        FakeWindow window = {className, text, style, extendedStyle};
-        window.bounds = x == CW_USEDEFAULT ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
-                                           : RECT{x, y, x + width, y + height};
-        window.parent = parent;
-        window.id = reinterpret_cast<DWORD_PTR>(menu);
+        const RECT bounds = x == CW_USEDEFAULT
+                                ? RECT{0, kCaptionHeight, kScreenWidth, kScreenHeight}
+                                : RECT{x, y, x + width, y + height};
+        const auto id = reinterpret_cast<DWORD_PTR>(menu);
+        FakeWindow window = {className, text, style, extendedStyle, bounds, parent, id};
         window.visible = (style & WS_VISIBLE) != 0;
         window.position = KeyOf(className) == u"msctls_trackbar32" ? 0 : -1;
         window.procedure = known == classes_.end() ? nullptr : known->second;
-        const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
-        const bool goes = Goes("CreateWindowExW " + platform::ReadableText(className) + id) &&
+        const bool goes = Goes("CreateWindowExW" + NameOf(window)) &&
                           (known != classes_.end() || isControl) &&
                           (parent == nullptr ? !isControl && !isChild : Living(parent) != nullptr);
         return goes ? Add(std::move(window)) : nullptr;
@@ -112,12 +103,10 @@ class FakeWindows : public CollectedBoxes {
             return 0;
         }
         windows.erase(window);
-        std::size_t gone = 1;
-        while (gone != 0) {  // the children go too, and theirs
-            gone = std::erase_if(windows, [this](const auto& other) {
-                const HWND parent = other.second.parent;
-                return parent != nullptr && !windows.contains(parent);
-            });
+        const auto isOrphan = [this](const auto& other) {
+            return other.second.parent != nullptr && !windows.contains(other.second.parent);
+        };
+        while (std::erase_if(windows, isOrphan) != 0) {
         }
         std::erase_if(queue_, [this](const MSG& message) {
             return message.hwnd != nullptr && !windows.contains(message.hwnd);
@@ -144,18 +133,14 @@ class FakeWindows : public CollectedBoxes {
     }
 
     BOOL GetWindowRect(HWND window, RECT* rectangle) override {
-        const FakeWindow* const found = Living(window);
+        const FakeWindow* found = Living(window);
         if (found == nullptr) {
             return 0;
         }
         *rectangle = found->bounds;
-        for (const FakeWindow* inner = found; (inner->style & WS_POPUP) == 0;) {
-            const auto parent = windows.find(inner->parent);
-            if (parent == windows.end()) {
-                break;
-            }
-            inner = &parent->second;
-            Move(*rectangle, inner->bounds.left, inner->bounds.top);
+        while ((found->style & WS_POPUP) == 0 && windows.contains(found->parent)) {
+            found = &At(found->parent);
+            Move(*rectangle, found->bounds.left, found->bounds.top);
         }
         return 1;
     }
@@ -246,11 +231,8 @@ class FakeWindows : public CollectedBoxes {
         if (!Goes("SHCreateMenuBar", info->hwndParent) || info->nToolBarId != 101) {
             return 0;
         }
-        FakeWindow bar;
-        bar.style = WS_POPUP;
-        bar.bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
-        bar.parent = info->hwndParent;
-        info->hwndMB = Add(std::move(bar));
+        const RECT bounds = {0, kScreenHeight - kBarHeight, kScreenWidth, kScreenHeight};
+        info->hwndMB = Add({u"", u"", WS_POPUP, 0, bounds, info->hwndParent});
         return 1;
     }
 
@@ -265,7 +247,6 @@ class FakeWindows : public CollectedBoxes {
         u"button",         u"edit", u"combobox", u"listbox", u"static", u"msctls_trackbar32",
         u"systabcontrol32"};
 
-    // By which a class is found.
     static std::u16string KeyOf(std::u16string name) {
         for (WCHAR& unit : name) {
             unit = unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit | 0x20) : unit;
@@ -295,7 +276,7 @@ class FakeWindows : public CollectedBoxes {
         }
         const auto shown = std::ranges::find_if(
             windows, [](const auto& other) { return other.second.procedure != nullptr; });
-        g_Running = g_Running && shown != windows.end();  // else nobody could ask for the end
+        g_Running = g_Running && shown != windows.end();  // else no window could end it
         if (g_Running) {
             Post(shown->first, WM_COMMAND, IDOK);
         }
@@ -312,13 +293,13 @@ class FakeWindows : public CollectedBoxes {
     // The same for a call that does something to a window.
     bool Goes(const std::string& operation, HWND window, const std::string& rest = "") {
         const FakeWindow* const target = Living(window);
-        if (target == nullptr) {
-            Goes(operation + " nothing" + rest);
-            return false;
-        }
-        const std::string id = target->id == 0 ? "" : ' ' + std::to_string(target->id);
-        return Goes(operation + ' ' + platform::ReadableText(target->className.c_str()) + id +
-                    rest);
+        const std::string name = target == nullptr ? " nothing" : NameOf(*target);
+        return Goes(operation + name + rest) && target != nullptr;
+    }
+
+    static std::string NameOf(const FakeWindow& window) {
+        const std::string id = window.id == 0 ? "" : ' ' + std::to_string(window.id);
+        return ' ' + platform::ReadableText(window.className.c_str()) + id;
     }
 
     FakeWindow* Living(HWND window) {
@@ -412,10 +393,10 @@ class FakeWindows : public CollectedBoxes {
             return CB_ERR;
         }
         control.text = text;
-        const bool tells = control.className == u"EDIT";
+        const bool reports = control.className == u"EDIT";
         const auto [parent, id] = std::pair(control.parent, static_cast<WORD>(control.id));
         for (const WORD code : {EN_UPDATE, EN_CHANGE}) {
-            if (tells && windows.contains(handle)) {
+            if (reports && windows.contains(handle)) {
                 SendMessageW(parent, WM_COMMAND, MAKELONG(id, code),
                              reinterpret_cast<LPARAM>(handle));
             }

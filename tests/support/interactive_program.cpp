@@ -13,7 +13,7 @@
 
 namespace {
 
-// Has no room for files if it is told so.
+// Has no room for files where `full` says so.
 class TestedStore : public FailingStore {
   public:
     TestedStore(platform::DeviceStore& store, const bool& full)
@@ -43,9 +43,8 @@ void EndProcess() {
 
 }  // namespace
 
-InteractiveProgram::InteractiveProgram(const std::vector<std::string>& entries) {
+InteractiveProgram::InteractiveProgram(const Entries& entries) : device(entries) {
     device.Make({"App/"});
-    device.Make(entries);
 }
 
 int InteractiveProgram::Run(const Steps& steps) {

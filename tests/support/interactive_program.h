@@ -14,7 +14,7 @@ class InteractiveProgram {
     using Steps = std::vector<std::function<void()>>;
 
     // `entries` are those of TemporaryDevice::Make. The program's executable lies in "\App".
-    explicit InteractiveProgram(const std::vector<std::string>& entries = {});
+    explicit InteractiveProgram(const Entries& entries = {});
 
     // Runs WinMain to its end and returns its result. Each step is carried out when the program
     // waits; then the main window's OK ends it.

@@ -12,10 +12,7 @@ bool EnterMountNamespace();
 // A device with file systems mounted in it, until the object goes.
 class MountedDevice : public TemporaryDevice {
   public:
-    MountedDevice() = default;
     ~MountedDevice();
-    MountedDevice(const MountedDevice&) = delete;
-    MountedDevice& operator=(const MountedDevice&) = delete;
 
     std::string HostPath(const std::string& path) const { return files() + '/' + path; }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <initializer_list>
 #include <string>
 
 // The parts of a settings.dat, as they are stored.
@@ -19,4 +20,17 @@ inline std::string Number(std::uint32_t number) {
 
 inline std::string Record(const std::u16string& text) {
     return Number(static_cast<std::uint32_t>(text.size())) + Wide(text);
+}
+
+// A whole file with every option ticked, its eight texts and its four positions.
+inline std::string AllOptionsWith(std::initializer_list<std::u16string> texts,
+                                  std::initializer_list<std::uint32_t> positions) {
+    std::string bytes = Number(0x1FFFFFF);
+    for (const std::u16string& text : texts) {
+        bytes += Record(text);
+    }
+    for (const std::uint32_t position : positions) {
+        bytes += Number(position);
+    }
+    return bytes;
 }

@@ -13,11 +13,12 @@
 
 namespace fs = std::filesystem;
 
-TemporaryDevice::TemporaryDevice(const std::string& parent) {
+TemporaryDevice::TemporaryDevice(const Entries& entries, const std::string& parent) {
     path_ = (parent.empty() ? fs::temp_directory_path().string() : parent) + "/device-XXXXXX";
     EXPECT_NE(mkdtemp(path_.data()), nullptr);
     fs::create_directory(files());
     directory_ = platform::Descriptor(open(path_.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    Make(entries);
 }
 
 TemporaryDevice::~TemporaryDevice() {
@@ -35,7 +36,7 @@ std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry() const {
     return std::move(*registry);
 }
 
-void TemporaryDevice::Make(const std::vector<std::string>& entries) const {
+void TemporaryDevice::Make(const Entries& entries) const {
     for (const std::string& entry : entries) {
         const std::size_t mark = entry.find_first_of("=>|");
         const std::string path = files() + '/' + entry.substr(0, mark);
@@ -54,12 +55,10 @@ void TemporaryDevice::Make(const std::vector<std::string>& entries) const {
     }
 }
 
-std::vector<std::string> TemporaryDevice::Listing() const {
-    std::vector<std::string> listing;
-    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(files())) {
-        const std::string path =
-            fs::relative(entry.path().parent_path(), files()) / entry.path().filename();
-        const std::string name = path.starts_with("./") ? path.substr(2) : path;
+Entries ListingOf(const std::string& directory) {
+    Entries listing;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(directory)) {
+        const std::string name = entry.path().string().substr(directory.size() + 1);
         if (entry.is_symlink()) {
             listing.push_back(name + '>' + fs::read_symlink(entry.path()).string());
         } else if (entry.is_directory()) {

@@ -17,6 +17,7 @@
 namespace {
 
 constexpr char kKey[] = "[HKEY_CURRENT_USER\\Key]\n";
+const std::string kKeyEntry = std::string("../registry.reg=") + kKey;
 constexpr char kWritten[] = "[HKEY_CURRENT_USER\\Key]\n\"Number\"=dword:00000005\n";
 
 LONG WriteNumber(platform::DeviceStore& store) {
@@ -41,17 +42,16 @@ void WriteAndErase(const TemporaryDevice& device) {
 }
 
 TEST(AssembledDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack) {
-    const TemporaryDevice device;
-    device.Make({"../tree/f=1"});
+    const TemporaryDevice device({"../tree/f=1"});
     std::filesystem::remove(device.files());
     std::filesystem::create_symlink("tree", device.files());
-    WriteFile(device.path() + "/registry.reg", kKey);
+    WriteFile(device.registry(), kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
                 "erasing the device\nfennelbright: not erased, and not restarted: cannot erase the "
                 "device: .*\nnot restarted .*\nrestarting the device\n$");
     std::filesystem::remove(device.files());
     std::filesystem::rename(device.path() + "/tree", device.files());
-    WriteFile(device.path() + "/registry.reg", kKey);
+    WriteFile(device.registry(), kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
                 "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "
                 "erased; its files and registry as they were are in its folder "
@@ -80,17 +80,15 @@ TEST(AssembledDeviceTest, TheRegistryIsStoredBeforeTheNextChangeOfTheTree) {
         {[](auto& /*store*/, auto& windows) { windows.GetMessageW(nullptr, nullptr, 0, 0); }, true},
     };
     for (const auto& [operation, stores] : cases) {
-        const TemporaryDevice device;
-        device.Make({"f=1", "d/"});
-        WriteFile(device.path() + "/registry.reg", kKey);
+        const TemporaryDevice device({"f=1", "d/", kKeyEntry});
         platform::RunLog log("");
         platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
         CollectedBoxes boxes;
         platform::RegistrySavingWindows windows(boxes, store, log);
         ASSERT_EQ(WriteNumber(store), ERROR_SUCCESS);
-        EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), kKey);
+        EXPECT_EQ(ReadFile(device.registry()), kKey);
         operation(store, windows);
-        EXPECT_EQ(ReadFile(device.path() + "/registry.reg"), stores ? kWritten : kKey)
+        EXPECT_EQ(ReadFile(device.registry()), stores ? kWritten : kKey)
             << &operation - &cases[0].first;
     }
 }
@@ -102,9 +100,9 @@ TEST(AssembledDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
     }
     MountedDevice outer;
     outer.Mount("Card", "size=64k");
-    const TemporaryDevice device(outer.HostPath("Card"));
-    device.Make({"A/f=1", "A/d/", "B/", "filler=" + std::string(40000, 'x')});
-    WriteFile(device.path() + "/registry.reg", kKey + std::string(8000, ';'));
+    const TemporaryDevice device({"A/f=1", "A/d/", "B/", "filler=" + std::string(40000, 'x'),
+                                  kKeyEntry + std::string(8000, ';')},
+                                 outer.HostPath("Card"));
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
@@ -129,23 +127,19 @@ TEST(AssembledDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
 
 // What another program has stored meanwhile stays, and what it has deleted is not reported as done.
 TEST(AssembledDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDone) {
-    const TemporaryDevice device;
-    const std::string registry = device.path() + "/registry.reg";
-    const std::string report = device.path() + "/report";
-    WriteFile(registry, kKey);
-    std::FILE* const file = std::fopen(report.c_str(), "we");
+    const TemporaryDevice device({kKeyEntry});
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
-    platform::ReportingStore recorder(store, file, log);
+    platform::ReportingStore recorder(store, stdout, log);
     ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
-    WriteFile(registry, "; another editor\n");
+    WriteFile(device.registry(), "; another editor\n");
     testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
     EXPECT_FALSE(recorder.StoreRegistry().has_value());
     EXPECT_NE(testing::internal::GetCapturedStderr().find("another program"), std::string::npos);
-    std::fclose(file);
-    EXPECT_EQ(ReadFile(registry), "; another editor\n");
-    EXPECT_EQ(ReadFile(report),
+    EXPECT_EQ(ReadFile(device.registry()), "; another editor\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
               "not written [HKCU\\Key] \"Number\" (another program has deleted its key)\n");
     EXPECT_EQ(log.ExitCode(false), 74);
 }

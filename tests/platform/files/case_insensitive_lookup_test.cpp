@@ -23,8 +23,7 @@ std::u16string Numbered(std::u16string name, int number) {
 }
 
 TEST(CaseInsensitiveLookupTest, FindsTheExactNameOrTheFirst) {
-    const TemporaryDevice device;
-    device.Make({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
+    const TemporaryDevice device({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
     const platform::FileTree tree(device.OpenFiles());
     platform::CaseInsensitiveLookup spellings;
     const std::pair<const WCHAR*, const char*> cases[] = {{u"aBc", "aBc"},
@@ -60,8 +59,7 @@ TEST(CaseInsensitiveLookupTest, SeesWhatWasMadeAfterALookInVain) {
 }
 
 TEST(CaseInsensitiveLookupTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
-    const TemporaryDevice device;
-    device.Make({"Here="});
+    const TemporaryDevice device({"Here="});
     const platform::FileTree tree(device.OpenFiles());
     platform::CaseInsensitiveLookup spellings;
     for (const char* const made : {"new", "newer"}) {

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 
 namespace platform {
 namespace {
@@ -12,11 +13,7 @@ using namespace std::string_literals;
 // Records as file servers of several generations wrote them.
 TEST(DosAttributes, AllKnownFormsAreRead) {
     const std::string rest(36, '\x07');
-    const struct {
-        const char* name;
-        std::string content;
-        DWORD attributes;
-    } cases[] = {
+    const std::tuple<const char*, std::string, DWORD> cases[] = {
         {"text", "0x22"s, 0x22},
         {"text with terminator", "0x6\0"s, 0x6},
         {"version 3", "0x22\0\0\x03\0\x03\0\0\0\x11\0\0\0\x22\0\0\0"s + rest, 0x22},
@@ -29,10 +26,9 @@ TEST(DosAttributes, AllKnownFormsAreRead) {
         {"cut", "\0\0\x04\0\x04\0\0\0\x51\0\0\0\x22\0\0"s, 0},
         {"other text", "hidden"s, 0},
     };
-    for (const auto& expected : cases) {
-        const auto* const bytes = reinterpret_cast<const unsigned char*>(expected.content.data());
-        EXPECT_EQ(ParseDosAttributes({bytes, expected.content.size()}), expected.attributes)
-            << expected.name;
+    for (const auto& [name, content, attributes] : cases) {
+        const auto* const bytes = reinterpret_cast<const unsigned char*>(content.data());
+        EXPECT_EQ(ParseDosAttributes({bytes, content.size()}), attributes) << name;
     }
 }
 

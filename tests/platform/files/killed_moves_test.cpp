@@ -15,42 +15,23 @@
 
 namespace {
 
-using Action = BOOL (*)();  // whether it was done
-
 const std::string kLong(100000, 'x');  // more than one writing
 
 struct Case {
     const char* name;
     Entries before;
-    Action action;
+    const WCHAR* from;  // of a move; null: `to` is written
+    const WCHAR* to;
     Entries after;
     SystemCalls system;
 };
 
-BOOL MoveWithin() {
-    return MoveFileW(u"\\A\\f", u"\\B\\g");
-}
-BOOL MoveToCard() {
-    return MoveFileW(u"\\A\\f", u"\\Card\\B\\g");
-}
-BOOL MoveFromCard() {
-    return MoveFileW(u"\\card\\b\\f", u"\\A\\g");
-}
-BOOL MoveDirectory() {
-    return MoveFileW(u"\\A\\d", u"\\B\\d");
-}
-BOOL WriteTo(const WCHAR* path) {
+BOOL Write(const WCHAR* path) {
     std::FILE* const file = _wfopen(path, u"wb");
     if (file != nullptr) {
         std::fputs(kLong.c_str(), file);
     }
     return file != nullptr && std::fclose(file) == 0 ? 1 : 0;
-}
-BOOL Write() {
-    return WriteTo(u"\\A\\f");
-}
-BOOL WriteOnCard() {
-    return WriteTo(u"\\Card\\B\\F");
 }
 
 constexpr int kNoAnswer = 2;
@@ -64,20 +45,23 @@ const Entries kMoved = {"A/", "B/", "B/g=" + kLong, "Card/B/"};
 const Entries kOnCard = {"A/", "B/", "Card/B/", "Card/B/g=" + kLong};
 const Entries kBack = {"A/", "A/g=" + kLong, "Card/B/"};
 const Entries kWritten = {"A/", "A/f=" + kLong};
+const Entries kCardWritten = {"Card/B/", "Card/B/f=" + kLong};
+const Entries kDirectory = {"A/", "B/", "B/d/", "B/d/f=old"};
+constexpr const WCHAR* kFile = u"\\A\\f";
 
 const Case kCases[] = {
-    {"Move", kHere, MoveWithin, kMoved, {}},
-    {"MoveByLink", kHere, MoveWithin, kMoved, kNoFlags},
-    {"MoveByLook", kHere, MoveWithin, kMoved, kNone},
-    {"Directory", {"A/d/f=old", "B/"}, MoveDirectory, {"A/", "B/", "B/d/", "B/d/f=old"}, kNoFlags},
-    {"ToCard", kHere, MoveToCard, kOnCard, {}},
-    {"ToCardByLink", kHere, MoveToCard, kOnCard, {false, false, true}},
-    {"FromCard", {"Card/B/f=" + kLong, "A/"}, MoveFromCard, kBack, kNone},
-    {"Replace", {"A/f=old"}, Write, kWritten, {}},
-    {"ReplaceByName", {"A/f=old"}, Write, kWritten, kNone},
-    {"ReplaceOnCard", {"Card/B/f=old"}, WriteOnCard, {"Card/B/", "Card/B/f=" + kLong}, kNone},
-    {"Make", {"A/"}, Write, kWritten, {}},
-    {"MakeByName", {"A/"}, Write, kWritten, kNone},
+    {"Move", kHere, kFile, u"\\B\\g", kMoved, {}},
+    {"MoveByLink", kHere, kFile, u"\\B\\g", kMoved, kNoFlags},
+    {"MoveByLook", kHere, kFile, u"\\B\\g", kMoved, kNone},
+    {"Directory", {"A/d/f=old", "B/"}, u"\\A\\d", u"\\B\\d", kDirectory, kNoFlags},
+    {"ToCard", kHere, kFile, u"\\Card\\B\\g", kOnCard, {}},
+    {"ToCardByLink", kHere, kFile, u"\\Card\\B\\g", kOnCard, {false, false, true}},
+    {"FromCard", {"Card/B/f=" + kLong, "A/"}, u"\\card\\b\\f", u"\\A\\g", kBack, kNone},
+    {"Replace", {"A/f=old"}, nullptr, kFile, kWritten, {}},
+    {"ReplaceByName", {"A/f=old"}, nullptr, kFile, kWritten, kNone},
+    {"ReplaceOnCard", {"Card/B/f=old"}, nullptr, u"\\Card\\B\\F", kCardWritten, kNone},
+    {"Make", {"A/"}, nullptr, kFile, kWritten, {}},
+    {"MakeByName", {"A/"}, nullptr, kFile, kWritten, kNone},
 };
 
 class KilledMovesTest : public testing::TestWithParam<Case> {
@@ -99,13 +83,14 @@ class KilledMovesTest : public testing::TestWithParam<Case> {
         device_.Make(GetParam().before);
     }
 
-    // One run: what is done first, and then the action. Returns whether that was done or has left a
-    // reason.
+    // One run: what is done first, and then the move or writing. Returns whether that was done or
+    // has left a reason.
     bool Run() const {
         FilesAlone store(device_.OpenFiles());
         const platform::StoreInUse inUse(store);
         store.RecoverFromKilledRuns();
-        return GetParam().action() != 0 || GetLastError() != 0;
+        const auto& [name, before, from, to, after, system] = GetParam();
+        return (from == nullptr ? Write(to) : MoveFileW(from, to)) != 0 || GetLastError() != 0;
     }
 
     // Runs with a fault at the call of that number. Returns whether there were so many calls.

@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <thread>
+#include <tuple>
 
 #include "engine/file_tree.h"
 #include "engine/shortcut_cleaning.h"
@@ -131,25 +132,21 @@ TEST_P(MovesOverVolumesTest, OneFileOnTwoPathsStays) {
 }
 
 TEST_P(MovesOverVolumesTest, AMoveThatWasCutOffIsFinishedForACopyOfTheFileAlone) {
-    const struct {
-        const char* copy;
-        timespec time;
-        bool isFinished;
-    } cases[] = {
+    const std::tuple<const char*, timespec, bool> cases[] = {
         {"12", {11, 123456789}, true}, {"12", {11, 123456700}, true},
         {"12", {11, 120000000}, true}, {"12", {11, 0}, true},
         {"12", {10, 0}, true},         {"12", {11, 100000000}, false},
         {"12", {12, 0}, false},        {"13", {11, 0}, false},
         {"123", {11, 0}, false},
     };
-    for (const auto& cut : cases) {
-        device_.Make({"A/f=12", std::string("Card/f=") + cut.copy});
-        const timespec times[][2] = {{{0, 0}, {11, 123456789}}, {{0, 0}, cut.time}};
+    for (const auto& [copied, time, isFinished] : cases) {
+        device_.Make({"A/f=12", std::string("Card/f=") + copied});
+        const timespec times[][2] = {{{0, 0}, {11, 123456789}}, {{0, 0}, time}};
         utimensat(AT_FDCWD, HostPath("A/f").c_str(), times[0], 0);
         utimensat(AT_FDCWD, HostPath("Card/f").c_str(), times[1], 0);
         Move(u"\\A", u"\\Card\\");
-        const std::string copy = std::string(" Card/ Card/f=") + cut.copy;
-        EXPECT_EQ(device_.Listing(), Words((cut.isFinished ? "A/" : "A/ A/f=12") + copy));
+        const std::string copy = std::string(" Card/ Card/f=") + copied;
+        EXPECT_EQ(device_.Listing(), Words((isFinished ? "A/" : "A/ A/f=12") + copy));
     }
 }
 
@@ -227,10 +224,7 @@ TEST_P(MovesOverVolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
     const std::string nowhere = back + "45fb8ee612bc16ef \\none\\f";
     const std::string upwards = back + "64b085d653be1d92 \\A\\..";
     const std::string unpublished = ".fennelbright-new-0123456789abcdef=half";
-    const struct {
-        Entries before, after;
-        long lines;
-    } cases[] = {
+    const std::tuple<Entries, Entries, long> cases[] = {
         {{aside + "=1", record}, {"A/", "A/f=1"}, 0},
         {{"A/f=2", aside + "=1", record}, {aside + "=1", record, "A/", "A/f=2"}, 1},
         {{aside + "=1"}, {aside + "=1", "A/"}, 1},
@@ -245,17 +239,17 @@ TEST_P(MovesOverVolumesTest, FilesSetAsideGetTheirNamesBackOrStay) {
         {{unpublished, "Card/" + unpublished}, {"A/"}, 0},
         {{"A/" + unpublished}, {"A/", "A/" + unpublished}, 0},
     };
-    for (const auto& left : cases) {
-        device_.Make(left.before);
+    for (const auto& [before, expected, lines] : cases) {
+        device_.Make(before);
         device_.Make({"A/"});
         const Entries unchanged = device_.Listing();
-        Entries after = left.after;
+        Entries after = expected;
         after.emplace_back("Card/");
         testing::internal::CaptureStderr();
         FilesAlone(device_.OpenFiles()).RecoverFromKilledRuns();
         const std::string said = testing::internal::GetCapturedStderr();
-        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), left.lines) << said;
-        EXPECT_EQ(device_.Listing(), left.after.empty() ? unchanged : after) << left.before[0];
+        EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), lines) << said;
+        EXPECT_EQ(device_.Listing(), expected.empty() ? unchanged : after) << before[0];
         device_.Clear();
     }
 }

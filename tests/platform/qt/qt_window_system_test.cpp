@@ -4,7 +4,7 @@
 #include <QScrollBar>
 #include <QTimer>
 #include <QWindow>
-#include <algorithm>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "platform/display/window_repainting_store.h"
@@ -17,43 +17,41 @@ namespace {
 class QtWindowSystemTest : public DisplayTest {};
 
 TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
-    const struct {
-        int highest;
-        int position;
-        bool up;
-        int code;  // -1: none
-    } rows[] = {{157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN},
-                {157, 155, false, SB_BOTTOM}, {157, 3, true, SB_LINEUP},
-                {157, 2, true, SB_TOP},       {-217, 0, false, -1},
-                {-217, 0, true, -1}};
-    for (const auto& row : rows) {
-        const SCROLLINFO info = {28, 15, 0, row.highest, 3, row.position, 0};
+    // A code of -1: no step.
+    const std::tuple<int, int, bool, int> rows[] = {
+        {157, 0, false, SB_LINEDOWN}, {157, 154, false, SB_LINEDOWN}, {157, 155, false, SB_BOTTOM},
+        {157, 3, true, SB_LINEUP},    {157, 2, true, SB_TOP},         {-217, 0, false, -1},
+        {-217, 0, true, -1}};
+    for (const auto& [highest, position, up, code] : rows) {
+        const SCROLLINFO info = {28, 15, 0, highest, 3, position, 0};
         SetScrollInfo(page_, SB_VERT, &info, TRUE);
         QScrollBar& bar = *Host().findChild<QScrollBar*>();
         EXPECT_TRUE(bar.isVisible());
-        EXPECT_EQ(bar.isEnabled(), row.code >= 0);
-        Click(bar, QPoint(6, row.up ? 4 : bar.height() - 4));
+        EXPECT_EQ(bar.isEnabled(), code >= 0);
+        Click(bar, QPoint(6, up ? 4 : bar.height() - 4));
         Dispatch();
-        const AllTold step = {{page_, WM_VSCROLL, static_cast<WPARAM>(row.code), 0}};
-        EXPECT_EQ(TakeTold(), row.code < 0 ? AllTold{} : step) << row.position;
+        const ReceivedMessages step = {{page_, WM_VSCROLL, static_cast<WPARAM>(code), 0}};
+        EXPECT_EQ(TakeReceived(), code < 0 ? ReceivedMessages{} : step) << position;
         SCROLLINFO after = {28, SIF_POS, 0, 0, 0, 0, 0};
         GetScrollInfo(page_, SB_VERT, &after);
-        EXPECT_EQ(after.nPos, row.position) << "the bar has moved by itself";
-        EXPECT_EQ(bar.value(), row.position);
+        EXPECT_EQ(after.nPos, position) << "the bar has moved by itself";
+        EXPECT_EQ(bar.value(), position);
     }
 }
 
-TEST_F(QtWindowSystemTest, ClicksOnAButtonThatIsDestroyedAreNotTold) {
+TEST_F(QtWindowSystemTest, ClicksOnADestroyedButtonAreDropped) {
     const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
-    g_hook = [](const Told& told) -> LRESULT { return DestroyWindow(told.window); };
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return DestroyWindow(received.window);
+    };
     Click(Control(7));
     DestroyWindow(dying);
     Click(Control(6));
     Click(Control(6));
     Click(*Control(6).parentWidget(), QPoint(200, 200));
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U) << "a dead window was told";
+    EXPECT_EQ(TakeReceived().size(), 1U) << "a dead window has got a message";
     EXPECT_EQ(GetClientRect(page_, nullptr), 0);
 }
 
@@ -72,10 +70,10 @@ TEST_F(QtWindowSystemTest, OnlyTheLeftButtonOnABackgroundIsTheStylus) {
     Add(TEXT("STATIC"), 0, {2, 2, 20, 20}, 5, TEXT("x"));
     Click(*Control(5).parentWidget(), QPoint(100, 90));
     Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{page_, WM_LBUTTONUP, 0, MAKELONG(100, 90)}}));
     QTest::mouseClick(Control(5).parentWidget(), Qt::RightButton, Qt::NoModifier, QPoint(100, 90));
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
 }
 
 TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
@@ -84,14 +82,14 @@ TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
     const HWND box = Open(TEXT("Kept"));
     Click(ok);
     Host().close();
-    EXPECT_FALSE(Control(5).isEnabled()) << "what is behind can be reached";
+    EXPECT_FALSE(Control(5).isEnabled()) << "what is below can be reached";
     EXPECT_EQ(Host().windowHandle()->title(), "A device[*]");
     Dispatch();
     DestroyWindow(box);
     Click(ok);
     Dispatch();
-    const Told ended = {main_, WM_COMMAND, IDOK, 0};
-    EXPECT_EQ(TakeTold(), (AllTold{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
+    const ReceivedMessage ended = {main_, WM_COMMAND, IDOK, 0};
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
 TEST_F(QtWindowSystemTest, AMenuOpensAboveItsBar) {

@@ -23,7 +23,7 @@ TEST(NameTranslation, EveryHostNameHasOneDeviceNameThatLeadsBack) {
         {"a\\b:c*d?", u"a\uF05Cb\uF03Ac\uF02Ad\uF03F"},  // not allowed on the handheld
         {"\x01\x1F\x7F", u"\uF001\uF01F\x7F"},           // controls
         {"\xEF\x80\xAA", u"\uF0EF\uF080\uF0AA"},         // U+F02A itself
-        {"\xEF\x84\x80", u"\uF100"},                     // just behind the escapes
+        {"\xEF\x84\x80", u"\uF100"},                     // just after the escapes
         {"\xED\xA0\x80", u"\uF0ED\uF0A0\uF080"},         // half of a surrogate pair
         {"\xC3", u"\uF0C3"},                             // cut in a character
         {std::string(255, '\xFF'), std::u16string(255, u'\uF0FF')},

@@ -1,6 +1,5 @@
-// Buttons, edit boxes, combo boxes, sliders and labels: what they tell of their user.
+// Buttons, edit boxes, combo boxes, sliders and labels: what they report of their user.
 
-#include <QAbstractButton>
 #include <QClipboard>
 #include <QWheelEvent>
 
@@ -11,7 +10,7 @@ namespace {
 
 class ControlsTest : public DisplayTest {};
 
-TEST_F(ControlsTest, AClickOnAButtonIsToldOnceItIsDispatched) {
+TEST_F(ControlsTest, AClickOnAButtonIsReportedOnceItIsDispatched) {
     const HWND box = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 5, TEXT("Box"));
     const HWND push = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
     const HWND nameless = Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 60, 102, 78}, 0);
@@ -21,10 +20,10 @@ TEST_F(ControlsTest, AClickOnAButtonIsToldOnceItIsDispatched) {
     Click(Control(6));
     EXPECT_EQ(Send(box, BM_GETCHECK), 1);
     Dispatch();
-    EXPECT_EQ(
-        TakeTold(),
-        (AllTold{{page_, WM_COMMAND, MAKELONG(5, BN_CLICKED), reinterpret_cast<LPARAM>(box)},
-                 {page_, WM_COMMAND, MAKELONG(6, BN_CLICKED), reinterpret_cast<LPARAM>(push)}}));
+    EXPECT_EQ(TakeReceived(),
+              (ReceivedMessages{
+                  {page_, WM_COMMAND, MAKELONG(5, BN_CLICKED), reinterpret_cast<LPARAM>(box)},
+                  {page_, WM_COMMAND, MAKELONG(6, BN_CLICKED), reinterpret_cast<LPARAM>(push)}}));
 }
 
 TEST_F(ControlsTest, ReturnAndBlankPushAButtonAndNoKeyMovesOn) {
@@ -44,20 +43,20 @@ TEST_F(ControlsTest, ReturnAndBlankPushAButtonAndNoKeyMovesOn) {
     ShowWindow(box, SW_HIDE);
     EXPECT_FALSE(Control(6).hasFocus()) << "the keyboard has gone on to a neighbour";
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
 }
 
-TEST_F(ControlsTest, AnEditBoxKeepsEveryUnitAndTellsOfTyping) {
+TEST_F(ControlsTest, AnEditBoxKeepsEveryUnitAndReportsTyping) {
     const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 2, 162, 20}, 5);
     for (const std::u16string text : {u"\xFEFF\\T", u"\xFFFE", u"\xD800", u"abc"}) {
         Send(edit, WM_SETTEXT, 0, text.c_str());
         EXPECT_EQ(TextOf(edit), text);
     }
-    TakeTold();
+    TakeReceived();
     SetFocus(edit);
     QTest::keyClick(&Control(5), Qt::Key_End);
     QTest::keyClicks(&Control(5), QStringLiteral("d"));
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
     Dispatch();
     EXPECT_EQ(TextOf(edit), u"abcd");
     EXPECT_EQ(TakeCodes(), (Codes{EN_SETFOCUS, EN_UPDATE, EN_CHANGE}));
@@ -84,7 +83,7 @@ TEST_F(ControlsTest, APastedTextComesWithoutControlsAndCutToItsRoom) {
     }
 }
 
-TEST_F(ControlsTest, AKeySelectsAnEntryOfAComboBoxAndTellsOfIt) {
+TEST_F(ControlsTest, AKeySelectsAnEntryOfAComboBoxAndReportsIt) {
     const HWND combo = Add(TEXT("COMBOBOX"), CBS_DROPDOWNLIST, {146, 80, 216, 152}, 5);
     Send(combo, CB_ADDSTRING, 0, TEXT("b"));
     SetFocus(combo);
@@ -105,9 +104,9 @@ TEST_F(ControlsTest, AKeyMovesASliderAndTheWheelDoesNot) {
     QTest::keyClick(&Control(5), Qt::Key_Right);
     EXPECT_EQ(Send(slider, TBM_GETPOS), 2);
     Dispatch();
-    const AllTold told = TakeTold();
-    ASSERT_EQ(told.size(), 1U);
-    EXPECT_EQ(told[0].message, WM_HSCROLL);
+    const ReceivedMessages received = TakeReceived();
+    ASSERT_EQ(received.size(), 1U);
+    EXPECT_EQ(received[0].message, WM_HSCROLL);
 }
 
 TEST_F(ControlsTest, ALabelNamesTheControlAfterIt) {

@@ -69,7 +69,7 @@ TEST_F(ListBoxControlTest, ATapTogglesItsEntryAndLeavesTheOthers) {
     Send(list_, LB_SETSEL, 1, LPARAM{1});
     EXPECT_EQ(Send(list_, LB_GETSELCOUNT), 3);
     Dispatch();
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
 }
 
 TEST_F(ListBoxControlTest, AThousandAddedEntriesAreSortedInByOneInsertion) {

@@ -31,12 +31,12 @@ class TabControlTest : public DisplayTest {
     int count_ = 0;
 };
 
-TEST_F(TabControlTest, ATapAsksBeforeAndTellsAfterTheChange) {
+TEST_F(TabControlTest, ATapAsksBeforeAndReportsAfterTheChange) {
     static HWND tabs = tabs_;
     static std::vector<LRESULT> selections;
-    g_hook = [](const Told& told) -> LRESULT {
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
         selections.push_back(Send(tabs, TCM_GETCURSEL));
-        return told.code == TCN_SELCHANGING && selections.size() == 1 ? 1 : 0;
+        return received.code == TCN_SELCHANGING && selections.size() == 1 ? 1 : 0;
     };
     EXPECT_EQ(Send(tabs_, TCM_GETCURSEL), 0);
     EXPECT_EQ(Send(tabs_, TCM_SETCURSEL, 2), 0);
@@ -47,7 +47,7 @@ TEST_F(TabControlTest, ATapAsksBeforeAndTellsAfterTheChange) {
     for (const auto& [codes, selected] : taps) {
         Tap(1);
         EXPECT_EQ(Send(tabs_, TCM_GETCURSEL), codes.empty() ? 1 : 0)
-            << "changed before it was told";
+            << "changed before the program was asked";
         Dispatch();
         EXPECT_EQ(TakeCodes(), codes);
         EXPECT_EQ(Send(tabs_, TCM_GETCURSEL), selected);
@@ -102,8 +102,8 @@ TEST_F(TabControlTest, AnArrowMovesTheRowAndChoosesNoTab) {
 }
 
 TEST_F(TabControlTest, AControlDestroyedBySelChangingSendsNoSelChange) {
-    g_hook = [](const Told& told) -> LRESULT {
-        DestroyWindow(reinterpret_cast<const NMHDR*>(told.lParam)->hwndFrom);
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        DestroyWindow(reinterpret_cast<const NMHDR*>(received.lParam)->hwndFrom);
         return 0;
     };
     Tap(1);

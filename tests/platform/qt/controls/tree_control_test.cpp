@@ -20,21 +20,14 @@ class TreeControlTest : public DisplayTest {
     }
 
     static HTREEITEM Insert(HTREEITEM parent, std::u16string text, int children, int image = 0) {
-        TVINSERTSTRUCT record = {parent, TVI_SORT, {}};
-        record.item = {TVIF_TEXT | TVIF_PARAM | TVIF_CHILDREN | TVIF_IMAGE | TVIF_SELECTEDIMAGE,
-                       nullptr,
-                       0,
-                       0,
-                       text.data(),
-                       0,
-                       image,
-                       1 - image,
-                       children,
-                       -1};
+        constexpr UINT kMask =
+            TVIF_TEXT | TVIF_PARAM | TVIF_CHILDREN | TVIF_IMAGE | TVIF_SELECTEDIMAGE;
+        const TVITEM item = {kMask, nullptr, 0, 0, text.data(), 0, image, 1 - image, children, -1};
+        const TVINSERTSTRUCT record = {parent, TVI_SORT, {item}};
         return reinterpret_cast<HTREEITEM>(Send(s_tree, TVM_INSERTITEM, 0, &record));
     }
 
-    // Everything that the tree tells of an item; its text goes into `text`.
+    // All that the tree has of an item; its text goes into `text`.
     static TVITEM Get(HTREEITEM item, WCHAR (&text)[16]) {
         TVITEM got = {0x7F, item, 0, 0, text, 16, -5, -5, -5, 0};
         EXPECT_EQ(Send(s_tree, TVM_GETITEM, 0, &got), item == nullptr ? 0 : 1);
@@ -42,8 +35,8 @@ class TreeControlTest : public DisplayTest {
     }
 
     // Gives every item that is asked about one child.
-    static LRESULT Answer(const Told& told) {
-        auto& question = *reinterpret_cast<NMTVDISPINFO*>(told.lParam);
+    static LRESULT Answer(const ReceivedMessage& received) {
+        auto& question = *reinterpret_cast<NMTVDISPINFO*>(received.lParam);
         ++s_asked;
         Insert(question.item.hItem, u"child", I_CHILDRENCALLBACK);
         question.item.cChildren = 1;
@@ -55,12 +48,9 @@ class TreeControlTest : public DisplayTest {
         return *dynamic_cast<QTreeWidget&>(Control(5)).topLevelItem(0)->child(index);
     }
 
-    static HWND s_tree;
-    static int s_asked;
+    inline static HWND s_tree = nullptr;
+    inline static int s_asked = 0;
 };
-
-HWND TreeControlTest::s_tree = nullptr;
-int TreeControlTest::s_asked = 0;
 
 TEST_F(TreeControlTest, ItemsAreSortedFoundAndRead) {
     const HTREEITEM root = Insert(TVI_ROOT, u"\\", 1);
@@ -111,9 +101,9 @@ TEST_F(TreeControlTest, ASelectedItemHasAnImageOfItsOwn) {
 TEST_F(TreeControlTest, AnItemThatIsReadIsAskedAboutUntilItsChildrenAreStored) {
     const HTREEITEM item = Insert(TVI_ROOT, u"\\", I_CHILDRENCALLBACK);
     WCHAR text[16] = {};
-    EXPECT_EQ(Get(item, text).cChildren, 0) << "nobody has answered";
-    g_hook = [](const Told& told) -> LRESULT {
-        return reinterpret_cast<NMTVDISPINFO*>(told.lParam)->item.cChildren = ++s_asked;
+    EXPECT_EQ(Get(item, text).cChildren, 0) << "the program has not answered";
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return reinterpret_cast<NMTVDISPINFO*>(received.lParam)->item.cChildren = ++s_asked;
     };
     EXPECT_EQ(Get(item, text).cChildren, 1);
     EXPECT_EQ(Get(item, text).cChildren, 2) << "kept though the program has not stored it";
@@ -123,7 +113,7 @@ TEST_F(TreeControlTest, AnItemThatIsReadIsAskedAboutUntilItsChildrenAreStored) {
     EXPECT_EQ(s_asked, 3);
 }
 
-TEST_F(TreeControlTest, UnitsThatNobodySeesAreShownByNumberAndReadBack) {
+TEST_F(TreeControlTest, InvisibleUnitsAreShownByNumberAndReadBack) {
     const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 2, 212, 92}, 6);
     const HWND edit = Add(TEXT("EDIT"), WS_BORDER, {2, 100, 212, 118}, 7);
     const std::pair<std::u16string, QString> rows[] = {

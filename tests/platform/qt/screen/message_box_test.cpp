@@ -1,11 +1,10 @@
-// The boxes, on a display that nobody sees.
-
 #include <QAbstractButton>
 #include <QDialog>
 #include <QLabel>
 #include <QTimer>
 #include <csignal>
 #include <functional>
+#include <tuple>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -31,21 +30,18 @@ class MessageBoxTest : public DisplayTest {
 };
 
 TEST_F(MessageBoxTest, BoxesAreAnsweredByTheirUser) {
-    const struct {
-        UINT type;
-        int pressed;  // 0: the box is closed
-        int answer;
-    } rows[] = {{MB_OK, IDOK, IDOK},
-                {MB_OK, 0, IDOK},
-                {MB_YESNO, IDYES, IDYES},
-                {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
-                {MB_YESNO, 0, IDNO}};
-    for (const auto& row : rows) {
-        const int answer = Show(row.type, [&](QDialog& box) {
+    // A box without a press is closed.
+    const std::tuple<UINT, int, int> rows[] = {{MB_OK, IDOK, IDOK},
+                                               {MB_OK, 0, IDOK},
+                                               {MB_YESNO, IDYES, IDYES},
+                                               {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
+                                               {MB_YESNO, 0, IDNO}};
+    for (const auto& [type, pressed, answer] : rows) {
+        const auto step = [pressed = pressed](QDialog& box) {
             EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
-            row.pressed == 0 ? static_cast<void>(box.close()) : Press(box, row.pressed);
-        });
-        EXPECT_EQ(answer, row.answer) << row.type << ' ' << row.pressed;
+            pressed == 0 ? static_cast<void>(box.close()) : Press(box, pressed);
+        };
+        EXPECT_EQ(Show(type, step), answer) << type << ' ' << pressed;
     }
 }
 
@@ -75,16 +71,16 @@ TEST_F(MessageBoxTest, NothingIsDispatchedWhileABoxIsUp) {
         qobject_cast<QAbstractButton*>(&Control(6))->click();
         Press(box, IDOK);
     });
-    EXPECT_TRUE(TakeTold().empty());
+    EXPECT_TRUE(TakeReceived().empty());
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U);
+    EXPECT_EQ(TakeReceived().size(), 1U);
 }
 
 TEST_F(MessageBoxTest, ClosingTheWindowAnswersTheBoxAndEndsTheProgramOnce) {
     EXPECT_EQ(Show(MB_YESNO, [](QDialog& /*box*/) { Host().close(); }), IDNO);
     Host().close();
     Dispatch();
-    EXPECT_EQ(TakeTold(), (AllTold{{main_, WM_COMMAND, IDOK, 0}}));
+    EXPECT_EQ(TakeReceived(), (ReceivedMessages{{main_, WM_COMMAND, IDOK, 0}}));
     EXPECT_TRUE(Host().isVisible());
 }
 
@@ -95,7 +91,7 @@ TEST_F(MessageBoxTest, AfterASignalNoBoxWaits) {
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "[Caption] Text\n");
     std::raise(SIGHUP);
     Dispatch();
-    EXPECT_EQ(TakeTold().size(), 1U);
+    EXPECT_EQ(TakeReceived().size(), 1U);
 }
 
 }  // namespace

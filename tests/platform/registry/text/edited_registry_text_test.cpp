@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -55,11 +54,7 @@ std::string Replaced(std::string text, std::string_view from, std::string_view t
 }
 
 TEST(EditedRegistryText, ReadsEveryFormOfData) {
-    const struct {
-        const char* data;  // behind "v"=
-        std::uint32_t type;
-        std::vector<std::uint8_t> bytes;
-    } cases[] = {
+    const std::tuple<const char*, std::uint32_t, std::vector<std::uint8_t>> cases[] = {
         {R"("text")", REG_SZ, TextBytes(u"text")},
         {"- \n  \"V\" = \"text\" ; a comment", REG_SZ, TextBytes(u"text")},
         {R"("\\Temp\\ \"x\"")", REG_SZ, TextBytes(u"\\Temp\\ \"x\"")},
@@ -83,15 +78,15 @@ TEST(EditedRegistryText, ReadsEveryFormOfData) {
         {R"(mui_sz:"x.dll,#1")", REG_MUI_SZ, TextBytes(u"x.dll,#1")},
         {"dword:1\n\"V\"=dword:2", REG_DWORD, {2, 0, 0, 0}},
     };
-    for (const auto& test : cases) {
-        SCOPED_TRACE(test.data);
+    for (const auto& [data, type, bytes] : cases) {
+        SCOPED_TRACE(data);
         for (const char* const header : {"", "Windows Registry Editor Version 5.00\r\n\r\n"}) {
             const EditedRegistryText text =
-                MustParse(header + kAppsLine + "\"v\"=" + test.data + "\r\n");
+                MustParse(header + kAppsLine + "\"v\"=" + data + "\r\n");
             const std::optional<RegistryData> value = Read(text, kApps, u"v");
             ASSERT_TRUE(value);
-            EXPECT_EQ(value->type, test.type);
-            EXPECT_EQ(value->bytes, test.bytes);
+            EXPECT_EQ(value->type, type);
+            EXPECT_EQ(value->bytes, bytes);
         }
     }
 }
@@ -108,7 +103,7 @@ TEST(EditedRegistryText, LeavesOutValuesWithoutData) {
     }
 }
 
-TEST(EditedRegistryText, TellsTheLineOfAFault) {
+TEST(EditedRegistryText, NamesTheLineOfAFault) {
     const std::pair<const char*, std::size_t> cases[] = {
         {"nonsense", 1},
         {"[HKEY_USERS]\n\"a\"=\"b\"\nIF X\n", 3},
@@ -212,7 +207,7 @@ const std::string kHklm = "[HKEY_LOCAL_MACHINE\\Software";
 const std::string kEnd = "; the end";
 const std::string kFile =
     "; top\r\n" + kHklm + "\\Apps]\r\n\r\n" + kHklm + "\\Apps\\One] ; kept\r\n" +
-    "  \"Dir\" =  \"\\\\One\" ;behind\r\n; between\r\n\"Odd\"=hex:00,\\\r\n  01\r\n" +
+    "  \"Dir\" =  \"\\\\One\" ;after\r\n; between\r\n\"Odd\"=hex:00,\\\r\n  01\r\n" +
     "\"Sym\"=dword:LOC_X\r\n\r\n; about two\r\n" + kHklm + "\\Apps\\Two]\r\n\"Dir\"=\"two\"\r\n" +
     kHklm + "\\Apps\\Two\\Sub]\r\n\n" + kHklm + "\\Apps\\One]\r\n@=\"last\"\r\n\r\n" + kEnd;
 constexpr std::u16string_view kSoftware = u"HKEY_LOCAL_MACHINE\\Software";
@@ -241,7 +236,7 @@ const struct {
     {u"HKEY_USERS", u"n", REG_SZ, {}, kEnd, kEnd + "\r\n\r\n[HKEY_USERS]\r\n\"n\"=\"\"\r\n"},
 };
 
-// A file in each of its encodings, behind a line that only a whole copy keeps.
+// A file in each of its encodings, after a line that only a whole copy keeps.
 std::vector<std::string> Encoded(const std::string& text) {
     return {"; \xE9\x81\x01\r\n" + text, "; \xC3\xA9\xED\xA0\x80\r\n" + text,
             "\xEF\xBB\xBF;\0\r\n"s + text,
