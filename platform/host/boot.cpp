@@ -102,10 +102,11 @@ int BootDevice(const CommandLine& line) {
         log.SayUndone(Describe(shortcuts.error()));
         return log.ExitCode(line.strict);
     }
-    const auto isOurs = [](const StartupShortcut& shortcut) {
-        return shortcut.arguments.has_value();
+    // One that could not be read may start it.
+    const auto mayBeOurs = [](const StartupShortcut& shortcut) {
+        return shortcut.arguments || shortcut.unread;
     };
-    if (std::none_of(shortcuts->begin(), shortcuts->end(), isOurs)) {
+    if (std::none_of(shortcuts->begin(), shortcuts->end(), mayBeOurs)) {
         log.Say("nothing to run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
                 ReadableText(line.modulePath));
     }

@@ -143,7 +143,11 @@ TEST(Program, BootingRunsTheShortcutsOfThisProgramAlone) {
         EXPECT_EQ(outcome.exitCode, 0);
         EXPECT_EQ(outcome.output.find("deleted \\Temp\\a") != std::string::npos, runs);
         EXPECT_EQ(outcome.errors.find("x.LNK is skipped") == std::string::npos, runs);
+        EXPECT_EQ(outcome.errors.find("nothing to run") == std::string::npos, runs);
     }
+    const TemporaryDevice unread({"Windows/StartUp/x.lnk>x.lnk"});
+    EXPECT_EQ(RunProgram({"--device", unread.path(), "--boot"}).errors.find("nothing"),
+              std::string::npos);
     const TemporaryDevice device(
         {"Windows/StartUp/x.lnk=9#"s + "\\Program Files\\Fennelbright\\Fennelbright.exe"});
     EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 69);
