@@ -71,6 +71,10 @@ Status HandheldSystem::Erase() {
     if (!possible) {
         return possible;
     }
+    if (parts_.registry.isRehearsed()) {
+        LogInUse::Current().Say("the device would be erased here");
+        return {};
+    }
     const Result<std::string> folder = EraseDevice(parts_.registry.directory(), Today());
     if (!folder) {
         return tl::unexpected<Failure>(folder.error());

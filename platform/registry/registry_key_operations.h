@@ -52,6 +52,7 @@ class Registry : public DeviceRegistry {
 
     // From now on changes are seen and never stored: storing succeeds and writes nothing.
     void Rehearse() { isRehearsed_ = true; }
+    bool isRehearsed() const { return isRehearsed_; }
 
     // `action` is called with each change, which is in memory alone by then.
     void OnChange(std::function<void()> action) { onChange_ = std::move(action); }

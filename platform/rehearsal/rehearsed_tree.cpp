@@ -42,11 +42,12 @@ std::string Below(const std::string& path, std::string_view name) {
 // The real entries that show, and then those that were added.
 class RehearsedListing : public DirectoryListing {
   public:
-    RehearsedListing(std::shared_ptr<RehearsedDirectory> node,
+    RehearsedListing(const RehearsedTree& tree, RehearsedTree::Node node,
                      std::unique_ptr<DirectoryListing> real)
-        : node_(std::move(node)), real_(std::move(real)) {}
+        : tree_(tree), node_(std::move(node)), real_(std::move(real)) {}
 
     Result<bool> Next() override {
+        const RehearsedDirectory& node = *tree_.Current(node_);
         while (real_ != nullptr) {
             Result<bool> more = real_->Next();
             if (!more) {
@@ -54,14 +55,14 @@ class RehearsedListing : public DirectoryListing {
             }
             if (!*more) {
                 real_.reset();
-            } else if (!node_->hidden.contains(real_->entry().name)) {
+            } else if (!node.hidden.contains(real_->entry().name)) {
                 entry_ = real_->entry();
                 return true;
             }
         }
         // By name, because entries come and go while a directory is walked.
-        const auto next = node_->added.upper_bound(last_);
-        if (next == node_->added.end()) {
+        const auto next = node.added.upper_bound(last_);
+        if (next == node.added.end()) {
             return false;
         }
         last_ = next->first;
@@ -70,7 +71,8 @@ class RehearsedListing : public DirectoryListing {
     }
 
   private:
-    std::shared_ptr<RehearsedDirectory> node_;
+    const RehearsedTree& tree_;
+    RehearsedTree::Node node_;
     std::unique_ptr<DirectoryListing> real_;  // null once it has ended
     std::string last_;
 };
@@ -80,11 +82,20 @@ class RehearsedListing : public DirectoryListing {
 RehearsedTree::RehearsedTree(Descriptor root)
     : FileTree(std::move(root), O_NOATIME), rootNode_(std::make_shared<RehearsedDirectory>()) {
     rootNode_->realPath = "";
+    rootNode_->isNoted = true;
     changed_.emplace("", rootNode_);
 }
 
 const RehearsedTree::Node& RehearsedTree::NodeOf(const OpenedDirectory& directory) const {
-    return directory.rehearsed != nullptr ? directory.rehearsed : rootNode_;
+    return directory.rehearsed != nullptr ? Current(directory.rehearsed) : rootNode_;
+}
+
+const RehearsedTree::Node& RehearsedTree::Current(const Node& node) const {
+    if (node->isNoted || !node->realPath) {
+        return node;
+    }
+    const auto noted = changed_.find(*node->realPath);
+    return noted == changed_.end() ? node : noted->second;
 }
 
 // The node of a real directory: what is known of its changes, or a new one for none.
@@ -102,7 +113,8 @@ RehearsedTree::Node RehearsedTree::Child(const Node& parent, const std::string& 
 // From here on the directory's node is found again.
 void RehearsedTree::Note(const Node& node) {
     ++node->changes;
-    if (node->realPath) {
+    if (node->realPath && !node->isNoted) {
+        node->isNoted = true;
         changed_.emplace(*node->realPath, node);
     }
 }
@@ -152,7 +164,7 @@ Result<OpenedDirectory> RehearsedTree::Open(const OpenedDirectory& parent, const
 
 std::unique_ptr<DirectoryListing> RehearsedTree::List(const OpenedDirectory& directory) const {
     return std::make_unique<RehearsedListing>(
-        NodeOf(directory), directory.descriptor ? FileTree::List(directory) : nullptr);
+        *this, NodeOf(directory), directory.descriptor ? FileTree::List(directory) : nullptr);
 }
 
 Result<EntryFacts> RehearsedTree::FactsOf(const OpenedDirectory& directory,

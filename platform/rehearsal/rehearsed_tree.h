@@ -23,6 +23,7 @@ struct RehearsedDirectory {
     std::optional<dev_t> volume;  // none where it was not asked for yet
     std::optional<int> refusal;   // the errno of every change in it, 0 for none; the same
     long changes = 0;
+    bool isNoted = false;  // the tree keeps it
 };
 
 // An entry that was made, or has moved here. A directory has its changes, a file that was written
@@ -74,9 +75,13 @@ class RehearsedTree : public FileTree {
     void CopyDirectoryAttributes(const OpenedDirectory& old, const struct stat& status,
                                  const OpenedDirectory& made) override;
 
-  private:
     using Node = std::shared_ptr<RehearsedDirectory>;
 
+    // The changes that are known of a directory by now: another opening of it may have got the
+    // first one.
+    const Node& Current(const Node& node) const;
+
+  private:
     const Node& NodeOf(const OpenedDirectory& directory) const;
     Node Child(const Node& parent, const std::string& realPath) const;
     Result<OpenedDirectory> OpenReal(const Node& node, OpenFor purpose, Mounts mounts) const;
