@@ -30,6 +30,7 @@ MOVE_CALLS = 2.6  # an entry
 SEARCH_CALLS = 1.1  # an entry
 CALLS_DRIFT = 0.15  # between one size and ten times that size
 FIND_RATIO = 1.2
+REPORT_RATIO = 1.2
 IDLE_CALLS = 115
 SAMPLE_SYNCS = 16
 IDLE_RATIO = 2.0
@@ -174,8 +175,8 @@ class Workplace:
         wall, processor, peak = map(int, done.stdout.split())
         return Cost(wall / 1000, processor / 1000, peak)
 
-    def silent_run(self, device):
-        return [self.program, "--device", device.path, "silent"]
+    def silent_run(self, device, *options):
+        return [self.program, "--device", device.path, *options, "silent"]
 
 
 class Device:
@@ -220,6 +221,8 @@ class Walk:
 
 
 SILENT = Walk("silent run", "Temp", True, lambda place, device: place.silent_run(device))
+REPORTED = Walk("silent run, JSON", "Temp", True,
+                lambda place, device: place.silent_run(device, "--report=json"))
 DELETE = Walk(
     "delete", "Temp", False,
     lambda place, device: [place.walk_tree, "delete", device.files, "\\Temp\\"])
@@ -338,7 +341,7 @@ def measure_walks(place, table, runs):
                f"Milliseconds, median of {runs} alternating runs; beside it the reference.")
     for files in SIZES:
         for ours, reference, limit in ((SILENT, FIND_FILES, FIND_RATIO), (DELETE, FIND_ALL, None),
-                                       (SEARCH, FIND_SIZES, 1.0)):
+                                       (REPORTED, SILENT, REPORT_RATIO), (SEARCH, FIND_SIZES, 1.0)):
             times = {ours: [], reference: []}
             for _ in range(runs):
                 for walk, taken in times.items():

@@ -6,7 +6,8 @@
 #include "core/platform_types.h"
 #include "core/settings_record.h"
 
-// The options that a user can tick, one bit each of the option mask. The other bits are unused.
+// The options that a user can tick, one bit each of the option mask. The bits from 0x2000000 on are
+// free. The bit of an option that is removed is not, as it is in files that are stored.
 inline constexpr std::uint32_t OPT_CLEAN_USER1 = 0x1;
 inline constexpr std::uint32_t OPT_CLEAN_USER2 = 0x2;
 inline constexpr std::uint32_t OPT_CLEAN_ROOT_TEMP = 0x4;

@@ -93,7 +93,9 @@ int main(int count, char** words) {
     PrepareProcess();
     platform::Result<CommandLine> line = platform::ParseCommandLine(count, words);
     if (!line) {
-        platform::RunLog("").Say(platform::ReasonOf(line.error()) + "; see fennelbright --help");
+        const std::string& option = line.error().object;
+        platform::RunLog("").Say((option.empty() ? "" : option + ": ") +
+                                 platform::ReasonOf(line.error()) + "; see fennelbright --help");
         return EX_USAGE;
     }
     g_device = line->device.c_str();

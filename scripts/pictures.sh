@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh tests
-cmake --preset release >/dev/null
+cmake --preset release -DBUILD_TESTING=ON >/dev/null
 cmake --build --preset release --target take_pictures
 
 mkdir -p docs/pictures

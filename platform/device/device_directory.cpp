@@ -41,8 +41,9 @@ Status CheckMeant(const DeviceDirectory& device) {
         return Fail(kUse, errno);
     }
     for (const Refused& place : places) {
-        const Descriptor there(place.path != nullptr ? open(place.path, O_PATH | O_CLOEXEC) : -1);
-        const auto refused = there ? IdentityOf(there.get()) : std::nullopt;
+        struct stat there {};
+        const bool isThere = place.path != nullptr && stat(place.path, &there) == 0;
+        const auto refused = isThere ? std::optional(IdentityOf(there)) : std::nullopt;
         if (IsSameFile(directory, refused) || IsSameFile(files, refused)) {
             return FailBecause(kUse, place.reason);
         }

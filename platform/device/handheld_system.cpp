@@ -79,8 +79,8 @@ Status HandheldSystem::Erase() {
     if (!folder) {
         return tl::unexpected<Failure>(folder.error());
     }
-    LogInUse::Current().Say("erased; its files and registry as they were are in its folder " +
-                            *folder);
+    LogInUse::Current().Say("erased; the old files and registry are in " + *folder +
+                            " in the device directory");
     return {};
 }
 

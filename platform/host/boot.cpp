@@ -26,7 +26,10 @@ std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string&
     std::vector<std::string> words = {"fennelbright", "--device", line.device, "--module",
                                       Utf8Text(line.modulePath)};
     const std::pair<bool, const char*> switches[] = {
-        {line.report, "--report"}, {line.strict, "--strict"}, {line.noDisplay, "--no-display"}};
+        {line.report == ReportForm::Lines, "--report"},
+        {line.report == ReportForm::Json, "--report=json"},
+        {line.strict, "--strict"},
+        {line.noDisplay, "--no-display"}};
     for (const auto& [isSet, word] : switches) {
         if (isSet) {
             words.emplace_back(word);

@@ -4,10 +4,12 @@
 
 #include <cstdlib>
 #include <optional>
+#include <string_view>
 
 #include "platform/device/sample_files.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
+#include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
 
 namespace platform {
@@ -24,7 +26,9 @@ const char kHelp[] =
     "                    \"registry.reg\" its registry\n"
     "  --module PATH     where the program lies on the device; settings.dat is beside it\n"
     "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
-    "  --report          say on standard output what was done, and what could not be\n"
+    "  --report[=FORM]   say on standard output what was done, and what could not be: FORM is\n"
+    "                    \"lines\", which is the same as none, or \"json\" for programs\n"
+    "  --report-html FILE  write the same as a page for a browser\n"
     "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
     "  --no-display      open no window; messages go to standard error\n"
     "  --boot            do what the device does when it starts: run the program for each\n"
@@ -52,6 +56,7 @@ enum Choice {
     kDevice,
     kModule,
     kReport,
+    kReportPage,
     kStrict,
     kNoDisplay,
     kScale,
@@ -67,7 +72,8 @@ constexpr double kLargestScale = 8;
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
     {"module", required_argument, nullptr, kModule},
-    {"report", no_argument, nullptr, kReport},
+    {"report", optional_argument, nullptr, kReport},
+    {"report-html", required_argument, nullptr, kReportPage},
     {"strict", no_argument, nullptr, kStrict},
     {"no-display", no_argument, nullptr, kNoDisplay},
     {"boot", no_argument, nullptr, kBoot},
@@ -118,7 +124,7 @@ Status ParseScale(const char* value, CommandLine& line) {
 
 Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
     if (!line.device.empty()) {
-        return Refuse("more than one device directory is given");
+        return Refuse("only one of --device DIR and --new-device DIR can be given, and only once");
     }
     line.device = value;
     SetTask(line, task);
@@ -130,12 +136,22 @@ Status ParseModule(const char* value, CommandLine& line) {
     return RefuseUnless(!line.modulePath.empty(), "the path after --module is empty or not UTF-8");
 }
 
+Status ParseReport(std::string_view form, CommandLine& line) {
+    line.report = form == "json" ? ReportForm::Json : ReportForm::Lines;
+    return RefuseUnless(form == "json" || form == "lines", "--report takes \"lines\" or \"json\"");
+}
+
+Status ParseReportPage(const char* value, CommandLine& line) {
+    if (!line.reportPage.empty()) {
+        return Refuse("more than one file for the report is given");
+    }
+    line.reportPage = value;
+    return RefuseUnless(!line.reportPage.empty(), "the name of the file for the report is empty");
+}
+
 // Options that take no value and only set something.
 Status SetSwitch(int choice, CommandLine& line) {
     switch (choice) {
-        case kReport:
-            line.report = true;
-            return {};
         case kStrict:
             line.strict = true;
             return {};
@@ -149,10 +165,9 @@ Status SetSwitch(int choice, CommandLine& line) {
             line.task = CommandLine::Task::ShowHelp;
             return {};
         case kVersion:
+        default:
             line.task = CommandLine::Task::ShowVersion;
             return {};
-        default:
-            return Refuse("nothing was started");
     }
 }
 
@@ -166,6 +181,10 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
             return ParseDevice(value, CommandLine::Task::MakeSampleDevice, line);
         case kModule:
             return ParseModule(value, line);
+        case kReport:
+            return ParseReport(value != nullptr ? value : "lines", line);
+        case kReportPage:
+            return ParseReportPage(value, line);
         case kScale:
             return ParseScale(value, line);
         case kShowHelpPage:
@@ -175,6 +194,30 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         default:
             return SetSwitch(choice, line);
     }
+}
+
+// What getopt_long has not taken.
+Status RefuseWord(int answer, const char* word) {
+    const bool isKnown = optopt > kWord && optopt <= kVersion;
+    const char* const reason = answer == ':' ? "a value must follow"
+                               : isKnown     ? "this option takes no value"
+                                             : "there is no such option";
+    return FailOf({kUnderstand, {}, 0, reason}, ReadableBytes(word));
+}
+
+// The ':' keeps getopt_long from writing messages of its own.
+Status TakeOptions(int count, char** words, CommandLine& line) {
+    Status taken;
+    while (taken) {
+        const char* const word = optind < count ? words[optind] : "";
+        const int choice = getopt_long(count, words, "-:", kChoices, nullptr);
+        if (choice == -1) {
+            return taken;
+        }
+        taken = choice == ':' || choice == '?' ? RefuseWord(choice, word)
+                                               : ParseOption(choice, optarg, line);
+    }
+    return taken;
 }
 
 // Whether the user can be asked for the device: the program is to open windows on a display.
@@ -194,6 +237,9 @@ Status CheckComplete(const CommandLine& line) {
     if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
         return Refuse("--boot takes no command line: each shortcut has its own");
     }
+    if (line.task == CommandLine::Task::Boot && !line.reportPage.empty()) {
+        return Refuse("--boot takes no --report-html: each run would replace the page of another");
+    }
     return {};
 }
 
@@ -202,11 +248,7 @@ Status CheckComplete(const CommandLine& line) {
 Result<CommandLine> ParseCommandLine(int count, char** words) {
     CommandLine line;
     line.modulePath = kDefaultModulePath;
-    Status taken;
-    for (int choice = 0;
-         taken && (choice = getopt_long(count, words, "-", kChoices, nullptr)) != -1;) {
-        taken = ParseOption(choice, optarg, line);
-    }
+    Status taken = TakeOptions(count, words, line);
     for (; taken && optind < count; ++optind) {
         taken = ParseWord(words[optind], line);
     }

@@ -7,6 +7,9 @@
 
 namespace platform {
 
+// How a run is reported on standard output.
+enum class ReportForm { None, Lines, Json };
+
 // What the words of the host's command line ask for.
 struct CommandLine {
     enum class Task { Run, Boot, MakeSampleDevice, ShowHelpPage, ShowHelp, ShowVersion };
@@ -16,14 +19,14 @@ struct CommandLine {
     std::u16string modulePath;
     std::u16string programLine;  // the program's own command line
     std::string helpPlace;       // of the help page on standard input that is to be shown
-    bool report = false;
+    ReportForm report = ReportForm::None;
+    std::string reportPage;  // the file for the report as a page; empty: none
     bool strict = false;
     bool noDisplay = false;
     double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
 };
 
-// Reads the command line. About an option that it does not know, getopt_long writes a line to
-// standard error first.
+// Reads the command line. The object of a failure is the option that is wrong, if it is one alone.
 Result<CommandLine> ParseCommandLine(int count, char** words);
 
 extern const char kHelp[];

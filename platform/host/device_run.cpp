@@ -19,6 +19,7 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
+#include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"
 
 namespace platform {
@@ -46,6 +47,7 @@ class DeviceRun {
     ExitCode Lock();
     ExitCode OpenStore();
     ExitCode OpenWindows();
+    ExitCode OpenReport();
     DeviceStore& store();
     int RunProgram(DeviceStore& store, WindowSystem& windows);
     int RunWithWindows();
@@ -60,7 +62,8 @@ class DeviceRun {
     DeviceDirectory device_;
     std::unique_ptr<AssembledDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
-    std::optional<ReportingStore> recorder_;        // where a report or --strict was asked for
+    std::optional<RunReport> report_;               // where anything is to be reported
+    std::optional<ReportingStore> recorder_;        // with the report
 };
 
 DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
@@ -103,9 +106,6 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
         store_->RecoverFromKilledRuns();
         RemoveUnfinishedFilesIn(device_.directory.get());
     }
-    if (line_.report || line_.strict) {
-        recorder_.emplace(*store_, line_.report ? stdout : nullptr, log_);
-    }
     return {};
 }
 
@@ -142,6 +142,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     return {};
 }
 
+DeviceRun::ExitCode DeviceRun::OpenReport() {
+    const bool isAsked = line_.report != ReportForm::None || !line_.reportPage.empty();
+    if (isSilent_ || isAsked || line_.strict) {
+        report_.emplace(line_, device_, isSilent_, log_);
+        recorder_.emplace(*store_, report_->writers(), log_);
+    }
+    return {};
+}
+
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
     RegistrySavingWindows storing(windows, store, log_);
     const StoreInUse storeInUse(store);
@@ -165,9 +174,7 @@ int DeviceRun::RunWithWindows() {
 int DeviceRun::Finish() {
     [[maybe_unused]] const Status stored = store().StoreRegistry();
     if (recorder_) {
-        if (const Status finished = recorder_->Finish(); !finished) {
-            log_.SayUndone(Describe(finished.error()));
-        }
+        report_->Finish(recorder_->WriteLastEvents(), line_.strict);
     }
     return log_.ExitCode(line_.strict);
 }
@@ -175,13 +182,14 @@ int DeviceRun::Finish() {
 // What a process that ends on the spot still holds is written first, because no destructor runs.
 void DeviceRun::EndOnTheSpot(int code) {
     const int result = code == 0 ? Finish() : code;
+    report_.reset();  // its unfinished files go with it
     std::fflush(nullptr);
     std::_Exit(result);
 }
 
 int DeviceRun::Run() {
     for (const auto step : {&DeviceRun::OpenDevice, &DeviceRun::Lock, &DeviceRun::OpenStore,
-                            &DeviceRun::OpenWindows}) {
+                            &DeviceRun::OpenWindows, &DeviceRun::OpenReport}) {
         if (const ExitCode refused = (this->*step)()) {
             return *refused;
         }

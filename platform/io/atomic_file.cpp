@@ -24,7 +24,8 @@ constexpr char kOpenFiles[] = "/proc/self/fd/";
 
 }  // namespace
 
-Result<std::unique_ptr<AtomicFile>> AtomicFile::Create(int directory, int volume) {
+Result<std::unique_ptr<AtomicFile>> AtomicFile::Create(int directory, int volume,
+                                                       Survives survives) {
     std::optional<HostName> reserved;
     Descriptor file;
     if (access(kOpenFiles, F_OK) == 0) {
@@ -38,13 +39,22 @@ Result<std::unique_ptr<AtomicFile>> AtomicFile::Create(int directory, int volume
     if (!file) {
         return Fail("make a file", errno);
     }
-    return std::unique_ptr<AtomicFile>(new AtomicFile(std::move(file), volume, reserved));
+    return std::unique_ptr<AtomicFile>(new AtomicFile(std::move(file), volume, reserved, survives));
 }
 
 AtomicFile::~AtomicFile() {
     if (reserved_) {
         unlinkat(volume_, reserved_->c_str(), 0);
     }
+}
+
+Status AtomicFile::SyncContent() const {
+    const bool isSafe = survives_ == Survives::Kill || fsync(descriptor()) == 0;
+    return isSafe ? Status() : Fail(kStore, errno);
+}
+
+Status AtomicFile::SyncNames(int directory) const {
+    return survives_ == Survives::Kill ? Status() : SyncEntries(directory);
 }
 
 Status AtomicFile::Link(int directory, const char* name) const {
@@ -66,8 +76,8 @@ Status AtomicFile::Reserve() {
 }
 
 Status AtomicFile::PublishNew(int directory, const char* name) {
-    if (fsync(descriptor()) != 0) {
-        return Fail(kStore, errno);
+    if (Status synced = SyncContent(); !synced) {
+        return synced;
     }
     if (!reserved_) {
         if (Status linked = Link(directory, name); !linked) {
@@ -79,7 +89,7 @@ Status AtomicFile::PublishNew(int directory, const char* name) {
         return renamed;
     }
     reserved_.reset();
-    Status synced = SyncEntries(directory);
+    Status synced = SyncNames(directory);
     if (!synced) {
         Withdraw(directory, name);
     }
@@ -98,8 +108,8 @@ Status AtomicFile::Store() {
     if (isStored_) {
         return {};
     }
-    if (fsync(descriptor()) != 0) {
-        return Fail(kStore, errno);
+    if (Status synced = SyncContent(); !synced) {
+        return synced;
     }
     Status named = reserved_ ? Status() : Reserve();
     isStored_ = named.has_value();
@@ -114,7 +124,7 @@ Status AtomicFile::PublishInPlace(int directory, const char* name) {
         return Fail("replace the old file", errno);
     }
     reserved_.reset();
-    return SyncEntries(directory);
+    return SyncNames(directory);
 }
 
 namespace {

@@ -12,6 +12,10 @@
 
 namespace platform {
 
+// What a published file, old or new, is whole after. To survive a loss of power, it waits for the
+// disk.
+enum class Survives { PowerLoss, Kill };
+
 // A new file whose content is not complete yet. It has no name where the file system allows that,
 // else a reserved one in its volume's root directory. It goes with the object unless it was
 // published.
@@ -19,7 +23,8 @@ class AtomicFile {
   public:
     // An empty file, readable and writable by its owner, to be published in `directory`; `volume`
     // is the root of the same volume and stays the caller's to keep open.
-    static Result<std::unique_ptr<AtomicFile>> Create(int directory, int volume);
+    static Result<std::unique_ptr<AtomicFile>> Create(int directory, int volume,
+                                                      Survives survives = Survives::PowerLoss);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
@@ -41,15 +46,22 @@ class AtomicFile {
     void Withdraw(int directory, const char* name) const;
 
   private:
-    AtomicFile(Descriptor descriptor, int volume, std::optional<HostName> reserved)
-        : descriptor_(std::move(descriptor)), volume_(volume), reserved_(reserved) {}
+    AtomicFile(Descriptor descriptor, int volume, std::optional<HostName> reserved,
+               Survives survives)
+        : descriptor_(std::move(descriptor)),
+          volume_(volume),
+          reserved_(reserved),
+          survives_(survives) {}
 
+    Status SyncContent() const;
+    Status SyncNames(int directory) const;
     Status Link(int directory, const char* name) const;
     Status Reserve();
 
     Descriptor descriptor_;
     int volume_;
     std::optional<HostName> reserved_;  // its name in the volume's root while it has one
+    Survives survives_;
     bool isStored_ = false;
 };
 

@@ -29,6 +29,11 @@ struct ReportedValue {
     std::vector<BYTE> bytes;
 };
 
+// What the value says; nothing where its type or its size is that of another kind. A text comes
+// without the terminators at its end.
+std::optional<std::uint64_t> NumberOf(const ReportedValue& value);
+std::optional<std::u16string> TextOf(const ReportedValue& value);
+
 // One thing that was done to the device, or could not be.
 struct ReportEvent {
     ReportAction action{};

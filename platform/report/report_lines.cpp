@@ -1,7 +1,6 @@
 #include "platform/report/report_lines.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 
 #include "platform/text/readable_text.h"
@@ -35,27 +34,14 @@ std::string Count(std::uint64_t count, const char* one, const char* many) {
     return std::to_string(count) + ' ' + (count == 1 ? one : many);
 }
 
-// A text in quotes, without the terminators at its end.
-std::string QuotedTextOf(const ReportedValue& value) {
-    std::u16string text(value.bytes.size() / sizeof(WCHAR), u'\0');
-    if (!text.empty()) {
-        std::memcpy(text.data(), value.bytes.data(), text.size() * sizeof(WCHAR));
-    }
-    text.erase(text.find_last_not_of(u'\0') + 1);
-    return '"' + ReadableText(text) + '"';
-}
-
 std::string ReadableValue(const std::optional<ReportedValue>& value) {
     if (!value) {
         return "nothing";
     }
-    if (value->type == REG_DWORD && value->bytes.size() == sizeof(DWORD)) {
-        DWORD number = 0;
-        std::memcpy(&number, value->bytes.data(), sizeof number);
-        return std::to_string(number);
-    }
-    if (value->type == REG_SZ && value->bytes.size() % sizeof(WCHAR) == 0) {
-        return QuotedTextOf(*value);
+    const auto number = value->type == REG_DWORD ? NumberOf(*value) : std::nullopt;
+    const auto text = value->type == REG_SZ ? TextOf(*value) : std::nullopt;
+    if (number || text) {
+        return number ? std::to_string(*number) : '"' + ReadableText(*text) + '"';
     }
     return std::to_string(value->bytes.size()) + " bytes of type " + std::to_string(value->type);
 }
@@ -86,42 +72,35 @@ std::string DetailsOf(const ReportEvent& event) {
 
 }  // namespace
 
-ReportLines::ReportLines(std::FILE* output) : output_(output) {
-    std::setvbuf(output_, nullptr, _IOLBF, BUFSIZ);
-}
-
-void ReportLines::WriteLine(const std::string& line) {
-    isWritten_ = std::fputs((line + '\n').c_str(), output_) >= 0 && isWritten_;
-}
-
-void ReportLines::Write(const ReportEvent& event) {
+std::string DescriptionOf(const ReportEvent& event) {
     const Wording& wording =
         *std::find_if(std::begin(kWordings), std::end(kWordings),
                       [&](const Wording& each) { return each.action == event.action; });
-    std::string line = event.step > 0 ? "step " + std::to_string(event.step) + ": " : "";
-    line += event.failure ? std::string("not ") + wording.undone : wording.done;
-    line += ObjectOf(event, wording);
-    line += event.failure ? " (" + *event.failure + ')' : DetailsOf(event);
-    WriteLine(line);
+    return (event.failure ? std::string("not ") + wording.undone : wording.done) +
+           ObjectOf(event, wording) +
+           (event.failure ? " (" + *event.failure + ')' : DetailsOf(event));
 }
 
-void ReportLines::WriteTotals(const ReportTotals& totals) {
-    WriteLine("total: " + Count(totals.filesDeleted, "file", "files") + " deleted (" +
-              Count(totals.bytesDeleted, "byte", "bytes") + "), " +
-              Count(totals.entriesMoved, "entry", "entries") + " moved, " +
-              Count(totals.directoriesMade, "directory", "directories") + " made, " +
-              Count(totals.directoriesRemoved, "directory", "directories") + " removed, " +
-              Count(totals.shortcutsMade, "shortcut", "shortcuts") + " made, " +
-              Count(totals.valuesWritten, "value", "values") + " written, " +
-              Count(totals.keysDeleted, "key", "keys") + " deleted, " +
-              std::to_string(totals.notDone) + " not done");
+std::string ReportLine(const ReportEvent& event) {
+    return (event.step > 0 ? "step " + std::to_string(event.step) + ": " : "") +
+           DescriptionOf(event);
 }
 
-Status ReportLines::Finish() {
-    if (std::fflush(output_) != 0 || !isWritten_) {
-        return FailBecause("write the report", "standard output cannot be written");
-    }
-    return {};
+std::string ReportLine(const ReportTotals& totals) {
+    return "total: " + Count(totals.filesDeleted, "file", "files") + " deleted (" +
+           Count(totals.bytesDeleted, "byte", "bytes") + "), " +
+           Count(totals.entriesMoved, "entry", "entries") + " moved, " +
+           Count(totals.directoriesMade, "directory", "directories") + " made, " +
+           Count(totals.directoriesRemoved, "directory", "directories") + " removed, " +
+           Count(totals.shortcutsMade, "shortcut", "shortcuts") + " made, " +
+           Count(totals.valuesWritten, "value", "values") + " written, " +
+           Count(totals.keysDeleted, "key", "keys") + " deleted, " +
+           std::to_string(totals.notDone) + " not done";
+}
+
+Status ReportLines::Finish(const ReportEnd& end) {
+    stream_.WriteLine(ReportLine(end.totals));
+    return stream_.Finish();
 }
 
 }  // namespace platform

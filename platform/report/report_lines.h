@@ -3,29 +3,30 @@
 #include <cstdio>
 #include <string>
 
-#include "platform/diagnostics/failure.h"
-#include "platform/report/report_event.h"
+#include "platform/report/report_stream.h"
+#include "platform/report/report_writer.h"
 
 namespace platform {
 
-// The report as lines of text: "step 3: deleted \Temp\a.tmp (12 bytes)".
-class ReportLines {
+// The event as its words: "deleted \Temp\a.tmp (12 bytes)".
+std::string DescriptionOf(const ReportEvent& event);
+
+// Its line of a report, without a line end, "step 3: deleted \Temp\a.tmp (12 bytes)", and the line
+// of the totals.
+std::string ReportLine(const ReportEvent& event);
+std::string ReportLine(const ReportTotals& totals);
+
+// The report as lines of text.
+class ReportLines : public ReportWriter {
   public:
-    // `output` stays the caller's. Each line is written out at once: what is reported was done, and
-    // a run that is killed must not take lines with it.
-    explicit ReportLines(std::FILE* output);
+    explicit ReportLines(std::FILE* output) : stream_(output) {}  // as ReportStream
 
-    void Write(const ReportEvent& event);
-    void WriteTotals(const ReportTotals& totals);
-
-    // Fails when not every line could be written.
-    Status Finish();
+    void Begin(const ReportRun& /*run*/) override {}
+    void Write(const ReportEvent& event) override { stream_.WriteLine(ReportLine(event)); }
+    Status Finish(const ReportEnd& end) override;
 
   private:
-    void WriteLine(const std::string& line);
-
-    std::FILE* output_;
-    bool isWritten_ = true;
+    ReportStream stream_;
 };
 
 }  // namespace platform

@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <optional>
-#include <vector>
 
 #include "platform/diagnostics/run_log.h"
 #include "platform/registry/text/registry_roots.h"
+#include "platform/text/device_paths.h"
 
 namespace platform {
 
@@ -53,17 +53,10 @@ std::string RegistryReason(LONG code) {
 
 }  // namespace
 
-ReportingStore::ReportingStore(DeviceStore& inner, std::FILE* report, RunLog& log)
-    : ForwardingStore(inner), log_(log) {
-    if (report != nullptr) {
-        lines_.emplace(report);
-    }
-}
-
 void ReportingStore::Write(const ReportEvent& event) {
     totals_.Count(event);
-    if (lines_) {
-        lines_->Write(event);
+    for (ReportWriter* const writer : writers_) {
+        writer->Write(event);
     }
 }
 
@@ -87,7 +80,7 @@ void ReportingStore::ReportSearch(const std::u16string& pattern) {
     const DWORD code = ErrorCodeOf(LastFailure());
     const bool isRead = code == ERROR_NO_MORE_FILES || IsNotThere(LastFailure());
     if (!isRead && pattern.ends_with(u'*')) {
-        ReportUndone({ReportAction::ReadDirectory, pattern.substr(0, pattern.rfind(u'\\') + 1)});
+        ReportUndone({ReportAction::ReadDirectory, CanonicalPath(SplitAtName(pattern).directory)});
     }
 }
 
@@ -118,9 +111,11 @@ BOOL ReportingStore::FindClose(HANDLE find) {
 BOOL ReportingStore::DeleteFileW(const WCHAR* path) {
     const BOOL deleted = files().DeleteFileW(path);
     if (deleted != 0) {
-        Report({.action = ReportAction::DeleteFile, .path = path, .bytes = DeletedSize()});
+        Report({.action = ReportAction::DeleteFile,
+                .path = CanonicalPath(path),
+                .bytes = DeletedSize()});
     } else if (!IsNotThere(LastFailure())) {
-        ReportUndone({ReportAction::DeleteFile, path});
+        ReportUndone({ReportAction::DeleteFile, CanonicalPath(path)});
     }
     return deleted;
 }
@@ -128,9 +123,9 @@ BOOL ReportingStore::DeleteFileW(const WCHAR* path) {
 BOOL ReportingStore::RemoveDirectoryW(const WCHAR* path) {
     const BOOL removed = files().RemoveDirectoryW(path);
     if (removed != 0) {
-        Report({ReportAction::RemoveDirectory, path});
+        Report({ReportAction::RemoveDirectory, CanonicalPath(path)});
     } else if (!IsNotThere(LastFailure()) && !IsWantedAnyway(LastFailure(), ERROR_DIR_NOT_EMPTY)) {
-        ReportUndone({ReportAction::RemoveDirectory, path});
+        ReportUndone({ReportAction::RemoveDirectory, CanonicalPath(path)});
     }
     return removed;
 }
@@ -138,9 +133,9 @@ BOOL ReportingStore::RemoveDirectoryW(const WCHAR* path) {
 BOOL ReportingStore::CreateDirectoryW(const WCHAR* path, void* security) {
     const BOOL made = files().CreateDirectoryW(path, security);
     if (made != 0) {
-        Report({ReportAction::MakeDirectory, path});
+        Report({ReportAction::MakeDirectory, CanonicalPath(path)});
     } else if (!IsWantedAnyway(LastFailure(), ERROR_ALREADY_EXISTS)) {
-        ReportUndone({ReportAction::MakeDirectory, path});
+        ReportUndone({ReportAction::MakeDirectory, CanonicalPath(path)});
     }
     return made;
 }
@@ -148,21 +143,21 @@ BOOL ReportingStore::CreateDirectoryW(const WCHAR* path, void* security) {
 BOOL ReportingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     const BOOL moved = files().MoveFileW(oldPath, newPath);
     if (moved != 0) {
-        Report({ReportAction::MoveEntry, oldPath, newPath});
+        Report({ReportAction::MoveEntry, CanonicalPath(oldPath), CanonicalPath(newPath)});
     } else if (!IsWantedAnyway(LastFailure(), ERROR_FILE_NOT_FOUND)) {
-        ReportUndone({ReportAction::MoveEntry, oldPath, newPath});
+        ReportUndone({ReportAction::MoveEntry, CanonicalPath(oldPath), CanonicalPath(newPath)});
     }
     return moved;
 }
 
 void ReportingStore::NothingMoves(const WCHAR* source, const WCHAR* destination) {
-    ReportUndone({ReportAction::MoveEntry, source, destination});
+    ReportUndone({ReportAction::MoveEntry, CanonicalPath(source), CanonicalPath(destination)});
     ForwardingStore::NothingMoves(source, destination);
 }
 
 BOOL ReportingStore::SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     const BOOL made = files().SHCreateShortcut(path, target);
-    const ReportEvent event = {ReportAction::MakeShortcut, path, target};
+    const ReportEvent event = {ReportAction::MakeShortcut, CanonicalPath(path), target};
     made != 0 ? Report(event) : ReportUndone(event);
     return made;
 }
@@ -262,17 +257,13 @@ Status ReportingStore::StoreRegistry() {
     return stored;
 }
 
-Status ReportingStore::Finish() {
+ReportTotals ReportingStore::WriteLastEvents() {
     SettleRegistry();
     for (; !pending_.empty(); pending_.pop_front()) {
         pending_.front().event.failure = whyNotStored_;
         Write(pending_.front().event);
     }
-    if (!lines_) {
-        return {};
-    }
-    lines_->WriteTotals(totals_);
-    return lines_->Finish();
+    return totals_;
 }
 
 }  // namespace platform

@@ -1,28 +1,28 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
 #include <deque>
 #include <map>
-#include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/diagnostics/run_log.h"
 #include "platform/report/report_event.h"
-#include "platform/report/report_lines.h"
+#include "platform/report/report_writer.h"
 #include "platform/seam/forwarding_store.h"
 
 namespace platform {
 
 // Reports what is done to the device and what could not be: an event for each thing, after it was
 // done, with the step of the Apply sequence that did it, and the totals when asked. A change of the
-// registry is done when it is stored.
+// registry is done when it is stored. Paths have their canonical spelling.
 class ReportingStore : public ForwardingStore {
   public:
-    // All stay the caller's. `report` may be null: then nothing is written, and the log alone
-    // counts what could not be done.
-    ReportingStore(DeviceStore& inner, std::FILE* report, RunLog& log);
+    // All stay the caller's. Without writers the log alone counts what could not be done.
+    ReportingStore(DeviceStore& inner, std::vector<ReportWriter*> writers, RunLog& log)
+        : ForwardingStore(inner), writers_(std::move(writers)), log_(log) {}
 
     // What could not be done because it was done already, or is not there, is not reported.
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
@@ -48,8 +48,8 @@ class ReportingStore : public ForwardingStore {
     Status StoreRegistry() override;
     void NothingMoves(const WCHAR* source, const WCHAR* destination) override;
 
-    // Writes the last lines. Fails when the report could not be written whole.
-    Status Finish();
+    // Writes the last events. Returns the totals, with which the writers can be finished.
+    ReportTotals WriteLastEvents();
 
   private:
     // A change of the registry that is not known to be stored yet.
@@ -66,7 +66,7 @@ class ReportingStore : public ForwardingStore {
     LONG NoteChange(LONG result, ReportEvent change, std::uint64_t before);
     std::u16string PathBelow(HKEY key, std::u16string_view subkey) const;
 
-    std::optional<ReportLines> lines_;  // none where only the log counts
+    std::vector<ReportWriter*> writers_;
     RunLog& log_;
     std::map<HKEY, std::u16string> openKeys_;    // the path of each
     std::map<HANDLE, std::u16string> searches_;  // the pattern of each open search

@@ -23,4 +23,20 @@ std::vector<std::u16string_view> ComponentsOf(std::u16string_view path) {
     return components;
 }
 
+std::u16string CanonicalPath(std::u16string_view path) {
+    std::u16string canonical;
+    canonical.reserve(path.size() + 1);
+    bool isBegun = false;  // a component
+    for (const char16_t unit : path) {
+        if (unit != u'\\' && !isBegun) {
+            canonical += u'\\';
+        }
+        isBegun = unit != u'\\';
+        if (isBegun) {
+            canonical += unit;
+        }
+    }
+    return canonical.empty() && !path.empty() ? u"\\" : canonical;
+}
+
 }  // namespace platform

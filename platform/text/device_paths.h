@@ -1,5 +1,6 @@
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -15,5 +16,9 @@ SplitPath SplitAtName(std::u16string_view path);
 
 // The components of a path, without the empty ones that doubled backslashes make.
 std::vector<std::u16string_view> ComponentsOf(std::u16string_view path);
+
+// The one spelling of a path among those that lead to the same place: a backslash before each
+// component and nowhere else; a single one for the root. An empty path stays empty.
+std::u16string CanonicalPath(std::u16string_view path);
 
 }  // namespace platform

@@ -12,7 +12,14 @@ namespace platform {
 
 namespace {
 
+constexpr bool IsPlain(utf8proc_int32_t character) {
+    return character >= ' ' && character <= '~';
+}
+
 bool IsSeen(utf8proc_int32_t character) {
+    if (IsPlain(character)) {
+        return true;
+    }
     switch (utf8proc_category(character)) {
         case UTF8PROC_CATEGORY_CC:
         case UTF8PROC_CATEGORY_CF:
@@ -37,10 +44,13 @@ void AppendEscape(std::string& text, char16_t unit) {
 
 std::string ReadableText(std::u16string_view text) {
     std::string readable;
+    readable.reserve(text.size());
     for (std::size_t index = 0; index < text.size();) {
         const std::size_t begin = index;
         const utf8proc_int32_t character = NextCharacter(text, index);
-        if (character == u'\n') {
+        if (IsPlain(character)) {
+            readable += static_cast<char>(character);
+        } else if (character == u'\n') {
             readable += ' ';
         } else if (character == u'\r' && text.substr(index).starts_with(u'\n')) {
             continue;  // the line feed after it makes the blank
@@ -53,6 +63,15 @@ std::string ReadableText(std::u16string_view text) {
         }
     }
     return readable;
+}
+
+bool IsReadable(std::u16string_view text) {
+    for (std::size_t index = 0; index < text.size();) {
+        if (!IsSeen(NextCharacter(text, index))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 std::string ReadableBytes(std::string_view bytes) {

@@ -9,7 +9,10 @@ namespace platform {
 // not be seen, or that stands for a byte of a host name, as <XXXX> with its hexadecimal digits.
 std::string ReadableText(std::u16string_view text);
 
-// The same for a path of the host; bytes that are no UTF-8 become escapes as well.
+// Whether nothing of the text is changed by that: as UTF-8 it is its own readable form.
+bool IsReadable(std::u16string_view text);
+
+// The readable form of a path of the host; bytes that are no UTF-8 become escapes as well.
 std::string ReadableBytes(std::string_view bytes);
 
 }  // namespace platform

@@ -13,6 +13,7 @@
 
 #include "platform/device/assembled_device.h"
 #include "platform/display/window_repainting_store.h"
+#include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
@@ -34,9 +35,9 @@ const struct Implementation {
     {"RehearsedDevice", [](auto& /*store*/) { return Wrapper(); }, true},
     {"ReportingStore",
      [](auto& store) {
-         static std::FILE* const report = std::fopen("/dev/null", "w");
+         static platform::ReportLines report(std::fopen("/dev/null", "w"));
          static platform::RunLog log("");
-         return Wrapper(new platform::ReportingStore(store, report, log));
+         return Wrapper(new platform::ReportingStore(store, {&report}, log));
      }},
     {"WindowRepaintingStore",
      [](auto& store) { return Wrapper(new platform::WindowRepaintingStore(store, [] {})); }},

@@ -3,6 +3,7 @@
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
+#include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
@@ -67,7 +68,8 @@ TEST(ApplySequence, ASilentRunDoesItsStepsInOrder) {
                                     device.OpenRegistry());
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
-    platform::ReportingStore recorder(store, stdout, log);
+    platform::ReportLines lines(stdout);
+    platform::ReportingStore recorder(store, {&lines}, log);
     CollectedBoxes windows;
     const platform::StoreInUse storeInUse(recorder);
     const platform::WindowsInUse windowsInUse(windows);

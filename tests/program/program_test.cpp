@@ -62,11 +62,16 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
     // What it says is a part of standard error, or of standard output where it ends well.
     const std::tuple<Entries, int, std::string> cases[] = {
         {{}, 64, "no device directory"},
-        {{"--device", taken, "--dry-run", "silent"}, 64, "--dry-run"},
-        {{"--device", taken, "silent", "--unknown"}, 64, "--unknown"},
+        {{"--device", taken, "-r", "silent"}, 64, "fennelbright: -r: there is no such option; see"},
+        {{"--device", taken, "silent", "--unknown"}, 64, "fennelbright: --unknown: there is no"},
+        {{"--strict=1", "silent"}, 64, "fennelbright: --strict=1: this option takes no value"},
+        {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
-        {{"--device", taken, "--device", taken, "silent"}, 64, "more than one"},
+        {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
+        {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
+        {{"--device", taken, "--report-html", "", "silent"}, 64, "report is empty"},
+        {{"--device", taken, "--report=xml", "silent"}, 64, "\"lines\" or \"json\""},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
         {{"--device", damaged.path(), "silent"}, 65, "line 3"},
@@ -223,7 +228,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
          ""},
         {{"Temp>Windows", "Windows/", SettingsEntry(kRootTemp)},
          {0, 74},
-         "step 3: not read \\Temp\\ (a symbolic link, which is not followed)",
+         "step 3: not read \\Temp (a symbolic link, which is not followed)",
          ""},
         {{SettingsEntry(kRootTemp)}, {0, 74}, "", "[Error] Unable to locate", ""},
         {{SettingsEntry(kRootTemp + 'x')}, {0, 74}, "", "settings.dat is damaged"},
@@ -260,7 +265,9 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
             EXPECT_NE(outcome.errors.find(run.errors), std::string::npos) << outcome.errors;
             EXPECT_EQ(outcome.output.find("wrote"), std::string::npos);
             EXPECT_EQ(ReadFile(device.registry()), run.registry);
-            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(device.path()), {}), 2);
+            EXPECT_EQ(std::distance(std::filesystem::directory_iterator(device.path()), {}),
+                      run.report.empty() ? 2 : 3)
+                << "with last-run.txt where there was something to do";
         }
     }
 }
@@ -274,6 +281,60 @@ TEST(Program, AReportWithoutAReaderDoesNotStopTheWork) {
     EXPECT_EQ(outcome.exitCode, 0);
     EXPECT_NE(outcome.errors.find("cannot write the report"), std::string::npos);
     EXPECT_EQ(device.Listing().size(), 4U);
+}
+
+// A page that cannot be written is not done; last-run.txt costs no exit code.
+TEST(Program, ReportsReplaceOnlyRegularFilesOutsideOfTheDevice) {
+    const struct {
+        std::string page;  // "d" leads to the device
+        Entries before;    // beside it
+        int exitCode;
+        std::string says;
+    } cases[] = {
+        {"page", {}, 0, ""},
+        {"page", {"../page=old", "../d/last-run.txt=old"}, 0, ""},
+        {"page", {"../target=old", "../page>target"}, 74, "page: cannot replace it: it is not a r"},
+        {"page", {"../page/"}, 74, "page: cannot replace it: it is not a regular file"},
+        {"page", {"../page=locked"}, 74, "page: cannot replace it: it is read-only"},
+        {"none/page", {}, 74, "/none/page: cannot write the report: No such file"},
+        {"d/files/Temp/page", {}, 74, "it would be in the device directory"},
+        {"d/registry.reg", {}, 74, "it would be in the device directory"},
+        {"page",
+         {"../d/last-run.txt>../t", "../t=old"},
+         0,
+         "last-run.txt: cannot replace it: it i"},
+        {"page", {"../d/last-run.txt/"}, 0, "last-run.txt: cannot replace it: it is not a reg"},
+        {"page", {"../d/last-run.txt=locked"}, 0, "last-run.txt: cannot replace it: it is read"},
+    };
+    const auto read = [](const std::string& path) {
+        return std::filesystem::is_regular_file(path) ? ReadFile(path) : "";
+    };
+    for (const auto& each : cases) {
+        const TemporaryDevice place({"../d/files/Temp/a=1",
+                                     "../d/files/" + SettingsEntry(kRootTemp),
+                                     "../d/registry.reg=" + std::string(kQuietTweaks)});
+        const std::string device = place.path() + "/d";
+        place.Make(each.before);
+        for (const std::string& path : {place.path() + "/page", device + "/last-run.txt"}) {
+            if (read(path) == "locked") {
+                chmod(path.c_str(), 0444);
+            }
+        }
+        const Outcome outcome = RunProgram({"--device", device, "--report=json", "--strict", "s",
+                                            "--report-html", place.path() + '/' + each.page});
+        SCOPED_TRACE(outcome.errors);
+        const std::string last = read(device + "/last-run.txt");
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_TRUE(outcome.output.ends_with(':' + std::to_string(each.exitCode) + "}\n"));
+        EXPECT_NE(outcome.errors.find(each.says), std::string::npos);
+        EXPECT_EQ(outcome.errors.empty(), each.says.empty());
+        EXPECT_EQ(read(place.path() + "/page").ends_with("</html>\n"), each.exitCode == 0);
+        EXPECT_EQ(last.starts_with("step 3: deleted \\Temp\\a (1 byte)\ntotal: 1 "),
+                  !each.says.starts_with("last"));
+        EXPECT_EQ(read(device + "/registry.reg"), kQuietTweaks);
+        EXPECT_EQ(RunProgram({"--device", device, "silent"}).errors, "") << "nothing to do";
+        EXPECT_EQ(read(device + "/last-run.txt"), last);
+    }
 }
 
 TEST(Program, MemoryThatRunsOutEndsTheRunAndChangesNothing) {

@@ -86,10 +86,10 @@ TEST(Settings, EveryOptionHasItsBoxItsBitAndItsValue) {
     program.Run({[&] {
         for (const OptionRow& row : kOptionRows) {
             CSettings with;
-            EXPECT_EQ(CaptureSettings(with), 0x1FFFFFFu);
+            EXPECT_EQ(CaptureSettings(with), kAllOptions);
             EXPECT_EQ(std::exchange(program.Control(row.screen, row.box).check, 0), 1);
             CSettings without;
-            EXPECT_EQ(CaptureSettings(without), 0x1FFFFFFu - row.bit);
+            EXPECT_EQ(CaptureSettings(without), kAllOptions - row.bit);
             program.Control(row.screen, row.box).check = 1;
             EXPECT_TRUE(row.text == nullptr || g_Settings->*row.text == nullptr);
             if (row.className != nullptr) {

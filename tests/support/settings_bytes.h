@@ -6,6 +6,8 @@
 
 // The parts of a settings.dat, as they are stored.
 
+inline constexpr std::uint32_t kAllOptions = 0x1FFFFFF;
+
 inline std::string Wide(const std::u16string& text) {
     std::string bytes;
     for (const char16_t unit : text) {
@@ -25,7 +27,7 @@ inline std::string Record(const std::u16string& text) {
 // A whole file with every option ticked, its eight texts and its four positions.
 inline std::string AllOptionsWith(std::initializer_list<std::u16string> texts,
                                   std::initializer_list<std::uint32_t> positions) {
-    std::string bytes = Number(0x1FFFFFF);
+    std::string bytes = Number(kAllOptions);
     for (const std::u16string& text : texts) {
         bytes += Record(text);
     }

@@ -7,7 +7,9 @@
 #include <QScrollBar>
 #include <QStyleOption>
 #include <QStyledItemDelegate>
+#include <QWheelEvent>
 #include <algorithm>
+#include <cstdlib>
 #include <functional>
 
 namespace platform::qt {
@@ -105,7 +107,17 @@ class RowDelegate : public QStyledItemDelegate {
     const ListView& list_;
 };
 
+// Up and down the wheel scrolls the page, also when this bar has come below a resting pointer.
+class SidewaysBar : public QScrollBar {
+  protected:
+    void wheelEvent(QWheelEvent* event) override {
+        const QPoint turn = event->angleDelta();
+        std::abs(turn.x()) > std::abs(turn.y()) ? QScrollBar::wheelEvent(event) : event->ignore();
+    }
+};
+
 void ShowBars(ListView& list, DWORD style) {
+    list.setHorizontalScrollBar(new SidewaysBar);
     const bool always = (style & LBS_DISABLENOSCROLL) != 0;
     const auto policy = [&](DWORD bar) {
         if ((style & bar) == 0) {

@@ -45,7 +45,6 @@ void HelpWindow::AddControls() {
     column->setSpacing(kMargin);
     auto* const row = new QHBoxLayout;
     column->addLayout(row);
-    column->addWidget(page_);
     back_ = new QPushButton(QStringLiteral("Back"));
     back_->setEnabled(false);
     QPalette colors = back_->palette();
@@ -57,12 +56,13 @@ void HelpWindow::AddControls() {
     label->setBuddy(wanted_);
     auto* const find = new QPushButton(QStringLiteral("Find next"));
     answer_ = new QLabel;
-    answer_->setAccessibleName(QStringLiteral("Result of the search"));
+    answer_->setTextFormat(Qt::PlainText);
     for (QWidget* const widget : {static_cast<QWidget*>(back_), static_cast<QWidget*>(label),
                                   static_cast<QWidget*>(wanted_), static_cast<QWidget*>(find)}) {
         row->addWidget(widget);
     }
     column->addWidget(answer_);
+    column->addWidget(page_);
     answer_->hide();
     connect(back_, &QPushButton::clicked, this, [this] { GoBack(); });
     connect(find, &QPushButton::clicked, this, [this] { Find(); });
@@ -129,7 +129,9 @@ void HelpWindow::Find() {
     Answer(QStringLiteral("\"%1\" is not on this page").arg(wanted));
 }
 
+// Beside the box, and with it for who cannot see the window and has the keyboard in the box.
 void HelpWindow::Answer(const QString& text) {
+    wanted_->setAccessibleDescription(text);
     answer_->setText(text);
     answer_->setVisible(!text.isEmpty());
 }

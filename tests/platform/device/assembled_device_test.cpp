@@ -10,6 +10,7 @@
 #include "platform/device/hard_reset.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/registry_saving_windows.h"
+#include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/mounted_device.h"
@@ -33,7 +34,8 @@ LONG WriteNumber(platform::DeviceStore& store) {
 void WriteAndErase(const TemporaryDevice& device) {
     platform::AssembledDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
     platform::RunLog log("");
-    platform::ReportingStore recorder(store, stderr, log);
+    platform::ReportLines lines(stderr);
+    platform::ReportingStore recorder(store, {&lines}, log);
     WriteNumber(recorder);
     WriteNumber(recorder);
     recorder.SetCleanRebootFlag();
@@ -54,8 +56,8 @@ TEST(AssembledDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack)
     WriteFile(device.registry(), kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
                 "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "
-                "erased; its files and registry as they were are in its folder "
-                "erased-20..-..-..\n$");
+                "erased; the old files and registry are in erased-20..-..-.. in the device "
+                "directory\n$");
     const std::string folder = device.path() + "/erased-" + platform::Today();
     EXPECT_EQ(ReadFile(folder + "/registry.reg"), kWritten);
     EXPECT_EQ(ReadFile(folder + "/files/f"), "1");
@@ -131,7 +133,8 @@ TEST(AssembledDeviceTest, AChangeWhoseKeyAnotherProgramDeletesIsNotReportedAsDon
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
-    platform::ReportingStore recorder(store, stdout, log);
+    platform::ReportLines lines(stdout);
+    platform::ReportingStore recorder(store, {&lines}, log);
     ASSERT_EQ(WriteNumber(recorder), ERROR_SUCCESS);
     WriteFile(device.registry(), "; another editor\n");
     testing::internal::CaptureStderr();

@@ -43,9 +43,9 @@ struct Case {
 };
 
 const Case kCases[] = {
-    {{"erased-1/", "files/", "files/f=1", "registry.reg=\n"},
+    {{"erased-1/", "files/", "files/f=1", "last-run.txt=\n", "registry.reg=\n"},
      {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1", "erased-1-2/registry.reg=\n",
-      "erased-1/", "files/"}},
+      "erased-1/", "files/", "last-run.txt=\n"}},
     {{"erased-1/", "files/", "files/f=1"},
      {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1",
       "erased-1-2/registry.reg=", "erased-1/", "files/"}},

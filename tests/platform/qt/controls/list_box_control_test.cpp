@@ -3,6 +3,7 @@
 #include <QListView>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QWheelEvent>
 #include <initializer_list>
 #include <string>
 #include <vector>
@@ -83,6 +84,25 @@ TEST_F(ListBoxControlTest, AThousandAddedEntriesAreSortedInByOneInsertion) {
     EXPECT_EQ(Send(list_, LB_GETSELITEMS, 1, &selected), 1);
     EXPECT_EQ(selected, 1001) << "the selection has not gone with its entry";
     EXPECT_EQ(insertions.size(), 1);
+}
+
+TEST_F(ListBoxControlTest, AWheelMovesTheBarOfItsOwnDirectionAlone) {
+    Send(list_, LB_SETHORIZONTALEXTENT, 400);
+    Fill({u"a", u"b", u"c", u"d", u"e", u"f", u"g", u"h", u"i", u"j", u"k", u"l"});
+    const struct {
+        QScrollBar* bar;
+        QPoint turn;
+        bool moved;  // else the page moves
+    } rows[] = {{view_.horizontalScrollBar(), {0, -120}, false},
+                {view_.horizontalScrollBar(), {-120, 0}, true},
+                {view_.verticalScrollBar(), {0, -120}, true}};
+    for (const auto& [bar, turn, moved] : rows) {
+        QWheelEvent wheel(QPointF(5, 5), bar->mapToGlobal(QPointF(5, 5)), {}, turn, Qt::NoButton,
+                          Qt::NoModifier, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(bar, &wheel);
+        EXPECT_EQ(bar->value() > 0, moved);
+        EXPECT_EQ(wheel.isAccepted(), moved);
+    }
 }
 
 TEST_F(ListBoxControlTest, OfAllKeysTheBlankAloneSelects) {

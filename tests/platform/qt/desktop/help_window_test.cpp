@@ -43,9 +43,15 @@ TEST_F(HelpWindowTest, LinksAndKeysLeadWithinThePageAlone) {
     QTest::keyClick(&window, Qt::Key_Left, Qt::AltModifier);
     EXPECT_EQ(text.verticalScrollBar()->value(), begin);
     QTest::keyClick(&window, Qt::Key_F, Qt::ControlModifier);
-    QTest::keyClicks(window.findChild<QLineEdit*>(), QStringLiteral("there"));
-    QTest::keyClick(window.findChild<QLineEdit*>(), Qt::Key_Return);
+    auto& wanted = *window.findChild<QLineEdit*>();
+    QTest::keyClicks(&wanted, QStringLiteral("there"));
+    QTest::keyClick(&wanted, Qt::Key_Return);
     EXPECT_EQ(text.textCursor().selectedText(), "there");
+    EXPECT_EQ(wanted.accessibleDescription(), "");
+    QTest::keyClick(&wanted, Qt::Key_S);
+    QTest::keyClick(&wanted, Qt::Key_Return);
+    EXPECT_EQ(text.textCursor().selectedText(), "there");
+    EXPECT_EQ(wanted.accessibleDescription(), "\"theres\" is not on this page");
     EXPECT_EQ(window.windowTitle(), "T");
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "platform/device/device_directory.h"
+#include "platform/diagnostics/run_log.h"
+#include "platform/host/command_line.h"
+#include "platform/report/report_writer.h"
+
+namespace platform {
+
+// The forms in which one run is reported, from their first line to their last.
+class RunReport {
+  public:
+    // Begins those that the command line asks for, and of a silent run last-run.txt. What cannot be
+    // begun is a line of the log. The device stays the caller's.
+    RunReport(const CommandLine& line, const DeviceDirectory& device, bool isSilent, RunLog& log);
+
+    std::vector<ReportWriter*> writers() const;
+
+    // Ends all of them. A form that was asked for and could not be written whole counts as not
+    // done.
+    void Finish(const ReportTotals& totals, bool strict);
+
+  private:
+    void AddPage(const std::string& file, const DeviceDirectory& device);
+
+    RunLog& log_;
+    std::unique_ptr<ReportWriter> lastRun_;  // of a silent run
+    std::vector<std::unique_ptr<ReportWriter>>
+        asked_;  // the one on standard output is the last one
+};
+
+}  // namespace platform

@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstdio>
+#include <string>
+
+#include "platform/diagnostics/failure.h"
+
+namespace platform {
+
+// Writes lines to a stream, each one at once: what is reported was done, and a run that is killed
+// must not take lines with it.
+class ReportStream {
+  public:
+    // `output` stays the caller's.
+    explicit ReportStream(std::FILE* output);
+
+    // `line` without its end.
+    void WriteLine(std::string line);
+
+    // Fails when not every line could be written.
+    Status Finish();
+
+  private:
+    std::FILE* output_;
+    bool isWritten_ = true;
+};
+
+}  // namespace platform
