@@ -29,6 +29,7 @@ const char kHelp[] =
     "  --report[=FORM]   say on standard output what was done, and what could not be: FORM is\n"
     "                    \"lines\", which is the same as none, or \"json\" for programs\n"
     "  --report-html FILE  write the same as a page for a browser\n"
+    "  --rehearse        change nothing: find out and report what the run would do\n"
     "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
     "  --no-display      open no window; messages go to standard error\n"
     "  --boot            do what the device does when it starts: run the program for each\n"
@@ -58,6 +59,7 @@ enum Choice {
     kReport,
     kReportPage,
     kStrict,
+    kRehearse,
     kNoDisplay,
     kScale,
     kBoot,
@@ -75,6 +77,7 @@ constexpr option kChoices[] = {
     {"report", optional_argument, nullptr, kReport},
     {"report-html", required_argument, nullptr, kReportPage},
     {"strict", no_argument, nullptr, kStrict},
+    {"rehearse", no_argument, nullptr, kRehearse},
     {"no-display", no_argument, nullptr, kNoDisplay},
     {"boot", no_argument, nullptr, kBoot},
     {"scale", required_argument, nullptr, kScale},
@@ -154,6 +157,9 @@ Status SetSwitch(int choice, CommandLine& line) {
     switch (choice) {
         case kStrict:
             line.strict = true;
+            return {};
+        case kRehearse:
+            line.rehearse = true;
             return {};
         case kNoDisplay:
             line.noDisplay = true;

@@ -22,6 +22,7 @@ struct CommandLine {
     ReportForm report = ReportForm::None;
     std::string reportPage;  // the file for the report as a page; empty: none
     bool strict = false;
+    bool rehearse = false;
     bool noDisplay = false;
     double scale = 0;  // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
 };

@@ -81,7 +81,8 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
 }
 
 DeviceRun::ExitCode DeviceRun::Lock() {
-    const Result<bool> locked = LockDevice(device_);
+    const Result<bool> locked =
+        LockDevice(device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive);
     if (locked && !*locked) {
         log_.Say("in use by another run; try again when it has ended");
         return EX_TEMPFAIL;
@@ -99,9 +100,14 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
+    const auto exit = [this](int code) { EndOnTheSpot(code); };
+    if (line_.rehearse) {
+        store_ = AssembledDevice::Rehearsed(std::move(device_.files), line_.modulePath,
+                                            std::move(*registry), exit);
+        return {};
+    }
     store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
-                                               std::move(*registry),
-                                               [this](int code) { EndOnTheSpot(code); });
+                                               std::move(*registry), exit);
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
         RemoveUnfinishedFilesIn(device_.directory.get());

@@ -88,7 +88,7 @@ std::unique_ptr<ReportWriter> WriterOnOutput(ReportForm form) {
 RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, bool isSilent,
                      RunLog& log)
     : log_(log) {
-    if (isSilent) {
+    if (isSilent && !line.rehearse) {
         lastRun_ = std::make_unique<LastRunFile>(device.directory.get());
     }
     if (!line.reportPage.empty()) {
@@ -100,7 +100,8 @@ RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, boo
     const ReportRun run = {.version = FENNELBRIGHT_VERSION,
                            .device = line.device,
                            .programLine = line.programLine,
-                           .started = std::time(nullptr)};
+                           .started = std::time(nullptr),
+                           .isRehearsal = line.rehearse};
     for (ReportWriter* const writer : writers()) {
         writer->Begin(run);
     }
