@@ -23,6 +23,7 @@ class FolderDialog : public QFileDialog {
                       first) {
         setFileMode(QFileDialog::Directory);
         setOption(QFileDialog::ShowDirsOnly);
+        setViewMode(QFileDialog::List);  // of folders, only the names say anything
         resize(kDialogSize.boundedTo(screen()->availableSize()));
     }
 
