@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "platform/diagnostics/run_log.h"
-#include "platform/rehearsal/rehearsed_tree.h"
+#include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
 
@@ -33,10 +33,15 @@ std::unique_ptr<AssembledDevice> AssembledDevice::Rehearsed(Descriptor files,
                                                             std::u16string modulePath,
                                                             std::unique_ptr<Registry> registry,
                                                             Exit exit) {
-    registry->Rehearse();
-    return std::make_unique<AssembledDevice>(std::make_unique<RehearsedTree>(std::move(files)),
-                                             std::move(modulePath), std::move(registry),
-                                             std::move(exit));
+    auto tree = std::make_unique<RehearsedTree>(std::move(files));
+    const int directory = registry->directory();
+    const dev_t volume = IdentityOf(directory).value_or(FileIdentity()).device;
+    RehearsedRoom& room = tree->room();
+    registry->Rehearse(
+        {[&room, directory, volume](std::size_t size) { return room.Take(directory, volume, size); },
+         [&room, volume](std::size_t size) { room.Free(volume, room.RoomFor(volume, size)); }});
+    return std::make_unique<AssembledDevice>(std::move(tree), std::move(modulePath),
+                                             std::move(registry), std::move(exit));
 }
 
 }  // namespace platform

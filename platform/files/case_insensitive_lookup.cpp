@@ -75,35 +75,12 @@ Result<std::optional<HostName>> FindHostName(const FileTree& tree, const OpenedD
     });
 }
 
-namespace {
-
-// The name with its letters in another case; the same name when it has no letters.
-DeviceName InOtherCase(std::u16string_view name) {
-    DeviceName upper;
-    for (const WCHAR unit : name) {
-        upper.Append(FoldUnit(unit));
-    }
-    if (upper.view() != name) {
-        return upper;
-    }
-    DeviceName lower;
-    for (const WCHAR unit : name) {
-        lower.Append(unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit - u'A' + u'a') : unit);
-    }
-    return lower;
-}
-
-}  // namespace
-
 HostName ListedName(const FileTree& tree, const OpenedDirectory& directory, const HostName& name) {
-    const DeviceName device = DeviceNameOf(name.view());
-    HostName other;
-    if (!HostNameOf(InOtherCase(device.view()).view(), other) || other.view() == name.view() ||
-        !IsSameFile(tree.Identity(directory, other.c_str()),
-                    tree.Identity(directory, name.c_str()))) {
+    if (!tree.IgnoresCase(directory, name)) {
         return name;
     }
-    Result<std::optional<HostName>> listed = FindHostName(tree, directory, device.view());
+    Result<std::optional<HostName>> listed =
+        FindHostName(tree, directory, DeviceNameOf(name.view()).view());
     return listed ? listed->value_or(name) : name;
 }
 

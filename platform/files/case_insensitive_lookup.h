@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/files/file_tree.h"
+#include "platform/tree/file_tree.h"
 #include "platform/files/name_hash_set.h"
 #include "platform/text/name_translation.h"
 

@@ -329,23 +329,36 @@ Status HostFiles::MoveTo(const Place& source, std::u16string_view oldPath,
     if (!source.facts.isRegularFile()) {
         return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
     }
-    const Result<OpenedDirectory> from = paths_.OpenVolume(oldPath);
-    const Result<OpenedDirectory> to = paths_.OpenVolume(newPath);
+    const Result<const OpenedDirectory*> from = VolumeOf(oldPath, from_);
+    const Result<const OpenedDirectory*> to = VolumeOf(newPath, to_);
     if (!from || !to) {
         return tl::unexpected<Failure>((from ? to : from).error());
     }
     return tree_->MoveToVolume(
-        {source.directory(), source.name.c_str(), *from, oldPath, into, name, &*to});
+        {source.directory(), source.name.c_str(), **from, oldPath, into, name, *to});
+}
+
+Result<const OpenedDirectory*> HostFiles::VolumeOf(std::u16string_view path,
+                                                   KeptVolume& kept) const {
+    const std::u16string_view directory = SplitAtName(path).directory;
+    if (!kept.root || kept.directory != directory) {
+        Result<OpenedDirectory> opened = paths_.OpenVolume(path);
+        if (!opened) {
+            return tl::unexpected<Failure>(opened.error());
+        }
+        kept = {std::u16string(directory), std::move(*opened)};
+    }
+    return &*kept.root;
 }
 
 // A move that was cut off left the entry under both names.
 Status HostFiles::FinishMoveTo(const Place& source, std::u16string_view oldPath,
                                const Target& target) {
-    const Result<OpenedDirectory> volume = paths_.OpenVolume(oldPath);
+    const Result<const OpenedDirectory*> volume = VolumeOf(oldPath, from_);
     if (!volume || !source.facts.isRegularFile()) {
         return Fail("move", EEXIST);
     }
-    return tree_->FinishMove({source.directory(), source.name.c_str(), *volume, oldPath,
+    return tree_->FinishMove({source.directory(), source.name.c_str(), **volume, oldPath,
                               target.directory->opened, target.host.c_str(), nullptr});
 }
 
@@ -354,6 +367,8 @@ void HostFiles::ForgetDestinationDirectories() {
     paths_.lookup().EndLooks();
     if (searches_.empty()) {
         filled_.Clear();
+        from_ = {};
+        to_ = {};
     }
 }
 

@@ -90,6 +90,12 @@ class HostFiles : public DeviceFiles {
     // What becomes of a file that has the name of the one to be written.
     enum class Existing { Replaced, Kept };
 
+    // The volume of the directory that files are moved from or to, opened once.
+    struct KeptVolume {
+        std::u16string directory;
+        std::optional<OpenedDirectory> root;
+    };
+
     Status BeforeChange() { return guard_ == nullptr ? Status() : guard_->BeforeChange(); }
     Status BeforeMove() { return guard_ == nullptr ? Status() : guard_->BeforeMove(); }
     Status ReachDirectory(std::u16string_view path, Place& place);
@@ -107,6 +113,7 @@ class HostFiles : public DeviceFiles {
     Status Move(const Place& source, std::u16string_view oldPath, std::u16string_view newPath);
     Status MoveTo(const Place& source, std::u16string_view oldPath, std::u16string_view newPath,
                   const Target& target);
+    Result<const OpenedDirectory*> VolumeOf(std::u16string_view path, KeptVolume& kept) const;
     Status FinishMoveTo(const Place& source, std::u16string_view oldPath, const Target& target);
     void ForgetDestinationDirectories();
     Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
@@ -123,6 +130,8 @@ class HostFiles : public DeviceFiles {
     OpenSearches searches_;
     DestinationDirectories filled_;
     MovedDirectoryAttributes moved_;
+    KeptVolume from_;
+    KeptVolume to_;
     Failure lastFailure_;
     std::optional<std::uint64_t> deletedSize_;
 };

@@ -6,7 +6,7 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/files/case_insensitive_lookup.h"
-#include "platform/files/file_tree.h"
+#include "platform/tree/file_tree.h"
 
 // The device's file tree on the host: how a device path reaches a host entry. Everything is opened
 // beneath the root directory and never leads out of it: no symbolic link is followed, and a mount

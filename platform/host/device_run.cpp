@@ -96,7 +96,8 @@ DeviceRun::ExitCode DeviceRun::Lock() {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenStore() {
-    auto registry = Registry::Open(device_.directory.get());
+    auto registry = Registry::Open(
+        device_.directory.get(), line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }

@@ -23,4 +23,7 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination);
 // EEXIST where it is neither, and after any other failure; then the file is where it was.
 Status FinishMove(const SourceFile& source, int directory, const char* name);
 
+// Whether FinishMove would delete the file, as far as that can be told by reading both.
+bool IsMovedAlready(const SourceFile& source, int directory, const char* name);
+
 }  // namespace platform

@@ -1,7 +1,6 @@
 #include "platform/registry/registry_file_on_disk.h"
 
 #include <fcntl.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,7 +8,6 @@
 
 #include "platform/io/attribute_copy.h"
 #include "platform/io/entry_facts.h"
-#include "platform/io/open_beneath.h"
 #include "platform/io/whole_file.h"
 #include "platform/registry/text/registry_parser.h"
 
@@ -76,7 +74,7 @@ Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
     if (found->st_mode == 0) {
         return Content();
     }
-    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounts::Entered);
+    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounts::Entered, accessTime_);
     if (!file) {
         return FailOf(file.error(), kName);
     }
@@ -121,14 +119,6 @@ Status RegistryFileOnDisk::CheckPossible() const {
     }
     const auto file = AtomicFile::Create(directory_, directory_);
     return file ? Status() : FailOf(file.error(), std::string("beside ") + kName);
-}
-
-Status RegistryFileOnDisk::CheckRoom(std::size_t size) const {
-    struct statvfs volume {};
-    const bool isKnown = fstatvfs(directory_, &volume) == 0;
-    return isKnown && volume.f_bavail * volume.f_frsize < size
-               ? FailOf({"keep room for it", {}, ENOSPC}, kName)
-               : Status();
 }
 
 Status RegistryFileOnDisk::ReserveRoom(std::size_t size) {

@@ -8,6 +8,7 @@
 #include "platform/diagnostics/failure.h"
 #include "platform/io/atomic_file.h"
 #include "platform/io/file_identity.h"
+#include "platform/io/open_beneath.h"
 
 namespace platform {
 
@@ -16,7 +17,8 @@ namespace platform {
 class RegistryFileOnDisk {
   public:
     // `directory` is the open device directory; it stays the caller's and must outlive the object.
-    explicit RegistryFileOnDisk(int directory) : directory_(directory) {}
+    explicit RegistryFileOnDisk(int directory, AccessTime time = AccessTime::Shown)
+        : directory_(directory), accessTime_(time) {}
 
     int directory() const { return directory_; }
 
@@ -36,9 +38,6 @@ class RegistryFileOnDisk {
     // Whether a new file can be made beside it, for which one is made and vanishes.
     Status CheckPossible() const;
 
-    // Whether there is room for a file of `size` bytes. Only asks.
-    Status CheckRoom(std::size_t size) const;
-
     // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
     Status ReserveRoom(std::size_t size);
 
@@ -53,6 +52,7 @@ class RegistryFileOnDisk {
     Status Write(AtomicFile& file, std::string_view bytes) const;
 
     int directory_;
+    AccessTime accessTime_;
     std::unique_ptr<AtomicFile> reserved_;  // null where no room is kept
 };
 

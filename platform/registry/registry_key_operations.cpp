@@ -73,19 +73,20 @@ LONG CopyOut(const RegistryData& value, DWORD* type, BYTE* data, DWORD* size) {
 
 }  // namespace
 
-Registry::Registry(int directory, EditedRegistryText text, const FileVersion& version)
-    : file_(directory), text_(std::move(text)), version_(version) {
+Registry::Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileVersion& version)
+    : file_(std::move(file)), text_(std::move(text)), version_(version) {
     for (const RegistryRoot& root : kRegistryRoots) {
         open_[Number(root.handle)].path = FoldText(root.name);
     }
 }
 
-Result<std::unique_ptr<Registry>> Registry::Open(int directory) {
-    Result<ReadText> read = Read(RegistryFileOnDisk(directory));
+Result<std::unique_ptr<Registry>> Registry::Open(int directory, AccessTime time) {
+    RegistryFileOnDisk file(directory, time);
+    Result<ReadText> read = Read(file);
     if (!read) {
         return tl::unexpected<Failure>(read.error());
     }
-    return std::unique_ptr<Registry>(new Registry(directory, std::move(read->text), read->version));
+    return std::unique_ptr<Registry>(new Registry(std::move(file), std::move(read->text), read->version));
 }
 
 Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {
@@ -281,17 +282,24 @@ bool Registry::Apply(const Change& change, EditedRegistryText& text) {
 Status Registry::CheckStorable() const {
     Status allowed = file_.CheckAllowed();
     const bool isOnReadOnly = !allowed && allowed.error().error == EROFS;
-    if (isRehearsed_) {
+    if (isRehearsed()) {
         return isOnReadOnly ? Status() : allowed;
     }
     return allowed ? file_.CheckPossible() : allowed;
 }
 
+void Registry::PretendToStore() {
+    if (!pending_.empty()) {
+        rehearsed_->giveBack(std::exchange(roomTaken_, 0));
+    }
+    pending_.clear();
+    stored_ = made_;
+}
+
 Status Registry::StoreRegistry() {
     tried_ = made_;
-    if (isRehearsed_) {
-        pending_.clear();
-        stored_ = made_;
+    if (isRehearsed()) {
+        PretendToStore();
         return {};
     }
     Status stored = Store();
@@ -361,6 +369,17 @@ Status Registry::Refresh() {
     return {};
 }
 
+Status Registry::TakeRoom(std::size_t size) {
+    if (roomTaken_ > 0) {
+        return {};
+    }
+    if (const Status taken = rehearsed_->take(size); !taken) {
+        return FailOf({"keep room for it", {}, taken.error().error}, "registry.reg");
+    }
+    roomTaken_ = size;
+    return {};
+}
+
 Status Registry::ReserveRoom() {
     // Beside the file as it is now: the longest text that a step writes, and its name.
     constexpr std::size_t kGrowth = 8192;
@@ -371,8 +390,8 @@ Status Registry::ReserveRoom() {
         return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
                       "registry.reg");
     }
-    return isRehearsed_ ? file_.CheckRoom(version_.size() + kGrowth)
-                        : file_.ReserveRoom(version_.size() + kGrowth);
+    const std::size_t size = version_.size() + kGrowth;
+    return isRehearsed() ? TakeRoom(size) : file_.ReserveRoom(size);
 }
 
 }  // namespace platform

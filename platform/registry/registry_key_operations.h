@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -25,7 +26,8 @@ class Registry : public DeviceRegistry {
   public:
     // Reads the registry of the open device directory, which stays the caller's and must outlive
     // the object; one without keys when there is no file, which is then made with the first change.
-    static Result<std::unique_ptr<Registry>> Open(int directory);
+    static Result<std::unique_ptr<Registry>> Open(int directory,
+                                                  AccessTime time = AccessTime::Shown);
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                        HKEY* result) override;
@@ -50,9 +52,16 @@ class Registry : public DeviceRegistry {
     // Whether there are changes that StoreRegistry has not tried to store yet.
     bool HasUntriedChanges() const { return made_ > tried_; }
 
+    // The room on the volume of the device directory, in bytes. Taking it fails where there is
+    // less.
+    struct RehearsedRoom {
+        std::function<Status(std::size_t)> take;
+        std::function<void(std::size_t)> giveBack;
+    };
+
     // From now on changes are seen and never stored: storing succeeds and writes nothing.
-    void Rehearse() { isRehearsed_ = true; }
-    bool isRehearsed() const { return isRehearsed_; }
+    void Rehearse(RehearsedRoom room) { rehearsed_ = std::move(room); }
+    bool isRehearsed() const { return rehearsed_.has_value(); }
 
     // `action` is called with each change, which is in memory alone by then.
     void OnChange(std::function<void()> action) { onChange_ = std::move(action); }
@@ -86,7 +95,8 @@ class Registry : public DeviceRegistry {
         RegistryData set;
     };
 
-    Registry(int directory, EditedRegistryText text, const FileVersion& version);
+    Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileVersion& version);
+
 
     struct ReadText {
         EditedRegistryText text;
@@ -100,6 +110,8 @@ class Registry : public DeviceRegistry {
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
     Status Store();
+    void PretendToStore();
+    Status TakeRoom(std::size_t size);
     static bool Apply(const Change& change, EditedRegistryText& text);
     Status SayLost();
     Status Refresh();
@@ -117,7 +129,8 @@ class Registry : public DeviceRegistry {
     std::uint64_t tried_ = 0;
     std::set<std::uint64_t> lost_;  // numbers of changes
     std::size_t lostSaid_ = 0;
-    bool isRehearsed_ = false;
+    std::optional<RehearsedRoom> rehearsed_;  // where nothing is stored
+    std::size_t roomTaken_ = 0;               // the same
 };
 
 }  // namespace platform

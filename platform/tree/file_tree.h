@@ -74,7 +74,7 @@ struct FileMove {
 class FileTree {
   public:
     // `root` is the open root directory; without one there is no tree.
-    explicit FileTree(Descriptor root) : FileTree(std::move(root), 0) {}
+    explicit FileTree(Descriptor root) : FileTree(std::move(root), AccessTime::Shown) {}
     virtual ~FileTree() = default;
     FileTree(const FileTree&) = delete;
     FileTree& operator=(const FileTree&) = delete;
@@ -95,6 +95,9 @@ class FileTree {
     virtual std::optional<FileIdentity> Identity(const OpenedDirectory& directory,
                                                  const char* name) const;
     virtual bool IsMountPoint(const OpenedDirectory& directory, const char* name) const;
+    // Whether the file system itself finds the entry also with its letters in another case.
+    bool IgnoresCase(const OpenedDirectory& directory, const HostName& name) const;
+
     virtual DWORD HiddenAndSystem(const OpenedDirectory& directory) const;
     virtual Result<Descriptor> OpenFile(const OpenedDirectory& directory, const char* name) const;
     virtual Status CheckWritable(const OpenedDirectory& directory, const char* name,
@@ -120,13 +123,14 @@ class FileTree {
                                          const OpenedDirectory& made);
 
   protected:
-    // `flags` are more of open's for whatever is opened to be read, as far as they are allowed.
-    FileTree(Descriptor root, int flags)
-        : root_{std::move(root), true, nullptr}, flagsForReading_(flags) {}
+    FileTree(Descriptor root, AccessTime time)
+        : root_{std::move(root), true, nullptr}, accessTime_(time) {}
+
+    AccessTime accessTime() const { return accessTime_; }
 
   private:
     OpenedDirectory root_;
-    int flagsForReading_;
+    AccessTime accessTime_;
 };
 
 }  // namespace platform

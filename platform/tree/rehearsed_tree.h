@@ -1,48 +1,24 @@
 #pragma once
 
-#include <cstdint>
-#include <map>
+#include <sys/stat.h>
+
 #include <memory>
 #include <string>
-#include <unordered_map>
-#include <unordered_set>
 
-#include "platform/files/file_tree.h"
+#include "platform/tree/file_tree.h"
+#include "platform/tree/rehearsed_directory.h"
+#include "platform/tree/rehearsed_room.h"
 
 namespace platform {
 
-struct RehearsedEntry;
-
-// What a rehearsal has changed in one directory.
-struct RehearsedDirectory {
-    std::shared_ptr<RehearsedDirectory> parent;  // null for the root
-    std::optional<std::string> realPath;         // below the root; none for one that was made
-    FileIdentity identity;                       // of one that was made; unlike that of any other
-    std::unordered_set<std::string> hidden;      // real entries that are deleted or have moved away
-    std::map<std::string, RehearsedEntry> added;
-    std::optional<dev_t> volume;  // none where it was not asked for yet
-    std::optional<int> refusal;   // the errno of every change in it, 0 for none; the same
-    long changes = 0;
-    bool isNoted = false;  // the tree keeps it
-};
-
-// An entry that was made, or has moved here. A directory has its changes, a file that was written
-// its content, a file that has moved its old place.
-struct RehearsedEntry {
-    EntryFacts facts;
-    std::shared_ptr<RehearsedDirectory> directory;
-    std::shared_ptr<const std::string> content;
-    std::shared_ptr<RehearsedDirectory> oldDirectory;
-    std::string oldName;
-};
-
 // A tree on which every change takes effect in memory alone, and is seen from then on. The real
 // tree is read, and its times of access are left alone where that is allowed. What the kernel would
-// refuse is refused as far as it can be asked for: permissions, names that are taken, directories
-// that are not empty, mount points, and room. A file system that is read-only refuses nothing, so
-// that a device on it can be rehearsed.
+// refuse is refused as far as it can be asked for: permissions, attributes, names that are taken,
+// directories that are not empty, mount points, and room. A file system that is read-only refuses
+// nothing, so that a device on it can be rehearsed.
 //
-// Memory grows with each change by its name and at most 200 bytes, with nothing else.
+// Memory grows with each entry that is changed, and each directory in which one is, by their names
+// and at most 200 bytes; with nothing else.
 class RehearsedTree : public FileTree {
   public:
     explicit RehearsedTree(Descriptor root);
@@ -75,30 +51,52 @@ class RehearsedTree : public FileTree {
     void CopyDirectoryAttributes(const OpenedDirectory& old, const struct stat& status,
                                  const OpenedDirectory& made) override;
 
-    using Node = std::shared_ptr<RehearsedDirectory>;
+    RehearsedRoom& room() { return room_; }
 
-    // The changes that are known of a directory by now: another opening of it may have got the
-    // first one.
-    const Node& Current(const Node& node) const;
+    // What is known of a directory's changes by now: another opening of it may have got the first
+    // one.
+    const RehearsedNode& NodeOf(const OpenedDirectory& directory) const;
+
+    // Whether an entry of the real directory is still there.
+    bool ShowsReal(const OpenedDirectory& directory, const char* name) const;
 
   private:
-    const Node& NodeOf(const OpenedDirectory& directory) const;
-    Node Child(const Node& parent, const std::string& realPath) const;
-    Result<OpenedDirectory> OpenReal(const Node& node, OpenFor purpose, Mounts mounts) const;
-    Result<OpenedDirectory> OpenNode(const Node& node, OpenFor purpose) const;
-    void Note(const Node& node);
+    // What was looked at last, which is mostly what is changed next.
+    struct Look {
+        RehearsedNode directory;
+        std::string name;
+        struct statx entry {};
+    };
+
+    const RehearsedNode& Current(const RehearsedNode& node) const;
+    Result<struct statx> LookAtReal(const OpenedDirectory& directory, const char* name) const;
+    Result<struct statx> LastLook(const OpenedDirectory& directory, const char* name) const;
+    RehearsedNode FindUntouched(const OpenedDirectory& parent, std::string_view path) const;
+    RehearsedNode NewNode(const RehearsedNode& parent, std::string_view name) const;
+    RehearsedNode ChildOf(const OpenedDirectory& parent, const char* name) const;
+    Result<OpenedDirectory> OpenEntry(const OpenedDirectory& parent, const char* name,
+                                      OpenFor purpose, Mounts mounts) const;
+    Result<OpenedDirectory> OpenNode(const RehearsedNode& node, OpenFor purpose) const;
+    void AskRules(const OpenedDirectory& directory) const;
     Status CheckChange(const OpenedDirectory& directory) const;
-    dev_t VolumeOf(const OpenedDirectory& directory) const;
+    Status CheckTaking(const OpenedDirectory& directory, const char* name) const;
     Status CheckEmpty(const OpenedDirectory& directory, const char* name) const;
-    Status CheckRoom(const OpenedDirectory& directory, const EntryFacts& facts);
+    Status CheckReadable(const OpenedDirectory& directory, const char* name) const;
+    dev_t VolumeOf(const OpenedDirectory& directory) const;
+    void Note(const RehearsedNode& node);
+    Status Show(const OpenedDirectory& directory, const OpenedDirectory& volume,
+                const std::string& name, const EntryFacts& facts, std::string content);
     void TakeAway(const OpenedDirectory& directory, const char* name);
+    std::uint64_t RoomToFree(const OpenedDirectory& directory, const char* name);
+    bool IsWithin(const OpenedDirectory& directory, const RehearsedDirectory& other);
     Status MoveEntry(const OpenedDirectory& from, const char* name, const OpenedDirectory& to,
                      const char* newName);
 
-    std::unordered_map<std::string, Node> changed_;  // by their real paths
-    std::unordered_map<dev_t, std::int64_t> freed_;  // bytes of each volume, negative where filled
-    Node rootNode_;
-    ino_t made_ = 0;
+    ChangedDirectories changed_;
+    RehearsedRoom room_;
+    RehearsedNode root_;
+    mutable Look last_;
+    std::uint32_t made_ = 0;
 };
 
 }  // namespace platform

@@ -1,4 +1,4 @@
-#include "platform/files/file_tree.h"
+#include "platform/tree/file_tree.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -7,18 +7,15 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/files/dos_attributes.h"
+#include "platform/tree/dos_attributes.h"
 #include "platform/io/atomic_file.h"
 #include "platform/io/attribute_copy.h"
 #include "platform/io/rename_without_replacing.h"
+#include "platform/text/name_matching.h"
 
 namespace platform {
 
 namespace {
-
-int DirectoryFlags(OpenFor purpose) {
-    return O_DIRECTORY | (purpose == OpenFor::Reading ? O_RDONLY | O_NONBLOCK : O_PATH);
-}
 
 class RealListing : public DirectoryListing {
   public:
@@ -35,6 +32,22 @@ class RealListing : public DirectoryListing {
     DirectoryReader reader_;
 };
 
+// The name with its letters in another case; the same name when it has no letters.
+DeviceName InOtherCase(std::u16string_view name) {
+    DeviceName upper;
+    for (const WCHAR unit : name) {
+        upper.Append(FoldUnit(unit));
+    }
+    if (upper.view() != name) {
+        return upper;
+    }
+    DeviceName lower;
+    for (const WCHAR unit : name) {
+        lower.Append(unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit - u'A' + u'a') : unit);
+    }
+    return lower;
+}
+
 SourceFile SourceOf(const FileMove& move) {
     return {move.from.get(), move.name, move.fromVolume.get(), move.path};
 }
@@ -43,14 +56,12 @@ SourceFile SourceOf(const FileMove& move) {
 
 Result<OpenedDirectory> FileTree::Open(const OpenedDirectory& parent, const char* path,
                                        OpenFor purpose, Mounts mounts) const {
-    const int flags = DirectoryFlags(purpose);
-    const int more = purpose == OpenFor::Reading ? flagsForReading_ : 0;
-    Result<Descriptor> opened = OpenBeneath(parent.get(), path, flags | more, mounts);
-    if (!opened && opened.error().error == EPERM && more != 0) {
-        opened = OpenBeneath(parent.get(), path, flags, mounts);  // somebody else's directory
-    }
-    return std::move(opened).map([](Descriptor opened) {
-        return OpenedDirectory{std::move(opened), false, nullptr};
+    Result<Descriptor> opened =
+        purpose == OpenFor::Reading
+            ? OpenBeneathToRead(parent.get(), path, O_DIRECTORY | O_NONBLOCK, mounts, accessTime_)
+            : OpenBeneath(parent.get(), path, O_DIRECTORY | O_PATH, mounts);
+    return std::move(opened).map([](Descriptor descriptor) {
+        return OpenedDirectory{std::move(descriptor), false, nullptr};
     });
 }
 
@@ -83,12 +94,22 @@ bool FileTree::IsMountPoint(const OpenedDirectory& directory, const char* name) 
     return platform::IsMountPoint(directory.get(), name);
 }
 
+bool FileTree::IgnoresCase(const OpenedDirectory& directory, const HostName& name) const {
+    HostName other;
+    if (!HostNameOf(InOtherCase(DeviceNameOf(name.view()).view()).view(), other) ||
+        other.view() == name.view()) {
+        return false;
+    }
+    const std::optional<FileIdentity> found = Identity(directory, other.c_str());
+    return found && found == Identity(directory, name.c_str());
+}
+
 DWORD FileTree::HiddenAndSystem(const OpenedDirectory& directory) const {
     return platform::HiddenAndSystem(directory.get());
 }
 
 Result<Descriptor> FileTree::OpenFile(const OpenedDirectory& directory, const char* name) const {
-    return OpenRegularFile(directory.get(), name);
+    return OpenRegularFile(directory.get(), name, Mounts::Refused, accessTime_);
 }
 
 Status FileTree::CheckWritable(const OpenedDirectory& directory, const char* name,

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <map>
+
+#include "platform/diagnostics/failure.h"
+
+namespace platform {
+
+// The room on the volumes of a device, as a rehearsal has left it. A volume is known by the number
+// of its file system.
+class RehearsedRoom {
+  public:
+    // Takes the room of a file of `size` bytes; `directory` is any open one of the volume. ENOSPC
+    // where it has not got it. A volume that cannot be asked has room for everything.
+    Status Take(int directory, dev_t volume, std::uint64_t size);
+
+    // The bytes that a file of `size` bytes takes.
+    std::uint64_t RoomFor(dev_t volume, std::uint64_t size) { return volumes_[volume].RoomFor(size); }
+
+    // Gives the volume room of so many bytes.
+    void Free(dev_t volume, std::uint64_t bytes);
+
+  private:
+    static constexpr std::uint64_t kUsualBlock = 4096;
+
+    struct Volume {
+        bool isAsked = false;
+        bool isKnown = false;
+        std::uint64_t block = kUsualBlock;  // bytes; what a file takes is a multiple
+        std::int64_t free = 0;             // bytes; before the volume is asked, what became free
+
+        std::uint64_t RoomFor(std::uint64_t size) const;
+        void Ask(int directory);
+    };
+
+    std::map<dev_t, Volume> volumes_;
+};
+
+}  // namespace platform
