@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "platform/diagnostics/run_log.h"
-#include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
 
@@ -29,11 +28,10 @@ DeviceParts::DeviceParts(std::unique_ptr<FileTree> files, std::u16string moduleP
       handheld({tree, *keys, guard}, std::move(modulePath),
                [exit = std::move(exit)] { exit(EXIT_SUCCESS); }) {}
 
-std::unique_ptr<AssembledDevice> AssembledDevice::Rehearsed(Descriptor files,
+std::unique_ptr<AssembledDevice> AssembledDevice::Rehearsed(std::unique_ptr<RehearsedTree> tree,
                                                             std::u16string modulePath,
                                                             std::unique_ptr<Registry> registry,
                                                             Exit exit) {
-    auto tree = std::make_unique<RehearsedTree>(std::move(files));
     const int directory = registry->directory();
     const dev_t volume = IdentityOf(directory).value_or(FileIdentity()).device;
     RehearsedRoom& room = tree->room();

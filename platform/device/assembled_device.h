@@ -9,6 +9,7 @@
 #include "platform/files/host_files.h"
 #include "platform/registry/registry_key_operations.h"
 #include "platform/seam/forwarding_store.h"
+#include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
 
@@ -44,13 +45,14 @@ class AssembledDevice : private DeviceParts, public ForwardingStore {
           ForwardingStore(tree, *keys, handheld) {}
 
     // A device on which every change takes effect in memory alone; the same otherwise.
-    static std::unique_ptr<AssembledDevice> Rehearsed(Descriptor files, std::u16string modulePath,
+    static std::unique_ptr<AssembledDevice> Rehearsed(std::unique_ptr<RehearsedTree> tree, std::u16string modulePath,
                                                       std::unique_ptr<Registry> registry,
                                                       Exit exit);
 
     Status CheckStorable() { return guard.CheckStorable(); }  // see RegistryGuard
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { handheld.OfferHelp(std::move(viewers)); }
     void RecoverFromKilledRuns() { tree.RecoverFromKilledRuns(); }
+    bool HaveLeftovers() const { return tree.HaveLeftovers(); }
 };
 
 }  // namespace platform

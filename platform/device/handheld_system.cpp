@@ -72,8 +72,11 @@ Status HandheldSystem::Erase() {
         return possible;
     }
     if (parts_.registry.isRehearsed()) {
-        LogInUse::Current().Say("the device would be erased here");
-        return {};
+        possible = CheckErasable(parts_.registry.directory());
+        if (possible) {
+            LogInUse::Current().Say("the device would be erased here");
+        }
+        return possible;
     }
     const Result<std::string> folder = EraseDevice(parts_.registry.directory(), Today());
     if (!folder) {

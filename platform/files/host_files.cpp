@@ -6,7 +6,6 @@
 #include <cerrno>
 
 #include "core/wide_text.h"
-#include "platform/files/killed_run_recovery.h"
 #include "platform/files/shortcut_file_format.h"
 #include "platform/io/whole_file.h"
 #include "platform/text/device_paths.h"

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/files/destination_directories.h"
+#include "platform/files/killed_run_recovery.h"
 #include "platform/files/moved_directory_attributes.h"
 #include "platform/files/open_searches.h"
 #include "platform/files/path_resolver.h"
@@ -60,6 +61,9 @@ class HostFiles : public DeviceFiles {
     // sources that they had set aside their names back. Only while no other process is at work on
     // the device.
     void RecoverFromKilledRuns();
+
+    // Whether that would find anything to do.
+    bool HaveLeftovers() const { return platform::HaveLeftovers(paths_); }
 
     // The content of a file of at most `limit` bytes.
     Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);

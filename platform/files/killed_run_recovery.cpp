@@ -140,6 +140,36 @@ void RecoverVolumes(const PathResolver& tree) {
     }
 }
 
+namespace {
+
+bool HasReservedName(const OpenedDirectory& directory) {
+    const Result<bool> none =
+        ReadEntries(directory.get(), DirectoryReader::Names::All,
+                    [](const auto& entry) { return !PurposeOf(entry.name).has_value(); });
+    return none && !*none;
+}
+
+}  // namespace
+
+bool HaveLeftovers(const PathResolver& tree) {
+    const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
+    if (!root || HasReservedName(*root)) {
+        return root.has_value();
+    }
+    const Result<OpenedDirectory> again = tree.OpenDirectory(u"", OpenFor::Reading);
+    const auto isClean = [&](const DirectoryReader::Entry& entry) {
+        if (entry.type != DT_DIR || !tree.tree().IsMountPoint(*root, entry.name)) {
+            return true;
+        }
+        const auto volume = tree.OpenSubdirectory(*root, entry.name, OpenFor::Reading);
+        return !volume || !HasReservedName(*volume);
+    };
+    const Result<bool> clean =
+        again ? ReadEntries(again->get(), DirectoryReader::Names::Device, isClean)
+              : tl::unexpected<Failure>(again.error());
+    return clean && !*clean;
+}
+
 Status RemoveUnfinishedFilesIn(int directory) {
     return ForEachEntry(directory, [directory](const DirectoryReader::Entry& entry) {
         if (PurposeOf(entry.name) == ReservedFor::NewContent) {

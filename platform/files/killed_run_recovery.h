@@ -16,4 +16,7 @@ void RecoverVolumes(const PathResolver& tree);
 // removed stays and is no failure.
 Status RemoveUnfinishedFilesIn(int directory);
 
+// Whether it would find anything to do. Only looks.
+bool HaveLeftovers(const PathResolver& tree);
+
 }  // namespace platform

@@ -16,6 +16,7 @@
 #include "platform/host/worst_exit_code.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
+#include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
 
@@ -29,6 +30,7 @@ std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string&
         {line.report == ReportForm::Lines, "--report"},
         {line.report == ReportForm::Json, "--report=json"},
         {line.strict, "--strict"},
+        {line.rehearse, "--rehearse"},
         {line.noDisplay, "--no-display"}};
     for (const auto& [isSet, word] : switches) {
         if (isSet) {
@@ -99,7 +101,9 @@ int BootDevice(const CommandLine& line) {
         return EX_NOINPUT;
     }
     // Without a lock: that is for the runs themselves.
-    HostFiles files(std::move(device->files));
+    HostFiles files(line.rehearse ? std::make_unique<RehearsedTree>(std::move(device->files))
+                                  : std::make_unique<FileTree>(std::move(device->files)),
+                    nullptr);
     const auto shortcuts = StartupShortcuts(files, line.modulePath);
     if (!shortcuts) {
         log.SayUndone(Describe(shortcuts.error()));
@@ -112,6 +116,9 @@ int BootDevice(const CommandLine& line) {
     if (std::none_of(shortcuts->begin(), shortcuts->end(), mayBeOurs)) {
         log.Say("nothing to run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
                 ReadableText(line.modulePath));
+    } else if (line.rehearse) {
+        log.Say("each shortcut is rehearsed on the device as it is now, not as the one before it "
+                "would leave it");
     }
     int result = 0;
     for (const StartupShortcut& shortcut : *shortcuts) {

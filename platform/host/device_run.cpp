@@ -1,5 +1,6 @@
 #include "platform/host/device_run.h"
 
+#include <sys/statvfs.h>
 #include <sysexits.h>
 
 #include <cstdio>
@@ -45,6 +46,7 @@ class DeviceRun {
     ExitCode Refuse(int code, const Failure& failure);
     ExitCode OpenDevice();
     ExitCode Lock();
+    void SayIfReadOnly();
     ExitCode OpenStore();
     ExitCode OpenWindows();
     ExitCode OpenReport();
@@ -95,6 +97,16 @@ DeviceRun::ExitCode DeviceRun::Lock() {
     return {};
 }
 
+void DeviceRun::SayIfReadOnly() {
+    for (const Descriptor* const part : {&device_.directory, &device_.files}) {
+        struct statvfs volume {};
+        if (*part && fstatvfs(part->get(), &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0) {
+            log_.Say("it is on a read-only file system: a run could not change it as it is now");
+            return;
+        }
+    }
+}
+
 DeviceRun::ExitCode DeviceRun::OpenStore() {
     auto registry = Registry::Open(
         device_.directory.get(), line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
@@ -103,8 +115,13 @@ DeviceRun::ExitCode DeviceRun::OpenStore() {
     }
     const auto exit = [this](int code) { EndOnTheSpot(code); };
     if (line_.rehearse) {
-        store_ = AssembledDevice::Rehearsed(std::move(device_.files), line_.modulePath,
+        SayIfReadOnly();
+        store_ = AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)), line_.modulePath,
                                             std::move(*registry), exit);
+        if (store_->HaveLeftovers()) {
+            log_.Say("a run that was killed has left files here; the next run puts them right "
+                     "before it begins, which the rehearsal does not show");
+        }
         return {};
     }
     store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,

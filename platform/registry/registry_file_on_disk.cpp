@@ -112,7 +112,7 @@ Status RegistryFileOnDisk::CheckAllowed() const {
     return possible ? possible : FailOf(possible.error(), std::string("beside ") + kName);
 }
 
-Status RegistryFileOnDisk::CheckPossible() const {
+Status RegistryFileOnDisk::CheckNewFile() const {
     const Result<struct stat> old = LookAt(directory_);
     if (!old || old->st_mode == 0) {
         return old.map([](const auto& /*status*/) {});
@@ -121,9 +121,40 @@ Status RegistryFileOnDisk::CheckPossible() const {
     return file ? Status() : FailOf(file.error(), std::string("beside ") + kName);
 }
 
+Status RegistryFileOnDisk::CheckReplaceable() const {
+    Status allowed = CheckAllowed();
+    if (isRehearsed()) {
+        return !allowed && allowed.error().error == EROFS ? Status() : allowed;
+    }
+    return allowed ? CheckNewFile() : allowed;
+}
+
+Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
+    if (const Status taken = rehearsed_->take(size); !taken) {
+        return FailOf({"keep room for it", {}, taken.error().error}, kName);
+    }
+    rehearsedSize_ = size;
+    return {};
+}
+
+// The old file and the new one are there at the same time for a while.
+Status RegistryFileOnDisk::RehearseReplacing(std::size_t size) {
+    if (rehearsedSize_ == 0) {
+        if (const Status taken = rehearsed_->take(size); !taken) {
+            return FailOf({"write", {}, taken.error().error}, kName);
+        }
+        rehearsedSize_ = size;
+    }
+    rehearsed_->giveBack(std::exchange(rehearsedSize_, 0));
+    return {};
+}
+
 Status RegistryFileOnDisk::ReserveRoom(std::size_t size) {
-    if (reserved_ != nullptr) {
+    if (reserved_ != nullptr || rehearsedSize_ > 0) {
         return {};
+    }
+    if (isRehearsed()) {
+        return TakeRoom(size);
     }
     auto file = AtomicFile::Create(directory_, directory_);
     if (!file) {
@@ -146,6 +177,9 @@ Result<std::unique_ptr<AtomicFile>> RegistryFileOnDisk::NewFile() {
 
 Result<std::optional<FileVersion>> RegistryFileOnDisk::Replace(std::string_view bytes,
                                                                const FileVersion& replaced) {
+    if (isRehearsed()) {
+        return RehearseReplacing(bytes.size()).map([&] { return std::optional(replaced); });
+    }
     const Result<struct stat> old = LookAt(directory_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,12 +32,20 @@ class RegistryFileOnDisk {
     // What is there now. Fails when it is neither a regular file nor nothing.
     Result<FileVersion> Look() const;
 
-    // Whether the file and its directory can be written and nothing keeps the file from being
-    // replaced. Only asks.
-    Status CheckAllowed() const;
+    // The room on the file's volume, in bytes. Taking it fails where there is less.
+    struct RehearsedRoom {
+        std::function<Status(std::size_t)> take;
+        std::function<void(std::size_t)> giveBack;
+    };
 
-    // Whether a new file can be made beside it, for which one is made and vanishes.
-    Status CheckPossible() const;
+    // From now on nothing is written: ReserveRoom and Replace only find out whether they could, on
+    // a file system that is read-only too.
+    void Rehearse(RehearsedRoom room) { rehearsed_ = std::move(room); }
+    bool isRehearsed() const { return rehearsed_.has_value(); }
+
+    // Whether the file and its directory can be written and nothing keeps the file from being
+    // replaced. A new file is made beside it for that, and vanishes.
+    Status CheckReplaceable() const;
 
     // Keeps room for a file of `size` bytes, which the next Replace uses; one at a time is enough.
     Status ReserveRoom(std::size_t size);
@@ -48,12 +57,18 @@ class RegistryFileOnDisk {
     Result<std::optional<FileVersion>> Replace(std::string_view bytes, const FileVersion& replaced);
 
   private:
+    Status CheckAllowed() const;
+    Status CheckNewFile() const;
+    Status TakeRoom(std::size_t size);
+    Status RehearseReplacing(std::size_t size);
     Result<std::unique_ptr<AtomicFile>> NewFile();
     Status Write(AtomicFile& file, std::string_view bytes) const;
 
     int directory_;
     AccessTime accessTime_;
-    std::unique_ptr<AtomicFile> reserved_;  // null where no room is kept
+    std::unique_ptr<AtomicFile> reserved_;    // null where no room is kept
+    std::optional<RehearsedRoom> rehearsed_;  // where nothing is written
+    std::size_t rehearsedSize_ = 0;           // the room kept there
 };
 
 }  // namespace platform

@@ -279,29 +279,8 @@ bool Registry::Apply(const Change& change, EditedRegistryText& text) {
     return key != 0 || change.deletion;
 }
 
-Status Registry::CheckStorable() const {
-    Status allowed = file_.CheckAllowed();
-    const bool isOnReadOnly = !allowed && allowed.error().error == EROFS;
-    if (isRehearsed()) {
-        return isOnReadOnly ? Status() : allowed;
-    }
-    return allowed ? file_.CheckPossible() : allowed;
-}
-
-void Registry::PretendToStore() {
-    if (!pending_.empty()) {
-        rehearsed_->giveBack(std::exchange(roomTaken_, 0));
-    }
-    pending_.clear();
-    stored_ = made_;
-}
-
 Status Registry::StoreRegistry() {
     tried_ = made_;
-    if (isRehearsed()) {
-        PretendToStore();
-        return {};
-    }
     Status stored = Store();
     if (!stored) {
         RunLog& log = LogInUse::Current();
@@ -348,6 +327,9 @@ Status Registry::SayLost() {
 
 // Takes over what other programs have stored, if there is anything.
 Status Registry::Refresh() {
+    if (isRehearsed()) {
+        return {};  // what is rehearsed is in no file
+    }
     const Result<FileVersion> current = file_.Look();
     if (!current) {
         return tl::unexpected<Failure>(current.error());
@@ -369,17 +351,6 @@ Status Registry::Refresh() {
     return {};
 }
 
-Status Registry::TakeRoom(std::size_t size) {
-    if (roomTaken_ > 0) {
-        return {};
-    }
-    if (const Status taken = rehearsed_->take(size); !taken) {
-        return FailOf({"keep room for it", {}, taken.error().error}, "registry.reg");
-    }
-    roomTaken_ = size;
-    return {};
-}
-
 Status Registry::ReserveRoom() {
     // Beside the file as it is now: the longest text that a step writes, and its name.
     constexpr std::size_t kGrowth = 8192;
@@ -390,8 +361,7 @@ Status Registry::ReserveRoom() {
         return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
                       "registry.reg");
     }
-    const std::size_t size = version_.size() + kGrowth;
-    return isRehearsed() ? TakeRoom(size) : file_.ReserveRoom(size);
+    return file_.ReserveRoom(version_.size() + kGrowth);
 }
 
 }  // namespace platform

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <set>
 #include <string>
 #include <string_view>
@@ -52,22 +51,15 @@ class Registry : public DeviceRegistry {
     // Whether there are changes that StoreRegistry has not tried to store yet.
     bool HasUntriedChanges() const { return made_ > tried_; }
 
-    // The room on the volume of the device directory, in bytes. Taking it fails where there is
-    // less.
-    struct RehearsedRoom {
-        std::function<Status(std::size_t)> take;
-        std::function<void(std::size_t)> giveBack;
-    };
-
-    // From now on changes are seen and never stored: storing succeeds and writes nothing.
-    void Rehearse(RehearsedRoom room) { rehearsed_ = std::move(room); }
-    bool isRehearsed() const { return rehearsed_.has_value(); }
+    // From now on changes are seen, and storing them only finds out whether it could be done.
+    void Rehearse(RegistryFileOnDisk::RehearsedRoom room) { file_.Rehearse(std::move(room)); }
+    bool isRehearsed() const { return file_.isRehearsed(); }
 
     // `action` is called with each change, which is in memory alone by then.
     void OnChange(std::function<void()> action) { onChange_ = std::move(action); }
 
     // Whether changes could be stored, but for the room. A device without a registry has none.
-    Status CheckStorable() const;
+    Status CheckStorable() const { return file_.CheckReplaceable(); }
 
     // Keeps the room that the next storing takes. A registry that could not be stored the last time
     // counts as one without room.
@@ -110,8 +102,6 @@ class Registry : public DeviceRegistry {
     void NoteText(const std::u16string& path, std::u16string_view name, const RegistryData& data);
     void AddChange(Change change);
     Status Store();
-    void PretendToStore();
-    Status TakeRoom(std::size_t size);
     static bool Apply(const Change& change, EditedRegistryText& text);
     Status SayLost();
     Status Refresh();
@@ -129,8 +119,6 @@ class Registry : public DeviceRegistry {
     std::uint64_t tried_ = 0;
     std::set<std::uint64_t> lost_;  // numbers of changes
     std::size_t lostSaid_ = 0;
-    std::optional<RehearsedRoom> rehearsed_;  // where nothing is stored
-    std::size_t roomTaken_ = 0;               // the same
 };
 
 }  // namespace platform

@@ -42,14 +42,16 @@ constexpr const char* kStepTitles[] = {
     "Selected startup shortcuts",
 };
 
-constexpr char kHead[] = R"(<!DOCTYPE html>
+constexpr char kBeforeTitle[] = R"(<!DOCTYPE html>
 <html lang="en">
 <head>
 <meta charset="utf-8">
 <meta name="viewport" content="width=device-width, initial-scale=1">
 <meta name="color-scheme" content="light dark">
 <meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
-<title>Fennelbright: report of a run</title>
+<title>Fennelbright: )";
+
+constexpr char kAfterTitle[] = R"(</title>
 <style>
 :root { --page: #fbfaf7; --text: #21241f; --quiet: #62675d; --line: #d9d8d0; --card: #fff;
         --bar: #4c8a4a; --bad: #b3261e; --bad-card: #fdeceb; }
@@ -76,11 +78,16 @@ ul { margin: 0; padding: 0 .75rem .75rem 2rem; font-family: ui-monospace, monosp
      font-size: .875rem; overflow-wrap: anywhere; }
 a { color: inherit; }
 .undone { color: var(--bad); font-weight: bold; }
+.rehearsal { border: 2px dashed var(--bar); border-radius: 6px; padding: .5rem .75rem; }
 #undone { border-color: var(--bad); background: var(--bad-card); }
 </style>
 </head>
 <body>
 )";
+
+constexpr char kRehearsalHeading[] =
+    "<h1>Rehearsal of a run</h1>\n<p class=\"rehearsal\">Nothing was changed. This is what the run "
+    "would do, and what it could not do.</p>\n";
 
 std::string Escaped(std::string_view text) {
     std::string escaped;
@@ -190,14 +197,12 @@ void ReportHtml::Write(const ReportEvent& event) {
 }
 
 void ReportHtml::AddFacts(const ReportEnd& end) {
-    page_.Append("<h1>Report of a run</h1>\n<table class=\"facts\">\n");
+    page_.Append(run_.isRehearsal ? kRehearsalHeading : "<h1>Report of a run</h1>\n");
+    page_.Append("<table class=\"facts\">\n");
     page_.Append(Fact("Device", Escaped(ReadableBytes(run_.device))));
     page_.Append(Fact("Started", LocalTime(run_.started)));
     page_.Append(Fact("Command line", Escaped(ReadableText(run_.programLine))));
     page_.Append(Fact("Version", Escaped(run_.version)));
-    if (run_.isRehearsal) {
-        page_.Append(Fact("Rehearsal", "nothing was changed"));
-    }
     if (end.exitCode) {
         page_.Append(Fact("Exit code", std::to_string(*end.exitCode)));
     }
@@ -246,7 +251,7 @@ void ReportHtml::AddList(const std::string& opening, const std::string& summary,
 }
 
 void ReportHtml::AddLists() {
-    page_.Append("<h2>What was done</h2>\n");
+    page_.Append(run_.isRehearsal ? "<h2>What would be done</h2>\n" : "<h2>What was done</h2>\n");
     for (auto& [step, list] : lists_) {
         AddList("id=\"step" + std::to_string(step) + "\"",
                 Summary(TitleOf(step), list.entries, list.totals), list);
@@ -254,7 +259,9 @@ void ReportHtml::AddLists() {
 }
 
 Status ReportHtml::Finish(const ReportEnd& end) {
-    page_.Append(kHead);
+    page_.Append(kBeforeTitle);
+    page_.Append(run_.isRehearsal ? "rehearsal of a run" : "report of a run");
+    page_.Append(kAfterTitle);
     AddFacts(end);
     AddTotals(end.totals);
     if (notDone_.entries > 0) {

@@ -130,6 +130,7 @@ std::string ValueObject(const std::optional<ReportedValue>& value) {
 
 void ReportJson::Begin(const ReportRun& run) {
     const std::string device = ReadableBytes(run.device);
+    stream_.Begin(run.isRehearsal);
     JsonObject line;
     line.Text("kind", "run").Text("version", run.version).Text("device", device);
     if (device != run.device) {

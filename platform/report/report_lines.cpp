@@ -98,6 +98,13 @@ std::string ReportLine(const ReportTotals& totals) {
            std::to_string(totals.notDone) + " not done";
 }
 
+void ReportLines::Begin(const ReportRun& run) {
+    stream_.Begin(run.isRehearsal);
+    if (run.isRehearsal) {
+        stream_.WriteLine("rehearsal: nothing is changed; the run would report:");
+    }
+}
+
 Status ReportLines::Finish(const ReportEnd& end) {
     stream_.WriteLine(ReportLine(end.totals));
     return stream_.Finish();

@@ -21,7 +21,7 @@ class ReportLines : public ReportWriter {
   public:
     explicit ReportLines(std::FILE* output) : stream_(output) {}  // as ReportStream
 
-    void Begin(const ReportRun& /*run*/) override {}
+    void Begin(const ReportRun& run) override;
     void Write(const ReportEvent& event) override { stream_.WriteLine(ReportLine(event)); }
     Status Finish(const ReportEnd& end) override;
 

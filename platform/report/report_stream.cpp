@@ -4,8 +4,10 @@
 
 namespace platform {
 
-ReportStream::ReportStream(std::FILE* output) : output_(output) {
-    std::setvbuf(output_, nullptr, _IOLBF, BUFSIZ);
+void ReportStream::Begin(bool isRehearsal) {
+    constexpr std::size_t kManyLines = 65536;
+    std::setvbuf(output_, nullptr, isRehearsal ? _IOFBF : _IOLBF,
+                 isRehearsal ? kManyLines : BUFSIZ);
 }
 
 void ReportStream::WriteLine(std::string line) {

@@ -22,11 +22,6 @@ tl::unexpected<Failure> NotThere(const char* tried) {
     return Fail(tried, ENOENT);
 }
 
-bool IsSuperuser() {
-    static const bool isSuperuser = geteuid() == 0;
-    return isSuperuser;
-}
-
 EntryFacts FactsFrom(const struct statx& entry) {
     return {entry.stx_mode, S_ISDIR(entry.stx_mode) ? 0 : entry.stx_size};
 }
@@ -84,7 +79,8 @@ class RehearsedListing : public DirectoryListing {
 }  // namespace
 
 RehearsedTree::RehearsedTree(Descriptor root)
-    : FileTree(std::move(root), AccessTime::Kept), root_(std::make_shared<RehearsedDirectory>()) {
+    : FileTree(std::move(root), AccessTime::Kept), root_(std::make_shared<RehearsedDirectory>()),
+      isSuperuser_(geteuid() == 0) {
     changed_.Keep(root_);
 }
 
@@ -152,7 +148,7 @@ Result<OpenedDirectory> RehearsedTree::OpenNode(const RehearsedNode& node, OpenF
         return NotThere("open");
     }
     if (!node->isReal()) {
-        if (purpose == OpenFor::Reading && (node->mode & S_IRUSR) == 0 && !IsSuperuser()) {
+        if (purpose == OpenFor::Reading && (node->mode & S_IRUSR) == 0 && !isSuperuser_) {
             return Fail("open", EACCES);
         }
         return OpenedDirectory{Descriptor(), false, node};
@@ -356,7 +352,7 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
     RehearsedDirectory& node = *NodeOf(directory);
     if (!node.isReal()) {
         const bool isAllowed =
-            IsSuperuser() || (node.mode & (S_IWUSR | S_IXUSR)) == (S_IWUSR | S_IXUSR);
+            isSuperuser_ || (node.mode & (S_IWUSR | S_IXUSR)) == (S_IWUSR | S_IXUSR);
         node.refusal = isAllowed ? 0 : EACCES;
         return;
     }
@@ -402,7 +398,7 @@ Status RehearsedTree::CheckTaking(const OpenedDirectory& directory, const char* 
         return tl::unexpected<Failure>(entry.error());
     }
     constexpr std::uint64_t kKept = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
-    const bool isOthers = node.isSticky && !IsSuperuser() && entry->stx_uid != geteuid() &&
+    const bool isOthers = node.isSticky && !isSuperuser_ && entry->stx_uid != geteuid() &&
                           node.stickyOwner != geteuid();
     if (node.isAppendOnly || isOthers || (entry->stx_attributes & kKept) != 0) {
         return Fail("take away", EPERM);
@@ -440,11 +436,12 @@ Status RehearsedTree::Unlink(const OpenedDirectory& directory, const char* name)
     return {};
 }
 
-// Real entries that the device does not list keep a directory, too.
+// Real entries that the device does not list keep a directory, too. What is in one that may not be
+// read is not known; it counts as not empty.
 Status RehearsedTree::CheckEmpty(const OpenedDirectory& directory, const char* name) const {
     const Result<OpenedDirectory> opened = Open(directory, name, OpenFor::Reading, Mounts::Entered);
     if (!opened) {
-        return tl::unexpected<Failure>(opened.error());
+        return Fail("remove", opened.error().error == EACCES ? ENOTEMPTY : opened.error().error);
     }
     const RehearsedDirectory& node = *NodeOf(*opened);
     if (node.added != nullptr && !node.added->empty()) {
@@ -548,12 +545,27 @@ Status RehearsedTree::MoveEntry(const OpenedDirectory& from, const char* name,
 }
 
 Status RehearsedTree::CheckReadable(const OpenedDirectory& directory, const char* name) const {
-    if (IsSuperuser() || NodeOf(directory)->Added(name) != nullptr) {
+    if (isSuperuser_ || NodeOf(directory)->Added(name) != nullptr) {
         return {};
     }
     return faccessat(directory.get(), name, R_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0
                ? Status()
                : Fail("open", errno);
+}
+
+// Whether the file can be deleted when its copy is there: first it is set aside in its volume's
+// root, with a record. Where there is no room for that, it takes a lease, which is for its owner.
+Status RehearsedTree::CheckDeleting(const FileMove& move) {
+    const dev_t volume = VolumeOf(move.from);
+    Status possible = CheckChange(move.fromVolume);
+    possible = possible ? CheckTaking(move.from, move.name) : std::move(possible);
+    if (room_.Take(move.fromVolume.get(), volume, 1)) {
+        room_.Free(volume, room_.RoomFor(volume, 1));
+        return possible;
+    }
+    const Result<struct statx> entry = LastLook(move.from, move.name);
+    const bool isOwn = isSuperuser_ || !entry || entry->stx_uid == geteuid();
+    return possible && isOwn ? Status() : Fail("move", EBUSY);
 }
 
 // In the order of the calls that such a move takes.
@@ -570,7 +582,7 @@ Status RehearsedTree::MoveToVolume(const FileMove& move) {
         return room;
     }
     const std::uint64_t freed = RoomToFree(move.from, move.name);
-    possible = CheckChange(move.fromVolume);
+    possible = CheckDeleting(move);
     possible = possible ? MoveEntry(move.from, move.name, move.to, move.newName)
                         : std::move(possible);
     if (possible) {

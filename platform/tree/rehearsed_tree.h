@@ -81,6 +81,7 @@ class RehearsedTree : public FileTree {
     Status CheckChange(const OpenedDirectory& directory) const;
     Status CheckTaking(const OpenedDirectory& directory, const char* name) const;
     Status CheckEmpty(const OpenedDirectory& directory, const char* name) const;
+    Status CheckDeleting(const FileMove& move);
     Status CheckReadable(const OpenedDirectory& directory, const char* name) const;
     dev_t VolumeOf(const OpenedDirectory& directory) const;
     void Note(const RehearsedNode& node);
@@ -97,6 +98,7 @@ class RehearsedTree : public FileTree {
     RehearsedNode root_;
     mutable Look last_;
     std::uint32_t made_ = 0;
+    bool isSuperuser_;
 };
 
 }  // namespace platform
