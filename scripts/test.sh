@@ -18,7 +18,10 @@ run_tests() {
   ctest --preset "$1"
 }
 
-run_tests release -DBUILD_TESTING=ON
-[ "${1-}" = quick ] && exit
+if [ "${1-}" = quick ]; then
+  run_tests release -DBUILD_TESTING=ON
+  exit
+fi
+RANDOM_DEVICES=2000 run_tests release -DBUILD_TESTING=ON
 run_tests sanitized -DBUILD_TESTING=ON
 run_tests fuzzing

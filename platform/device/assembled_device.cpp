@@ -36,7 +36,9 @@ std::unique_ptr<AssembledDevice> AssembledDevice::Rehearsed(std::unique_ptr<Rehe
     const dev_t volume = IdentityOf(directory).value_or(FileIdentity()).device;
     RehearsedRoom& room = tree->room();
     registry->Rehearse(
-        {[&room, directory, volume](std::size_t size) { return room.Take(directory, volume, size); },
+        {[&room, directory, volume](std::size_t size) {
+             return room.Take(directory, volume, size);
+         },
          [&room, volume](std::size_t size) { room.Free(volume, room.RoomFor(volume, size)); }});
     return std::make_unique<AssembledDevice>(std::move(tree), std::move(modulePath),
                                              std::move(registry), std::move(exit));

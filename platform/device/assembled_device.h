@@ -45,7 +45,8 @@ class AssembledDevice : private DeviceParts, public ForwardingStore {
           ForwardingStore(tree, *keys, handheld) {}
 
     // A device on which every change takes effect in memory alone; the same otherwise.
-    static std::unique_ptr<AssembledDevice> Rehearsed(std::unique_ptr<RehearsedTree> tree, std::u16string modulePath,
+    static std::unique_ptr<AssembledDevice> Rehearsed(std::unique_ptr<RehearsedTree> tree,
+                                                      std::u16string modulePath,
                                                       std::unique_ptr<Registry> registry,
                                                       Exit exit);
 

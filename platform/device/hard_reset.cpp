@@ -200,8 +200,7 @@ Status CheckErasable(int device) {
     if (const Status noCard = isMissing ? Status() : CheckNoCard(*files); !noCard) {
         return noCard;
     }
-    const bool isAllowed =
-        IsWritable(device, ".") && (isMissing || IsWritable(device, kFilesName));
+    const bool isAllowed = IsWritable(device, ".") && (isMissing || IsWritable(device, kFilesName));
     return isAllowed ? Status() : Fail(kErase, errno);
 }
 

@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "platform/diagnostics/failure.h"
-#include "platform/tree/file_tree.h"
 #include "platform/files/name_hash_set.h"
 #include "platform/text/name_translation.h"
+#include "platform/tree/file_tree.h"
 
 namespace platform {
 

@@ -117,8 +117,9 @@ int BootDevice(const CommandLine& line) {
         log.Say("nothing to run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
                 ReadableText(line.modulePath));
     } else if (line.rehearse) {
-        log.Say("each shortcut is rehearsed on the device as it is now, not as the one before it "
-                "would leave it");
+        log.Say(
+            "each shortcut is rehearsed on the device as it is now, not as the one before it "
+            "would leave it");
     }
     int result = 0;
     for (const StartupShortcut& shortcut : *shortcuts) {

@@ -108,19 +108,21 @@ void DeviceRun::SayIfReadOnly() {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenStore() {
-    auto registry = Registry::Open(
-        device_.directory.get(), line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
+    auto registry = Registry::Open(device_.directory.get(),
+                                   line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
     const auto exit = [this](int code) { EndOnTheSpot(code); };
     if (line_.rehearse) {
         SayIfReadOnly();
-        store_ = AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)), line_.modulePath,
-                                            std::move(*registry), exit);
+        store_ =
+            AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),
+                                       line_.modulePath, std::move(*registry), exit);
         if (store_->HaveLeftovers()) {
-            log_.Say("a run that was killed has left files here; the next run puts them right "
-                     "before it begins, which the rehearsal does not show");
+            log_.Say(
+                "a run that was killed has left files here; the next run puts them right "
+                "before it begins, which the rehearsal does not show");
         }
         return {};
     }

@@ -137,8 +137,7 @@ bool HaveSameContent(int left, int right) {
 // What an overlay shows may lie in the very directory that the file is in.
 bool IsCopy(int file, int copy) {
     struct statfs system {};
-    const bool isOverlay =
-        fstatfs(copy, &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC;
+    const bool isOverlay = fstatfs(copy, &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC;
     return !isOverlay && HaveSameContent(file, copy);
 }
 

@@ -74,7 +74,8 @@ Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
     if (found->st_mode == 0) {
         return Content();
     }
-    const Result<Descriptor> file = OpenRegularFile(directory_, kName, Mounts::Entered, accessTime_);
+    const Result<Descriptor> file =
+        OpenRegularFile(directory_, kName, Mounts::Entered, accessTime_);
     if (!file) {
         return FailOf(file.error(), kName);
     }

@@ -86,7 +86,8 @@ Result<std::unique_ptr<Registry>> Registry::Open(int directory, AccessTime time)
     if (!read) {
         return tl::unexpected<Failure>(read.error());
     }
-    return std::unique_ptr<Registry>(new Registry(std::move(file), std::move(read->text), read->version));
+    return std::unique_ptr<Registry>(
+        new Registry(std::move(file), std::move(read->text), read->version));
 }
 
 Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {

@@ -89,7 +89,6 @@ class Registry : public DeviceRegistry {
 
     Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileVersion& version);
 
-
     struct ReadText {
         EditedRegistryText text;
         FileVersion version;

@@ -7,11 +7,11 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/tree/dos_attributes.h"
 #include "platform/io/atomic_file.h"
 #include "platform/io/attribute_copy.h"
 #include "platform/io/rename_without_replacing.h"
 #include "platform/text/name_matching.h"
+#include "platform/tree/dos_attributes.h"
 
 namespace platform {
 

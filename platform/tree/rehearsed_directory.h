@@ -25,8 +25,8 @@ struct RehearsedEntry;
 
 // What a rehearsal has changed in one directory, and what it has found out about it.
 struct RehearsedDirectory {
-    std::shared_ptr<RehearsedDirectory> parent;  // null for the root
-    std::string realPath;                        // below the root; of a real directory
+    std::shared_ptr<RehearsedDirectory> parent;              // null for the root
+    std::string realPath;                                    // below the root; of a real directory
     std::unordered_set<std::string, FoldedNameHash> hidden;  // real entries that are gone
     std::unique_ptr<std::map<std::string, RehearsedEntry>> added;  // null: none
     dev_t volume = 0;
@@ -38,8 +38,8 @@ struct RehearsedDirectory {
     uid_t stickyOwner = 0;    // where isSticky
     int refusal = kNotAsked;  // the errno of every change in it, 0 for none
     bool isAppendOnly = false;
-    bool isSticky = false;    // users may take away only what is theirs
-    bool isKept = false;      // an index has it
+    bool isSticky = false;  // users may take away only what is theirs
+    bool isKept = false;    // an index has it
     bool isRemoved = false;
 
     static constexpr int kNotAsked = -1;

@@ -18,7 +18,9 @@ class RehearsedRoom {
     Status Take(int directory, dev_t volume, std::uint64_t size);
 
     // The bytes that a file of `size` bytes takes.
-    std::uint64_t RoomFor(dev_t volume, std::uint64_t size) { return volumes_[volume].RoomFor(size); }
+    std::uint64_t RoomFor(dev_t volume, std::uint64_t size) {
+        return volumes_[volume].RoomFor(size);
+    }
 
     // Gives the volume room of so many bytes.
     void Free(dev_t volume, std::uint64_t bytes);
@@ -30,7 +32,7 @@ class RehearsedRoom {
         bool isAsked = false;
         bool isKnown = false;
         std::uint64_t block = kUsualBlock;  // bytes; what a file takes is a multiple
-        std::int64_t free = 0;             // bytes; before the volume is asked, what became free
+        std::int64_t free = 0;              // bytes; before the volume is asked, what became free
 
         std::uint64_t RoomFor(std::uint64_t size) const;
         void Ask(int directory);

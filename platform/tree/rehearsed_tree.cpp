@@ -79,7 +79,8 @@ class RehearsedListing : public DirectoryListing {
 }  // namespace
 
 RehearsedTree::RehearsedTree(Descriptor root)
-    : FileTree(std::move(root), AccessTime::Kept), root_(std::make_shared<RehearsedDirectory>()),
+    : FileTree(std::move(root), AccessTime::Kept),
+      root_(std::make_shared<RehearsedDirectory>()),
       isSuperuser_(geteuid() == 0) {
     changed_.Keep(root_);
 }
@@ -175,9 +176,9 @@ Result<OpenedDirectory> RehearsedTree::OpenEntry(const OpenedDirectory& parent, 
         return again;
     }
     if (const RehearsedEntry* const added = around->Added(name)) {
-        return added->facts.isDirectory() ? OpenNode(added->node, purpose)
-                                          : Fail("open", S_ISLNK(added->facts.mode) ? ELOOP
-                                                                                    : ENOTDIR);
+        return added->facts.isDirectory()
+                   ? OpenNode(added->node, purpose)
+                   : Fail("open", S_ISLNK(added->facts.mode) ? ELOOP : ENOTDIR);
     }
     if (!ShowsReal(parent, name)) {
         return NotThere("open");
@@ -308,8 +309,8 @@ std::optional<FileIdentity> RehearsedTree::Identity(const OpenedDirectory& direc
 
 bool RehearsedTree::IsMountPoint(const OpenedDirectory& directory, const char* name) const {
     const RehearsedDirectory& node = *NodeOf(directory);
-    const bool isReal = *name == '\0' ? node.isReal()
-                                      : node.Added(name) == nullptr && ShowsReal(directory, name);
+    const bool isReal =
+        *name == '\0' ? node.isReal() : node.Added(name) == nullptr && ShowsReal(directory, name);
     return isReal && FileTree::IsMountPoint(directory, name);
 }
 
@@ -356,9 +357,8 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
         node.refusal = isAllowed ? 0 : EACCES;
         return;
     }
-    node.refusal = faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS
-                       ? 0
-                       : errno;
+    node.refusal =
+        faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS ? 0 : errno;
     struct statx entry {};
     if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &entry) == 0) {
         node.volume = makedev(entry.stx_dev_major, entry.stx_dev_minor);
@@ -384,6 +384,11 @@ dev_t RehearsedTree::VolumeOf(const OpenedDirectory& directory) const {
     return NodeOf(directory)->volume;
 }
 
+// Whether an entry of that owner is not this user's to take out of the directory.
+bool RehearsedTree::IsOthers(const RehearsedDirectory& node, uid_t owner) const {
+    return node.isSticky && !isSuperuser_ && owner != geteuid() && node.stickyOwner != geteuid();
+}
+
 // What is asked before an entry loses its name.
 Status RehearsedTree::CheckTaking(const OpenedDirectory& directory, const char* name) const {
     if (Status allowed = CheckChange(directory); !allowed) {
@@ -397,14 +402,14 @@ Status RehearsedTree::CheckTaking(const OpenedDirectory& directory, const char* 
     if (!entry) {
         return tl::unexpected<Failure>(entry.error());
     }
+    // What is said of a mount point is said of what is mounted there; below it is mostly root's.
+    const bool isMounted = (entry->stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
     constexpr std::uint64_t kKept = STATX_ATTR_IMMUTABLE | STATX_ATTR_APPEND;
-    const bool isOthers = node.isSticky && !isSuperuser_ && entry->stx_uid != geteuid() &&
-                          node.stickyOwner != geteuid();
-    if (node.isAppendOnly || isOthers || (entry->stx_attributes & kKept) != 0) {
+    const bool isKept = !isMounted && (entry->stx_attributes & kKept) != 0;
+    if (node.isAppendOnly || isKept || IsOthers(node, isMounted ? 0 : entry->stx_uid)) {
         return Fail("take away", EPERM);
     }
-    return (entry->stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0 ? Fail("take away", EBUSY)
-                                                                : Status();
+    return isMounted ? Fail("take away", EBUSY) : Status();
 }
 
 void RehearsedTree::TakeAway(const OpenedDirectory& directory, const char* name) {
@@ -553,19 +558,30 @@ Status RehearsedTree::CheckReadable(const OpenedDirectory& directory, const char
                : Fail("open", errno);
 }
 
+// A new file begins in its directory or else in its volume's root.
+Status RehearsedTree::CheckNewFile(const OpenedDirectory& directory,
+                                   const OpenedDirectory& volume) const {
+    return CheckChange(directory) ? Status() : CheckChange(volume);
+}
+
 // Whether the file can be deleted when its copy is there: first it is set aside in its volume's
 // root, with a record. Where there is no room for that, it takes a lease, which is for its owner.
 Status RehearsedTree::CheckDeleting(const FileMove& move) {
     const dev_t volume = VolumeOf(move.from);
-    Status possible = CheckChange(move.fromVolume);
-    possible = possible ? CheckTaking(move.from, move.name) : std::move(possible);
+    const Result<struct statx> entry = LastLook(move.from, move.name);
+    const uid_t owner = entry ? entry->stx_uid : geteuid();
+    if (IsOthers(*NodeOf(move.fromVolume), owner)) {
+        return Fail("move", EPERM);
+    }
+    if (Status allowed = CheckChange(move.fromVolume); !allowed) {
+        return allowed;
+    }
+    Status possible = CheckTaking(move.from, move.name);
     if (room_.Take(move.fromVolume.get(), volume, 1)) {
         room_.Free(volume, room_.RoomFor(volume, 1));
         return possible;
     }
-    const Result<struct statx> entry = LastLook(move.from, move.name);
-    const bool isOwn = isSuperuser_ || !entry || entry->stx_uid == geteuid();
-    return possible && isOwn ? Status() : Fail("move", EBUSY);
+    return possible && (isSuperuser_ || owner == geteuid()) ? Status() : Fail("move", EBUSY);
 }
 
 // In the order of the calls that such a move takes.
@@ -573,7 +589,7 @@ Status RehearsedTree::MoveToVolume(const FileMove& move) {
     const Result<EntryFacts> facts = FactsOf(move.from, move.name);
     Status possible = facts ? CheckReadable(move.from, move.name)
                             : Status(tl::unexpected<Failure>(facts.error()));
-    possible = possible ? CheckChange(move.to) : std::move(possible);
+    possible = possible ? CheckNewFile(move.to, *move.toVolume) : std::move(possible);
     if (!possible) {
         return possible;
     }
@@ -582,9 +598,10 @@ Status RehearsedTree::MoveToVolume(const FileMove& move) {
         return room;
     }
     const std::uint64_t freed = RoomToFree(move.from, move.name);
-    possible = CheckDeleting(move);
-    possible = possible ? MoveEntry(move.from, move.name, move.to, move.newName)
-                        : std::move(possible);
+    possible = CheckChange(move.to);
+    possible = possible ? CheckDeleting(move) : std::move(possible);
+    possible =
+        possible ? MoveEntry(move.from, move.name, move.to, move.newName) : std::move(possible);
     if (possible) {
         room_.Free(VolumeOf(move.from), freed);
     } else {
@@ -598,10 +615,9 @@ Status RehearsedTree::FinishMove(const FileMove& move) {
     const bool isReal = NodeOf(move.from)->Added(move.name) == nullptr &&
                         NodeOf(move.to)->Added(move.newName) == nullptr;
     const SourceFile source{move.from.get(), move.name, move.fromVolume.get(), move.path};
-    if (!isReal || !IsMovedAlready(source, move.to.get(), move.newName)) {
-        return Fail("move", EEXIST);
-    }
-    return Unlink(move.from, move.name);
+    const bool isFinished = isReal && IsMovedAlready(source, move.to.get(), move.newName) &&
+                            CheckChange(move.fromVolume) && Unlink(move.from, move.name);
+    return isFinished ? Status() : Fail("move", EEXIST);
 }
 
 void RehearsedTree::CopyDirectoryAttributes(const OpenedDirectory& old, const struct stat& status,
@@ -614,14 +630,22 @@ void RehearsedTree::CopyDirectoryAttributes(const OpenedDirectory& old, const st
 
 Status RehearsedTree::Show(const OpenedDirectory& directory, const OpenedDirectory& volume,
                            const std::string& name, const EntryFacts& facts, std::string content) {
-    if (Status room = room_.Take(volume.get(), VolumeOf(volume), facts.size); !room) {
+    const dev_t number = VolumeOf(volume);
+    if (Status room = room_.Take(volume.get(), number, facts.size); !room) {
         return room;
     }
-    const RehearsedNode& node = NodeOf(directory);
-    if (FactsOf(directory, name.c_str())) {
-        room_.Free(VolumeOf(directory), RoomToFree(directory, name.c_str()));
+    const bool isReplaced = FactsOf(directory, name.c_str()).has_value();
+    Status possible = isReplaced ? CheckTaking(directory, name.c_str()) : CheckChange(directory);
+    possible = possible && isReplaced ? CheckChange(volume) : std::move(possible);
+    if (!possible) {
+        room_.Free(number, room_.RoomFor(number, facts.size));
+        return possible;
+    }
+    if (isReplaced) {
+        room_.Free(number, RoomToFree(directory, name.c_str()));
         TakeAway(directory, name.c_str());
     }
+    const RehearsedNode& node = NodeOf(directory);
     node->AddedEntries().insert_or_assign(
         name, RehearsedEntry{facts, nullptr, std::make_unique<std::string>(std::move(content))});
     Note(node);
@@ -632,7 +656,7 @@ Result<std::FILE*> RehearsedTree::OpenPublishingStream(OpenedDirectory directory
                                                        OpenedDirectory volume, const HostName& name,
                                                        const std::optional<struct stat>& replaced,
                                                        Failure& failure) {
-    if (Status allowed = CheckChange(directory); !allowed) {
+    if (Status allowed = CheckNewFile(directory, volume); !allowed) {
         return tl::unexpected<Failure>(allowed.error());
     }
     const auto places = std::make_shared<std::pair<OpenedDirectory, OpenedDirectory>>(

@@ -80,7 +80,9 @@ class RehearsedTree : public FileTree {
     void AskRules(const OpenedDirectory& directory) const;
     Status CheckChange(const OpenedDirectory& directory) const;
     Status CheckTaking(const OpenedDirectory& directory, const char* name) const;
+    bool IsOthers(const RehearsedDirectory& node, uid_t owner) const;
     Status CheckEmpty(const OpenedDirectory& directory, const char* name) const;
+    Status CheckNewFile(const OpenedDirectory& directory, const OpenedDirectory& volume) const;
     Status CheckDeleting(const FileMove& move);
     Status CheckReadable(const OpenedDirectory& directory, const char* name) const;
     dev_t VolumeOf(const OpenedDirectory& directory) const;

@@ -50,8 +50,9 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
     void Open() {
         if (GetParam().isRehearsed) {
             before_ = RealEntries();
-            real_ = platform::AssembledDevice::Rehearsed(std::make_unique<platform::RehearsedTree>(device_.OpenFiles()), u"\\Program.exe",
-                                                         device_.OpenRegistry(), ThrowRestarted);
+            real_ = platform::AssembledDevice::Rehearsed(
+                std::make_unique<platform::RehearsedTree>(device_.OpenFiles()), u"\\Program.exe",
+                device_.OpenRegistry(), ThrowRestarted);
         } else {
             real_ = std::make_unique<platform::AssembledDevice>(
                 device_.OpenFiles(), u"\\Program.exe", device_.OpenRegistry(), ThrowRestarted);

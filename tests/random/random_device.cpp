@@ -33,11 +33,11 @@ constexpr const char* kDirectories[] = {"Temp",
                                         "Windows/Start Menu/Programs",
                                         "Storage Card/Old",
                                         "Storage Card/New"};
-constexpr const char* kNames[] = {"a", "b", "B", "c.tmp", "C.TMP", "d e.log", "\xC3\xA9", "\xC3\x89",
-                                  "x:y"};
+constexpr const char* kNames[] = {"a",       "b",        "B",        "c.tmp", "C.TMP",
+                                  "d e.log", "\xC3\xA9", "\xC3\x89", "x:y"};
 constexpr const char* kSubdirectories[] = {"sub", "SUB", "deep", "Cache"};
-constexpr const char* kOddPaths[] = {"",          "Temp",          "\\None\\x",    "\\Temp\\..",
-                                     "\\",        "\\Link\\sub\\", "\\Link\\x.exe", "\\Link\\",
+constexpr const char* kOddPaths[] = {"",           "Temp",          "\\None\\x",     "\\Temp\\..",
+                                     "\\",         "\\Link\\sub\\", "\\Link\\x.exe", "\\Link\\",
                                      "\\a\\b\\c\\"};
 constexpr const char* kTextValues[] = {"Cache", "History"};
 constexpr const char* kFolderValues[] = {"Favorites", "Fonts", "My Documents"};
@@ -64,7 +64,7 @@ std::u16string Widened(const std::string& text) {
 RandomDevice::RandomDevice(std::uint64_t seed, const std::string& parent, bool isFull)
     : random_(seed),
       device_(parent),
-      user_(Chance(30) ? kOrdinaryUser : 0),
+      user_(Chance(40) ? kOrdinaryUser : 0),
       allowsRestart_(Chance(40)),
       isErased_(Chance(15)),
       isTight_(isFull) {
@@ -73,7 +73,7 @@ RandomDevice::RandomDevice(std::uint64_t seed, const std::string& parent, bool i
     WriteFile(device_.registry(), Registry());
     device_.Make({"App/settings.dat=" + Settings()});
     if (isFull) {
-        LeaveRoom(Below(30000));
+        LeaveRoom(Below(Chance(80) ? 9000 : 30000));
     }
     HandOver();
     MakeHazards();
@@ -90,14 +90,14 @@ void RandomDevice::MakeEntry(const std::string& path, int depth) {
     const std::uint32_t kind = Below(20);
     if (kind < 5 && depth < 3) {
         Fill(fs::path(path).parent_path().string() + '/' + Pick(kSubdirectories), depth + 1);
-    } else if (kind == 5) {
+    } else if (kind < 7) {
         device_.Make({path + ">" + Pick(kNames)});
-    } else if (kind == 6) {
+    } else if (kind == 7) {
         device_.Make({path + '|'});
     } else {
         // As much as there is room for.
         std::ofstream(device_.HostPath(path)) << std::string(Below(4) * Below(6000), 'x');
-        if (kind < 9) {
+        if (kind < 11) {
             chmod(device_.HostPath(path).c_str(), 0444);
         }
     }
@@ -121,8 +121,13 @@ void RandomDevice::MakeTree() {
     }
     device_.Make({"Link>Cache"});
     for (const char* const directory : kDirectories) {
-        if (Chance(75)) {
+        if (Chance(65)) {
             Fill(directory, 0);
+        }
+    }
+    for (const char* const place : {"Temp/mount", "Cache/mount", "Favorites/mount"}) {
+        if (Chance(45)) {
+            device_.Mount(place, "size=64k");
         }
     }
 }
@@ -187,10 +192,10 @@ std::string RandomDevice::Value() {
 }
 
 std::string RandomDevice::Registry() {
-    std::string text = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\AvantGo]\n\"DatabaseLocation\"=" +
-                       Value() +
-                       "\n[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\"
-                       "Explorer\\Shell Folders]\n";
+    std::string text =
+        "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\AvantGo]\n\"DatabaseLocation\"=" + Value() +
+        "\n[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\"
+        "Explorer\\Shell Folders]\n";
     for (const char* const name : kTextValues) {
         text += Chance(95) ? '"' + std::string(name) + "\"=" + Value() + '\n' : "";
     }
@@ -199,16 +204,18 @@ std::string RandomDevice::Registry() {
         text += Chance(95) ? '"' + std::string(name) + "\"=" + Value() + '\n' : "";
     }
     for (const char* const name : {"Content", "Cookies", "History"}) {
-        text += "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\"
-                "Internet Settings\\5.0\\Cache\\" +
-                std::string(name) + "]\n\"CacheLimit\"=dword:00000009\n";
+        text +=
+            "[HKEY_CURRENT_USER\\Software\\Microsoft\\Windows\\CurrentVersion\\"
+            "Internet Settings\\5.0\\Cache\\" +
+            std::string(name) + "]\n\"CacheLimit\"=dword:00000009\n";
     }
     for (std::uint32_t count = Below(4); count > 0; --count) {
         text += "[HKEY_LOCAL_MACHINE\\Software\\Apps\\" + std::to_string(count) +
                 "]\n\"InstallDir\"=" + Value() + '\n';
     }
-    return text + "[HKEY_LOCAL_MACHINE\\System\\GDI\\GLYPHCACHE]\n\"limit\"=dword:00000009\n"
-                  "[HKEY_LOCAL_MACHINE\\System\\GWE]\n\"Animate\"=dword:0000000" +
+    return text +
+           "[HKEY_LOCAL_MACHINE\\System\\GDI\\GLYPHCACHE]\n\"limit\"=dword:00000009\n"
+           "[HKEY_LOCAL_MACHINE\\System\\GWE]\n\"Animate\"=dword:0000000" +
            std::to_string(Below(2)) +
            "\n[HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\n\"AniType\"=dword:0000000" +
            std::to_string(Below(2) * 6) + '\n';
@@ -219,7 +226,7 @@ std::string RandomDevice::Settings() {
     constexpr std::uint32_t kAllMoves = 0x74000;
     auto mask = static_cast<std::uint32_t>(random_()) & kAllOptions;
     if (isTight_) {
-        mask = (mask & ~kAllMoves) | kMoves[Below(4)];
+        mask = (Chance(40) ? 0x200000 : mask & ~kAllMoves) | kMoves[Below(4)];
     } else if (Chance(60)) {
         mask |= kAllMoves;
     }
@@ -254,25 +261,22 @@ void RandomDevice::MakeHazards() {
         const fs::file_type type = entry.symlink_status().type();
         if (type == fs::file_type::directory) {
             constexpr mode_t kModes[] = {01777, 0555, 0000, 0700};
-            if (user_ != 0 && Chance(12)) {
+            if (user_ != 0 && Chance(15)) {
                 std::ofstream(path + "/kept") << 'x';  // or it could go unread
                 EXPECT_EQ(chmod(path.c_str(), kModes[Below(4)]), 0);
             }
-            if (user_ != 0 && Chance(8)) {
+            if (user_ != 0 && Chance(15)) {
                 EXPECT_EQ(chown(path.c_str(), 0, 0), 0);
             }
-            if (Chance(4)) {
+            if (Chance(5)) {
+                SetImmutable(path, true);
+            } else if (Chance(4)) {
                 setxattr(path.c_str(), "user.DOSATTRIB", "0x6", 3, 0);
             }
         } else if (type == fs::file_type::regular && Chance(3)) {
             SetImmutable(path, true);
         } else if (user_ != 0 && Chance(6)) {
             EXPECT_EQ(lchown(path.c_str(), 0, 0), 0);
-        }
-    }
-    for (const char* const place : {"Temp/mount", "Cache/mount"}) {
-        if (Chance(20)) {
-            device_.Mount(place, "size=64k");
         }
     }
 }

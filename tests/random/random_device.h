@@ -27,7 +27,9 @@ class RandomDevice {
     bool isErased() const { return isErased_; }  // after the run
 
   private:
-    std::uint32_t Below(std::uint32_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
+    std::uint32_t Below(std::uint32_t limit) {
+        return static_cast<std::uint32_t>(random_() % limit);
+    }
     bool Chance(std::uint32_t percent) { return Below(100) < percent; }
     template <typename List>
     std::string Pick(const List& list) {

@@ -84,8 +84,8 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
     testing::internal::CaptureStderr();
     const SilentRun run = RunSilently(faulty, input.allowRestart);
     EXPECT_TRUE(run.isStored);
-    ApplyResult result{run.boxes, {}, {}, run.bytesCleaned, run.restarts,
-                       testing::internal::GetCapturedStderr()};
+    ApplyResult result{run.boxes,        {},           {},
+                       run.bytesCleaned, run.restarts, testing::internal::GetCapturedStderr()};
     result.registry = ReadFile(device.registry());
     result.files = device.Listing();
     std::erase_if(result.files, [](const std::string& entry) { return entry.starts_with("App/"); });
