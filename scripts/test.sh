@@ -22,6 +22,8 @@ if [ "${1-}" = quick ]; then
   run_tests release -DBUILD_TESTING=ON
   exit
 fi
-RANDOM_DEVICES=2000 run_tests release -DBUILD_TESTING=ON
+run_tests release -DBUILD_TESTING=ON
+printf '\n== Rehearsals of random devices\n'
+RANDOM_DEVICES=2000 build/release/tests/rehearsal_test --gtest_brief=1
 run_tests sanitized -DBUILD_TESTING=ON
 run_tests fuzzing

@@ -7,7 +7,7 @@
 
 namespace platform {
 
-std::size_t FoldedNameHash::operator()(std::string_view name) const {
+std::size_t FoldedNameHash::operator()(std::string_view name) const noexcept {
     return NameHash(DeviceNameOf(name).view());
 }
 

@@ -18,7 +18,7 @@ namespace platform {
 
 // A hash that is equal for names that differ in case alone.
 struct FoldedNameHash {
-    std::size_t operator()(std::string_view name) const;
+    std::size_t operator()(std::string_view name) const noexcept;  // so that no hash is kept
 };
 
 struct RehearsedEntry;
