@@ -1,0 +1,21 @@
+#include "platform/host/run_lock.h"
+
+#include "platform/device/device_lock.h"
+
+namespace platform {
+
+RunLock TakeRunLock(const DeviceDirectory& device, RunLog& log) {
+    const Result<bool> locked = LockDevice(device);
+    if (!locked) {
+        log.Say("it cannot be locked, so make sure that nothing else works on it meanwhile: " +
+                ReasonOf(locked.error()));
+        return RunLock::Unknown;
+    }
+    if (!*locked) {
+        log.Say("in use by another run; try again when it has ended");
+        return RunLock::Refused;
+    }
+    return RunLock::Taken;
+}
+
+}  // namespace platform
