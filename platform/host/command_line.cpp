@@ -271,7 +271,7 @@ Status RefuseWord(int answer, const char* word) {
 
 // A failure quotes the option as it was given.
 Status TakeOption(int choice, const char* value, CommandLine& line) {
-    const Status taken = ParseOption(choice, value, line);
+    Status taken = ParseOption(choice, value, line);
     if (taken || choice == kWord) {
         return taken;
     }

@@ -177,9 +177,9 @@ TEST(SettingsCommands, AFaultAtAnyCallLeavesTheOldFileOrTheNewOne) {
                 refusals += exitCode == 74 ? 1 : 0;
                 if (exitCode < 0 && left != changed) {
                     // What a kill may leave: the directory, and what the next run removes.
-                    std::erase_if(left, [&before](const std::string& entry) {
+                    std::erase_if(left, [isNew = before.size() == 1](const std::string& entry) {
                         return entry.starts_with(".fennelbright-new-") ||
-                               (entry == "App/" && before.size() == 1);
+                               (isNew && entry == "App/");
                     });
                 }
                 EXPECT_TRUE(left == before || left == changed) << testing::PrintToString(left);
