@@ -17,6 +17,7 @@
 #include "platform/host/device_run.h"
 #include "platform/host/help_viewer_process.h"
 #include "platform/host/make_sample_device.h"
+#include "platform/host/settings_commands.h"
 
 namespace {
 
@@ -76,6 +77,8 @@ int RunTask(CommandLine& line) {
             return 0;
         case CommandLine::Task::Boot:
             return platform::BootDevice(line);
+        case CommandLine::Task::Settings:
+            return platform::RunSettingsCommands(line);
         case CommandLine::Task::MakeSampleDevice:
             return platform::RunMakeSampleDevice(line);
         case CommandLine::Task::ShowHelpPage:

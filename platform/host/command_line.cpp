@@ -2,7 +2,9 @@
 
 #include <getopt.h>
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <optional>
 #include <string_view>
 
@@ -14,45 +16,85 @@
 
 namespace platform {
 
-const char kHelp[] =
-    "Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]\n"
-    "       fennelbright [OPTION]...\n"
-    "       fennelbright --device DIR --boot [OPTION]...\n"
-    "       fennelbright --new-device DIR\n"
-    "\n"
-    "Cleans up and tunes the handheld whose files and registry are in DIR.\n"
-    "\n"
-    "  --device DIR      the device directory: \"files\" in it is the handheld's file tree,\n"
-    "                    \"registry.reg\" its registry\n"
-    "  --module PATH     where the program lies on the device; settings.dat is beside it\n"
-    "                    (\\Program Files\\Fennelbright\\Fennelbright.exe)\n"
-    "  --report[=FORM]   say on standard output what was done, and what could not be: FORM is\n"
-    "                    \"lines\", which is the same as none, or \"json\" for programs\n"
-    "  --report-html FILE  write the same as a page for a browser\n"
-    "  --rehearse        change nothing: find out and report what the run would do\n"
-    "  --strict          end with 74 if anything could not be done, with 78 without settings\n"
-    "  --no-display      open no window; messages go to standard error\n"
-    "  --boot            do what the device does when it starts: run the program for each\n"
-    "                    shortcut in \\Windows\\StartUp that leads to it\n"
-    "  --scale N         show the handheld's screen N times as large, 1 to 8 (as large as the\n"
-    "                    desktop allows)\n"
-    "  --new-device DIR  make a sample device\n"
-    "  --help, --version\n"
-    "\n"
-    "The COMMAND LINE is the program's own: \"silent\" does what settings.dat asks for, without\n"
-    "windows; without one the program opens its windows on the display, and asks there for the\n"
-    "device directory if none is given.\n"
-    "\n"
-    "Exit codes: 0 the program ended normally; 1 the display was lost; 64 wrong usage; 65 the\n"
-    "registry cannot be read; 66 no usable device directory; 69 no display for the program's\n"
-    "windows; 71 out of memory; 73 the sample device cannot be made, or the registry cannot be\n"
-    "stored; 74 changes to registry or settings are not stored; 75 the device is in use by\n"
-    "another run; 78 no settings, with --strict.\n";
+const char kHelp[] = R"(Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]
+       fennelbright --device DIR --boot [OPTION]...
+       fennelbright --device DIR [--set NAME=VALUE]... [--show-settings[=FORM]]
+       fennelbright --new-device DIR
+       fennelbright [OPTION]...
+
+Cleans up and tunes the handheld whose files and registry are in DIR. Without a COMMAND LINE it
+opens the windows in which the options are ticked and applied; the COMMAND LINE "silent" does what
+the options in settings.dat ask for, without windows. Without --device it asks for DIR on the
+display.
+
+The device
+  --device DIR         the device directory: "files" in it is the handheld's file tree,
+                       "registry.reg" its registry
+  --module PATH        where the program lies on the device; settings.dat is beside it
+                       (\Program Files\Fennelbright\Fennelbright.exe)
+  --new-device DIR     make a sample device
+
+What is done
+  COMMAND LINE         the program's own: one that begins with s, i, l, e, n or t is "silent"
+  --boot               what the device does when it starts: run the program for each shortcut
+                       in \Windows\StartUp that leads to it
+  --rehearse           change nothing: find out, and report, what the run would do
+
+Options without windows
+  --show-settings[=FORM]
+                       write the options in settings.dat to standard output: FORM is "lines",
+                       which is the same as none, or "json" for programs
+  --set NAME=VALUE     change one of them, with NAME as --show-settings has it: VALUE is "off",
+                       or else "on", a text, or a position such as 1024kb or 2x; may be repeated
+
+The report
+  --report[=FORM]      say on standard output what was done, and what could not be: FORM is
+                       "lines", which is the same as none, or "json" for programs
+  --report-html FILE   write the same as a page for a browser
+  --strict             end with 74 if anything could not be done, with 78 without settings.dat
+
+Windows and messages
+  --no-display         open no window; messages go to standard error
+  --scale N            show the handheld's screen N times as large, 1 to 8 (as large as the
+                       desktop allows)
+
+About the program
+  -h, --help           this text
+  -V, --version        the version
+
+Examples
+  fennelbright --new-device handheld
+                       make a sample device in the directory "handheld"
+  fennelbright --device handheld
+                       open the windows on it
+  fennelbright --device handheld --set clean-temp=on --set 'clean-user-defined-1=\Old\'
+                       have \Temp and \Old cleaned from now on
+  fennelbright --device handheld --rehearse --report silent
+                       show what would be cleaned
+  fennelbright --device handheld --report silent
+                       clean it, and show what was done
+
+Exit codes
+   0  the program ended normally
+   1  the display was lost
+  64  wrong usage
+  65  the registry cannot be read; settings.dat is damaged, with --set or --show-settings
+  66  there is no usable device directory
+  69  there is no display for the program's windows
+  71  out of memory
+  73  the sample device cannot be made, or the registry cannot be stored
+  74  changes to registry or settings are not stored; settings.dat cannot be read, with --set or
+      --show-settings; with --strict, something could not be done
+  75  the device is in use by another run
+  78  with --strict, there are no settings
+)";
 
 namespace {
 
 // What stands between the options comes as choice 1.
 enum Choice {
+    kHelpChoice = 'h',
+    kVersion = 'V',
     kWord = 1,
     kDevice,
     kModule,
@@ -64,9 +106,9 @@ enum Choice {
     kScale,
     kBoot,
     kNewDevice,
-    kShowHelpPage,
-    kHelpChoice,
-    kVersion
+    kSet,
+    kShowSettings,
+    kShowHelpPage
 };
 
 constexpr double kLargestScale = 8;
@@ -82,6 +124,8 @@ constexpr option kChoices[] = {
     {"boot", no_argument, nullptr, kBoot},
     {"scale", required_argument, nullptr, kScale},
     {"new-device", required_argument, nullptr, kNewDevice},
+    {"set", required_argument, nullptr, kSet},
+    {"show-settings", optional_argument, nullptr, kShowSettings},
     // With which the program starts its help viewer; users have no use for it.
     {"show-help-page", required_argument, nullptr, kShowHelpPage},
     {"help", no_argument, nullptr, kHelpChoice},
@@ -103,7 +147,7 @@ Status RefuseUnless(bool holds, const char* reason) {
 Status ParseWord(const char* value, CommandLine& line) {
     const std::optional<std::u16string> word = WideText(value);
     if (!word) {
-        return Refuse("a word of the command line is not UTF-8");
+        return FailOf({kUnderstand, {}, 0, "the word is not UTF-8"}, ReadableBytes(value));
     }
     line.programLine += line.programLine.empty() ? u"" : u" ";
     line.programLine += *word;
@@ -122,7 +166,7 @@ Status ParseScale(const char* value, CommandLine& line) {
     line.scale = std::strtod(value, &end);
     const bool whole = end != value && *end == '\0';
     return RefuseUnless(whole && line.scale >= 1 && line.scale <= kLargestScale,
-                        "--scale takes a number from 1 to 8");
+                        "it takes a number from 1 to 8");
 }
 
 Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
@@ -131,25 +175,38 @@ Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line)
     }
     line.device = value;
     SetTask(line, task);
-    return RefuseUnless(!line.device.empty(), "the name of the device directory is empty");
+    return RefuseUnless(!line.device.empty(), "the name of the directory is empty");
 }
 
 Status ParseModule(const char* value, CommandLine& line) {
     line.modulePath = WideText(value).value_or(std::u16string());
-    return RefuseUnless(!line.modulePath.empty(), "the path after --module is empty or not UTF-8");
+    return RefuseUnless(!line.modulePath.empty(), "the path is empty or not UTF-8");
 }
 
-Status ParseReport(std::string_view form, CommandLine& line) {
-    line.report = form == "json" ? ReportForm::Json : ReportForm::Lines;
-    return RefuseUnless(form == "json" || form == "lines", "--report takes \"lines\" or \"json\"");
+// No form is the one for people.
+Status ParseForm(const char* value, ReportForm& form) {
+    const std::string_view name = value != nullptr ? value : "lines";
+    form = name == "json" ? ReportForm::Json : ReportForm::Lines;
+    return RefuseUnless(name == "json" || name == "lines", "it takes \"lines\" or \"json\"");
+}
+
+Status ParseChange(const char* value, CommandLine& line) {
+    const Result<SettingChange> change = ParseSetting(value);
+    if (!change) {
+        return tl::unexpected<Failure>(change.error());
+    }
+    const bool isNew = std::ranges::find(line.changes, change->option, &SettingChange::option) ==
+                       line.changes.end();
+    line.changes.push_back(*change);
+    return RefuseUnless(isNew, "the option is set twice");
 }
 
 Status ParseReportPage(const char* value, CommandLine& line) {
     if (!line.reportPage.empty()) {
-        return Refuse("more than one file for the report is given");
+        return Refuse("only one file for the report can be given");
     }
     line.reportPage = value;
-    return RefuseUnless(!line.reportPage.empty(), "the name of the file for the report is empty");
+    return RefuseUnless(!line.reportPage.empty(), "the name of the file is empty");
 }
 
 // Options that take no value and only set something.
@@ -188,11 +245,15 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         case kModule:
             return ParseModule(value, line);
         case kReport:
-            return ParseReport(value != nullptr ? value : "lines", line);
+            return ParseForm(value, line.report);
         case kReportPage:
             return ParseReportPage(value, line);
         case kScale:
             return ParseScale(value, line);
+        case kSet:
+            return ParseChange(value, line);
+        case kShowSettings:
+            return ParseForm(value, line.shownSettings);
         case kShowHelpPage:
             line.helpPlace = value;
             SetTask(line, CommandLine::Task::ShowHelpPage);
@@ -202,13 +263,28 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
     }
 }
 
+const option* FindChoice(int choice) {
+    const auto* const found = std::ranges::find(kChoices, choice, &option::val);
+    return found == std::end(kChoices) ? nullptr : found;
+}
+
 // What getopt_long has not taken.
 Status RefuseWord(int answer, const char* word) {
-    const bool isKnown = optopt > kWord && optopt <= kVersion;
+    const bool isKnown = optopt != 0 && FindChoice(optopt) != nullptr;
     const char* const reason = answer == ':' ? "a value must follow"
                                : isKnown     ? "this option takes no value"
                                              : "there is no such option";
     return FailOf({kUnderstand, {}, 0, reason}, ReadableBytes(word));
+}
+
+// A failure quotes the option as it was given.
+Status TakeOption(int choice, const char* value, CommandLine& line) {
+    Status taken = ParseOption(choice, value, line);
+    if (taken || choice == kWord) {
+        return taken;
+    }
+    const std::string quoted = value != nullptr ? " \"" + ReadableBytes(value) + '"' : "";
+    return FailOf(taken.error(), std::string("--") + FindChoice(choice)->name + quoted);
 }
 
 // The ':' keeps getopt_long from writing messages of its own.
@@ -216,12 +292,12 @@ Status TakeOptions(int count, char** words, CommandLine& line) {
     Status taken;
     while (taken) {
         const char* const word = optind < count ? words[optind] : "";
-        const int choice = getopt_long(count, words, "-:", kChoices, nullptr);
+        const int choice = getopt_long(count, words, "-:hV", kChoices, nullptr);
         if (choice == -1) {
             return taken;
         }
         taken = choice == ':' || choice == '?' ? RefuseWord(choice, word)
-                                               : ParseOption(choice, optarg, line);
+                                               : TakeOption(choice, optarg, line);
     }
     return taken;
 }
@@ -232,21 +308,38 @@ bool AsksForDevice(const CommandLine& line) {
            DisplayIsThere();
 }
 
+bool AsksForSettings(const CommandLine& line) {
+    return !line.changes.empty() || line.shownSettings != ReportForm::None;
+}
+
+struct Conflict {
+    bool isThere;
+    const char* reason;
+};
+
 Status CheckComplete(const CommandLine& line) {
-    const bool runs = line.task == CommandLine::Task::Run || line.task == CommandLine::Task::Boot;
-    if (runs && line.device.empty() && !AsksForDevice(line)) {
-        return Refuse("no device directory is given");
+    using enum CommandLine::Task;
+    const bool works = line.task == Run || line.task == Boot || line.task == Settings;
+    const bool hasWords = !line.programLine.empty();
+    const Conflict conflicts[] = {
+        {works && line.device.empty() && !AsksForDevice(line), "no device directory is given"},
+        {line.task == MakeSampleDevice && hasWords, "--new-device takes no command line"},
+        {line.task == Boot && hasWords, "--boot takes no command line: each shortcut has its own"},
+        {line.task == Boot && !line.reportPage.empty(),
+         "--boot takes no --report-html: each run would replace the page of another"},
+        {line.task == Settings && hasWords,
+         "--set and --show-settings take no command line: run the program afterwards"},
+        {(line.task == Settings || line.task == MakeSampleDevice) && line.rehearse,
+         "--rehearse goes with a run of the program"},
+        {(line.task == Boot || line.task == MakeSampleDevice) && AsksForSettings(line),
+         "--set and --show-settings go with --device alone"},
+    };
+    const auto* const found = std::ranges::find(conflicts, true, &Conflict::isThere);
+    if (found == std::end(conflicts)) {
+        return {};
     }
-    if (line.task == CommandLine::Task::MakeSampleDevice && !line.programLine.empty()) {
-        return Refuse("--new-device takes no command line");
-    }
-    if (line.task == CommandLine::Task::Boot && !line.programLine.empty()) {
-        return Refuse("--boot takes no command line: each shortcut has its own");
-    }
-    if (line.task == CommandLine::Task::Boot && !line.reportPage.empty()) {
-        return Refuse("--boot takes no --report-html: each run would replace the page of another");
-    }
-    return {};
+    return FailOf({kUnderstand, {}, 0, found->reason},
+                  hasWords ? '"' + ReadableText(line.programLine) + '"' : "");
 }
 
 }  // namespace
@@ -257,6 +350,9 @@ Result<CommandLine> ParseCommandLine(int count, char** words) {
     Status taken = TakeOptions(count, words, line);
     for (; taken && optind < count; ++optind) {
         taken = ParseWord(words[optind], line);
+    }
+    if (line.task == CommandLine::Task::Run && AsksForSettings(line)) {
+        line.task = CommandLine::Task::Settings;
     }
     taken = taken ? CheckComplete(line) : taken;
     if (!taken) {

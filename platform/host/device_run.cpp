@@ -11,7 +11,6 @@
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/device_lock.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
@@ -20,6 +19,7 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
+#include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"
 
@@ -83,18 +83,10 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
 }
 
 DeviceRun::ExitCode DeviceRun::Lock() {
-    const Result<bool> locked =
-        LockDevice(device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive);
-    if (locked && !*locked) {
-        log_.Say("in use by another run; try again when it has ended");
-        return EX_TEMPFAIL;
-    }
-    if (!locked) {
-        log_.Say("it cannot be locked, so make sure that nothing else works on it meanwhile: " +
-                 ReasonOf(locked.error()));
-    }
-    isLocked_ = locked.has_value();
-    return {};
+    const RunLock lock = TakeRunLock(
+        device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive, log_);
+    isLocked_ = lock == RunLock::Taken;
+    return lock == RunLock::Refused ? ExitCode(EX_TEMPFAIL) : ExitCode();
 }
 
 void DeviceRun::SayIfReadOnly() {

@@ -68,9 +68,28 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
+        {{"--device", taken, "--scale", "9", "s"}, 64, ": --scale \"9\": it takes a number from"},
+        {{"--device", taken, "--set", "clean-tmp=on"}, 64, ": --set \"clean-tmp=on\": there is no"},
+        {{"--device", taken, "--set", "clean-temp"},
+         64,
+         "\"clean-temp\", which takes on or off: it"},
+        {{"--device", taken, "--set", "clean-temp=yes"}, 64, "cannot have that value"},
+        {{"--device", taken, "--set", "limit-pocket-ie-cache=1"}, 64, "1024kb, 2048kb, 3072kb or"},
+        {{"--device", taken, "--set", "clean-user-defined-1="}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "clean-user-defined-1=/Temp/"}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "move-fonts-folder=\\a\\..\\"}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "search-custom=\xFF"}, 64, "an extension such as"},
+        {{"--device", taken, "--set", "search-custom=" + std::string(1024, 'x')}, 64, "extension"},
+        {{"--device", taken, "--set", "clean-temp=on", "--set", "clean-temp=off"}, 64, "set twice"},
+        {{"--device", taken, "--show-settings", "silent"}, 64, "\"silent\": --set and --show-set"},
+        {{"--device", taken, "--boot", "--set", "clean-temp=on"}, 64, "go with --device alone"},
+        {{"--device", taken, "--module", "\\x.exe", "--show-settings"}, 64, "fewer than 16"},
+        {{"--show-settings"}, 64, "no device directory"},
+        {{"--device", taken + "/none", "--show-settings"}, 66, "No such file"},
+        {{"--device", taken, "--show-settings"}, 0, "\nclean-temp=on\nclean-windows-temp=off\n"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
-        {{"--device", taken, "--report-html", "", "silent"}, 64, "report is empty"},
+        {{"--device", taken, "--report-html", "", "silent"}, 64, "--report-html \"\": the name of"},
         {{"--device", taken, "--report=xml", "silent"}, 64, "\"lines\" or \"json\""},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
@@ -86,7 +105,9 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
         {{"--help", "--new-device", taken + "/new"}, 0, "Usage"},
+        {{"-h", "silent"}, 0, "\nExit codes\n   0  "},
         {{"--version"}, 0, "fennelbright "},
+        {{"-V"}, 0, "fennelbright "},
     };
     const Entries before = device.Listing();
     for (const auto& [words, exitCode, says] : cases) {
@@ -188,7 +209,8 @@ TEST(Program, ASecondRunOnADeviceIsRefused) {
     for (const std::string& held : {device.path(), device.files()}) {
         const platform::Descriptor other(open(held.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
         ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
-        for (const std::string task : {"silent", "--boot", "--"}) {
+        EXPECT_EQ(RunProgram({"--device", device.path(), "--show-settings"}).exitCode, 0);
+        for (const std::string task : {"silent", "--boot", "--", "--set=clean-temp=off"}) {
             const Outcome outcome = RunProgram({"--device", device.path(), task});
             EXPECT_EQ(outcome.exitCode, 75) << task;
             EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
@@ -199,6 +221,44 @@ TEST(Program, ASecondRunOnADeviceIsRefused) {
     EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 0);
     EXPECT_FALSE(std::filesystem::exists(device.path() + "/.fennelbright-new-0123456789abcdef"));
     EXPECT_FALSE(std::filesystem::exists(device.files() + "/Temp/keep"));
+}
+
+// The registry does not matter for them, and a full disk keeps what was there.
+TEST(Program, OptionsAreSetOnWhateverHasFiles) {
+    std::string longPath = "\\";
+    while (longPath.size() < 1000) {
+        longPath += "d\\";
+    }
+    const struct {
+        std::string value;
+        const char* before;
+        int exitCode;
+        std::string errors;
+        std::string after;
+    } cases[] = {
+        {"\\Old\\", "true", 0, "", Number(0x5) + Record(u"\\Old\\")},
+        {"\\", "true", 0, "=\\ is the whole device: every run will delete all files on it\n",
+         Number(0x5) + Record(u"\\")},
+        {"\\Old", "true", 0, "=\\Old deletes nothing: a directory to clean must end in a",
+         Number(0x5) + Record(u"\\Old")},
+        {longPath, "ulimit -S -f 1", 74,
+         "\\Program Files\\Fennelbright\\settings.dat cannot be written, so the old one stays: "
+         "File too large\n",
+         kRootTemp},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDevice device({SettingsEntry(kRootTemp), "../registry.reg=damaged\n["});
+        const Outcome outcome =
+            RunProgram({"--device", device.path(), "--set", "clean-user-defined-1=" + each.value},
+                       each.before);
+        SCOPED_TRACE(outcome.errors);
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_NE(outcome.errors.find(each.errors), std::string::npos);
+        EXPECT_EQ(outcome.errors.empty(), each.errors.empty());
+        EXPECT_EQ(device.Listing(), (Entries{"Program Files/", "Program Files/Fennelbright/",
+                                             SettingsEntry(each.after)}));
+        EXPECT_EQ(ReadFile(device.registry()), "damaged\n[");
+    }
 }
 
 TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {
