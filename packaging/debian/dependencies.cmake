@@ -2,9 +2,13 @@
 # machine without a display does without the toolkit.
 set(scratch ${CPACK_PACKAGE_DIRECTORY}/dependencies)
 file(WRITE ${scratch}/debian/control "Source: fennelbright\n\nPackage: fennelbright\nArchitecture: any\n")
+# It asks for files that lie in a package to be.
+file(MAKE_DIRECTORY ${scratch}/debian/fennelbright/DEBIAN)
+file(COPY ${CPACK_FENNELBRIGHT_PROGRAM} ${CPACK_FENNELBRIGHT_WINDOWS}
+  DESTINATION ${scratch}/debian/fennelbright)
 execute_process(
-  COMMAND dpkg-shlibdeps -O -dDepends ${CPACK_FENNELBRIGHT_PROGRAM}
-    -dRecommends ${CPACK_FENNELBRIGHT_WINDOWS}
+  COMMAND dpkg-shlibdeps -O -dDepends debian/fennelbright/fennelbright
+    -dRecommends debian/fennelbright/fennelbright-windows.so
   WORKING_DIRECTORY ${scratch} OUTPUT_VARIABLE found COMMAND_ERROR_IS_FATAL ANY)
 
 string(REGEX MATCH "shlibs:Depends=([^\n]+)" matched "${found}")
