@@ -33,7 +33,7 @@ names() {
 clean_sample() {
   rm -rf "$root/tmp/sample"
   inside fennelbright --new-device /tmp/sample >/dev/null
-  inside fennelbright --device /tmp/sample --report --strict "$@" silent >"$root/tmp/report" ||
+  inside fennelbright --device /tmp/sample --report --strict silent >"$root/tmp/report" ||
     fails "the silent run ended with $?"
   [ ! -e "$root/tmp/sample/files/Temp/setup.tmp" ] || fails "nothing was cleaned"
   holds "the silent run: $(tail -n 1 "$root/tmp/report")"
