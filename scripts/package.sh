@@ -4,7 +4,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/setup.sh package
-cmake --preset release >/dev/null
+cmake --preset release -DBUILD_TESTING=OFF >/dev/null
 cmake --build --preset release --target fennelbright packaging
 rm -rf build/package
 cpack --config build/release/CPackConfig.cmake -B build/package >/dev/null
