@@ -12,7 +12,6 @@ namespace {
 
 constexpr const char* kOpenWindows = "open the program's windows";
 constexpr const char* kModuleIsMissing = "their module is not installed";
-// Later releases of Debian, which have other names for these packages, know these too.
 constexpr const char* kInstallLibraries =
     "what they need is not installed; on Debian: apt install libqt6widgets6 fonts-dejavu-extra";
 constexpr char kLibraryFolder[] = "/../lib/fennelbright/";
