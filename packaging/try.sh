@@ -39,9 +39,18 @@ clean_sample() {
   holds "the silent run: $(tail -n 1 "$root/tmp/report")"
 }
 
+# Waits for a window. A look at the windows fails if one of them goes meanwhile.
+appears() {
+  for _ in {1..300}; do
+    ! xdotool search --onlyvisible --name "$1" >/dev/null 2>&1 || return 0
+    sleep 0.2
+  done
+  fails "there is no window $1"
+}
+
 # Waits for the window of a program that runs, and ends it.
 opened() {
-  timeout 60 xdotool search --sync --onlyvisible --name "$1" >/dev/null || fails "there is no window $1"
+  appears "$1"
   kill "$2"
   wait "$2" || fails "the program of the window $1 ended with $?"
   holds "the window $1"
@@ -77,7 +86,8 @@ apt install /tmp/fennelbright.deb man-db
 clean_sample
 read -ra entry <<<"$(sed -n 's/^Exec=//p' "$root/usr/share/applications/fennelbright.desktop")"
 chroot "$root" "${entry[@]}" &
-xdotool search --sync --onlyvisible --name "^Choose the handheld" windowfocus --sync type /tmp/sample
+appears "^Choose the handheld"
+xdotool search --onlyvisible --name "^Choose the handheld" windowfocus --sync type /tmp/sample
 xdotool key Return
 opened "^/tmp/sample$" $!
 for page in fennelbright fennelbright-device; do
