@@ -4,6 +4,7 @@
 # that does not.
 set -euo pipefail
 root=$(realpath "${1:?usage: packaging/try.sh ROOT}")
+[ "$root" != / ] || { echo "this machine's own root is not a fresh one" >&2; exit 64; }
 cd "$(dirname "$0")/.."
 
 if [ "${2:-}" != mounted ]; then
