@@ -1,11 +1,16 @@
 #!/usr/bin/env bash
-# Installs what is missing on a Debian machine. With "tests": also what only the tests need.
+# Installs what is missing on a Debian machine. With "package": also what makes the package of the
+# program. With "tests": also what only the tests and checks need.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
+if [ "${1:-}" = package ] || [ "${1:-}" = tests ]; then
+  packages+=(dpkg-dev)
+fi
 if [ "${1:-}" = tests ]; then
-  packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs)
+  packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs
+    appstream desktop-file-utils lintian man-db)
 fi
 
 missing=()

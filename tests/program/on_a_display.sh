@@ -53,8 +53,17 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 "$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
-# Where no device is named, its user is asked, and makes one.
+# Where the windows, or what they need, are not installed, it says so.
 open_display
+cp "$program" "$scratch/alone"
+for reason in "module is not installed" "apt install libqt6widgets6 "; do
+  code=0
+  "$scratch/alone" --device "$device" 2>"$scratch/errors" || code=$?
+  [ "$code" -eq 69 ] && grep -q "$reason" "$scratch/errors" || fail "$code: $(<"$scratch/errors")"
+  echo "no library" >"$scratch/fennelbright-windows.so"
+done
+
+# Where no device is named, its user is asked, and makes one.
 answer() {
   xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
   xdotool "${@:2}"
