@@ -26,7 +26,7 @@
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/sample_files.h"
+#include "platform/sample/sample_files.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"

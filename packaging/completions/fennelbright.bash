@@ -12,10 +12,14 @@ _fennelbright() {
         [--module]=text
         [--new-device]=directory
         [--no-display]=
+        [--rehearse]=
         [--report]=
         [--report=]='lines json'
         [--report-html]=file
         [--scale]='1 2 3 4 5 6 7 8'
+        [--set]=text
+        [--show-settings]=
+        [--show-settings=]='lines json'
         [--strict]=
         [--version]=
     )

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/device/sample_files.h"
+#include "platform/sample/sample_files.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/text/readable_text.h"
