@@ -1,8 +1,8 @@
-// Runs the program on a sample device without a display and takes pictures at twice the handheld's
-// size: of every page, of every menu, of the lists and the folder browser, and of what "Apply",
-// "Power" and "Help" show.
+// Runs the program on a sample device without a display and takes pictures: of every page, of every
+// menu, of the lists and the folder browser, and of what "Apply", "Power" and "Help" show. SCALE is
+// the number of their pixels for a pixel of the handheld, 2 if none is given.
 //
-//     take_pictures FOLDER
+//     take_pictures FOLDER [SCALE]
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -38,8 +38,8 @@ extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
 
 namespace {
 
-constexpr double kScale = 2;
-constexpr QSize kPictureSize{480, 640};
+constexpr int kUsualScale = 2;
+constexpr QSize kScreenSize{240, 320};
 
 QWidget& Host() {
     for (QWidget* const window : QApplication::topLevelWidgets()) {
@@ -177,7 +177,7 @@ class Photographer {
     // The screen, with the menu that is open on it.
     void SaveScreen(const QString& name) {
         QPixmap screen = Host().grab();
-        complete_ = complete_ && screen.size() == kPictureSize;
+        complete_ = complete_ && screen.size() == kScreenSize * screen.devicePixelRatio();
         if (QWidget* const menu = QApplication::activePopupWidget()) {
             QPainter(&screen).drawPixmap(Host().mapFromGlobal(menu->pos()), menu->grab());
         }
@@ -215,8 +215,9 @@ class WatchedStore : public platform::ForwardingStore {
 }  // namespace
 
 int main(int count, char** words) {
-    if (count != 2) {
-        std::fputs("Usage: take_pictures FOLDER\n", stderr);
+    const int scale = count == 3 ? QByteArray(words[2]).toInt() : kUsualScale;
+    if (count < 2 || count > 3 || scale < 1) {
+        std::fputs("Usage: take_pictures FOLDER [SCALE]\n", stderr);
         return 64;
     }
     const QTemporaryDir scratch;
@@ -230,7 +231,7 @@ int main(int count, char** words) {
     platform::AssembledDevice store(std::move(device.files), sample.modulePath,
                                     platform::Registry::Open(device.directory.get()).value());
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", kScale);
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", scale);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));
     Photographer photographer(QString::fromUtf8(words[1]));
     WatchedStore watched(store, [&photographer] { photographer.LookAtSearch(); });
