@@ -10,6 +10,7 @@
 #include "platform/qt/controls/tree_control.h"
 #include "platform/qt/desktop/toolkit_start.h"
 #include "platform/qt/screen/menu_bar.h"
+#include "platform/qt/screen/page_scroll_bar.h"
 
 namespace platform::qt {
 
@@ -17,6 +18,7 @@ namespace {
 
 constexpr DWORD_PTR kSmallIcons = 1;
 constexpr int kSimpleRegion = 2;
+constexpr int kPageOverlap = 18;
 
 // What the handheld's screen has below its caption bar.
 constexpr RECT kWorkArea = {0, kCaptionHeight, kScreenWidth, kScreenHeight};
@@ -89,7 +91,8 @@ QtWindowSystem::QtWindowSystem(const WindowModuleParams& params,
       host_(QString::fromUtf8(params.title),
             {.okPressed = [this] { queue_.Post(stack_.Front(), WM_COMMAND, IDOK, 0); },
              .closePressed = [this] { RequestExit(); },
-             .tabKeyPressed = [this](int step) { QueueTabStep(step); }}),
+             .tabKeyPressed = [this](int step) { QueueTabStep(step); },
+             .pageKeyPressed = [this](Qt::Key key) { QueuePageScroll(key); }}),
       context_{windows_, queue_, host_},
       stack_(windows_, host_),
       closeWatch_(host_, [this] { RequestExit(); }) {
@@ -479,6 +482,18 @@ void QtWindowSystem::QueueTabStep(int step) {
     for (const Window* const child : windows_.ChildrenOf(stack_.Front())) {
         if (dynamic_cast<const TabControl*>(child) != nullptr) {
             queue_.Post(child->handle(), kTabStep, 0, step);
+        }
+    }
+}
+
+// A row of what was in view stays in view.
+void QtWindowSystem::QueuePageScroll(Qt::Key key) {
+    for (const auto* const bar : host_.findChildren<PageScrollBar*>()) {
+        const bool isWhole = key == Qt::Key_Home || key == Qt::Key_End;
+        const int pixels = isWhole ? bar->maximum() - bar->minimum() : bar->height() - kPageOverlap;
+        const bool isUp = key == Qt::Key_Home || key == Qt::Key_PageUp;
+        if (bar->isVisible() && bar->isEnabled()) {
+            queue_.Post(HandleOf(*bar->parentWidget()), kScrollBy, 0, isUp ? -pixels : pixels);
         }
     }
 }

@@ -66,6 +66,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     void Open(const Window& window);
     bool HasReceiver(const MSG& message) const;
     void QueueTabStep(int step);
+    void QueuePageScroll(Qt::Key key);
     void WatchSignals();
     // Ends the run as OK does, after running work; from then on every box is answered at once.
     void RequestExit();

@@ -6,6 +6,7 @@
 
 #include "platform/qt/base/escaped_display_text.h"
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/base/key_groups.h"
 #include "platform/qt/base/push_button.h"
 
 namespace platform::qt {
@@ -80,6 +81,8 @@ void HostWindow::keyPressEvent(QKeyEvent* event) {
         events_.tabKeyPressed(1);
     } else if (control && event->key() == Qt::Key_Backtab) {
         events_.tabKeyPressed(-1);
+    } else if (IsPageKey(*event)) {
+        events_.pageKeyPressed(static_cast<Qt::Key>(event->key()));
     } else {
         event->ignore();
     }

@@ -16,7 +16,8 @@ namespace platform::qt {
 struct HostEvents {
     std::function<void()> okPressed;
     std::function<void()> closePressed;
-    std::function<void(int step)> tabKeyPressed;  // 1: the next tab, -1: the one before
+    std::function<void(int step)> tabKeyPressed;      // 1: the next tab, -1: the one before
+    std::function<void(Qt::Key key)> pageKeyPressed;  // PageUp, PageDown, Home or End
 };
 
 // The window on the desktop: the handheld's screen with its caption bar. Windows and the menu bar
