@@ -144,7 +144,7 @@ HWND QtWindowSystem::CreateWindowExW(DWORD extendedStyle, const WCHAR* className
         .text = TextOf(text),
         .place =
             above == nullptr ? TopLevelPlace(x, y, width, height) : PlaceOf(x, y, width, height),
-        .surface = onScreen ? &host_ : &above->surface()};
+        .surface = onScreen ? &host_.handheld() : &above->surface()};
     if (made != nullptr) {
         classes_.NoteWindow(name, params.handle);
         return AddProgramWindow(params, extendedStyle, *made);
@@ -205,7 +205,7 @@ void QtWindowSystem::Open(const Window& window) {
         stack_.Raise(window);
         host_.show();
         WatchSignals();
-    } else if (window.widget().parentWidget() == &host_) {
+    } else if (window.widget().parentWidget() == &host_.handheld()) {
         window.widget().raise();
     } else {
         stack_.OfferKeyboard(window);
@@ -236,7 +236,7 @@ BOOL QtWindowSystem::GetWindowRect(HWND window, RECT* rectangle) {
     if (found == nullptr || rectangle == nullptr) {
         return FALSE;
     }
-    const QPoint corner = found->widget().mapTo(&host_, QPoint(0, 0));
+    const QPoint corner = found->widget().mapTo(&host_.handheld(), QPoint(0, 0));
     *rectangle = PlaceOf(corner.x(), corner.y(), found->widget().width(), found->widget().height());
     return TRUE;
 }
@@ -411,7 +411,7 @@ BOOL QtWindowSystem::SHCreateMenuBar(SHMENUBARINFO* info) {
         .style = WS_VISIBLE,
         .text = {},
         .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
-        .surface = &host_};
+        .surface = &host_.handheld()};
     windows_.Add(std::make_unique<MenuBar>(context_, params, *menu));
     windows_.Find(params.handle)->widget().show();
     info->hwndMB = params.handle;
@@ -430,7 +430,7 @@ HWND QtWindowSystem::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DL
                                  .style = dialog->style,
                                  .text = {},
                                  .place = DialogPlace(*dialog, host_.fontMetrics()),
-                                 .surface = &host_};
+                                 .surface = &host_.handheld()};
     const ProgramTraits traits = {.procedure = procedure,
                                   .dialog = true,
                                   .topLevel = true,

@@ -77,7 +77,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     MessageQueue queue_;
     InputGate gate_{queue_};
     HostWindow host_;
-    SwitchedOffScreen screenOff_{host_};
+    SwitchedOffScreen screenOff_{host_.handheld()};
     WindowTable windows_;
     WindowContext context_;
     WindowClasses classes_;

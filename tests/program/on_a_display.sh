@@ -24,9 +24,9 @@ start() {
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
 
-# Starts a display; the words are the server's.
+# Starts a display of this size; the other words are the server's.
 open_display() {
-  Xvfb -noreset -displayfd 3 -screen 0 1280x900x24 "$@" 3>"$scratch/number" 2>/dev/null &
+  Xvfb -noreset -displayfd 3 -screen 0 "$1x24" "${@:2}" 3>"$scratch/number" 2>/dev/null &
   displays+=($!)
   read -r number <"$scratch/number"
   export DISPLAY=:$number
@@ -45,7 +45,7 @@ before=$(mask)
 
 # A display that refuses a client without its key is none, and a box is a line there.
 printf '\xff\xff\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10%016d' 0 >"$scratch/key"
-open_display -auth "$scratch/key"
+open_display 1280x900 -auth "$scratch/key"
 code=0
 "$program" --device "$device" 2>"$scratch/errors" || code=$?
 [ "$code" -eq 69 ] || fail "a display without its key gave $code"
@@ -54,7 +54,7 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
 # Where no device is named, its user is asked, and makes one.
-open_display
+open_display 1280x900
 answer() {
   xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
   xdotool "${@:2}"
@@ -135,9 +135,20 @@ ended "when its window was closed below a box"
 [ $((0x${after// /} ^ 0x$(mask | tr -d ' '))) -eq 1 ] ||
   fail "the settings are not those of the closed window"
 
+# On a display that is too small its user is told, and reaches the menus.
+open_display 200x250
+start 2>"$scratch/errors"
+grep -q "has room for 200 by 250 pixels" "$scratch/errors" || fail "$(<"$scratch/errors")"
+xdotool windowfocus --sync "$window" key F10
+until menu=$(xdotool search --onlyvisible --class fennelbright | grep -vx "$window"); do sleep 0.1; done
+eval "$(xdotool getwindowgeometry --shell "$menu")"
+[ $((Y + HEIGHT)) -le 250 ] || fail "a menu is below the display: $Y + $HEIGHT"
+kill -TERM "$running"
+ended "on a small display"
+
 # The boxes of a silent run wait for their user. When the display breaks off, they are lines.
 rm "$device/registry.reg"
-open_display
+open_display 1280x900
 "$program" --device "$device" silent 2>"$scratch/errors" &
 running=$!
 xdotool search --sync --onlyvisible --name "^Error$" >/dev/null

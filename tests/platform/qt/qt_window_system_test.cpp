@@ -124,6 +124,19 @@ TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
     EXPECT_EQ(TakeReceived(), (ReceivedMessages{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
 }
 
+TEST_F(QtWindowSystemTest, TheScreenIsInTheMiddleOfAWindowOfAnotherSize) {
+    const auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
+    const std::pair<QSize, QPoint> rows[] = {
+        {{400, 340}, {283, 13}}, {{241, 320}, {203, 3}}, {{200, 300}, {203, 3}}};
+    for (const auto& [size, place] : rows) {
+        Host().setFixedSize(size);
+        EXPECT_EQ(ok.mapTo(&Host(), QPoint(0, 0)), place);
+        RECT bounds{};
+        GetWindowRect(main_, &bounds);
+        EXPECT_EQ(std::tuple(bounds.left, bounds.top, bounds.right), std::tuple(0, 26, 240));
+    }
+}
+
 TEST_F(QtWindowSystemTest, AMenuOpensAboveItsBar) {
     SHMENUBARINFO info = {36, main_, SHCMBF_HMENU, kMenuResource, nullptr, 0, 0, nullptr, 0};
     ASSERT_NE(SHCreateMenuBar(&info), 0);
