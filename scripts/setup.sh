@@ -5,7 +5,8 @@ set -euo pipefail
 packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
 if [ "${1:-}" = tests ]; then
-  packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs)
+  packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs
+    at-spi2-core dbus-daemon python3-pyatspi)
 fi
 
 missing=()

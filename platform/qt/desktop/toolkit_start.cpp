@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/desktop/accessible_places.h"
 
 namespace platform::qt {
 
@@ -123,6 +124,7 @@ std::unique_ptr<QApplication> StartToolkit(double scale) {
     auto application = std::make_unique<QApplication>(count, words);
     qInstallMessageHandler(before);
     ApplyHandheldStyle(*application);
+    new AccessiblePlaces(application.get());  // the application's own
     return application;
 }
 
