@@ -124,16 +124,14 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     if (const Status storable = store_->CheckStorable(); !storable) {
         return Refuse(EX_CANTCREAT, storable.error());
     }
-    Result<std::unique_ptr<DisplayWindowSystem>> windows =
-        FailBecause("open the program's windows",
-                    "--no-display was given; the command line \"silent\" needs none");
-    if (!line_.noDisplay) {
-        windows = DisplayIsThere()
-                      ? OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale))
-                      : FailBecause("open the program's windows",
-                                    "neither DISPLAY nor WAYLAND_DISPLAY leads to a display; "
-                                    "the command line \"silent\" needs none");
-    }
+    const Status display =
+        line_.noDisplay
+            ? FailBecause(kOpenWindows,
+                          "--no-display was given; the command line \"silent\" needs none")
+            : CheckDisplay();
+    auto windows = display.and_then([this] {
+        return OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale));
+    });
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());
     }

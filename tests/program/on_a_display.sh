@@ -73,6 +73,16 @@ kill -TERM "$running"
 ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
 
+# A typeface that is missing is named with its package.
+cat >"$scratch/fonts.conf" <<CONF
+<fontconfig><dir>/usr/share/fonts</dir><cachedir>$scratch/fonts</cachedir><selectfont><rejectfont>
+<glob>*Condensed*</glob></rejectfont></selectfont></fontconfig>
+CONF
+FONTCONFIG_FILE=$scratch/fonts.conf start 2>"$scratch/errors"
+kill -TERM "$running"
+ended "with another typeface"
+grep -q "fonts-dejavu-extra" "$scratch/errors" || fail "no typeface is missed: $(<"$scratch/errors")"
+
 # A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
 for pause in 0.3 1 3; do
   rm -f "$scratch/mine/files/Program Files/Fennelbright/settings.dat"

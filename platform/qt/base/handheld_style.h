@@ -18,6 +18,7 @@ inline constexpr int kFontHeight = 11;
 
 // The one typeface of all windows, narrow enough for the longest labels.
 inline constexpr char kFontFamily[] = "DejaVu Sans Condensed";
+inline constexpr char kFontPackage[] = "fonts-dejavu-extra";
 
 // Gives the application the handheld's look, whatever the desktop's settings say.
 void ApplyHandheldStyle(QApplication& application);

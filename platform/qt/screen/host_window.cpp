@@ -1,6 +1,7 @@
 #include "platform/qt/screen/host_window.h"
 
 #include <QCloseEvent>
+#include <QFontInfo>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QScreen>
@@ -39,6 +40,16 @@ void ReportSmallDisplay(QSize display) {
                      "%d by %d at this scale; the rest is out of view\n",
                      std::min(display.width(), kScreenWidth),
                      std::min(display.height(), kScreenHeight), kScreenWidth, kScreenHeight);
+    }
+}
+
+// Another typeface is wider, or narrower than it need be.
+void ReportMissingTypeface(const QFont& font) {
+    if (QFontInfo(font).family() != QLatin1String(kFontFamily)) {
+        std::fprintf(stderr,
+                     "fennelbright: the typeface \"%s\" is missing, and texts may be cut off; it "
+                     "is in the package %s\n",
+                     kFontFamily, kFontPackage);
     }
 }
 
@@ -108,6 +119,7 @@ void HostWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     if (!std::exchange(isShown_, true)) {
         ReportSmallDisplay(screen()->size());
+        ReportMissingTypeface(font());
     }
 }
 
