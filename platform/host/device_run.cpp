@@ -16,6 +16,7 @@
 #include "platform/display/message_boxes_as_lines.h"
 #include "platform/display/message_boxes_of_silent_run.h"
 #include "platform/display/registry_saving_windows.h"
+#include "platform/display/retrying_store.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
@@ -158,7 +159,10 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        WindowRepaintingStore answering(store(), [this] { windows_->ServeDesktop(); });
+        RetryingStore retrying(store(), [this](const std::string& failure) {
+            return windows_->WantsToTryAgain(failure);
+        });
+        WindowRepaintingStore answering(retrying, [this] { windows_->ServeDesktop(); });
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {
@@ -170,6 +174,12 @@ int DeviceRun::RunWithWindows() {
 }
 
 int DeviceRun::Finish() {
+    if (windows_ != nullptr) {
+        store_->OfferRetry([this](const Failure& failure) {
+            return windows_->WantsToTryAgain("Changes to the registry are not stored.\n\n" +
+                                             Describe(failure));
+        });
+    }
     [[maybe_unused]] const Status stored = store().StoreRegistry();
     if (recorder_) {
         report_->Finish(recorder_->WriteLastEvents(), line_.strict);

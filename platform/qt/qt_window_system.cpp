@@ -5,6 +5,7 @@
 #include <QMenuBar>
 #include <algorithm>
 
+#include "platform/display/message_box_default_answer.h"
 #include "platform/qt/base/handheld_style.h"
 #include "platform/qt/controls/accessible_controls.h"
 #include "platform/qt/controls/tab_control.h"
@@ -116,6 +117,17 @@ void QtWindowSystem::ServeDesktop() {
     // Without the sockets: a signal becomes a message only when the program asks for one again.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);
+}
+
+bool QtWindowSystem::WantsToTryAgain(const std::string& failure) {
+    if (isSignalled_ || DisplayIsLost()) {
+        return false;
+    }
+    QGuiApplication::restoreOverrideCursor();
+    const QString text = QString::fromStdString(failure) +
+                         QStringLiteral("\n\nIf you give up, what was changed is lost.");
+    return boxes_.Show(&host_, text, QStringLiteral("Fennelbright"),
+                       kTryAgainBox | MB_ICONEXCLAMATION) == kTryAgain;
 }
 
 WORD QtWindowSystem::RegisterClassW(const WNDCLASS* windowClass) {
@@ -503,7 +515,10 @@ void QtWindowSystem::QueuePageScroll(Qt::Key key) {
 // The program ends as it does by its own button, once its work is done.
 void QtWindowSystem::WatchSignals() {
     if (!signals_) {
-        signals_.emplace([this] { RequestExit(); });
+        signals_.emplace([this] {
+            isSignalled_ = true;
+            RequestExit();
+        });
     }
 }
 

@@ -25,6 +25,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     ~QtWindowSystem() override;
 
     void ServeDesktop() override;
+    bool WantsToTryAgain(const std::string& failure) override;
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override;
     BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override;
@@ -86,6 +87,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     CloseRequestWatch closeWatch_;
     std::optional<TerminationSignalWatch> signals_;
     bool ending_ = false;
+    bool isSignalled_ = false;
 };
 
 }  // namespace platform::qt

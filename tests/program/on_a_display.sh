@@ -13,7 +13,14 @@ fail() { echo "$*"; exit 1; }
 
 mask() { od -An -tx4 -N4 "$settings"; }
 
-window_of() { window=$(xdotool search --sync --onlyvisible --name "$1" | tail -n 1); }
+# A search can meet a window that is just going.
+window_of() {
+  until window=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1) && [ -n "$window" ]; do
+    sleep 0.05
+  done
+}
+
+appears() { (window_of "$1"); }
 
 # Starts the program on a device and waits for its window.
 start() {
@@ -56,7 +63,9 @@ grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 # Where no device is named, its user is asked, and makes one.
 open_display 1280x900
 answer() {
-  xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
+  local window
+  window_of "$1"
+  xdotool windowfocus --sync "$window"
   xdotool "${@:2}"
 }
 "$program" &
@@ -93,7 +102,7 @@ for pause in 0.3 1 3; do
     sleep "$pause"
   done
   xdotool key F10 Right Up Return
-  xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+  appears "Cleaning Finished"
   kill -TERM "$running"
   ended "when it was asked to at a box"
   [ -e "$scratch/mine/files/My Documents/Personal/Budget.pxl" ] || break
@@ -139,18 +148,38 @@ after=$before
 start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool key F10 Right Up Return
-xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+appears "Cleaning Finished"
 "$close_request" "$window"
 ended "when its window was closed below a box"
 [ $((0x${after// /} ^ 0x$(mask | tr -d ' '))) -eq 1 ] ||
   fail "the settings are not those of the closed window"
+
+# Settings that cannot be written are tried again as long as their user wants, but not after a signal.
+blocked() { mv "$settings" "$scratch/kept"; mkdir "$settings"; }
+for key in Return Escape; do
+  start
+  blocked
+  xdotool mousemove --window "$window" 440 26 click 1
+  appears "^Fennelbright$"
+  [ $key = Escape ] || rmdir "$settings"
+  xdotool key $key
+  code=0
+  wait "$running" 2>/dev/null || code=$?
+  [ "$code" -eq $([ $key = Return ] && echo 0 || echo 74) ] || fail "$key at the box gave $code"
+done
+[ -d "$settings" ] || fail "they were written all the same"
+start
+kill -TERM "$running"
+wait "$running" && fail "settings that are lost are no failure"
+rmdir "$settings"
+mv "$scratch/kept" "$settings"
 
 # On a display that is too small its user is told, and reaches the menus.
 open_display 200x250
 start 2>"$scratch/errors"
 grep -q "has room for 200 by 250 pixels" "$scratch/errors" || fail "$(<"$scratch/errors")"
 xdotool windowfocus --sync "$window" key F10
-until menu=$(xdotool search --onlyvisible --class fennelbright | grep -vx "$window"); do sleep 0.1; done
+until menu=$(xdotool search --onlyvisible --class fennelbright 2>/dev/null | grep -vx "$window"); do sleep 0.1; done
 eval "$(xdotool getwindowgeometry --shell "$menu")"
 [ $((Y + HEIGHT)) -le 250 ] || fail "a menu is below the display: $Y + $HEIGHT"
 kill -TERM "$running"
@@ -161,7 +190,7 @@ rm "$device/registry.reg"
 open_display 1280x900
 "$program" --device "$device" silent 2>"$scratch/errors" &
 running=$!
-xdotool search --sync --onlyvisible --name "^Error$" >/dev/null
+appears "^Error$"
 [ ! -s "$scratch/errors" ] || fail "a box is shown twice: $(<"$scratch/errors")"
 kill "${displays[-1]}"
 ended "when its display broke off"

@@ -29,6 +29,20 @@ constexpr QChar kPlaceToBreak(0x200B);
 constexpr int kTallestText = kScreenHeight * 3 / 4;
 constexpr int kButtonsRoom = 56;  // with the desktop's own title
 
+struct Answer {
+    UINT type;  // of the box
+    const char* text;
+    int answer;
+};
+
+constexpr Answer kAnswers[] = {
+    {MB_OK, "OK", IDOK},
+    {MB_YESNO, "Yes", IDYES},
+    {MB_YESNO, "No", IDNO},
+    {kTryAgainBox, "Try again", kTryAgain},
+    {kTryAgainBox, "Give up", IDOK},
+};
+
 // Long words with places to break them at: a line would be cut where it has none.
 QString Breakable(const QString& text) {
     QString breakable;
@@ -60,11 +74,10 @@ class Box : public QDialog {
         auto* const row = new QHBoxLayout;
         column->addLayout(row);
         row->addStretch();
-        if ((type & kButtonsMask) == MB_YESNO) {
-            AddButton(*row, QStringLiteral("Yes"), IDYES);
-            AddButton(*row, QStringLiteral("No"), IDNO);
-        } else {
-            AddButton(*row, QStringLiteral("OK"), IDOK);
+        for (const Answer& answer : kAnswers) {
+            if (answer.type == (type & kButtonsMask)) {
+                AddButton(*row, QString::fromLatin1(answer.text), answer.answer);
+            }
         }
         row->addStretch();
     }
