@@ -6,7 +6,7 @@ packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
 if [ "${1:-}" = tests ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs
-    at-spi2-core dbus-daemon python3-pyatspi)
+    at-spi2-core dbus-daemon python3-pyatspi sway wtype qt6-wayland)
 fi
 
 missing=()
