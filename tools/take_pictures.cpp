@@ -7,6 +7,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
@@ -40,6 +41,7 @@ namespace {
 
 constexpr int kUsualScale = 2;
 constexpr QSize kScreenSize{240, 320};
+constexpr int kDisplaySide = 400;
 
 QWidget& Host() {
     for (QWidget* const window : QApplication::topLevelWidgets()) {
@@ -212,6 +214,18 @@ class WatchedStore : public platform::ForwardingStore {
     std::function<void()> beforeSearch_;
 };
 
+// Describes a display that has room for the boxes and menus, in a file whose name is returned.
+QByteArray DisplayFile(const QTemporaryDir& scratch, int scale) {
+    QFile file(scratch.filePath(QStringLiteral("display.json")));
+    if (file.open(QFile::WriteOnly)) {
+        const QByteArray side = QByteArray::number(kDisplaySide * scale);
+        file.write(R"({"screens": [{"name": "one", "x": 0, "y": 0, "width": )" + side +
+                   R"(, "height": )" + side +
+                   R"(, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    }
+    return file.fileName().toUtf8();
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -230,7 +244,7 @@ int main(int count, char** words) {
     auto device = platform::OpenDeviceDirectory(sample.device.c_str()).value();
     platform::AssembledDevice store(std::move(device.files), sample.modulePath,
                                     platform::Registry::Open(device.directory.get()).value());
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + DisplayFile(scratch, scale));
     const platform::WindowModuleParams params = platform::WindowParamsFor("A device", scale);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));
     Photographer photographer(QString::fromUtf8(words[1]));

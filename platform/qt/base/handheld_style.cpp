@@ -61,8 +61,11 @@ void DrawBorder(const QStyleOption& option, QPainter& painter) {
     DrawFrame(painter, option.rect, kEdge);
 }
 
+// Where the keyboard is matters to those who use it.
 void DrawFocusMark(const QStyleOption& option, QPainter& painter) {
-    DrawFrame(painter, option.rect, Is(option, QStyle::State_Selected) ? kFace : kEdge);
+    if (Is(option, QStyle::State_KeyboardFocusChange)) {
+        DrawFrame(painter, option.rect, Is(option, QStyle::State_Selected) ? kFace : kEdge);
+    }
 }
 
 void DrawButton(const QStyleOption& option, QPainter& painter) {
@@ -292,7 +295,7 @@ class HandheldStyle : public QProxyStyle {
         }
         DrawThumb(painter, thumb);
         if (Is(slider, State_HasFocus)) {
-            DrawFrame(painter, slider.rect, kEdge);
+            DrawFocusMark(slider, painter);
         }
     }
 };

@@ -66,7 +66,7 @@ QByteArray OpenableKind(QSize xDesktop) {
         const QString plugin = QStringLiteral("libq") + QString::fromUtf8(kind);
         if (isName && CanOpen(kind, xDesktop) &&
             !plugins.entryList({plugin + ".so", plugin + "-*.so"}).isEmpty()) {
-            return each.toLower();
+            return kind + each.mid(kind.size());
         }
     }
     return {};
