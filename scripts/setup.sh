@@ -10,7 +10,8 @@ if [ "${1:-}" = package ] || [ "${1:-}" = tests ]; then
 fi
 if [ "${1:-}" = tests ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-14-dev libgtest-dev jq python3 xvfb xdotool bindfs
-    appstream desktop-file-utils lintian man-db)
+    appstream desktop-file-utils lintian man-db
+    at-spi2-core dbus-daemon python3-pyatspi sway wtype qt6-wayland)
 fi
 
 missing=()

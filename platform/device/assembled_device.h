@@ -52,6 +52,9 @@ class AssembledDevice : private DeviceParts, public ForwardingStore {
 
     Status CheckStorable() { return guard.CheckStorable(); }  // see RegistryGuard
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { handheld.OfferHelp(std::move(viewers)); }
+    void OfferRetry(std::function<bool(const Failure&)> tryAgain) {  // see Registry
+        keys->OfferRetry(std::move(tryAgain));
+    }
     void RecoverFromKilledRuns() { tree.RecoverFromKilledRuns(); }
     bool HaveLeftovers() const { return tree.HaveLeftovers(); }
 };

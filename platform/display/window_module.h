@@ -14,6 +14,10 @@ class DisplayWindowSystem : public WindowSystem {
     // Answers the desktop while the program works: what has to be painted is painted. Takes no
     // input and runs nothing of the program.
     virtual void ServeDesktop() = 0;
+
+    // Asks the user whether what has failed, in words, UTF-8, is to be tried again. False without a
+    // box once a signal has asked the run to end, or where no box can be seen.
+    virtual bool WantsToTryAgain(const std::string& failure) = 0;
 };
 
 // What the module of the windows is handed. The functions must outlive the window system, the text

@@ -4,13 +4,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
 
 namespace platform {
 
 namespace {
 
-constexpr const char* kOpenWindows = "open the program's windows";
 constexpr const char* kModuleIsMissing = "their module is not installed";
 constexpr const char* kInstallLibraries =
     "what they need is not installed; on Debian: apt install libqt6widgets6 fonts-dejavu-extra";

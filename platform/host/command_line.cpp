@@ -305,7 +305,7 @@ Status TakeOptions(int count, char** words, CommandLine& line) {
 // Whether the user can be asked for the device: the program is to open windows on a display.
 bool AsksForDevice(const CommandLine& line) {
     return line.task == CommandLine::Task::Run && line.programLine.empty() && !line.noDisplay &&
-           DisplayIsThere();
+           CheckDisplay().has_value();
 }
 
 bool AsksForSettings(const CommandLine& line) {

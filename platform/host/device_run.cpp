@@ -16,6 +16,7 @@
 #include "platform/display/message_boxes_as_lines.h"
 #include "platform/display/message_boxes_of_silent_run.h"
 #include "platform/display/registry_saving_windows.h"
+#include "platform/display/retrying_store.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
@@ -142,16 +143,14 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     if (const Status storable = store_->CheckStorable(); !storable) {
         return Refuse(EX_CANTCREAT, storable.error());
     }
-    Result<std::unique_ptr<DisplayWindowSystem>> windows =
-        FailBecause("open the program's windows",
-                    "--no-display was given; the command line \"silent\" needs none");
-    if (!line_.noDisplay) {
-        windows = DisplayIsThere()
-                      ? OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale))
-                      : FailBecause("open the program's windows",
-                                    "neither DISPLAY nor WAYLAND_DISPLAY leads to a display; "
-                                    "the command line \"silent\" needs none");
-    }
+    const Status display =
+        line_.noDisplay
+            ? FailBecause(kOpenWindows,
+                          "--no-display was given; the command line \"silent\" needs none")
+            : CheckDisplay();
+    auto windows = display.and_then([this] {
+        return OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale));
+    });
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());
     }
@@ -178,7 +177,10 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        WindowRepaintingStore answering(store(), [this] { windows_->ServeDesktop(); });
+        RetryingStore retrying(store(), [this](const std::string& failure) {
+            return windows_->WantsToTryAgain(failure);
+        });
+        WindowRepaintingStore answering(retrying, [this] { windows_->ServeDesktop(); });
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {
@@ -190,6 +192,12 @@ int DeviceRun::RunWithWindows() {
 }
 
 int DeviceRun::Finish() {
+    if (windows_ != nullptr) {
+        store_->OfferRetry([this](const Failure& failure) {
+            return windows_->WantsToTryAgain("Changes to the registry are not stored.\n\n" +
+                                             Describe(failure));
+        });
+    }
     [[maybe_unused]] const Status stored = store().StoreRegistry();
     if (recorder_) {
         report_->Finish(recorder_->WriteLastEvents(), line_.strict);

@@ -283,6 +283,9 @@ bool Registry::Apply(const Change& change, EditedRegistryText& text) {
 Status Registry::StoreRegistry() {
     tried_ = made_;
     Status stored = Store();
+    while (!stored && !pending_.empty() && tryAgain_ && tryAgain_(stored.error())) {
+        stored = Store();
+    }
     if (!stored) {
         RunLog& log = LogInUse::Current();
         log.NoteNotStored();

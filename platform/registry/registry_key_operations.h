@@ -45,6 +45,12 @@ class Registry : public DeviceRegistry {
     RegistryChanges ChangesOfRegistry() const override { return {made_, stored_}; }
     bool IsChangeLost(std::uint64_t change) const override { return lost_.contains(change); }
 
+    // From now on `tryAgain` is asked after a storing that has failed, with why, before changes are
+    // given up.
+    void OfferRetry(std::function<bool(const Failure& failure)> tryAgain) {
+        tryAgain_ = std::move(tryAgain);
+    }
+
     // A change that is lost counts as stored, and the storing in which it was lost as failed.
     Status StoreRegistry() override;
 
@@ -113,6 +119,7 @@ class Registry : public DeviceRegistry {
     std::vector<Change> pending_;
     std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
     std::function<void()> onChange_;
+    std::function<bool(const Failure& failure)> tryAgain_;
     std::uint64_t made_ = 0;
     std::uint64_t stored_ = 0;
     std::uint64_t tried_ = 0;

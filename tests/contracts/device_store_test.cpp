@@ -12,6 +12,7 @@
 #include <tuple>
 
 #include "platform/device/assembled_device.h"
+#include "platform/display/retrying_store.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
@@ -41,6 +42,10 @@ const struct Implementation {
      }},
     {"WindowRepaintingStore",
      [](auto& store) { return Wrapper(new platform::WindowRepaintingStore(store, [] {})); }},
+    {"RetryingStore",
+     [](auto& store) {
+         return Wrapper(new platform::RetryingStore(store, [](const auto&) { return false; }));
+     }},
     {"FailingStore", [](auto& store) { return Wrapper(new FailingStore(store, 0)); }}};
 
 DWORD g_reason = 0;  // why the last search found nothing

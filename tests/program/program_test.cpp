@@ -118,6 +118,13 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         EXPECT_NE(said.find(says), std::string::npos);
         EXPECT_FALSE(outcome.errors.starts_with('['));
     }
+    for (const char* const kind : {"vnc", "linuxfb:fb=/dev/fb0", "eglfs", "minimal", "offscreen",
+                                   "xcb;vnc", "Xcb2", ";", "wayland;minimalegl"}) {
+        const Outcome outcome =
+            RunProgram({"--device", taken}, "export 'QT_QPA_PLATFORM="s + kind + "'");
+        EXPECT_EQ(outcome.exitCode, 69);
+        EXPECT_NE(outcome.errors.find("QT_QPA_PLATFORM="s + kind), std::string::npos) << kind;
+    }
     EXPECT_EQ(RunProgram({"--device", taken, "silent"}, "HOME=" + taken + "/.").exitCode, 66);
     EXPECT_EQ(device.Listing(), before);
     WriteFile(noDevice.registry(), "");
