@@ -24,6 +24,7 @@ class DisplayWindowSystem : public WindowSystem {
 // only the call.
 struct WindowModuleParams {
     const char* title;  // of the window on the desktop, UTF-8
+    bool isRehearsal;   // the windows show that nothing is changed
     double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
     const MenuResource* (*findMenu)(UINT id);
     const IconResource* (*findIcon)(UINT id);

@@ -54,8 +54,8 @@ int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
 
 }  // namespace
 
-WindowModuleParams WindowParamsFor(const char* device, double scale) {
-    return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
+WindowModuleParams WindowParamsFor(const char* device, double scale, bool isRehearsal) {
+    return {device, isRehearsal, scale, FindMenuResource, FindIconResource, AnswerUnseen};
 }
 
 Result<std::unique_ptr<DisplayWindowSystem>> OpenDisplayWindowSystem(

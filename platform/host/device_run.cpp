@@ -149,7 +149,7 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
                           "--no-display was given; the command line \"silent\" needs none")
             : CheckDisplay();
     auto windows = display.and_then([this] {
-        return OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale));
+        return OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse));
     });
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());
@@ -187,7 +187,7 @@ int DeviceRun::RunWithWindows() {
         MessageBoxesAsLines console(stderr);
         return RunProgram(store(), console);
     }
-    MessageBoxesOfSilentRun boxes(WindowParamsFor(line_.device.c_str(), line_.scale), stderr);
+    MessageBoxesOfSilentRun boxes(WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse), stderr);
     return RunProgram(store(), boxes);
 }
 

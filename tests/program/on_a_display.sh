@@ -22,9 +22,9 @@ window_of() {
 
 appears() { (window_of "$1"); }
 
-# Starts the program on a device and waits for its window.
+# Starts the program on a device and waits for its window. The other words are options.
 start() {
-  "$program" --device "${1:-$device}" --scale 2 &
+  "$program" --device "${1:-$device}" --scale 2 "${@:2}" &
   running=$!
   window_of "${1:-$device}"
 }
@@ -130,6 +130,21 @@ start
 kill -TERM "$running"
 ended "when it was asked to"
 [ "$(mask)" = "$after" ] || fail "the settings have changed"
+
+# A rehearsal says that it is one, and reports what it leaves alone; its screen is lower by the frame.
+traces() { find "$device" -printf '%P %s %m %i %T@ %C@\n' | sort; }
+traces >"$scratch/traces"
+start "$device" --rehearse --report >"$scratch/report"
+xdotool search --onlyvisible --name '\(rehearsal\)$' >/dev/null || fail "the window names no rehearsal"
+xdotool key F10 Right Up Return
+for box in "Cleaning Finished" "Restart Required"; do
+  appears "$box"
+  xdotool key Return
+done
+xdotool mousemove --window "$window" 450 66 click 1
+ended "after a rehearsal"
+grep -q '^step 3: deleted \\Temp\\' "$scratch/report" || fail "nothing is rehearsed: $(<"$scratch/report")"
+traces | diff "$scratch/traces" - || fail "the rehearsal has left traces"
 
 # What is tapped before a chosen page is shown does not go to the page that is left.
 start

@@ -24,6 +24,22 @@ constexpr int kMargin = 3;
 
 const QColor kCaptionColor(0x1F, 0x4F, 0x8F);
 const QColor kAround(0x50, 0x50, 0x50);
+const QColor kRehearsalAround(0xFF, 0xC0, 0x30);
+constexpr int kBannerHeight = 20;
+constexpr int kFrame = 5;
+
+QLabel* NewBanner(QWidget* parent) {
+    auto* const banner = new QLabel(QStringLiteral("Rehearsal: nothing is changed"), parent);
+    banner->setAlignment(Qt::AlignCenter);
+    QFont font = banner->font();
+    font.setBold(true);
+    banner->setFont(font);
+    return banner;
+}
+
+QString TitleOf(const QString& title, bool isRehearsal) {
+    return TitleText(title) + (isRehearsal ? QStringLiteral(" (rehearsal)") : QString());
+}
 
 QWidget* NewHandheld(QWidget* parent) {
     auto* const handheld = new QWidget(parent);
@@ -79,14 +95,16 @@ QPushButton* NewOk(QWidget* parent) {
 
 }  // namespace
 
-HostWindow::HostWindow(const QString& title, HostEvents events)
+HostWindow::HostWindow(const QString& title, bool isRehearsal, HostEvents events)
     : events_(std::move(events)),
+      banner_(isRehearsal ? NewBanner(this) : nullptr),
       handheld_(NewHandheld(this)),
       title_(NewTitle(handheld_)),
       ok_(NewOk(handheld_)) {
-    setWindowTitle(TitleText(title));
-    setFixedSize(handheld_->size());
-    setPalette(kAround);
+    setWindowTitle(TitleOf(title, isRehearsal));
+    setPalette(isRehearsal ? kRehearsalAround : kAround);
+    setFixedSize(isRehearsal ? handheld_->size() + QSize(2 * kFrame, kBannerHeight + kFrame)
+                             : handheld_->size());
     handheld_->setPalette(QApplication::palette());
     connect(ok_, &QPushButton::clicked, this, [this] { events_.okPressed(); });
     SetCaption({}, false);
@@ -111,8 +129,12 @@ void HostWindow::closeEvent(QCloseEvent* event) {
 // Where there is less room than the screen takes up, its beginning is in view.
 void HostWindow::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    const int above = banner_ != nullptr ? kBannerHeight : 0;
     handheld_->move(std::max(0, (width() - kScreenWidth) / 2),
-                    std::max(0, (height() - kScreenHeight) / 2));
+                    std::max(above, (height() - kScreenHeight) / 2));
+    if (banner_ != nullptr) {
+        banner_->setGeometry(0, handheld_->y() - above, width(), above);
+    }
 }
 
 void HostWindow::showEvent(QShowEvent* event) {

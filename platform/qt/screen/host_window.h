@@ -21,10 +21,11 @@ struct HostEvents {
 };
 
 // The window on the desktop with the handheld's screen, in its middle where the desktop gives it
-// another size. Caption bar, windows and menu bar stand on the screen.
+// another size. Caption bar, windows and menu bar stand on the screen. Title and frame of a
+// rehearsal say that it is one.
 class HostWindow : public QWidget {
   public:
-    HostWindow(const QString& title, HostEvents events);
+    HostWindow(const QString& title, bool isRehearsal, HostEvents events);
 
     // The handheld's screen, 240 by 320 pixels.
     QWidget& handheld() const { return *handheld_; }
@@ -46,7 +47,8 @@ class HostWindow : public QWidget {
 
   private:
     HostEvents events_;
-    QWidget* handheld_;  // all of them its own
+    QLabel* banner_;     // all of them its own; null but in a rehearsal
+    QWidget* handheld_;
     QLabel* title_;
     QPushButton* ok_;
     bool isShown_ = false;
