@@ -10,7 +10,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <memory>
-#include <ranges>
 #include <string>
 #include <string_view>
 
@@ -22,6 +21,8 @@ namespace platform {
 namespace {
 
 constexpr int kFirstPort = 6000;
+constexpr const char* kDesktopKindsAlone =
+    "of the toolkit's kinds of display it may name xcb and wayland alone";
 
 std::string Environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -95,18 +96,19 @@ bool IsDesktopKind(std::string_view kind) {
     return (name.size() == 3 && begins("xcb")) || (name.size() >= 7 && begins("wayland"));
 }
 
+bool AreDesktopKinds(std::string_view kinds) {
+    const std::size_t end = kinds.find(';');
+    return IsDesktopKind(kinds.substr(0, end)) &&
+           (end == std::string_view::npos || AreDesktopKinds(kinds.substr(end + 1)));
+}
+
 }  // namespace
 
 Status CheckDisplay() {
     const std::string kinds = Environment("QT_QPA_PLATFORM");
-    for (const auto kind : std::views::split(kinds, ';')) {
-        if (!IsDesktopKind(std::string_view(kind.begin(), kind.end()))) {
-            return FailOf({kOpenWindows,
-                           {},
-                           0,
-                           "of the toolkit's kinds of display it may name xcb and wayland alone"},
-                          "QT_QPA_PLATFORM=" + ReadableBytes(kinds));
-        }
+    if (!kinds.empty() && !AreDesktopKinds(kinds)) {
+        return FailOf({kOpenWindows, {}, 0, kDesktopKindsAlone},
+                      "QT_QPA_PLATFORM=" + ReadableBytes(kinds));
     }
     if (XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere()) {
         return {};

@@ -1,11 +1,11 @@
 #include "platform/qt/desktop/accessible_places.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QScreen>
-#include <QTimer>
 #include <QWidget>
 #include <algorithm>
 
@@ -206,18 +206,26 @@ QAccessibleInterface* ObjectOf(const QString& path) {
 AccessiblePlaces::AccessiblePlaces(QObject* parent) : QDBusVirtualObject(parent) {
     qDBusRegisterMetaType<BusReference>();
     QAccessible::installActivationObserver(this);
-    accessibilityActiveChanged(QAccessible::isActive());
+    JoinBridge(QAccessible::isActive());
 }
 
 AccessiblePlaces::~AccessiblePlaces() {
     QAccessible::removeActivationObserver(this);
 }
 
-// The bridge comes to the bus right after this.
 void AccessiblePlaces::accessibilityActiveChanged(bool active) {
+    JoinBridge(active);
+}
+
+// The bridge comes to the bus right after this.
+void AccessiblePlaces::JoinBridge(bool active) {
     if (active) {
-        QTimer::singleShot(0, this, [this] { StandBeforeBridge(); });
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
     }
+}
+
+void AccessiblePlaces::customEvent(QEvent* /*event*/) {
+    StandBeforeBridge();
 }
 
 void AccessiblePlaces::StandBeforeBridge() {

@@ -20,7 +20,11 @@ class AccessiblePlaces : public QDBusVirtualObject, public QAccessible::Activati
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
+  protected:
+    void customEvent(QEvent* event) override;
+
   private:
+    void JoinBridge(bool active);
     void StandBeforeBridge();
 
     QPointer<QDBusVirtualObject> bridge_;
