@@ -40,6 +40,7 @@ class AssembledDevice : private DeviceParts, public ForwardingStore {
           ForwardingStore(tree, *keys, handheld) {}
 
     Status CheckStorable() { return guard.CheckStorable(); }  // see RegistryGuard
+    void KeepFromErasing() { handheld.KeepFromErasing(); }
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { handheld.OfferHelp(std::move(viewers)); }
     void RecoverFromKilledRuns() { tree.RecoverFromKilledRuns(); }
 };

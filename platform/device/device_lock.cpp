@@ -16,7 +16,7 @@ Result<bool> Lock(const Descriptor& directory) {
         return true;
     }
     if (errno == EBADF) {
-        return FailBecause("lock it", "its \"files\" cannot be opened for reading");
+        return FailBecause("lock it", "its files cannot be opened for reading");
     }
     if (errno != EWOULDBLOCK) {
         return Fail("lock it", errno);
@@ -28,7 +28,7 @@ Result<bool> Lock(const Descriptor& directory) {
 
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
 Result<bool> LockDevice(const DeviceDirectory& device) {
-    Result<bool> locked = Lock(device.directory);
+    Result<bool> locked = device.directory ? Lock(device.directory) : Result<bool>(true);
     if (!locked || !*locked || !device.files) {
         return locked;
     }

@@ -19,6 +19,7 @@ namespace platform {
 const char kHelp[] = R"(Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]
        fennelbright --device DIR --boot [OPTION]...
        fennelbright --device DIR [--set NAME=VALUE]... [--show-settings[=FORM]]
+       fennelbright --files DIR [--registry FILE] ... in place of --device DIR
        fennelbright --new-device DIR
        fennelbright [OPTION]...
 
@@ -30,6 +31,11 @@ display.
 The device
   --device DIR         the device directory: "files" in it is the handheld's file tree,
                        "registry.reg" its registry
+  --files DIR          or else the file tree alone, where it is, such as a mounted card
+  --registry FILE      and the registry that belongs to it; without one, what the registry would
+                       say is reported as missing
+  --state DIR          where last-run.txt goes in that case (a folder for each DIR of --files below
+                       $XDG_STATE_HOME/fennelbright or ~/.local/state/fennelbright)
   --module PATH        where the program lies on the device; settings.dat is beside it
                        (\Program Files\Fennelbright\Fennelbright.exe)
   --new-device DIR     make a sample device
@@ -70,6 +76,8 @@ Examples
                        have \Temp and \Old cleaned from now on
   fennelbright --device handheld --report silent
                        clean it, and show what was done
+  fennelbright --files /media/card --no-display --report silent
+                       clean a mounted card
 
 Exit codes
    0  the program ended normally
@@ -94,6 +102,9 @@ enum Choice {
     kVersion = 'V',
     kWord = 1,
     kDevice,
+    kFiles,
+    kRegistry,
+    kState,
     kModule,
     kReport,
     kReportPage,
@@ -111,6 +122,9 @@ constexpr double kLargestScale = 8;
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
+    {"files", required_argument, nullptr, kFiles},
+    {"registry", required_argument, nullptr, kRegistry},
+    {"state", required_argument, nullptr, kState},
     {"module", required_argument, nullptr, kModule},
     {"report", optional_argument, nullptr, kReport},
     {"report-html", required_argument, nullptr, kReportPage},
@@ -166,11 +180,25 @@ Status ParseScale(const char* value, CommandLine& line) {
 
 Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
     if (!line.device.empty()) {
-        return Refuse("only one of --device DIR and --new-device DIR can be given, and only once");
+        return Refuse("only one of --device, --files and --new-device can be given, and only once");
     }
     line.device = value;
     SetTask(line, task);
     return RefuseUnless(!line.device.empty(), "the name of the directory is empty");
+}
+
+Status ParseFiles(const char* value, CommandLine& line) {
+    line.isByHalves = true;
+    return ParseDevice(value, line.task, line);
+}
+
+// A name that can be given once.
+Status ParsePlace(const char* value, std::string& place) {
+    if (!place.empty()) {
+        return Refuse("it can be given only once");
+    }
+    place = value;
+    return RefuseUnless(!place.empty(), "the name is empty");
 }
 
 Status ParseModule(const char* value, CommandLine& line) {
@@ -194,14 +222,6 @@ Status ParseChange(const char* value, CommandLine& line) {
                        line.changes.end();
     line.changes.push_back(*change);
     return RefuseUnless(isNew, "the option is set twice");
-}
-
-Status ParseReportPage(const char* value, CommandLine& line) {
-    if (!line.reportPage.empty()) {
-        return Refuse("only one file for the report can be given");
-    }
-    line.reportPage = value;
-    return RefuseUnless(!line.reportPage.empty(), "the name of the file is empty");
 }
 
 // Options that take no value and only set something.
@@ -232,6 +252,12 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
             return ParseWord(value, line);
         case kDevice:
             return ParseDevice(value, line.task, line);
+        case kFiles:
+            return ParseFiles(value, line);
+        case kRegistry:
+            return ParsePlace(value, line.registry);
+        case kState:
+            return ParsePlace(value, line.state);
         case kNewDevice:
             return ParseDevice(value, CommandLine::Task::MakeSampleDevice, line);
         case kModule:
@@ -239,7 +265,7 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         case kReport:
             return ParseForm(value, line.report);
         case kReportPage:
-            return ParseReportPage(value, line);
+            return ParsePlace(value, line.reportPage);
         case kScale:
             return ParseScale(value, line);
         case kSet:
@@ -315,6 +341,8 @@ Status CheckComplete(const CommandLine& line) {
     const bool hasWords = !line.programLine.empty();
     const Conflict conflicts[] = {
         {works && line.device.empty() && !AsksForDevice(line), "no device directory is given"},
+        {works && !line.isByHalves && !(line.registry + line.state).empty(),
+         "--registry and --state go with --files; --device DIR has both in DIR"},
         {line.task == MakeSampleDevice && hasWords, "--new-device takes no command line"},
         {line.task == Boot && hasWords, "--boot takes no command line: each shortcut has its own"},
         {line.task == Boot && !line.reportPage.empty(),
@@ -322,7 +350,7 @@ Status CheckComplete(const CommandLine& line) {
         {line.task == Settings && hasWords,
          "--set and --show-settings take no command line: run the program afterwards"},
         {(line.task == Boot || line.task == MakeSampleDevice) && AsksForSettings(line),
-         "--set and --show-settings go with --device alone"},
+         "--set and --show-settings go with --device or --files alone"},
     };
     const auto* const found = std::ranges::find(conflicts, true, &Conflict::isThere);
     if (found == std::end(conflicts)) {

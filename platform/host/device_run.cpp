@@ -18,6 +18,7 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
+#include "platform/host/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"
@@ -72,7 +73,7 @@ DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenDevice() {
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line_.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line_);
     if (!device) {
         return Refuse(EX_NOINPUT, device.error());
     }
@@ -87,16 +88,24 @@ DeviceRun::ExitCode DeviceRun::Lock() {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenStore() {
-    auto registry = Registry::Open(device_.directory.get());
+    auto registry = Registry::Open(device_.directory.get(), device_.registryName);
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
+    }
+    if (const std::string advice = AdviceOnExport(**registry); !advice.empty()) {
+        log_.Say(advice);
     }
     store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
                                                std::move(*registry),
                                                [this](int code) { EndOnTheSpot(code); });
+    if (device_.isByHalves) {
+        store_->KeepFromErasing();
+    }
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
-        RemoveUnfinishedFilesIn(device_.directory.get());
+        if (device_.directory) {
+            RemoveUnfinishedFilesIn(device_.directory.get());
+        }
     }
     return {};
 }

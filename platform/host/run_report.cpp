@@ -2,8 +2,6 @@
 
 #include <fcntl.h>
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
@@ -11,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "platform/device/device_halves.h"
 #include "platform/io/file_identity.h"
 #include "platform/report/last_run_file.h"
 #include "platform/report/report_html.h"
@@ -24,28 +23,32 @@ namespace {
 
 constexpr const char* kWritePage = "write the report";
 
-// Whether `directory` is one of the device's, whatever its name is. Nothing of the device may be
-// replaced by a report, and no run is to find one among the files that it cleans.
-Result<bool> IsOfDevice(const Descriptor& directory, const DeviceDirectory& device) {
-    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
-    const std::array devices = {IdentityOf(device.directory.get()),
-                                device.files ? IdentityOf(device.files.get()) : std::nullopt};
-    Descriptor here(openat(directory.get(), ".", kFlags));
-    for (std::optional<FileIdentity> below; here;) {
-        const std::optional<FileIdentity> identity = IdentityOf(here.get());
-        if (!identity) {
-            break;
-        }
-        if (std::find(devices.begin(), devices.end(), identity) != devices.end()) {
-            return true;
-        }
-        if (identity == below) {
-            return false;
-        }
-        below = identity;
-        here = Descriptor(openat(here.get(), "..", kFlags));
+// Nothing of the device may be replaced by a report, and no run is to find one among the files that
+// it cleans.
+Status CheckOutside(const Descriptor& directory, const std::string& name,
+                    const DeviceDirectory& device) {
+    std::vector<FileIdentity> places;
+    const auto whole = device.isByHalves ? std::nullopt : IdentityOf(device.directory.get());
+    if (!device.isByHalves && !whole) {
+        return Fail(kWritePage, errno);
     }
-    return Fail(kWritePage, errno);
+    for (const std::optional<FileIdentity>& part : {device.tree, whole}) {
+        if (part) {
+            places.push_back(*part);
+        }
+    }
+    const Result<bool> isInside = IsWithin(directory.get(), places);
+    if (!isInside) {
+        return tl::unexpected<Failure>(isInside.error());
+    }
+    if (*isInside) {
+        return FailBecause(kWritePage, device.isByHalves ? "it would be among the device's files"
+                                                         : "it would be in the device directory");
+    }
+    return IsSameFile(IdentityOf(directory.get(), name.c_str()),
+                      IdentityOf(device.directory.get(), device.registryName.c_str()))
+               ? FailBecause(kWritePage, "it is the device's registry")
+               : Status();
 }
 
 struct PagePlace {
@@ -61,12 +64,8 @@ Result<PagePlace> OpenPlace(const std::string& file, const DeviceDirectory& devi
     if (!place.directory) {
         return Fail(kWritePage, errno);
     }
-    const Result<bool> isOfDevice = IsOfDevice(place.directory, device);
-    if (!isOfDevice) {
-        return tl::unexpected<Failure>(isOfDevice.error());
-    }
-    if (*isOfDevice) {
-        return FailBecause(kWritePage, "it would be in the device directory");
+    if (const Status outside = CheckOutside(place.directory, place.name, device); !outside) {
+        return tl::unexpected<Failure>(outside.error());
     }
     return place;
 }
@@ -89,7 +88,7 @@ RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, boo
                      RunLog& log)
     : log_(log) {
     if (isSilent) {
-        lastRun_ = std::make_unique<LastRunFile>(device.directory.get());
+        BeginLastRun(device);
     }
     if (!line.reportPage.empty()) {
         AddPage(line.reportPage, device);
@@ -104,6 +103,21 @@ RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, boo
     for (ReportWriter* const writer : writers()) {
         writer->Begin(run);
     }
+}
+
+// Nothing is kept on a card, where it would take its owner's room and be cleaned.
+void RunReport::BeginLastRun(const DeviceDirectory& device) {
+    if (!device.isByHalves) {
+        lastRun_ = std::make_unique<LastRunFile>(device.directory.get());
+        return;
+    }
+    Result<Descriptor> state = OpenKeptDirectory(device);
+    if (!state) {
+        log_.Say("last-run.txt is not written: " + Describe(state.error()));
+        return;
+    }
+    state_ = std::move(*state);
+    lastRun_ = std::make_unique<LastRunFile>(state_.get());
 }
 
 void RunReport::AddPage(const std::string& file, const DeviceDirectory& device) {

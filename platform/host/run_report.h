@@ -24,9 +24,11 @@ class RunReport {
     void Finish(const ReportTotals& totals, bool strict);
 
   private:
+    void BeginLastRun(const DeviceDirectory& device);
     void AddPage(const std::string& file, const DeviceDirectory& device);
 
     RunLog& log_;
+    Descriptor state_;                       // where that of a device by halves goes
     std::unique_ptr<ReportWriter> lastRun_;  // of a silent run
     std::vector<std::unique_ptr<ReportWriter>>
         asked_;  // the one on standard output is the last one

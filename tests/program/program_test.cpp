@@ -68,6 +68,11 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
+        {{"--device", taken, "--files", taken, "s"}, 64, "only one of"},
+        {{"--device", taken, "--registry", taken + "/r", "s"}, 64, "go with --files; --device DIR"},
+        {{"--files", taken, "--state", "a", "--state", "b", "s"},
+         64,
+         "\"b\": it can be given only"},
         {{"--device", taken, "--scale", "9", "s"}, 64, ": --scale \"9\": it takes a number from"},
         {{"--device", taken, "--set", "clean-tmp=on"}, 64, ": --set \"clean-tmp=on\": there is no"},
         {{"--device", taken, "--set", "clean-temp"},
@@ -82,14 +87,14 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--device", taken, "--set", "search-custom=" + std::string(1024, 'x')}, 64, "extension"},
         {{"--device", taken, "--set", "clean-temp=on", "--set", "clean-temp=off"}, 64, "set twice"},
         {{"--device", taken, "--show-settings", "silent"}, 64, "\"silent\": --set and --show-set"},
-        {{"--device", taken, "--boot", "--set", "clean-temp=on"}, 64, "go with --device alone"},
+        {{"--device", taken, "--boot", "--set", "clean-temp=on"}, 64, "go with --device or"},
         {{"--device", taken, "--module", "\\x.exe", "--show-settings"}, 64, "fewer than 16"},
         {{"--show-settings"}, 64, "no device directory"},
         {{"--device", taken + "/none", "--show-settings"}, 66, "No such file"},
         {{"--device", taken, "--show-settings"}, 0, "\nclean-temp=on\nclean-windows-temp=off\n"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
-        {{"--device", taken, "--report-html", "", "silent"}, 64, "--report-html \"\": the name of"},
+        {{"--device", taken, "--report-html", "", "silent"}, 64, "--report-html \"\": the name is"},
         {{"--device", taken, "--report=xml", "silent"}, 64, "\"lines\" or \"json\""},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
@@ -259,6 +264,94 @@ TEST(Program, OptionsAreSetOnWhateverHasFiles) {
                                              SettingsEntry(each.after)}));
         EXPECT_EQ(ReadFile(device.registry()), "damaged\n[");
     }
+}
+
+// Directories from "home" on, the user's own; "card" is the one to be cleaned.
+TEST(Program, FilesThatCannotBeMeantAreRefusedUnderAnyName) {
+    const struct {
+        Entries words;  // after "--files"
+        int exitCode;
+        std::string says;
+    } cases[] = {
+        {{"/proc/self/root/."}, 66, "it is the root of this machine's file system"},
+        {{"link"}, 66, "it is your home directory"},
+        {{"link/.."}, 66, "your home directory is in it"},
+        {{"home/.local"}, 66, "what is kept of its runs would be in it"},
+        {{"card/none"}, 66, "No such file"},
+        {{"card/Temp/a"}, 66, "it is not a directory"},
+        {{"system"}, 66, "\"etc\" and \"usr\" are in it"},
+        {{"card", "--state", "card/new"}, 66, "what is kept of its runs would be in it"},
+        {{"card", "--state", "up/card/Temp"}, 66, "what is kept of its runs would be in it"},
+        {{"card", "--state", "none/../up/card/x"}, 0, "last-run.txt is not written: none/../up"},
+        {{"card", "--state", "home/file"}, 0, "last-run.txt is not written: home/file"},
+        {{"card", "--registry", "up/card/r.reg"}, 66, "it is among the files that are cleaned"},
+        {{"card", "--registry", "home/none.reg"}, 66, "home/none.reg: cannot be used"},
+        {{"card", "--registry", "odd/.fennelbright-new-0123456789abcdef"}, 66, "such names are"},
+        {{"card", "--registry", "home/bad.reg"}, 65, "card: bad.reg, line 2: cannot"},
+        {{"card", "--registry", "home/to.reg"}, 65, "to.reg: cannot use it: it is no regular"},
+        {{"card", "--registry", "home/full.reg"}, 0, "has no HKEY_CURRENT_USER, as a desktop's"},
+        {{"card", "--registry", "home/full.reg", "--report-html", "home/full.reg"},
+         0,
+         "home/full.reg: cannot write the report: it is the device's registry"},
+        {{"card", "--report-html", "card/page"}, 0, "it would be among the device's files"},
+    };
+    const TemporaryDevice place(
+        {"home/file=", "home/bad.reg=\n[x", "home/to.reg>bad.reg", "link>home", "up>.",
+         "odd/.fennelbright-new-0123456789abcdef=", "home/.local/", "system/etc/", "system/usr/",
+         "card/Temp/a=1",
+         "home/full.reg=" + std::string(kQuietTweaks) + "[HKEY_USERS\\.DEFAULT]\n"});
+    const Entries before = place.Listing();
+    for (const auto& each : cases) {
+        Entries words = {"--no-display", "silent", "--files"};
+        words.insert(words.end(), each.words.begin(), each.words.end());
+        const Outcome outcome =
+            RunProgram(words, "cd " + place.files() +
+                                  "; unset XDG_STATE_HOME; HOME=" + place.files() + "/home");
+        SCOPED_TRACE(testing::PrintToString(each.words) + outcome.errors);
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_NE(outcome.errors.find(each.says), std::string::npos);
+        std::filesystem::remove_all(place.files() + "/none");
+        std::filesystem::remove_all(place.files() + "/home/.local/state");
+        EXPECT_EQ(place.Listing(), before);
+    }
+}
+
+TEST(Program, EachPlaceOfFilesHasItsOwnReportOutsideOfThem) {
+    const std::string deep(150, 'n');
+    const TemporaryDevice place({"home/"});
+    const std::string environment =
+        "unset XDG_STATE_HOME; HOME=" + place.files() + "/home; cd " + place.files();
+    Entries reports;
+    for (const std::string& card : {"a/b"s, "a+b"s, "a%2Bb"s, deep + '/' + deep}) {
+        place.Make({card + "/Temp/f=1", card + '/' + SettingsEntry(kRootTemp),
+                    card + ".d/any name=" + kQuietTweaks});
+        for (const std::string& held : {card, card + ".d"}) {
+            const platform::Descriptor other(
+                open((place.files() + '/' + held).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+            EXPECT_EQ(
+                RunProgram({"--files", card, "--registry", card + ".d/any name", "s"}, environment)
+                    .exitCode,
+                75);
+        }
+        const Outcome outcome = RunProgram(
+            {"--files", card, "--registry", card + ".d/any name", "--strict", "s"}, environment);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(ListingOf(place.files() + '/' + card),
+                  (Entries{"Program Files/", "Program Files/Fennelbright/",
+                           SettingsEntry(kRootTemp), "Temp/"}));
+        EXPECT_EQ(ListingOf(place.files() + '/' + card + ".d"),
+                  (Entries{"any name="s + kQuietTweaks}));
+    }
+    for (const std::string& entry : ListingOf(place.files() + "/home/.local/state/fennelbright")) {
+        if (entry.find("/last-run.txt=step 3: deleted \\Temp\\f (1 byte)") != std::string::npos) {
+            reports.push_back(entry);
+        }
+    }
+    EXPECT_EQ(reports.size(), 4U);
+    EXPECT_TRUE(RunProgram({"--files", "a/b", "--no-display", "s"}, environment)
+                    .errors.starts_with("[Error] Unable to locate Menu Animation\n"))
+        << "without a registry";
 }
 
 TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {
