@@ -8,6 +8,7 @@
 #include <optional>
 #include <string_view>
 
+#include "core/win_main.h"
 #include "platform/device/sample_files.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
@@ -30,7 +31,8 @@ display.
 
 The device
   --device DIR         the device directory: "files" in it is the handheld's file tree,
-                       "registry.reg" its registry
+                       "registry.reg" its registry; may be repeated for a silent run, which
+                       then does one device after the other
   --files DIR          or else the file tree alone, where it is, such as a mounted card
   --registry FILE      and the registry that belongs to it; without one, what the registry would
                        say is reported as missing
@@ -178,18 +180,30 @@ Status ParseScale(const char* value, CommandLine& line) {
                         "it takes a number from 1 to 8");
 }
 
-Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
-    if (!line.device.empty()) {
-        return Refuse("only one of --device, --files and --new-device can be given, and only once");
+Status ParseDevice(const char* value, CommandLine& line) {
+    if (*value == '\0') {
+        return Refuse("the name of the directory is empty");
     }
-    line.device = value;
-    SetTask(line, task);
-    return RefuseUnless(!line.device.empty(), "the name of the directory is empty");
+    if (line.device.empty()) {
+        line.device = value;
+        return {};
+    }
+    line.furtherDevices.emplace_back(value);
+    return RefuseUnless(!line.isByHalves && line.task != CommandLine::Task::MakeSampleDevice,
+                        "only one of --device, --files and --new-device can be given");
+}
+
+// A directory that is the only one.
+Status ParseOneDevice(const char* value, CommandLine& line) {
+    Status taken = ParseDevice(value, line);
+    return taken ? RefuseUnless(line.furtherDevices.empty(),
+                                "only one of --device, --files and --new-device can be given")
+                 : taken;
 }
 
 Status ParseFiles(const char* value, CommandLine& line) {
     line.isByHalves = true;
-    return ParseDevice(value, line.task, line);
+    return ParseOneDevice(value, line);
 }
 
 // A name that can be given once.
@@ -251,7 +265,7 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         case kWord:
             return ParseWord(value, line);
         case kDevice:
-            return ParseDevice(value, line.task, line);
+            return ParseDevice(value, line);
         case kFiles:
             return ParseFiles(value, line);
         case kRegistry:
@@ -259,7 +273,8 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         case kState:
             return ParsePlace(value, line.state);
         case kNewDevice:
-            return ParseDevice(value, CommandLine::Task::MakeSampleDevice, line);
+            SetTask(line, CommandLine::Task::MakeSampleDevice);
+            return ParseOneDevice(value, line);
         case kModule:
             return ParseModule(value, line);
         case kReport:
@@ -343,6 +358,9 @@ Status CheckComplete(const CommandLine& line) {
         {works && line.device.empty() && !AsksForDevice(line), "no device directory is given"},
         {works && !line.isByHalves && !(line.registry + line.state).empty(),
          "--registry and --state go with --files; --device DIR has both in DIR"},
+        {!line.furtherDevices.empty() &&
+             (line.task != Run || !IsSilentCommandLine(line.programLine.c_str())),
+         "several devices are for a silent run alone"},
         {line.task == MakeSampleDevice && hasWords, "--new-device takes no command line"},
         {line.task == Boot && hasWords, "--boot takes no command line: each shortcut has its own"},
         {line.task == Boot && !line.reportPage.empty(),

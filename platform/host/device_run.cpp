@@ -11,6 +11,7 @@
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
 #include "platform/diagnostics/run_log.h"
+#include "platform/display/device_naming_boxes.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
 #include "platform/display/message_boxes_of_silent_run.h"
@@ -31,8 +32,12 @@ namespace {
 // there; nothing when it goes on.
 class DeviceRun {
   public:
-    explicit DeviceRun(CommandLine& line)
-        : line_(line), log_(line.device), logInUse_(log_), isSilent_(IsSilent(line)) {}
+    DeviceRun(CommandLine& line, const SharedReport* shared)
+        : line_(line),
+          shared_(shared),
+          log_(line.device),
+          logInUse_(log_),
+          isSilent_(IsSilent(line)) {}
 
     int Run();
 
@@ -56,6 +61,7 @@ class DeviceRun {
     [[noreturn]] void EndOnTheSpot(int code);
 
     CommandLine& line_;
+    const SharedReport* shared_;
     RunLog log_;
     LogInUse logInUse_;
     bool isSilent_;
@@ -146,14 +152,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
 DeviceRun::ExitCode DeviceRun::OpenReport() {
     const bool isAsked = line_.report != ReportForm::None || !line_.reportPage.empty();
     if (isSilent_ || isAsked || line_.strict) {
-        report_.emplace(line_, device_, isSilent_, log_);
+        report_.emplace(line_, device_, isSilent_, log_, shared_);
         recorder_.emplace(*store_, report_->writers(), log_);
     }
     return {};
 }
 
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
-    RegistrySavingWindows storing(windows, store, log_);
+    DeviceNamingBoxes naming(windows, log_);
+    RegistrySavingWindows storing(shared_ != nullptr ? naming : windows, store, log_);
     const StoreInUse storeInUse(store);
     const WindowsInUse windowsInUse(storing);
     return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
@@ -201,8 +208,8 @@ int DeviceRun::Run() {
 
 }  // namespace
 
-int RunOnDevice(CommandLine& line) {
-    return DeviceRun(line).Run();
+int RunOnDevice(CommandLine& line, const SharedReport* shared) {
+    return DeviceRun(line, shared).Run();
 }
 
 }  // namespace platform

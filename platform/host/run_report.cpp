@@ -1,8 +1,5 @@
 #include "platform/host/run_report.h"
 
-#include <fcntl.h>
-
-#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <optional>
@@ -10,7 +7,7 @@
 #include <utility>
 
 #include "platform/device/device_halves.h"
-#include "platform/io/file_identity.h"
+#include "platform/host/page_place.h"
 #include "platform/report/last_run_file.h"
 #include "platform/report/report_html.h"
 #include "platform/report/report_json.h"
@@ -20,55 +17,6 @@
 namespace platform {
 
 namespace {
-
-constexpr const char* kWritePage = "write the report";
-
-// Nothing of the device may be replaced by a report, and no run is to find one among the files that
-// it cleans.
-Status CheckOutside(const Descriptor& directory, const std::string& name,
-                    const DeviceDirectory& device) {
-    std::vector<FileIdentity> places;
-    const auto whole = device.isByHalves ? std::nullopt : IdentityOf(device.directory.get());
-    if (!device.isByHalves && !whole) {
-        return Fail(kWritePage, errno);
-    }
-    for (const std::optional<FileIdentity>& part : {device.tree, whole}) {
-        if (part) {
-            places.push_back(*part);
-        }
-    }
-    const Result<bool> isInside = IsWithin(directory.get(), places);
-    if (!isInside) {
-        return tl::unexpected<Failure>(isInside.error());
-    }
-    if (*isInside) {
-        return FailBecause(kWritePage, device.isByHalves ? "it would be among the device's files"
-                                                         : "it would be in the device directory");
-    }
-    return IsSameFile(IdentityOf(directory.get(), name.c_str()),
-                      IdentityOf(device.directory.get(), device.registryName.c_str()))
-               ? FailBecause(kWritePage, "it is the device's registry")
-               : Status();
-}
-
-struct PagePlace {
-    Descriptor directory;
-    std::string name;
-};
-
-Result<PagePlace> OpenPlace(const std::string& file, const DeviceDirectory& device) {
-    const std::size_t slash = file.rfind('/');
-    const std::string parent = slash == std::string::npos ? "." : file.substr(0, slash + 1);
-    PagePlace place{Descriptor(open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-                    file.substr(slash + 1)};
-    if (!place.directory) {
-        return Fail(kWritePage, errno);
-    }
-    if (const Status outside = CheckOutside(place.directory, place.name, device); !outside) {
-        return tl::unexpected<Failure>(outside.error());
-    }
-    return place;
-}
 
 std::unique_ptr<ReportWriter> WriterOnOutput(ReportForm form) {
     switch (form) {
@@ -85,12 +33,14 @@ std::unique_ptr<ReportWriter> WriterOnOutput(ReportForm form) {
 }  // namespace
 
 RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, bool isSilent,
-                     RunLog& log)
-    : log_(log) {
+                     RunLog& log, const SharedReport* shared)
+    : log_(log), shared_(shared) {
     if (isSilent) {
         BeginLastRun(device);
     }
-    if (!line.reportPage.empty()) {
+    if (shared_ != nullptr && shared_->page != nullptr) {
+        asked_.push_back(std::make_unique<ReportHtml>(*shared_->page));
+    } else if (shared_ == nullptr && !line.reportPage.empty()) {
         AddPage(line.reportPage, device);
     }
     if (auto writer = WriterOnOutput(line.report)) {
@@ -121,12 +71,14 @@ void RunReport::BeginLastRun(const DeviceDirectory& device) {
 }
 
 void RunReport::AddPage(const std::string& file, const DeviceDirectory& device) {
-    Result<PagePlace> place = OpenPlace(file, device);
-    if (place) {
+    Result<PagePlace> place = OpenPagePlace(file);
+    const Status possible =
+        place ? CheckOutside(*place, device) : Status(tl::unexpected<Failure>(place.error()));
+    if (possible) {
         asked_.push_back(
             std::make_unique<ReportHtml>(std::move(place->directory), std::move(place->name)));
     } else {
-        log_.SayUndone(Describe(FailOf(place.error(), ReadableBytes(file)).value()));
+        log_.SayUndone(Describe(FailOf(possible.error(), ReadableBytes(file)).value()));
     }
 }
 
@@ -142,6 +94,9 @@ std::vector<ReportWriter*> RunReport::writers() const {
 }
 
 void RunReport::Finish(const ReportTotals& totals, bool strict) {
+    if (shared_ != nullptr) {
+        *shared_->totals = totals;
+    }
     if (lastRun_ != nullptr) {
         if (const Status written = lastRun_->Finish({totals, std::nullopt}); !written) {
             log_.Say(Describe(written.error()));

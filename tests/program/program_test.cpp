@@ -73,6 +73,8 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--files", taken, "--state", "a", "--state", "b", "s"},
          64,
          "\"b\": it can be given only"},
+        {{"--device", taken, "--device", taken}, 64, "several devices are for a silent run alone"},
+        {{"--device", taken, "--device", taken, "--set", "clean-temp=on"}, 64, "several devices"},
         {{"--device", taken, "--scale", "9", "s"}, 64, ": --scale \"9\": it takes a number from"},
         {{"--device", taken, "--set", "clean-tmp=on"}, 64, ": --set \"clean-tmp=on\": there is no"},
         {{"--device", taken, "--set", "clean-temp"},
@@ -352,6 +354,54 @@ TEST(Program, EachPlaceOfFilesHasItsOwnReportOutsideOfThem) {
     EXPECT_TRUE(RunProgram({"--files", "a/b", "--no-display", "s"}, environment)
                     .errors.starts_with("[Error] Unable to locate Menu Animation\n"))
         << "without a registry";
+}
+
+// The second one cannot be opened, the third one has no registry.
+TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
+    const std::pair<std::string, std::string> forms[] = {
+        {"--report",
+         "device 1\nstep 3: deleted \\Temp\\a (1 byte)\ntotal: 1 file deleted (1 byte), 0 entries "
+         "moved, 0 directories made, 0 directories removed, 0 shortcuts made, 0 values written, 0 "
+         "keys deleted, 0 not done\ndevice none\nended without totals, with exit code 66\ndevice "
+         "3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 3: not deleted \\Temp\\locked (it is "
+         "read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
+         "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\nsum "
+         "of 3 devices: 2 files deleted (3 bytes), 0 entries moved, 0 directories made, 0 "
+         "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\n"},
+        {"--report=json", R"({"kind":"ended","device":"none","exit_code":66}
+{"kind":"run",)"},
+        {"--report=json",
+         R"({"kind":"sum","devices":3,"files_deleted":2,"bytes_deleted":3,"entries_moved":0,"directories_made":0,"directories_removed":0,"shortcuts_made":0,"values_written":0,"keys_deleted":0,"not_done":1,"exit_code":66}
+)"},
+    };
+    for (const auto& [form, says] : forms) {
+        const TemporaryDevice place({"1/files/Temp/a=1", "1/files/" + SettingsEntry(kRootTemp),
+                                     "1/registry.reg=" + std::string(kQuietTweaks),
+                                     "3/files/Temp/b=22", "3/files/Temp/locked=1",
+                                     "3/files/" + SettingsEntry(kRootTemp)});
+        chmod((place.files() + "/3/files/Temp/locked").c_str(), 0444);
+        const auto run = [&](const std::string& page) {
+            return RunProgram({"--device", "1", form, "--device", "none", "--strict", "--device",
+                               "3", "--report-html", page, "silent"},
+                              "cd " + place.files());
+        };
+        const Outcome outcome = run("page");
+        EXPECT_EQ(outcome.exitCode, 66);
+        EXPECT_NE(outcome.output.find(says), std::string::npos) << outcome.output;
+        EXPECT_TRUE(outcome.errors.starts_with("fennelbright: none: cannot be used") &&
+                    outcome.errors.find(".\nfennelbright: 3: its messages:\n[Error] Unable to") !=
+                        std::string::npos)
+            << outcome.errors;
+        const std::string page = ReadFile(place.files() + "/page");
+        std::size_t end = 0;
+        for (const std::string part : {"<td>1</td>", "id=\"run1-step3\"", "<td>none</td>",
+                                       "<td>3</td>", "href=\"#run3-undone", "id=\"run3-undone\"",
+                                       "Sum of", "<td>3</td>", "1 not done", "</html>\n"}) {
+            end = page.find(part, end);
+            EXPECT_NE(end, std::string::npos) << part;
+        }
+        EXPECT_NE(run("3/page").errors.find("it would be in the device dir"), std::string::npos);
+    }
 }
 
 TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {
