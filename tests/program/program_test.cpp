@@ -389,7 +389,7 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
         EXPECT_EQ(outcome.exitCode, 66);
         EXPECT_NE(outcome.output.find(says), std::string::npos) << outcome.output;
         EXPECT_TRUE(outcome.errors.starts_with("fennelbright: none: cannot be used") &&
-                    outcome.errors.find(".\nfennelbright: 3: its messages:\n[Error] Unable to") !=
+                    outcome.errors.find("\nfennelbright: 3: its messages:\n[Error] Unable to") !=
                         std::string::npos)
             << outcome.errors;
         const std::string page = ReadFile(place.files() + "/page");
