@@ -48,16 +48,16 @@ std::string NameOfPath(const std::string& path) {
     return name;
 }
 
-// The name as folders, since a name can be too long. The last folder is never the first one of
-// another path's: only that has the full length and a mark.
+// The name as folders, since a name can be too long. One that goes on is longer than any last one,
+// so that none is both, and what follows begins with a mark, so that it is never "..".
 std::string AsFolders(std::string name) {
     constexpr std::size_t kLongest = 200;
-    std::string folders;
+    std::string folders = "/";
     while (name.size() > kLongest) {
-        folders += '/' + name.substr(0, kLongest) + '%';
+        folders += name.substr(0, kLongest) + "%/%";
         name.erase(0, kLongest);
     }
-    return folders + '/' + name;
+    return folders + name;
 }
 
 Status CheckOutside(const Descriptor& directory, const FileIdentity& tree) {
@@ -72,7 +72,8 @@ Status Make(const Descriptor& parent, const std::string& name, const FileIdentit
     if (Status outside = CheckOutside(parent, tree); !outside) {
         return outside;
     }
-    return mkdirat(parent.get(), name.c_str(), 0700) == 0 ? Status() : Fail(kKeep, errno);
+    const bool isThere = mkdirat(parent.get(), name.c_str(), 0700) == 0 || errno == EEXIST;
+    return isThere ? Status() : Fail(kKeep, errno);
 }
 
 Descriptor OpenIn(const Descriptor& parent, const std::string& name) {

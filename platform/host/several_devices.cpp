@@ -78,7 +78,7 @@ Status SeveralRuns::CheckOutsideOfAll(const PagePlace& place) {
     for (const std::string& name : devices_) {
         line_.device = name;
         const Result<DeviceDirectory> device = OpenNamedDevice(line_);
-        if (const Status outside = device ? CheckOutside(place, *device) : Status(); !outside) {
+        if (Status outside = device ? CheckOutside(place, *device) : Status(); !outside) {
             return outside;
         }
     }

@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <tuple>
 
+#include "platform/device/user_directories.h"
 #include "platform/host/worst_exit_code.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
@@ -319,12 +320,12 @@ TEST(Program, FilesThatCannotBeMeantAreRefusedUnderAnyName) {
 }
 
 TEST(Program, EachPlaceOfFilesHasItsOwnReportOutsideOfThem) {
-    const std::string deep(150, 'n');
+    const std::string deep = std::string(150, 'n').append("/").append(150, 'n');
     const TemporaryDevice place({"home/"});
     const std::string environment =
         "unset XDG_STATE_HOME; HOME=" + place.files() + "/home; cd " + place.files();
     Entries reports;
-    for (const std::string& card : {"a/b"s, "a+b"s, "a%2Bb"s, deep + '/' + deep}) {
+    for (const std::string& card : {"a/b"s, "a+b"s, "a%2Bb"s, deep}) {
         place.Make({card + "/Temp/f=1", card + '/' + SettingsEntry(kRootTemp),
                     card + ".d/any name=" + kQuietTweaks});
         for (const std::string& held : {card, card + ".d"}) {
@@ -351,6 +352,9 @@ TEST(Program, EachPlaceOfFilesHasItsOwnReportOutsideOfThem) {
         }
     }
     EXPECT_EQ(reports.size(), 4U);
+    const std::string full(200, 'n');
+    EXPECT_TRUE(platform::StateDirectoryFor('/' + full + "..")
+                    .ends_with("/fennelbright/" + full + "%/%.."));
     EXPECT_TRUE(RunProgram({"--files", "a/b", "--no-display", "s"}, environment)
                     .errors.starts_with("[Error] Unable to locate Menu Animation\n"))
         << "without a registry";
@@ -374,20 +378,20 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
          R"({"kind":"sum","devices":3,"files_deleted":2,"bytes_deleted":3,"entries_moved":0,"directories_made":0,"directories_removed":0,"shortcuts_made":0,"values_written":0,"keys_deleted":0,"not_done":1,"exit_code":66}
 )"},
     };
-    for (const auto& [form, says] : forms) {
+    for (const auto& each : forms) {
         const TemporaryDevice place({"1/files/Temp/a=1", "1/files/" + SettingsEntry(kRootTemp),
                                      "1/registry.reg=" + std::string(kQuietTweaks),
                                      "3/files/Temp/b=22", "3/files/Temp/locked=1",
                                      "3/files/" + SettingsEntry(kRootTemp)});
         chmod((place.files() + "/3/files/Temp/locked").c_str(), 0444);
         const auto run = [&](const std::string& page) {
-            return RunProgram({"--device", "1", form, "--device", "none", "--strict", "--device",
-                               "3", "--report-html", page, "silent"},
+            return RunProgram({"--device", "1", each.first, "--device", "none", "--strict",
+                               "--device", "3", "--report-html", page, "silent"},
                               "cd " + place.files());
         };
         const Outcome outcome = run("page");
         EXPECT_EQ(outcome.exitCode, 66);
-        EXPECT_NE(outcome.output.find(says), std::string::npos) << outcome.output;
+        EXPECT_NE(outcome.output.find(each.second), std::string::npos) << outcome.output;
         EXPECT_TRUE(outcome.errors.starts_with("fennelbright: none: cannot be used") &&
                     outcome.errors.find("\nfennelbright: 3: its messages:\n[Error] Unable to") !=
                         std::string::npos)
