@@ -25,7 +25,8 @@ constexpr char kHead[] = R"(<!DOCTYPE html>
 }
 body { margin: 0 auto; max-width: 64rem; padding: 1.5rem; background: var(--page);
        color: var(--text); font: 1rem/1.5 system-ui, sans-serif; }
-h1 { font-size: 1.6rem; margin: 0 0 1rem; }
+h1 { font-size: 1.6rem; margin: 3rem 0 1rem; }
+h1:first-child { margin-top: 0; }
 h2 { font-size: 1.15rem; margin: 2rem 0 .5rem; }
 table { border-collapse: collapse; width: 100%; }
 th, td { padding: .25rem .75rem .25rem 0; border-bottom: 1px solid var(--line);
