@@ -51,6 +51,7 @@ class AssembledDevice : private DeviceParts, public ForwardingStore {
                                                       Exit exit);
 
     Status CheckStorable() { return guard.CheckStorable(); }  // see RegistryGuard
+    void KeepFromErasing() { handheld.KeepFromErasing(); }
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { handheld.OfferHelp(std::move(viewers)); }
     void OfferRetry(std::function<bool(const Failure&)> tryAgain) {  // see Registry
         keys->OfferRetry(std::move(tryAgain));

@@ -17,7 +17,7 @@ Result<bool> Lock(const Descriptor& directory, LockKind kind) {
         return true;
     }
     if (errno == EBADF) {
-        return FailBecause("lock it", "its \"files\" cannot be opened for reading");
+        return FailBecause("lock it", "its files cannot be opened for reading");
     }
     if (errno != EWOULDBLOCK) {
         return Fail("lock it", errno);
@@ -29,7 +29,7 @@ Result<bool> Lock(const Descriptor& directory, LockKind kind) {
 
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
 Result<bool> LockDevice(const DeviceDirectory& device, LockKind kind) {
-    Result<bool> locked = Lock(device.directory, kind);
+    Result<bool> locked = device.directory ? Lock(device.directory, kind) : Result<bool>(true);
     if (!locked || !*locked || !device.files) {
         return locked;
     }

@@ -66,6 +66,12 @@ Status HandheldSystem::Restart() {
 
 // What is stored after it would be stored on the erased device.
 Status HandheldSystem::Erase() {
+    if (!canBeErased_) {
+        return FailBecause("erase the device",
+                           "its files and its registry were named one by one, without a device "
+                           "directory to keep the old ones in",
+                           ERROR_NOT_SUPPORTED);
+    }
     Status possible = parts_.guard.CheckStorable();
     possible = possible ? parts_.registry.StoreRegistry() : possible;
     if (!possible) {

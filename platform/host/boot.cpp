@@ -9,10 +9,10 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/device/device_directory.h"
 #include "platform/device/startup_shortcuts.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/files/host_files.h"
+#include "platform/host/named_device.h"
 #include "platform/host/worst_exit_code.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
@@ -24,8 +24,16 @@ namespace {
 
 // The words of a host that runs one shortcut's command line.
 std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string& arguments) {
-    std::vector<std::string> words = {"fennelbright", "--device", line.device, "--module",
-                                      Utf8Text(line.modulePath)};
+    std::vector<std::string> words = {"fennelbright", "--module", Utf8Text(line.modulePath)};
+    const std::pair<const char*, const std::string&> places[] = {
+        {line.isByHalves ? "--files" : "--device", line.device},
+        {"--registry", line.registry},
+        {"--state", line.state}};
+    for (const auto& [word, place] : places) {
+        if (!place.empty()) {
+            words.insert(words.end(), {word, place});
+        }
+    }
     const std::pair<bool, const char*> switches[] = {
         {line.report == ReportForm::Lines, "--report"},
         {line.report == ReportForm::Json, "--report=json"},
@@ -95,7 +103,7 @@ int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog
 
 int BootDevice(const CommandLine& line) {
     RunLog log(line.device);
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line);
     if (!device) {
         log.Say(Describe(device.error()));
         return EX_NOINPUT;

@@ -8,9 +8,10 @@
 #include <optional>
 #include <string_view>
 
-#include "platform/sample/sample_files.h"
+#include "core/win_main.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/window_module_loader.h"
+#include "platform/sample/sample_files.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
 
@@ -19,6 +20,7 @@ namespace platform {
 const char kHelp[] = R"(Usage: fennelbright --device DIR [OPTION]... [--] [COMMAND LINE]
        fennelbright --device DIR --boot [OPTION]...
        fennelbright --device DIR [--set NAME=VALUE]... [--show-settings[=FORM]]
+       fennelbright --files DIR [--registry FILE] ... in place of --device DIR
        fennelbright --new-device DIR
        fennelbright [OPTION]...
 
@@ -29,7 +31,13 @@ display.
 
 The device
   --device DIR         the device directory: "files" in it is the handheld's file tree,
-                       "registry.reg" its registry
+                       "registry.reg" its registry; may be repeated for a silent run, which
+                       then does one device after the other
+  --files DIR          or else the file tree alone, where it is, such as a mounted card
+  --registry FILE      and the registry that belongs to it; without one, what the registry would
+                       say is reported as missing
+  --state DIR          where last-run.txt goes in that case (a folder for each DIR of --files below
+                       $XDG_STATE_HOME/fennelbright or ~/.local/state/fennelbright)
   --module PATH        where the program lies on the device; settings.dat is beside it
                        (\Program Files\Fennelbright\Fennelbright.exe)
   --new-device DIR     make a sample device
@@ -73,6 +81,8 @@ Examples
                        show what would be cleaned
   fennelbright --device handheld --report silent
                        clean it, and show what was done
+  fennelbright --files /media/card --no-display --report silent
+                       clean a mounted card
 
 Exit codes
    0  the program ended normally
@@ -97,6 +107,9 @@ enum Choice {
     kVersion = 'V',
     kWord = 1,
     kDevice,
+    kFiles,
+    kRegistry,
+    kState,
     kModule,
     kReport,
     kReportPage,
@@ -115,6 +128,9 @@ constexpr double kLargestScale = 8;
 
 constexpr option kChoices[] = {
     {"device", required_argument, nullptr, kDevice},
+    {"files", required_argument, nullptr, kFiles},
+    {"registry", required_argument, nullptr, kRegistry},
+    {"state", required_argument, nullptr, kState},
     {"module", required_argument, nullptr, kModule},
     {"report", optional_argument, nullptr, kReport},
     {"report-html", required_argument, nullptr, kReportPage},
@@ -169,13 +185,39 @@ Status ParseScale(const char* value, CommandLine& line) {
                         "it takes a number from 1 to 8");
 }
 
-Status ParseDevice(const char* value, CommandLine::Task task, CommandLine& line) {
-    if (!line.device.empty()) {
-        return Refuse("only one of --device DIR and --new-device DIR can be given, and only once");
+Status ParseDevice(const char* value, CommandLine& line) {
+    if (*value == '\0') {
+        return Refuse("the name of the directory is empty");
     }
-    line.device = value;
-    SetTask(line, task);
-    return RefuseUnless(!line.device.empty(), "the name of the directory is empty");
+    if (line.device.empty()) {
+        line.device = value;
+        return {};
+    }
+    line.furtherDevices.emplace_back(value);
+    return RefuseUnless(!line.isByHalves && line.task != CommandLine::Task::MakeSampleDevice,
+                        "only one of --device, --files and --new-device can be given");
+}
+
+// A directory that is the only one.
+Status ParseOneDevice(const char* value, CommandLine& line) {
+    Status taken = ParseDevice(value, line);
+    return taken ? RefuseUnless(line.furtherDevices.empty(),
+                                "only one of --device, --files and --new-device can be given")
+                 : taken;
+}
+
+Status ParseFiles(const char* value, CommandLine& line) {
+    line.isByHalves = true;
+    return ParseOneDevice(value, line);
+}
+
+// A name that can be given once.
+Status ParsePlace(const char* value, std::string& place) {
+    if (!place.empty()) {
+        return Refuse("it can be given only once");
+    }
+    place = value;
+    return RefuseUnless(!place.empty(), "the name is empty");
 }
 
 Status ParseModule(const char* value, CommandLine& line) {
@@ -199,14 +241,6 @@ Status ParseChange(const char* value, CommandLine& line) {
                        line.changes.end();
     line.changes.push_back(*change);
     return RefuseUnless(isNew, "the option is set twice");
-}
-
-Status ParseReportPage(const char* value, CommandLine& line) {
-    if (!line.reportPage.empty()) {
-        return Refuse("only one file for the report can be given");
-    }
-    line.reportPage = value;
-    return RefuseUnless(!line.reportPage.empty(), "the name of the file is empty");
 }
 
 // Options that take no value and only set something.
@@ -239,15 +273,22 @@ Status ParseOption(int choice, const char* value, CommandLine& line) {
         case kWord:
             return ParseWord(value, line);
         case kDevice:
-            return ParseDevice(value, line.task, line);
+            return ParseDevice(value, line);
+        case kFiles:
+            return ParseFiles(value, line);
+        case kRegistry:
+            return ParsePlace(value, line.registry);
+        case kState:
+            return ParsePlace(value, line.state);
         case kNewDevice:
-            return ParseDevice(value, CommandLine::Task::MakeSampleDevice, line);
+            SetTask(line, CommandLine::Task::MakeSampleDevice);
+            return ParseOneDevice(value, line);
         case kModule:
             return ParseModule(value, line);
         case kReport:
             return ParseForm(value, line.report);
         case kReportPage:
-            return ParseReportPage(value, line);
+            return ParsePlace(value, line.reportPage);
         case kScale:
             return ParseScale(value, line);
         case kSet:
@@ -323,6 +364,11 @@ Status CheckComplete(const CommandLine& line) {
     const bool hasWords = !line.programLine.empty();
     const Conflict conflicts[] = {
         {works && line.device.empty() && !AsksForDevice(line), "no device directory is given"},
+        {works && !line.isByHalves && !(line.registry + line.state).empty(),
+         "--registry and --state go with --files; --device DIR has both in DIR"},
+        {!line.furtherDevices.empty() &&
+             (line.task != Run || !IsSilentCommandLine(line.programLine.c_str())),
+         "several devices are for a silent run alone"},
         {line.task == MakeSampleDevice && hasWords, "--new-device takes no command line"},
         {line.task == Boot && hasWords, "--boot takes no command line: each shortcut has its own"},
         {line.task == Boot && !line.reportPage.empty(),
@@ -332,7 +378,7 @@ Status CheckComplete(const CommandLine& line) {
         {(line.task == Settings || line.task == MakeSampleDevice) && line.rehearse,
          "--rehearse goes with a run of the program"},
         {(line.task == Boot || line.task == MakeSampleDevice) && AsksForSettings(line),
-         "--set and --show-settings go with --device alone"},
+         "--set and --show-settings go with --device or --files alone"},
     };
     const auto* const found = std::ranges::find(conflicts, true, &Conflict::isThere);
     if (found == std::end(conflicts)) {

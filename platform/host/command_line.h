@@ -18,6 +18,10 @@ struct CommandLine {
 
     Task task = Task::Run;
     std::string device;  // the directory to run on, or to make; empty: its user is to be asked
+    std::vector<std::string> furtherDevices;  // device directories for the same silent run
+    bool isByHalves = false;  // that directory is only the file tree; the other parts:
+    std::string registry;     // its registry's file; empty: none
+    std::string state;        // where what is kept of its runs goes; empty: below the user's own
     std::u16string modulePath;
     std::u16string programLine;  // the program's own command line
     std::string helpPlace;       // of the help page on standard input that is to be shown

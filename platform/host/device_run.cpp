@@ -12,6 +12,7 @@
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
 #include "platform/diagnostics/run_log.h"
+#include "platform/display/device_naming_boxes.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
 #include "platform/display/message_boxes_of_silent_run.h"
@@ -20,6 +21,7 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
+#include "platform/host/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"
@@ -28,12 +30,21 @@ namespace platform {
 
 namespace {
 
+bool IsOnReadOnly(const Descriptor& directory) {
+    struct statvfs volume {};
+    return directory && fstatvfs(directory.get(), &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0;
+}
+
 // One run of the program on one device. Each step returns the exit code with which the run ends
 // there; nothing when it goes on.
 class DeviceRun {
   public:
-    explicit DeviceRun(CommandLine& line)
-        : line_(line), log_(line.device), logInUse_(log_), isSilent_(IsSilent(line)) {}
+    DeviceRun(CommandLine& line, const SharedReport* shared)
+        : line_(line),
+          shared_(shared),
+          log_(line.device),
+          logInUse_(log_),
+          isSilent_(IsSilent(line)) {}
 
     int Run();
 
@@ -47,7 +58,8 @@ class DeviceRun {
     ExitCode Refuse(int code, const Failure& failure);
     ExitCode OpenDevice();
     ExitCode Lock();
-    void SayIfReadOnly();
+    void SayWhatIsNotRehearsed();
+    void AssembleDevice(std::unique_ptr<Registry> registry);
     ExitCode OpenStore();
     ExitCode OpenWindows();
     ExitCode OpenReport();
@@ -58,10 +70,12 @@ class DeviceRun {
     [[noreturn]] void EndOnTheSpot(int code);
 
     CommandLine& line_;
+    const SharedReport* shared_;
     RunLog log_;
     LogInUse logInUse_;
     bool isSilent_;
     bool isLocked_ = false;
+    bool isOnReadOnly_ = false;
     DeviceDirectory device_;
     std::unique_ptr<AssembledDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
@@ -75,7 +89,7 @@ DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenDevice() {
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line_.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line_);
     if (!device) {
         return Refuse(EX_NOINPUT, device.error());
     }
@@ -84,46 +98,56 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
 }
 
 DeviceRun::ExitCode DeviceRun::Lock() {
-    const RunLock lock = TakeRunLock(
-        device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive, log_);
+    const RunLock lock =
+        TakeRunLock(device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive, log_);
     isLocked_ = lock == RunLock::Taken;
     return lock == RunLock::Refused ? ExitCode(EX_TEMPFAIL) : ExitCode();
 }
 
-void DeviceRun::SayIfReadOnly() {
-    for (const Descriptor* const part : {&device_.directory, &device_.files}) {
-        struct statvfs volume {};
-        if (*part && fstatvfs(part->get(), &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0) {
-            log_.Say("it is on a read-only file system: a run could not change it as it is now");
-            return;
-        }
+void DeviceRun::SayWhatIsNotRehearsed() {
+    if (isOnReadOnly_) {
+        log_.Say("it is on a read-only file system: a run could not change it as it is now");
+    }
+    if (store_->HaveLeftovers()) {
+        log_.Say(
+            "a run that was killed has left files here; the next run puts them right before "
+            "it begins, which the rehearsal does not show");
     }
 }
 
+void DeviceRun::AssembleDevice(std::unique_ptr<Registry> registry) {
+    const auto exit = [this](int code) { EndOnTheSpot(code); };
+    isOnReadOnly_ = IsOnReadOnly(device_.directory) || IsOnReadOnly(device_.files);
+    store_ =
+        line_.rehearse
+            ? AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),
+                                         line_.modulePath, std::move(registry), exit)
+            : std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
+                                                std::move(registry), exit);
+}
+
 DeviceRun::ExitCode DeviceRun::OpenStore() {
-    auto registry = Registry::Open(device_.directory.get(),
+    auto registry = Registry::Open(device_.directory.get(), device_.registryName,
                                    line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
-    const auto exit = [this](int code) { EndOnTheSpot(code); };
+    if (const std::string advice = AdviceOnExport(**registry); !advice.empty()) {
+        log_.Say(advice);
+    }
+    AssembleDevice(std::move(*registry));
+    if (device_.isByHalves) {
+        store_->KeepFromErasing();
+    }
     if (line_.rehearse) {
-        SayIfReadOnly();
-        store_ =
-            AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),
-                                       line_.modulePath, std::move(*registry), exit);
-        if (store_->HaveLeftovers()) {
-            log_.Say(
-                "a run that was killed has left files here; the next run puts them right "
-                "before it begins, which the rehearsal does not show");
-        }
+        SayWhatIsNotRehearsed();
         return {};
     }
-    store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
-                                               std::move(*registry), exit);
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
-        RemoveUnfinishedFilesIn(device_.directory.get());
+        if (device_.directory) {
+            RemoveUnfinishedFilesIn(device_.directory.get());
+        }
     }
     return {};
 }
@@ -149,7 +173,8 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
                           "--no-display was given; the command line \"silent\" needs none")
             : CheckDisplay();
     auto windows = display.and_then([this] {
-        return OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse));
+        return OpenDisplayWindowSystem(
+            WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse));
     });
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());
@@ -162,14 +187,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
 DeviceRun::ExitCode DeviceRun::OpenReport() {
     const bool isAsked = line_.report != ReportForm::None || !line_.reportPage.empty();
     if (isSilent_ || isAsked || line_.strict) {
-        report_.emplace(line_, device_, isSilent_, log_);
+        report_.emplace(line_, device_, isSilent_, log_, shared_);
         recorder_.emplace(*store_, report_->writers(), log_);
     }
     return {};
 }
 
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
-    RegistrySavingWindows storing(windows, store, log_);
+    DeviceNamingBoxes naming(windows, log_);
+    RegistrySavingWindows storing(shared_ != nullptr ? naming : windows, store, log_);
     const StoreInUse storeInUse(store);
     const WindowsInUse windowsInUse(storing);
     return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
@@ -187,7 +213,8 @@ int DeviceRun::RunWithWindows() {
         MessageBoxesAsLines console(stderr);
         return RunProgram(store(), console);
     }
-    MessageBoxesOfSilentRun boxes(WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse), stderr);
+    MessageBoxesOfSilentRun boxes(
+        WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse), stderr);
     return RunProgram(store(), boxes);
 }
 
@@ -226,8 +253,8 @@ int DeviceRun::Run() {
 
 }  // namespace
 
-int RunOnDevice(CommandLine& line) {
-    return DeviceRun(line).Run();
+int RunOnDevice(CommandLine& line, const SharedReport* shared) {
+    return DeviceRun(line, shared).Run();
 }
 
 }  // namespace platform

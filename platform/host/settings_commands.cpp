@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "core/host_notes.h"
-#include "platform/device/device_directory.h"
 #include "platform/device/files_alone.h"
 #include "platform/diagnostics/run_log.h"
+#include "platform/host/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/report/json_object.h"
 #include "platform/text/readable_text.h"
@@ -217,12 +217,13 @@ int Show(const CommandLine& line, StoredSettings& stored, RunLog& log) {
 int RunSettingsCommands(const CommandLine& line) {
     RunLog log(line.device);
     const LogInUse logInUse(log);
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line);
     if (!device) {
         log.Say(Describe(device.error()));
         return EX_NOINPUT;
     }
-    if (!line.changes.empty() && TakeRunLock(*device, LockKind::Exclusive, log) == RunLock::Refused) {
+    if (!line.changes.empty() &&
+        TakeRunLock(*device, LockKind::Exclusive, log) == RunLock::Refused) {
         return EX_TEMPFAIL;
     }
     FilesAlone store(std::move(device->files), line.modulePath);

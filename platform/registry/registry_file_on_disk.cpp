@@ -10,24 +10,27 @@
 #include "platform/io/entry_facts.h"
 #include "platform/io/whole_file.h"
 #include "platform/registry/text/registry_parser.h"
+#include "platform/text/readable_text.h"
 
 namespace platform {
 namespace {
 
-constexpr const char* kName = "registry.reg";
-
 // What the entry is, without opening it. `st_mode` is 0 when there is none.
-Result<struct stat> LookAt(int directory) {
+Result<struct stat> LookAt(int directory, const std::string& name) {
     struct stat status {};
-    if (fstatat(directory, kName, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    if (directory < 0) {
+        return status;
+    }
+    if (fstatat(directory, name.c_str(), &status, AT_SYMLINK_NOFOLLOW) != 0) {
         if (errno != ENOENT) {
-            return FailOf({"look at it", {}, errno}, kName);
+            return FailOf({"look at it", {}, errno}, ReadableBytes(name));
         }
         status = {};
         return status;
     }
     if (!S_ISREG(status.st_mode)) {
-        return FailOf({"use it", {}, 0, "it is no regular file", ERROR_ACCESS_DENIED}, kName);
+        return FailOf({"use it", {}, 0, "it is no regular file", ERROR_ACCESS_DENIED},
+                      ReadableBytes(name));
     }
     return status;
 }
@@ -62,12 +65,18 @@ Status CheckOwned(int directory, const struct stat& old) {
 
 }  // namespace
 
+std::string RegistryFileOnDisk::name() const {
+    return ReadableBytes(name_);
+}
+
 Result<FileVersion> RegistryFileOnDisk::Look() const {
-    return LookAt(directory_).map([](const struct stat& status) { return FileVersion(status); });
+    return LookAt(directory_, name_).map([](const struct stat& status) {
+        return FileVersion(status);
+    });
 }
 
 Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
-    const Result<struct stat> found = LookAt(directory_);
+    const Result<struct stat> found = LookAt(directory_, name_);
     if (!found) {
         return tl::unexpected<Failure>(found.error());
     }
@@ -75,51 +84,51 @@ Result<RegistryFileOnDisk::Content> RegistryFileOnDisk::Read() const {
         return Content();
     }
     const Result<Descriptor> file =
-        OpenRegularFile(directory_, kName, Mounts::Entered, accessTime_);
+        OpenRegularFile(directory_, name_.c_str(), Mounts::Entered, accessTime_);
     if (!file) {
-        return FailOf(file.error(), kName);
+        return FailOf(file.error(), name());
     }
     struct stat status {};
     if (fstat(file->get(), &status) != 0) {
-        return FailOf({"look at it", {}, errno}, kName);
+        return FailOf({"look at it", {}, errno}, name());
     }
     if (static_cast<std::size_t>(status.st_size) > kRegistryTextLimit) {
         return FailOf({"read it", {}, 0, "it is too large for a registry", ERROR_BAD_FORMAT},
-                      kName);
+                      name());
     }
     const FileVersion version(status);
     Result<std::string> bytes = ReadToEnd(file->get(), kRegistryTextLimit, version.size());
     if (!bytes) {
-        return FailOf(bytes.error(), kName);
+        return FailOf(bytes.error(), name());
     }
     return Content{std::move(*bytes), version};
 }
 
 Status RegistryFileOnDisk::CheckAllowed() const {
-    const Result<struct stat> old = LookAt(directory_);
+    const Result<struct stat> old = LookAt(directory_, name_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
     }
     if (old->st_mode == 0) {
         return {};
     }
-    Status possible = CheckWritable(directory_, kName, old->st_mode);
-    possible = possible ? CheckChangeable(directory_, kName) : std::move(possible);
+    Status possible = CheckWritable(directory_, name_.c_str(), old->st_mode);
+    possible = possible ? CheckChangeable(directory_, name_.c_str()) : std::move(possible);
     if (!possible) {
-        return FailOf(possible.error(), kName);
+        return FailOf(possible.error(), name());
     }
     possible = CheckChangeable(directory_, "");
     possible = possible ? CheckOwned(directory_, *old) : std::move(possible);
-    return possible ? possible : FailOf(possible.error(), std::string("beside ") + kName);
+    return possible ? possible : FailOf(possible.error(), "beside " + name());
 }
 
 Status RegistryFileOnDisk::CheckNewFile() const {
-    const Result<struct stat> old = LookAt(directory_);
+    const Result<struct stat> old = LookAt(directory_, name_);
     if (!old || old->st_mode == 0) {
         return old.map([](const auto& /*status*/) {});
     }
     const auto file = AtomicFile::Create(directory_, directory_);
-    return file ? Status() : FailOf(file.error(), std::string("beside ") + kName);
+    return file ? Status() : FailOf(file.error(), "beside " + name());
 }
 
 Status RegistryFileOnDisk::CheckReplaceable() const {
@@ -132,7 +141,7 @@ Status RegistryFileOnDisk::CheckReplaceable() const {
 
 Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
     if (const Status taken = rehearsed_->take(size); !taken) {
-        return FailOf({"keep room for it", {}, taken.error().error}, kName);
+        return FailOf({"keep room for it", {}, taken.error().error}, name());
     }
     rehearsedSize_ = size;
     return {};
@@ -142,7 +151,7 @@ Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
 Status RegistryFileOnDisk::RehearseReplacing(std::size_t size) {
     if (rehearsedSize_ == 0) {
         if (const Status taken = rehearsed_->take(size); !taken) {
-            return FailOf({"write", {}, taken.error().error}, kName);
+            return FailOf({"write", {}, taken.error().error}, name());
         }
         rehearsedSize_ = size;
     }
@@ -159,11 +168,11 @@ Status RegistryFileOnDisk::ReserveRoom(std::size_t size) {
     }
     auto file = AtomicFile::Create(directory_, directory_);
     if (!file) {
-        return FailOf(file.error(), std::string("beside ") + kName);
+        return FailOf(file.error(), "beside " + name());
     }
     const int error = posix_fallocate((*file)->descriptor(), 0, static_cast<off_t>(size));
     if (error != 0) {
-        return FailOf({"keep room for it", {}, error}, kName);
+        return FailOf({"keep room for it", {}, error}, name());
     }
     reserved_ = std::move(*file);
     return {};
@@ -181,36 +190,37 @@ Result<std::optional<FileVersion>> RegistryFileOnDisk::Replace(std::string_view 
     if (isRehearsed()) {
         return RehearseReplacing(bytes.size()).map([&] { return std::optional(replaced); });
     }
-    const Result<struct stat> old = LookAt(directory_);
+    const Result<struct stat> old = LookAt(directory_, name_);
     if (!old) {
         return tl::unexpected<Failure>(old.error());
     }
     const bool exists = old->st_mode != 0;
-    if (const Status writable = exists ? CheckWritable(directory_, kName, old->st_mode) : Status();
+    if (const Status writable =
+            exists ? CheckWritable(directory_, name_.c_str(), old->st_mode) : Status();
         !writable) {
-        return FailOf(writable.error(), kName);
+        return FailOf(writable.error(), name());
     }
     const auto file = NewFile();
     if (!file) {
-        return FailOf(file.error(), std::string("beside ") + kName);
+        return FailOf(file.error(), "beside " + name());
     }
     if (exists) {
         ApplyModeAndOwner((*file)->descriptor(), *old);
     }
     if (const Status written = Write(**file, bytes); !written) {
-        return FailOf(written.error(), kName);
+        return FailOf(written.error(), name());
     }
     const Result<FileVersion> current = Look();
     if (!current || !(*current == replaced)) {
         return current.map(
             [](const FileVersion& /*other*/) { return std::optional<FileVersion>(); });
     }
-    if (const Status published = (*file)->PublishInPlace(directory_, kName); !published) {
-        return FailOf(published.error(), kName);
+    if (const Status published = (*file)->PublishInPlace(directory_, name_.c_str()); !published) {
+        return FailOf(published.error(), name());
     }
     struct stat status {};
     if (fstat((*file)->descriptor(), &status) != 0) {
-        return FailOf({"look at it", {}, errno}, kName);
+        return FailOf({"look at it", {}, errno}, name());
     }
     return FileVersion(status);
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "platform/diagnostics/failure.h"
 #include "platform/io/atomic_file.h"
@@ -13,15 +14,20 @@
 
 namespace platform {
 
-// The file registry.reg in a device directory. Nothing but a regular file is ever opened: a link is
-// not followed, a pipe not waited for.
+// The name of the registry in a device directory.
+inline constexpr char kRegistryName[] = "registry.reg";
+
+// The file of a registry. Nothing but a regular file is ever opened: a link is not followed, a pipe
+// not waited for.
 class RegistryFileOnDisk {
   public:
-    // `directory` is the open device directory; it stays the caller's and must outlive the object.
-    explicit RegistryFileOnDisk(int directory, AccessTime time = AccessTime::Shown)
-        : directory_(directory), accessTime_(time) {}
+    // `directory` is open, stays the caller's and must outlive the object; `name` is that of the
+    // file in it. Without a directory, -1, there is no file and none can be made.
+    RegistryFileOnDisk(int directory, std::string name, AccessTime time = AccessTime::Shown)
+        : directory_(directory), name_(std::move(name)), accessTime_(time) {}
 
     int directory() const { return directory_; }
+    std::string name() const;  // readable
 
     struct Content {
         std::string bytes;  // empty when there is no file
@@ -65,6 +71,7 @@ class RegistryFileOnDisk {
     Status Write(AtomicFile& file, std::string_view bytes) const;
 
     int directory_;
+    std::string name_;
     AccessTime accessTime_;
     std::unique_ptr<AtomicFile> reserved_;    // null where no room is kept
     std::optional<RehearsedRoom> rehearsed_;  // where nothing is written

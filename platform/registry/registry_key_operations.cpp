@@ -80,8 +80,8 @@ Registry::Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileV
     }
 }
 
-Result<std::unique_ptr<Registry>> Registry::Open(int directory, AccessTime time) {
-    RegistryFileOnDisk file(directory, time);
+Result<std::unique_ptr<Registry>> Registry::Open(int directory, std::string name, AccessTime time) {
+    RegistryFileOnDisk file(directory, std::move(name), time);
     Result<ReadText> read = Read(file);
     if (!read) {
         return tl::unexpected<Failure>(read.error());
@@ -97,6 +97,7 @@ Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {
     }
     Result<EditedRegistryText> text = EditedRegistryText::Parse(std::move(content->bytes));
     if (!text) {
+        text.error().object = file.name() + ", " + text.error().object;
         return tl::unexpected<Failure>(text.error());
     }
     return ReadText{std::move(*text), content->version};
@@ -313,7 +314,7 @@ Status Registry::Store() {
             stored_ = made_;
         } else if (tries == kTries) {
             return FailOf({"store it", {}, EBUSY, "another program stores it over and over"},
-                          "registry.reg");
+                          file_.name());
         }
     }
     return lost_.empty() ? Status() : SayLost();
@@ -326,7 +327,7 @@ Status Registry::SayLost() {
     }
     lostSaid_ = lost_.size();
     return FailOf({"store every change", {}, 0, "another program has deleted the keys of some"},
-                  "registry.reg");
+                  file_.name());
 }
 
 // Takes over what other programs have stored, if there is anything.
@@ -362,8 +363,7 @@ Status Registry::ReserveRoom() {
         return {};
     }
     if (!pending_.empty()) {
-        return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
-                      "registry.reg");
+        return FailOf({"keep room for it", {}, 0, "its changes could not be stored"}, file_.name());
     }
     return file_.ReserveRoom(version_.size() + kGrowth);
 }

@@ -15,17 +15,17 @@
 
 namespace platform {
 
-// The registry of a device: the operations of core/registry_operations.h on the file registry.reg
-// of a device directory. The functions that bear the platform's names keep the contracts there.
+// The registry of a device: the operations of core/registry_operations.h on its file. The functions
+// that bear the platform's names keep the contracts there.
 //
 // Changes are seen at once and stored by StoreRegistry(). What other programs have changed in the
 // file by then is kept: the file is read anew, and the changes of this process alone are applied to
 // it. A change to a key that another program has deleted is dropped with the key.
 class Registry : public DeviceRegistry {
   public:
-    // Reads the registry of the open device directory, which stays the caller's and must outlive
-    // the object; one without keys when there is no file, which is then made with the first change.
-    static Result<std::unique_ptr<Registry>> Open(int directory,
+    // Reads the registry from a file as that of RegistryFileOnDisk; one without keys when there is
+    // none, which is then made with the first change.
+    static Result<std::unique_ptr<Registry>> Open(int directory, std::string name = kRegistryName,
                                                   AccessTime time = AccessTime::Shown);
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
@@ -39,7 +39,7 @@ class Registry : public DeviceRegistry {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
     LONG RegCloseKey(HKEY key) override;
 
-    // The open device directory, which stays its owner's.
+    // Where its file is, which stays its owner's.
     int directory() const { return file_.directory(); }
 
     RegistryChanges ChangesOfRegistry() const override { return {made_, stored_}; }

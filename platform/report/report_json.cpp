@@ -56,16 +56,31 @@ std::string ValueObject(const std::optional<ReportedValue>& value) {
     return object.Take();
 }
 
+void AddDevice(JsonObject& line, const std::string& device) {
+    line.Text("device", ReadableBytes(device));
+    if (ReadableBytes(device) != device) {
+        line.Text("bytes", HexOf(device));
+    }
+}
+
+void AddTotals(JsonObject& line, const ReportTotals& totals) {
+    line.Number("files_deleted", totals.filesDeleted)
+        .Number("bytes_deleted", totals.bytesDeleted)
+        .Number("entries_moved", totals.entriesMoved)
+        .Number("directories_made", totals.directoriesMade)
+        .Number("directories_removed", totals.directoriesRemoved)
+        .Number("shortcuts_made", totals.shortcutsMade)
+        .Number("values_written", totals.valuesWritten)
+        .Number("keys_deleted", totals.keysDeleted)
+        .Number("not_done", totals.notDone);
+}
+
 }  // namespace
 
 void ReportJson::Begin(const ReportRun& run) {
-    const std::string device = ReadableBytes(run.device);
     stream_.Begin(run.isRehearsal);
     JsonObject line;
-    line.Text("kind", "run").Text("version", run.version).Text("device", device);
-    if (device != run.device) {
-        line.Text("bytes", HexOf(run.device));
-    }
+    AddDevice(line.Text("kind", "run").Text("version", run.version), run.device);
     line.Text("started", UtcTime(run.started))
         .Text("program_line", "program_line_units", run.programLine)
         .Flag("rehearsal", run.isRehearsal);
@@ -100,22 +115,25 @@ void ReportJson::Write(const ReportEvent& event) {
 }
 
 Status ReportJson::Finish(const ReportEnd& end) {
-    const ReportTotals& totals = end.totals;
     JsonObject line;
-    line.Text("kind", "totals")
-        .Number("files_deleted", totals.filesDeleted)
-        .Number("bytes_deleted", totals.bytesDeleted)
-        .Number("entries_moved", totals.entriesMoved)
-        .Number("directories_made", totals.directoriesMade)
-        .Number("directories_removed", totals.directoriesRemoved)
-        .Number("shortcuts_made", totals.shortcutsMade)
-        .Number("values_written", totals.valuesWritten)
-        .Number("keys_deleted", totals.keysDeleted)
-        .Number("not_done", totals.notDone);
+    AddTotals(line.Text("kind", "totals"), end.totals);
     if (end.exitCode) {
         line.Number("exit_code", static_cast<std::uint64_t>(*end.exitCode));
     }
     stream_.WriteLine(line.Take());
+    return stream_.Finish();
+}
+
+void SumJson::NoteWithoutTotals(const std::string& device, int exitCode) {
+    JsonObject line;
+    AddDevice(line.Text("kind", "ended"), device);
+    stream_.WriteLine(line.Number("exit_code", static_cast<std::uint64_t>(exitCode)).Take());
+}
+
+Status SumJson::Finish(const ReportSum& sum) {
+    JsonObject line;
+    AddTotals(line.Text("kind", "sum").Number("devices", sum.devices), sum.totals);
+    stream_.WriteLine(line.Number("exit_code", static_cast<std::uint64_t>(sum.exitCode)).Take());
     return stream_.Finish();
 }
 

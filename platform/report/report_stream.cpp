@@ -4,10 +4,15 @@
 
 namespace platform {
 
+ReportStream::ReportStream(std::FILE* output) : output_(output) {
+    std::setvbuf(output_, nullptr, _IOLBF, BUFSIZ);
+}
+
 void ReportStream::Begin(bool isRehearsal) {
     constexpr std::size_t kManyLines = 65536;
-    std::setvbuf(output_, nullptr, isRehearsal ? _IOFBF : _IOLBF,
-                 isRehearsal ? kManyLines : BUFSIZ);
+    if (isRehearsal) {
+        std::setvbuf(output_, nullptr, _IOFBF, kManyLines);
+    }
 }
 
 void ReportStream::WriteLine(std::string line) {

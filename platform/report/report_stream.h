@@ -12,9 +12,9 @@ namespace platform {
 class ReportStream {
   public:
     // `output` stays the caller's.
-    explicit ReportStream(std::FILE* output) : output_(output) {}
+    explicit ReportStream(std::FILE* output);
 
-    // Before the first line.
+    // Before the first line of a run.
     void Begin(bool isRehearsal);
 
     // `line` without its end.

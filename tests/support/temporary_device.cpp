@@ -31,7 +31,7 @@ platform::Descriptor TemporaryDevice::OpenFiles() const {
 }
 
 std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry(platform::AccessTime time) const {
-    auto registry = platform::Registry::Open(directory_.get(), time);
+    auto registry = platform::Registry::Open(directory_.get(), platform::kRegistryName, time);
     EXPECT_TRUE(registry.has_value()) << platform::Describe(registry.error());
     return std::move(*registry);
 }
