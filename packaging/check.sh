@@ -27,8 +27,8 @@ for page in "${pages[@]}"; do
 done
 
 # An option that the program's own help names stands in the manual page and in every completion.
-options=$(grep -E -- '^  -' platform/host/command_line.cpp | grep -oE -- '--[a-z-]+[a-z]' | sort -u)
-[ -n "$options" ] || finding "no options are found in platform/host/command_line.cpp"
+options=$(grep -E -- '^  -' platform/command_line/command_line.cpp | grep -oE -- '--[a-z-]+[a-z]' | sort -u)
+[ -n "$options" ] || finding "no options are found in platform/command_line/command_line.cpp"
 for file in packaging/fennelbright.1 packaging/completions/*; do
   described=$(sed 's/\\-/-/g; s/ -l \([a-z]\)/ --\1/' "$file")
   for option in $options; do

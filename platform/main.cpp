@@ -12,7 +12,7 @@
 
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/boot.h"
-#include "platform/host/command_line.h"
+#include "platform/command_line/command_line.h"
 #include "platform/host/device_choice.h"
 #include "platform/host/device_run.h"
 #include "platform/host/help_viewer_process.h"

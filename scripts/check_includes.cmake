@@ -8,7 +8,7 @@ cmake_minimum_required(VERSION 3.25)
 set(program core search browser screens settings engine shell)
 set(folders ${program}
   platform/text platform/diagnostics platform/io platform/moves platform/tree platform/seam platform/files
-  platform/registry/text platform/registry platform/display platform/sample platform/device platform/report
+  platform/registry/text platform/registry platform/display platform/sample platform/device platform/report platform/command_line
   platform/host platform
   platform/qt/base platform/qt/controls platform/qt/screen platform/qt/desktop platform/qt)
 

@@ -27,10 +27,10 @@
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/sample/sample_files.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"
+#include "platform/sample/sample_files.h"
 #include "platform/seam/forwarding_store.h"
 #include "shell/help_page.h"
 

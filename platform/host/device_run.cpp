@@ -21,7 +21,7 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
-#include "platform/host/named_device.h"
+#include "platform/command_line/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"

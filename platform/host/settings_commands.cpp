@@ -12,7 +12,7 @@
 #include "core/host_notes.h"
 #include "platform/device/files_alone.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/host/named_device.h"
+#include "platform/command_line/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/report/json_object.h"
 #include "platform/text/readable_text.h"

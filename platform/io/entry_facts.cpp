@@ -26,6 +26,10 @@ bool EntryFacts::isReadOnly() const {
     return !S_ISDIR(mode) && (mode & kMayWrite) == 0;
 }
 
+EntryFacts FactsOf(const struct statx& entry) {
+    return {entry.stx_mode, S_ISDIR(entry.stx_mode) ? 0 : entry.stx_size};
+}
+
 Result<EntryFacts> FactsOf(int directory, const char* name) {
     struct stat entry {};
     if (fstatat(directory, name, &entry, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {

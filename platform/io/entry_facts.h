@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -17,6 +18,8 @@ struct EntryFacts {
     bool isRegularFile() const;
     bool isReadOnly() const;  // a file without any write permission
 };
+
+EntryFacts FactsOf(const struct statx& entry);
 
 // ENOENT when there is no such entry. A link is looked at itself, and nothing is mounted for it.
 Result<EntryFacts> FactsOf(int directory, const char* name);

@@ -47,7 +47,7 @@ class HostWindow : public QWidget {
 
   private:
     HostEvents events_;
-    QLabel* banner_;     // all of them its own; null but in a rehearsal
+    QLabel* banner_;  // all of them its own; null but in a rehearsal
     QWidget* handheld_;
     QLabel* title_;
     QPushButton* ok_;

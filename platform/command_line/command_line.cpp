@@ -1,4 +1,4 @@
-#include "platform/host/command_line.h"
+#include "platform/command_line/command_line.h"
 
 #include <getopt.h>
 

@@ -5,7 +5,7 @@
 
 #include "core/platform_types.h"
 #include "platform/diagnostics/failure.h"
-#include "platform/host/setting_words.h"
+#include "platform/command_line/setting_words.h"
 
 namespace platform {
 

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "platform/device/device_directory.h"
-#include "platform/host/command_line.h"
+#include "platform/command_line/command_line.h"
 #include "platform/seam/device_store.h"
 
 namespace platform {

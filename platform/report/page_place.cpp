@@ -1,4 +1,4 @@
-#include "platform/host/page_place.h"
+#include "platform/report/page_place.h"
 
 #include <fcntl.h>
 

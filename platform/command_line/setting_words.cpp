@@ -1,4 +1,4 @@
-#include "platform/host/setting_words.h"
+#include "platform/command_line/setting_words.h"
 
 #include <algorithm>
 #include <optional>

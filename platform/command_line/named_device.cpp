@@ -1,4 +1,4 @@
-#include "platform/host/named_device.h"
+#include "platform/command_line/named_device.h"
 
 #include <array>
 
