@@ -9,10 +9,10 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/files/startup_shortcuts.h"
+#include "platform/command_line/named_device.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/files/host_files.h"
-#include "platform/command_line/named_device.h"
+#include "platform/files/startup_shortcuts.h"
 #include "platform/host/worst_exit_code.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"

@@ -9,6 +9,7 @@
 #include <optional>
 
 #include "core/win_main.h"
+#include "platform/command_line/named_device.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
 #include "platform/diagnostics/run_log.h"
@@ -21,7 +22,6 @@
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
-#include "platform/command_line/named_device.h"
 #include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
 #include "platform/report/reporting_store.h"

@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "platform/device/device_halves.h"
-#include "platform/report/page_place.h"
 #include "platform/report/last_run_file.h"
+#include "platform/report/page_place.h"
 #include "platform/report/report_html.h"
 #include "platform/report/report_json.h"
 #include "platform/report/report_lines.h"

@@ -10,11 +10,11 @@
 #include <vector>
 
 #include "core/host_notes.h"
+#include "platform/command_line/named_device.h"
 #include "platform/device/files_alone.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/command_line/named_device.h"
 #include "platform/host/run_lock.h"
-#include "platform/report/json_object.h"
+#include "platform/text/json_object.h"
 #include "platform/text/readable_text.h"
 #include "settings/settings_file.h"
 

@@ -16,12 +16,12 @@
 #include <utility>
 #include <vector>
 
+#include "platform/command_line/named_device.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/device_run.h"
-#include "platform/command_line/named_device.h"
-#include "platform/report/page_place.h"
 #include "platform/host/run_report.h"
 #include "platform/host/worst_exit_code.h"
+#include "platform/report/page_place.h"
 #include "platform/report/report_html.h"
 #include "platform/report/report_json.h"
 #include "platform/report/report_lines.h"

@@ -4,7 +4,7 @@
 #include <array>
 #include <iterator>
 
-#include "platform/report/json_object.h"
+#include "platform/text/json_object.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {

@@ -1,4 +1,4 @@
-#include "platform/report/json_object.h"
+#include "platform/text/json_object.h"
 
 #include <cstddef>
 #include <utility>
