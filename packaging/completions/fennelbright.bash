@@ -8,10 +8,12 @@ _fennelbright() {
     local -A options=(
         [--boot]=
         [--device]=directory
+        [--files]=directory
         [--help]=
         [--module]=text
         [--new-device]=directory
         [--no-display]=
+        [--registry]=file
         [--rehearse]=
         [--report]=
         [--report=]='lines json'
@@ -20,6 +22,7 @@ _fennelbright() {
         [--set]=text
         [--show-settings]=
         [--show-settings=]='lines json'
+        [--state]=directory
         [--strict]=
         [--version]=
     )
