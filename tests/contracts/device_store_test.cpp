@@ -175,6 +175,9 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     const std::string all = ".hid a.lnk b.LNK c.lnk.bak noext st<F02A>r sub\\";
     const std::pair<std::u16string, std::string> cases[] = {{u"\\ff\\*", all},
                                                             {u"\\ff\\*.*", all},
+                                                            {u"\\FF\\NO*T.*", "noext"},
+                                                            {u"\\ff\\sub.", ""},
+                                                            {u"\\ff\\*.", ""},
                                                             {u"\\FF\\*.lnk", "a.lnk b.LNK"},
                                                             {u"\\FF\\A.LNK", "a.lnk"},
                                                             {u"\\\\ff\\\\a.lnk", "a.lnk"},
