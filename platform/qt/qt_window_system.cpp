@@ -265,15 +265,18 @@ BOOL QtWindowSystem::MoveWindow(HWND window, int x, int y, int width, int height
     return TRUE;
 }
 
+// Before the desktop makes the host's window the active one, only that window knows what has focus.
 HWND QtWindowSystem::SetFocus(HWND window) {
-    const QWidget* const before = QApplication::focusWidget();
+    const Window* const found = windows_.Find(window);
+    if (found == nullptr) {
+        return nullptr;
+    }
+    const QWidget* const before = found->widget().window()->focusWidget();
     const HWND previous = before == nullptr ? nullptr : HandleOf(*before);
-    if (const Window* const found = windows_.Find(window)) {
-        found->widget().setFocus(Qt::OtherFocusReason);
-        if (stack_.IsTopLevel(*found) && !found->widget().isHidden()) {
-            stack_.Raise(*found);
-            stack_.FocusLoneOk();
-        }
+    found->widget().setFocus(Qt::OtherFocusReason);
+    if (stack_.IsTopLevel(*found) && !found->widget().isHidden()) {
+        stack_.Raise(*found);
+        stack_.FocusLoneOk();
     }
     return previous;
 }

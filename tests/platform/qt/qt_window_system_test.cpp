@@ -87,6 +87,18 @@ TEST_F(QtWindowSystemTest, ClicksOnADestroyedButtonAreDropped) {
     EXPECT_EQ(GetClientRect(page_, nullptr), 0);
 }
 
+TEST_F(QtWindowSystemTest, TheFocusMovesAtOnceAlsoBehindAnotherWindow) {
+    const HWND first = Add(TEXT("EDIT"), 0, {2, 60, 102, 78}, 7);
+    const HWND second = Add(TEXT("EDIT"), 0, {2, 40, 102, 58}, 6);
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    QCoreApplication::processEvents();
+    SetFocus(first);
+    EXPECT_EQ(SetFocus(second), first);
+    EXPECT_EQ(SetFocus(second), second);
+}
+
 TEST_F(QtWindowSystemTest, AnOperationOfTheStoreServesTheDesktop) {
     const TemporaryDevice device;
     FilesAlone files(device.OpenFiles());
