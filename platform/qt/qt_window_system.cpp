@@ -505,13 +505,15 @@ void QtWindowSystem::QueueTabStep(int step) {
 
 // A row of what was in view stays in view.
 void QtWindowSystem::QueuePageScroll(Qt::Key key) {
-    for (const auto* const bar : host_.findChildren<PageScrollBar*>()) {
+    for (const QScrollBar* const each : host_.findChildren<QScrollBar*>()) {
+        const auto* const bar = dynamic_cast<const PageScrollBar*>(each);
+        if (bar == nullptr || !bar->isVisible() || !bar->isEnabled()) {
+            continue;
+        }
         const bool isWhole = key == Qt::Key_Home || key == Qt::Key_End;
         const int pixels = isWhole ? bar->maximum() - bar->minimum() : bar->height() - kPageOverlap;
         const bool isUp = key == Qt::Key_Home || key == Qt::Key_PageUp;
-        if (bar->isVisible() && bar->isEnabled()) {
-            queue_.Post(HandleOf(*bar->parentWidget()), kScrollBy, 0, isUp ? -pixels : pixels);
-        }
+        queue_.Post(HandleOf(*bar->parentWidget()), kScrollBy, 0, isUp ? -pixels : pixels);
     }
 }
 
