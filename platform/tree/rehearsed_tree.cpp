@@ -26,10 +26,8 @@ EntryFacts FactsFrom(const struct statx& entry) {
     return {entry.stx_mode, S_ISDIR(entry.stx_mode) ? 0 : entry.stx_size};
 }
 
-// What the file system gets back with the last name of a file.
-std::uint64_t RoomOf(const struct statx& entry) {
-    return S_ISREG(entry.stx_mode) && entry.stx_nlink == 1 ? entry.stx_blocks * kFileSystemBlock
-                                                           : 0;
+dev_t VolumeOf(const struct statx& entry) {
+    return makedev(entry.stx_dev_major, entry.stx_dev_minor);
 }
 
 // The real entries that show, and then those that were added.
@@ -109,7 +107,8 @@ bool RehearsedTree::ShowsReal(const OpenedDirectory& directory, const char* name
         return true;
     }
     const Result<struct stat> status = FileTree::StatusOf(directory, name);
-    return !status || status->st_nlink > 1 ||
+    const bool hasMoreNames = status && !S_ISDIR(status->st_mode) && status->st_nlink > 1;
+    return !status || hasMoreNames ||
            FileTree::Identity(directory, other->c_str()) != IdentityOf(*status);
 }
 
@@ -253,8 +252,55 @@ Result<struct statx> RehearsedTree::LookAtReal(const OpenedDirectory& directory,
     return last_.entry;
 }
 
+// Where an entry really is that may have moved.
+Result<RehearsedTree::RealPlace> RehearsedTree::RealPlaceOf(const OpenedDirectory& directory,
+                                                            const char* name) const {
+    const RehearsedEntry* const added = NodeOf(directory)->Added(name);
+    if (added == nullptr) {
+        return ShowsReal(directory, name) ? Result<RealPlace>({{}, directory.get(), name})
+                                          : NotThere("look at");
+    }
+    if (added->isWritten() || !added->node->isReal()) {
+        return NotThere("look at");
+    }
+    // Removed or not, the real directory is still there.
+    const char* const path = added->node->realPath.empty() ? "." : added->node->realPath.c_str();
+    const bool isDirectory = added->facts.isDirectory();
+    Result<OpenedDirectory> old = FileTree::Open(root(), path, OpenFor::Reaching, Mounts::Entered);
+    return std::move(old).map([&](OpenedDirectory opened) {
+        const int descriptor = opened.get();
+        const char* const oldName = added->text ? added->text->c_str() : name;
+        return RealPlace{std::move(opened), descriptor, isDirectory ? "" : oldName};
+    });
+}
+
+// What was made, and the copy of what has come from another volume, is the user's own.
+Result<struct statx> RehearsedTree::LookAtAdded(const OpenedDirectory& directory,
+                                                const char* name) const {
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    const dev_t volume = VolumeOf(directory);
+    struct statx entry {};
+    if (real &&
+        statx(real->directory, real->name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS,
+              &entry) == 0 &&
+        platform::VolumeOf(entry) == volume) {
+        return entry;
+    }
+    const EntryFacts& facts = NodeOf(directory)->Added(name)->facts;
+    entry = {};
+    entry.stx_mode = static_cast<std::uint16_t>(facts.mode);
+    entry.stx_uid = geteuid();
+    entry.stx_nlink = 1;
+    entry.stx_size = facts.size;
+    entry.stx_blocks = room_.RoomFor(volume, facts.size) / kFileSystemBlock;
+    return entry;
+}
+
 Result<struct statx> RehearsedTree::LastLook(const OpenedDirectory& directory,
                                              const char* name) const {
+    if (NodeOf(directory)->Added(name) != nullptr) {
+        return LookAtAdded(directory, name);
+    }
     const bool isLast = last_.directory == NodeOf(directory) && last_.name == name;
     return isLast ? last_.entry : LookAtReal(directory, name);
 }
@@ -329,12 +375,9 @@ Result<Descriptor> RehearsedTree::OpenFile(const OpenedDirectory& directory,
     if (added->isWritten()) {
         return OpenFileInMemory(*added->text);
     }
-    // Removed or not, the real directory is still there.
-    const char* const path = added->node->realPath.empty() ? "." : added->node->realPath.c_str();
-    const Result<OpenedDirectory> old =
-        FileTree::Open(root(), path, OpenFor::Reaching, Mounts::Entered);
-    return old ? FileTree::OpenFile(*old, added->text ? added->text->c_str() : name)
-               : tl::unexpected<Failure>(old.error());
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    return real ? OpenRegularFile(real->directory, real->name, Mounts::Refused, accessTime())
+                : tl::unexpected<Failure>(real.error());
 }
 
 Status RehearsedTree::CheckWritable(const OpenedDirectory& directory, const char* name,
@@ -360,8 +403,9 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
     node.refusal =
         faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS ? 0 : errno;
     struct statx entry {};
-    if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &entry) == 0) {
-        node.volume = makedev(entry.stx_dev_major, entry.stx_dev_minor);
+    if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_MNT_ID, &entry) == 0) {
+        node.volume = platform::VolumeOf(entry);
+        node.mount = entry.stx_mnt_id;
         node.isSticky = (entry.stx_mode & S_ISVTX) != 0;
         node.stickyOwner = entry.stx_uid;
         node.isAppendOnly = (entry.stx_attributes & STATX_ATTR_APPEND) != 0;
@@ -395,9 +439,6 @@ Status RehearsedTree::CheckTaking(const OpenedDirectory& directory, const char* 
         return allowed;
     }
     const RehearsedDirectory& node = *NodeOf(directory);
-    if (node.Added(name) != nullptr) {
-        return {};
-    }
     const Result<struct statx> entry = LastLook(directory, name);
     if (!entry) {
         return tl::unexpected<Failure>(entry.error());
@@ -422,21 +463,23 @@ void RehearsedTree::TakeAway(const OpenedDirectory& directory, const char* name)
     Note(node);
 }
 
-// What its volume gets back with an entry that is there.
-std::uint64_t RehearsedTree::RoomToFree(const OpenedDirectory& directory, const char* name) {
-    if (const RehearsedEntry* const added = NodeOf(directory)->Added(name)) {
-        return added->facts.isRegularFile() ? room_.RoomFor(VolumeOf(directory), added->facts.size)
-                                            : 0;
+// A file's volume gets its room back with its last name.
+void RehearsedTree::FreeRoomOf(const struct statx& entry, const OpenedDirectory& directory) {
+    const dev_t volume = VolumeOf(directory);
+    if (!S_ISDIR(entry.stx_mode) && entry.stx_nlink > 1 &&
+        ++namesGone_[{volume, entry.stx_ino}] < entry.stx_nlink) {
+        return;
     }
-    const Result<struct statx> entry = LastLook(directory, name);
-    return entry ? RoomOf(*entry) : 0;
+    room_.Free(volume, entry.stx_blocks * kFileSystemBlock);
 }
 
 Status RehearsedTree::Unlink(const OpenedDirectory& directory, const char* name) {
     if (Status allowed = CheckTaking(directory, name); !allowed) {
         return allowed;
     }
-    room_.Free(VolumeOf(directory), RoomToFree(directory, name));
+    if (const Result<struct statx> entry = LastLook(directory, name)) {
+        FreeRoomOf(*entry, directory);
+    }
     TakeAway(directory, name);
     return {};
 }
@@ -473,6 +516,9 @@ Status RehearsedTree::RemoveDirectory(const OpenedDirectory& directory, const ch
     }
     const RehearsedEntry* const added = NodeOf(directory)->Added(name);
     const RehearsedNode removed = added != nullptr ? added->node : ChildOf(directory, name);
+    if (const Result<struct statx> entry = LastLook(directory, name)) {
+        FreeRoomOf(*entry, directory);
+    }
     TakeAway(directory, name);
     changed_.Forget(removed);
     removed->isRemoved = true;
@@ -489,11 +535,15 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
         return allowed;
     }
     const RehearsedNode& parent = NodeOf(directory);
+    if (Status room = room_.Take(directory.get(), VolumeOf(directory), 0); !room) {
+        return room;
+    }
     auto made = std::make_shared<RehearsedDirectory>();
     made->parent = parent;
     made->number = ++made_;
     made->mode = S_IFDIR | mode;
-    made->volume = VolumeOf(directory);
+    made->volume = parent->volume;
+    made->mount = parent->mount;
     parent->AddedEntries().emplace(name, RehearsedEntry{{S_IFDIR | mode}, std::move(made), {}});
     Note(parent);
     return {};
@@ -501,10 +551,13 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
 
 Status RehearsedTree::Rename(const OpenedDirectory& from, const char* name,
                              const OpenedDirectory& to, const char* newName) {
-    if (VolumeOf(from) != VolumeOf(to)) {
-        return Fail("move", EXDEV);
-    }
-    return MoveEntry(from, name, to, newName);
+    return AreOnOneMount(from, to) ? MoveEntry(from, name, to, newName)
+                                   : Status(Fail("move", EXDEV));
+}
+
+// The kernel renames within a mount alone, even where two show the same volume.
+bool RehearsedTree::AreOnOneMount(const OpenedDirectory& one, const OpenedDirectory& other) const {
+    return VolumeOf(one) == VolumeOf(other) && NodeOf(one)->mount == NodeOf(other)->mount;
 }
 
 // Whether the directory is the other one or lies in it.
@@ -550,12 +603,10 @@ Status RehearsedTree::MoveEntry(const OpenedDirectory& from, const char* name,
 }
 
 Status RehearsedTree::CheckReadable(const OpenedDirectory& directory, const char* name) const {
-    if (isSuperuser_ || NodeOf(directory)->Added(name) != nullptr) {
-        return {};
-    }
-    return faccessat(directory.get(), name, R_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0
-               ? Status()
-               : Fail("open", errno);
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    const bool isReadable = !real || faccessat(real->directory, real->name, R_OK,
+                                               AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
+    return isReadable ? Status() : Fail("open", errno);
 }
 
 // A new file begins in its directory or else in its volume's root.
@@ -586,37 +637,41 @@ Status RehearsedTree::CheckDeleting(const FileMove& move) {
 
 // In the order of the calls that such a move takes.
 Status RehearsedTree::MoveToVolume(const FileMove& move) {
-    const Result<EntryFacts> facts = FactsOf(move.from, move.name);
-    Status possible = facts ? CheckReadable(move.from, move.name)
-                            : Status(tl::unexpected<Failure>(facts.error()));
+    const Result<struct statx> entry = LastLook(move.from, move.name);
+    Status possible = entry ? CheckReadable(move.from, move.name)
+                            : Status(tl::unexpected<Failure>(entry.error()));
     possible = possible ? CheckNewFile(move.to, *move.toVolume) : std::move(possible);
     if (!possible) {
         return possible;
     }
     const dev_t volume = VolumeOf(*move.toVolume);
-    if (Status room = room_.Take(move.toVolume->get(), volume, facts->size); !room) {
+    if (Status room = room_.Take(move.toVolume->get(), volume, entry->stx_size); !room) {
         return room;
     }
-    const std::uint64_t freed = RoomToFree(move.from, move.name);
     possible = CheckChange(move.to);
     possible = possible ? CheckDeleting(move) : std::move(possible);
     possible =
         possible ? MoveEntry(move.from, move.name, move.to, move.newName) : std::move(possible);
     if (possible) {
-        room_.Free(VolumeOf(move.from), freed);
+        FreeRoomOf(*entry, move.from);
     } else {
-        room_.Free(volume, room_.RoomFor(volume, facts->size));
+        room_.Free(volume, room_.RoomFor(volume, entry->stx_size));
     }
     return possible;
 }
 
-// What a killed run has left, the rehearsal has found as it is.
+// What has the name may be what a killed run has left, or a file just like this one.
 Status RehearsedTree::FinishMove(const FileMove& move) {
-    const bool isReal = NodeOf(move.from)->Added(move.name) == nullptr &&
-                        NodeOf(move.to)->Added(move.newName) == nullptr;
-    const SourceFile source{move.from.get(), move.name, move.fromVolume.get(), move.path};
-    const bool isFinished = isReal && IsMovedAlready(source, move.to.get(), move.newName) &&
-                            CheckChange(move.fromVolume) && Unlink(move.from, move.name);
+    const Result<RealPlace> from = RealPlaceOf(move.from, move.name);
+    const Result<RealPlace> to = RealPlaceOf(move.to, move.newName);
+    if (!from || !to) {
+        return Fail("move", EEXIST);
+    }
+    const SourceFile source{from->directory, from->name, move.fromVolume.get(), move.path};
+    const Twin twin = AreOnOneMount(move.from, move.to) ? Twin::SecondName : Twin::Copy;
+    const bool isFinished = IsMovedAlready(source, to->directory, to->name, twin) &&
+                            CheckReadable(move.from, move.name) && CheckDeleting(move) &&
+                            Unlink(move.from, move.name);
     return isFinished ? Status() : Fail("move", EEXIST);
 }
 
@@ -642,8 +697,7 @@ Status RehearsedTree::Show(const OpenedDirectory& directory, const OpenedDirecto
         return possible;
     }
     if (isReplaced) {
-        room_.Free(number, RoomToFree(directory, name.c_str()));
-        TakeAway(directory, name.c_str());
+        static_cast<void>(Unlink(directory, name.c_str()));
     }
     const RehearsedNode& node = NodeOf(directory);
     node->AddedEntries().insert_or_assign(
