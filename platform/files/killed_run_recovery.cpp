@@ -23,6 +23,10 @@ void SayLeft(const std::string& name, const std::string& why) {
     LogInUse::Current().SayUndone(name + " stays: " + why);
 }
 
+void SayUnread(std::string_view volume, const Failure& failure) {
+    SayLeft("what was left in " + ReadableBytes(volume), Describe(failure));
+}
+
 // Reserved names as well.
 template <typename Act>
 Status ForEachEntry(int directory, Act act) {
@@ -112,9 +116,13 @@ Status ClearUpVolume(const PathResolver& tree, int volume, Act actOnOther) {
     });
 }
 
-void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::Entry& entry) {
+bool IsVolume(int root, const DirectoryReader::Entry& entry) {
     const bool mayBeDirectory = entry.type == DT_DIR || entry.type == DT_UNKNOWN;
-    if (!mayBeDirectory || !IsMountPoint(root, entry.name)) {
+    return mayBeDirectory && IsMountPoint(root, entry.name);
+}
+
+void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::Entry& entry) {
+    if (!IsVolume(root, entry)) {
         return;
     }
     const Result<OpenedDirectory> volume =
@@ -122,7 +130,7 @@ void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::
     const Status done = volume ? ClearUpVolume(tree, volume->get(), [](const auto& /*entry*/) {})
                                : Status(tl::unexpected<Failure>(volume.error()));
     if (!done) {
-        SayLeft("what was left in " + ReadableBytes(entry.name), Describe(done.error()));
+        SayUnread(entry.name, done.error());
     }
 }
 
@@ -136,33 +144,39 @@ void RecoverVolumes(const PathResolver& tree) {
         ClearUpIfVolume(tree, tree.tree().root().get(), entry);
     });
     if (!done) {
-        SayLeft("what was left in \\", Describe(done.error()));
+        SayUnread("\\", done.error());
     }
 }
 
 namespace {
 
-bool HasReservedName(const OpenedDirectory& directory) {
+// One that cannot be read is reported as the run reports it.
+bool HasReservedName(const Result<OpenedDirectory>& volume, std::string_view name) {
     const Result<bool> none =
-        ReadEntries(directory.get(), DirectoryReader::Names::All,
-                    [](const auto& entry) { return !PurposeOf(entry.name).has_value(); });
+        volume ? ReadEntries(volume->get(), DirectoryReader::Names::All,
+                             [](const auto& entry) { return !PurposeOf(entry.name).has_value(); })
+               : tl::unexpected<Failure>(volume.error());
+    if (!none) {
+        SayUnread(name, none.error());
+    }
     return none && !*none;
 }
 
 }  // namespace
 
 bool HaveLeftovers(const PathResolver& tree) {
+    if (!tree.tree().root().descriptor) {
+        return false;
+    }
     const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
-    if (!root || HasReservedName(*root)) {
+    if (HasReservedName(root, "\\") || !root) {
         return root.has_value();
     }
     const Result<OpenedDirectory> again = tree.OpenDirectory(u"", OpenFor::Reading);
     const auto isClean = [&](const DirectoryReader::Entry& entry) {
-        if (entry.type != DT_DIR || !tree.tree().IsMountPoint(*root, entry.name)) {
-            return true;
-        }
-        const auto volume = tree.OpenSubdirectory(*root, entry.name, OpenFor::Reading);
-        return !volume || !HasReservedName(*volume);
+        return !IsVolume(root->get(), entry) ||
+               !HasReservedName(tree.OpenSubdirectory(*root, entry.name, OpenFor::Reading),
+                                entry.name);
     };
     const Result<bool> clean =
         again ? ReadEntries(again->get(), DirectoryReader::Names::Device, isClean)

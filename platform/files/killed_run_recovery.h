@@ -16,7 +16,8 @@ void RecoverVolumes(const PathResolver& tree);
 // removed stays and is no failure.
 Status RemoveUnfinishedFilesIn(int directory);
 
-// Whether it would find anything to do. Only looks.
+// Whether RecoverVolumes would find anything to do. Only looks; what cannot be read is reported by
+// the same line.
 bool HaveLeftovers(const PathResolver& tree);
 
 }  // namespace platform

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -28,6 +29,10 @@ bool EntryFacts::isReadOnly() const {
 
 EntryFacts FactsOf(const struct statx& entry) {
     return {entry.stx_mode, S_ISDIR(entry.stx_mode) ? 0 : entry.stx_size};
+}
+
+dev_t VolumeOf(const struct statx& entry) {
+    return makedev(entry.stx_dev_major, entry.stx_dev_minor);
 }
 
 Result<EntryFacts> FactsOf(int directory, const char* name) {

@@ -20,6 +20,8 @@ struct EntryFacts {
 };
 
 EntryFacts FactsOf(const struct statx& entry);
+dev_t VolumeOf(const struct statx& entry);        // the number of its file system
+inline constexpr std::uint64_t kStatBlock = 512;  // bytes in which statx counts what it takes
 
 // ENOENT when there is no such entry. A link is looked at itself, and nothing is mounted for it.
 Result<EntryFacts> FactsOf(int directory, const char* name);

@@ -215,14 +215,12 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination) {
     return DeleteCopied(*file, source, destination, **copy);
 }
 
-bool IsMovedAlready(const SourceFile& source, int directory, const char* name) {
+bool IsMovedAlready(const SourceFile& source, int directory, const char* name, Twin twin) {
     Candidate candidate{directory, name};
     if (!LooksLike(source, candidate)) {
         return false;
     }
-    const std::optional<FileIdentity> from = IdentityOf(source.directory);
-    const std::optional<FileIdentity> to = IdentityOf(directory);
-    if (from && to && from->device == to->device) {
+    if (twin == Twin::SecondName) {
         return AreTwoNamesOfOneFile(source.directory, source.name, directory, name);
     }
     const Result<Descriptor> file =

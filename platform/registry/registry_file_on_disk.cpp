@@ -131,12 +131,29 @@ Status RegistryFileOnDisk::CheckNewFile() const {
     return file ? Status() : FailOf(file.error(), "beside " + name());
 }
 
+// The same, without a new file.
+Status RegistryFileOnDisk::RehearseNewFile() const {
+    const Result<struct stat> old = LookAt(directory_, name_);
+    if (!old || old->st_mode == 0) {
+        return old.map([](const auto& /*status*/) {});
+    }
+    if (faccessat(directory_, ".", W_OK | X_OK, AT_EACCESS) != 0) {
+        return FailOf({"make a file", {}, errno}, "beside " + name());
+    }
+    if (const Status taken = rehearsed_->take(0); !taken) {
+        return FailOf({"make a file", {}, taken.error().error}, "beside " + name());
+    }
+    rehearsed_->giveBack(0);
+    return {};
+}
+
 Status RegistryFileOnDisk::CheckReplaceable() const {
     Status allowed = CheckAllowed();
-    if (isRehearsed()) {
-        return !allowed && allowed.error().error == EROFS ? Status() : allowed;
+    if (!isRehearsed()) {
+        return allowed ? CheckNewFile() : allowed;
     }
-    return allowed ? CheckNewFile() : allowed;
+    allowed = allowed ? RehearseNewFile() : std::move(allowed);
+    return !allowed && allowed.error().error == EROFS ? Status() : allowed;
 }
 
 Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
@@ -148,14 +165,16 @@ Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
 }
 
 // The old file and the new one are there at the same time for a while.
-Status RegistryFileOnDisk::RehearseReplacing(std::size_t size) {
-    if (rehearsedSize_ == 0) {
-        if (const Status taken = rehearsed_->take(size); !taken) {
-            return FailOf({"write", {}, taken.error().error}, name());
-        }
-        rehearsedSize_ = size;
+Status RegistryFileOnDisk::RehearseReplacing(std::size_t size, const FileVersion& replaced) {
+    if (rehearsedSize_ > 0) {
+        rehearsed_->giveBack(std::exchange(rehearsedSize_, 0));
     }
-    rehearsed_->giveBack(std::exchange(rehearsedSize_, 0));
+    if (const Status taken = rehearsed_->take(size); !taken) {
+        return FailOf({"write", {}, taken.error().error}, name());
+    }
+    if (replaced.exists()) {
+        rehearsed_->giveBack(std::exchange(rehearsedStored_, size).value_or(replaced.size()));
+    }
     return {};
 }
 
@@ -188,7 +207,9 @@ Result<std::unique_ptr<AtomicFile>> RegistryFileOnDisk::NewFile() {
 Result<std::optional<FileVersion>> RegistryFileOnDisk::Replace(std::string_view bytes,
                                                                const FileVersion& replaced) {
     if (isRehearsed()) {
-        return RehearseReplacing(bytes.size()).map([&] { return std::optional(replaced); });
+        return RehearseReplacing(bytes.size(), replaced).map([&] {
+            return std::optional(replaced);
+        });
     }
     const Result<struct stat> old = LookAt(directory_, name_);
     if (!old) {

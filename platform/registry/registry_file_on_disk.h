@@ -66,16 +66,18 @@ class RegistryFileOnDisk {
     Status CheckAllowed() const;
     Status CheckNewFile() const;
     Status TakeRoom(std::size_t size);
-    Status RehearseReplacing(std::size_t size);
+    Status RehearseNewFile() const;
+    Status RehearseReplacing(std::size_t size, const FileVersion& replaced);
     Result<std::unique_ptr<AtomicFile>> NewFile();
     Status Write(AtomicFile& file, std::string_view bytes) const;
 
     int directory_;
     std::string name_;
     AccessTime accessTime_;
-    std::unique_ptr<AtomicFile> reserved_;    // null where no room is kept
-    std::optional<RehearsedRoom> rehearsed_;  // where nothing is written
-    std::size_t rehearsedSize_ = 0;           // the room kept there
+    std::unique_ptr<AtomicFile> reserved_;        // null where no room is kept
+    std::optional<RehearsedRoom> rehearsed_;      // where nothing is written
+    std::size_t rehearsedSize_ = 0;               // the room kept there
+    std::optional<std::size_t> rehearsedStored_;  // what the file would have by now
 };
 
 }  // namespace platform

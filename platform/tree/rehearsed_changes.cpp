@@ -2,7 +2,6 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -13,18 +12,6 @@
 #include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
-
-namespace {
-
-constexpr std::uint64_t kFileSystemBlock = 512;  // bytes in which statx counts
-
-// What the file system gets back with the last name of a file.
-std::uint64_t RoomOf(const struct statx& entry) {
-    return S_ISREG(entry.stx_mode) && entry.stx_nlink == 1 ? entry.stx_blocks * kFileSystemBlock
-                                                           : 0;
-}
-
-}  // namespace
 
 // Asked once for each directory.
 void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
@@ -38,8 +25,9 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
     node.refusal =
         faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS ? 0 : errno;
     struct statx entry {};
-    if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS, &entry) == 0) {
-        node.volume = makedev(entry.stx_dev_major, entry.stx_dev_minor);
+    if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_MNT_ID, &entry) == 0) {
+        node.volume = platform::VolumeOf(entry);
+        node.mount = entry.stx_mnt_id;
         node.isSticky = (entry.stx_mode & S_ISVTX) != 0;
         node.stickyOwner = entry.stx_uid;
         node.isAppendOnly = (entry.stx_attributes & STATX_ATTR_APPEND) != 0;
@@ -73,9 +61,6 @@ Status RehearsedTree::CheckTaking(const OpenedDirectory& directory, const char* 
         return allowed;
     }
     const RehearsedDirectory& node = *NodeOf(directory);
-    if (node.Added(name) != nullptr) {
-        return {};
-    }
     const Result<struct statx> entry = LastLook(directory, name);
     if (!entry) {
         return tl::unexpected<Failure>(entry.error());
@@ -100,21 +85,23 @@ void RehearsedTree::TakeAway(const OpenedDirectory& directory, const char* name)
     Note(node);
 }
 
-// What its volume gets back with an entry that is there.
-std::uint64_t RehearsedTree::RoomToFree(const OpenedDirectory& directory, const char* name) {
-    if (const RehearsedEntry* const added = NodeOf(directory)->Added(name)) {
-        return added->facts.isRegularFile() ? room_.RoomFor(VolumeOf(directory), added->facts.size)
-                                            : 0;
+// A file's volume gets its room back with its last name.
+void RehearsedTree::FreeRoomOf(const struct statx& entry, const OpenedDirectory& directory) {
+    const dev_t volume = VolumeOf(directory);
+    if (!S_ISDIR(entry.stx_mode) && entry.stx_nlink > 1 &&
+        ++namesGone_[{volume, entry.stx_ino}] < entry.stx_nlink) {
+        return;
     }
-    const Result<struct statx> entry = LastLook(directory, name);
-    return entry ? RoomOf(*entry) : 0;
+    room_.Free(volume, entry.stx_blocks * kStatBlock);
 }
 
 Status RehearsedTree::Unlink(const OpenedDirectory& directory, const char* name) {
     if (Status allowed = CheckTaking(directory, name); !allowed) {
         return allowed;
     }
-    room_.Free(VolumeOf(directory), RoomToFree(directory, name));
+    if (const Result<struct statx> entry = LastLook(directory, name)) {
+        FreeRoomOf(*entry, directory);
+    }
     TakeAway(directory, name);
     return {};
 }
@@ -151,6 +138,9 @@ Status RehearsedTree::RemoveDirectory(const OpenedDirectory& directory, const ch
     }
     const RehearsedEntry* const added = NodeOf(directory)->Added(name);
     const RehearsedNode removed = added != nullptr ? added->node : ChildOf(directory, name);
+    if (const Result<struct statx> entry = LastLook(directory, name)) {
+        FreeRoomOf(*entry, directory);
+    }
     TakeAway(directory, name);
     changed_.Forget(removed);
     removed->isRemoved = true;
@@ -167,11 +157,15 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
         return allowed;
     }
     const RehearsedNode& parent = NodeOf(directory);
+    if (Status room = room_.Take(directory.get(), VolumeOf(directory), 0); !room) {
+        return room;
+    }
     auto made = std::make_shared<RehearsedDirectory>();
     made->parent = parent;
     made->number = ++made_;
     made->mode = S_IFDIR | mode;
-    made->volume = VolumeOf(directory);
+    made->volume = parent->volume;
+    made->mount = parent->mount;
     parent->AddedEntries().emplace(name, RehearsedEntry{{S_IFDIR | mode}, std::move(made), {}});
     Note(parent);
     return {};
@@ -179,10 +173,13 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
 
 Status RehearsedTree::Rename(const OpenedDirectory& from, const char* name,
                              const OpenedDirectory& to, const char* newName) {
-    if (VolumeOf(from) != VolumeOf(to)) {
-        return Fail("move", EXDEV);
-    }
-    return MoveEntry(from, name, to, newName);
+    return AreOnOneMount(from, to) ? MoveEntry(from, name, to, newName)
+                                   : Status(Fail("move", EXDEV));
+}
+
+// The kernel renames within a mount alone, even where two show the same volume.
+bool RehearsedTree::AreOnOneMount(const OpenedDirectory& one, const OpenedDirectory& other) const {
+    return VolumeOf(one) == VolumeOf(other) && NodeOf(one)->mount == NodeOf(other)->mount;
 }
 
 // Whether the directory is the other one or lies in it.
@@ -228,12 +225,10 @@ Status RehearsedTree::MoveEntry(const OpenedDirectory& from, const char* name,
 }
 
 Status RehearsedTree::CheckReadable(const OpenedDirectory& directory, const char* name) const {
-    if (isSuperuser_ || NodeOf(directory)->Added(name) != nullptr) {
-        return {};
-    }
-    return faccessat(directory.get(), name, R_OK, AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0
-               ? Status()
-               : Fail("open", errno);
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    const bool isReadable = !real || faccessat(real->directory, real->name, R_OK,
+                                               AT_EACCESS | AT_SYMLINK_NOFOLLOW) == 0;
+    return isReadable ? Status() : Fail("open", errno);
 }
 
 // A new file begins in its directory or else in its volume's root.
@@ -264,37 +259,41 @@ Status RehearsedTree::CheckDeleting(const FileMove& move) {
 
 // In the order of the calls that such a move takes.
 Status RehearsedTree::MoveToVolume(const FileMove& move) {
-    const Result<EntryFacts> facts = FactsOf(move.from, move.name);
-    Status possible = facts ? CheckReadable(move.from, move.name)
-                            : Status(tl::unexpected<Failure>(facts.error()));
+    const Result<struct statx> entry = LastLook(move.from, move.name);
+    Status possible = entry ? CheckReadable(move.from, move.name)
+                            : Status(tl::unexpected<Failure>(entry.error()));
     possible = possible ? CheckNewFile(move.to, *move.toVolume) : std::move(possible);
     if (!possible) {
         return possible;
     }
     const dev_t volume = VolumeOf(*move.toVolume);
-    if (Status room = room_.Take(move.toVolume->get(), volume, facts->size); !room) {
+    if (Status room = room_.Take(move.toVolume->get(), volume, entry->stx_size); !room) {
         return room;
     }
-    const std::uint64_t freed = RoomToFree(move.from, move.name);
     possible = CheckChange(move.to);
     possible = possible ? CheckDeleting(move) : std::move(possible);
     possible =
         possible ? MoveEntry(move.from, move.name, move.to, move.newName) : std::move(possible);
     if (possible) {
-        room_.Free(VolumeOf(move.from), freed);
+        FreeRoomOf(*entry, move.from);
     } else {
-        room_.Free(volume, room_.RoomFor(volume, facts->size));
+        room_.Free(volume, room_.RoomFor(volume, entry->stx_size));
     }
     return possible;
 }
 
-// What a killed run has left, the rehearsal has found as it is.
+// What has the name may be what a killed run has left, or a file just like this one.
 Status RehearsedTree::FinishMove(const FileMove& move) {
-    const bool isReal = NodeOf(move.from)->Added(move.name) == nullptr &&
-                        NodeOf(move.to)->Added(move.newName) == nullptr;
-    const SourceFile source{move.from.get(), move.name, move.fromVolume.get(), move.path};
-    const bool isFinished = isReal && IsMovedAlready(source, move.to.get(), move.newName) &&
-                            CheckChange(move.fromVolume) && Unlink(move.from, move.name);
+    const Result<RealPlace> from = RealPlaceOf(move.from, move.name);
+    const Result<RealPlace> to = RealPlaceOf(move.to, move.newName);
+    if (!from || !to) {
+        return Fail("move", EEXIST);
+    }
+    const SourceFile source{from->directory, from->name, move.fromVolume.get(), move.path};
+    const Twin twin = AreOnOneMount(move.from, move.to) ? Twin::SecondName : Twin::Copy;
+    const bool isFinished = IsMovedAlready(source, to->directory, to->name, twin) &&
+                            CheckReadable(move.from, move.name) && CheckDeleting(move) &&
+                            Unlink(move.from, move.name);
     return isFinished ? Status() : Fail("move", EEXIST);
 }
 
@@ -320,8 +319,7 @@ Status RehearsedTree::Show(const OpenedDirectory& directory, const OpenedDirecto
         return possible;
     }
     if (isReplaced) {
-        room_.Free(number, RoomToFree(directory, name.c_str()));
-        TakeAway(directory, name.c_str());
+        static_cast<void>(Unlink(directory, name.c_str()));
     }
     const RehearsedNode& node = NodeOf(directory);
     node->AddedEntries().insert_or_assign(

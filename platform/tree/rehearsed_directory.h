@@ -30,6 +30,7 @@ struct RehearsedDirectory {
     std::unordered_set<std::string, FoldedNameHash> hidden;  // real entries that are gone
     std::unique_ptr<std::map<std::string, RehearsedEntry>> added;  // null: none
     dev_t volume = 0;
+    std::uint64_t mount = 0;  // the number of the one that it was reached by
     std::uint32_t pathHash = 0;
     std::uint32_t number = 0;  // of one that was made, from 1; 0 for a real one
     std::uint32_t changes = 0;

@@ -1,23 +1,44 @@
 #include "platform/tree/rehearsed_room.h"
 
+#include <linux/magic.h>
 #include <sys/statvfs.h>
+#include <sys/vfs.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 
 namespace platform {
 
+namespace {
+
+constexpr std::int64_t kAnyNumber = std::int64_t{1} << 62U;
+
+// On these file systems a part is kept for the superuser.
+std::uint64_t FreeBlocks(const struct statfs& status) {
+    return status.f_type == EXT4_SUPER_MAGIC && geteuid() == 0 ? status.f_bfree : status.f_bavail;
+}
+
+// Some can only be read, and have never had any room.
+bool IsImage(const struct statfs& status) {
+    return (status.f_flags & ST_RDONLY) != 0 && status.f_bfree == 0;
+}
+
+}  // namespace
+
 std::uint64_t RehearsedRoom::Volume::RoomFor(std::uint64_t size) const {
     return (size + block - 1) / block * block;
 }
 
 void RehearsedRoom::Volume::Ask(int directory) {
-    struct statvfs status {};
-    isKnown = fstatvfs(directory, &status) == 0;
+    struct statfs status {};
+    isKnown = fstatfs(directory, &status) == 0 && !IsImage(status);
     isAsked = true;
     if (isKnown) {
-        block = std::max<std::uint64_t>(1, status.f_frsize);
-        free += static_cast<std::int64_t>(status.f_bavail * status.f_frsize);
+        block = static_cast<std::uint64_t>(std::max<long>(1, status.f_frsize));
+        free += static_cast<std::int64_t>(FreeBlocks(status) * block);
+        // Some file systems keep no count.
+        freeFiles += status.f_files == 0 ? kAnyNumber : static_cast<std::int64_t>(status.f_ffree);
     }
 }
 
@@ -27,15 +48,17 @@ Status RehearsedRoom::Take(int directory, dev_t volume, std::uint64_t size) {
         room.Ask(directory);
     }
     const auto wanted = static_cast<std::int64_t>(room.RoomFor(size));
-    if (room.isKnown && wanted > room.free) {
+    if (room.isKnown && (wanted > room.free || room.freeFiles < 1)) {
         return Fail("write", ENOSPC);
     }
     room.free -= wanted;
+    --room.freeFiles;
     return {};
 }
 
 void RehearsedRoom::Free(dev_t volume, std::uint64_t bytes) {
     volumes_[volume].free += static_cast<std::int64_t>(bytes);
+    ++volumes_[volume].freeFiles;
 }
 
 }  // namespace platform

@@ -13,16 +13,18 @@ namespace platform {
 // of its file system.
 class RehearsedRoom {
   public:
-    // Takes the room of a file of `size` bytes; `directory` is any open one of the volume. ENOSPC
-    // where it has not got it. A volume that cannot be asked has room for everything.
+    // Takes the room of a file of `size` bytes, or of a directory of none; `directory` is any open
+    // one of the volume. ENOSPC where it has not got it. A volume that cannot be asked has room for
+    // everything.
     Status Take(int directory, dev_t volume, std::uint64_t size);
 
     // The bytes that a file of `size` bytes takes.
-    std::uint64_t RoomFor(dev_t volume, std::uint64_t size) {
-        return volumes_[volume].RoomFor(size);
+    std::uint64_t RoomFor(dev_t volume, std::uint64_t size) const {
+        const auto found = volumes_.find(volume);
+        return (found == volumes_.end() ? Volume() : found->second).RoomFor(size);
     }
 
-    // Gives the volume room of so many bytes.
+    // Gives the volume back the room of one that took so many bytes.
     void Free(dev_t volume, std::uint64_t bytes);
 
   private:
@@ -33,6 +35,7 @@ class RehearsedRoom {
         bool isKnown = false;
         std::uint64_t block = kUsualBlock;  // bytes; what a file takes is a multiple
         std::int64_t free = 0;              // bytes; before the volume is asked, what became free
+        std::int64_t freeFiles = 0;         // the same, of files and directories
 
         std::uint64_t RoomFor(std::uint64_t size) const;
         void Ask(int directory);

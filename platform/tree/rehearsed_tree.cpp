@@ -2,7 +2,6 @@
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -97,7 +96,8 @@ bool RehearsedTree::ShowsReal(const OpenedDirectory& directory, const char* name
         return true;
     }
     const Result<struct stat> status = FileTree::StatusOf(directory, name);
-    return !status || status->st_nlink > 1 ||
+    const bool hasMoreNames = status && !S_ISDIR(status->st_mode) && status->st_nlink > 1;
+    return !status || hasMoreNames ||
            FileTree::Identity(directory, other->c_str()) != IdentityOf(*status);
 }
 
@@ -241,8 +241,55 @@ Result<struct statx> RehearsedTree::LookAtReal(const OpenedDirectory& directory,
     return last_.entry;
 }
 
+// Where an entry really is that may have moved.
+Result<RehearsedTree::RealPlace> RehearsedTree::RealPlaceOf(const OpenedDirectory& directory,
+                                                            const char* name) const {
+    const RehearsedEntry* const added = NodeOf(directory)->Added(name);
+    if (added == nullptr) {
+        return ShowsReal(directory, name) ? Result<RealPlace>({{}, directory.get(), name})
+                                          : NotThere("look at");
+    }
+    if (added->isWritten() || !added->node->isReal()) {
+        return NotThere("look at");
+    }
+    // Removed or not, the real directory is still there.
+    const char* const path = added->node->realPath.empty() ? "." : added->node->realPath.c_str();
+    const bool isDirectory = added->facts.isDirectory();
+    Result<OpenedDirectory> old = FileTree::Open(root(), path, OpenFor::Reaching, Mounts::Entered);
+    return std::move(old).map([&](OpenedDirectory opened) {
+        const int descriptor = opened.get();
+        const char* const oldName = added->text ? added->text->c_str() : name;
+        return RealPlace{std::move(opened), descriptor, isDirectory ? "" : oldName};
+    });
+}
+
+// What was made, and the copy of what has come from another volume, is the user's own.
+Result<struct statx> RehearsedTree::LookAtAdded(const OpenedDirectory& directory,
+                                                const char* name) const {
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    const dev_t volume = VolumeOf(directory);
+    struct statx entry {};
+    if (real &&
+        statx(real->directory, real->name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW, STATX_BASIC_STATS,
+              &entry) == 0 &&
+        platform::VolumeOf(entry) == volume) {
+        return entry;
+    }
+    const EntryFacts& facts = NodeOf(directory)->Added(name)->facts;
+    entry = {};
+    entry.stx_mode = static_cast<std::uint16_t>(facts.mode);
+    entry.stx_uid = geteuid();
+    entry.stx_nlink = 1;
+    entry.stx_size = facts.size;
+    entry.stx_blocks = room_.RoomFor(volume, facts.size) / kStatBlock;
+    return entry;
+}
+
 Result<struct statx> RehearsedTree::LastLook(const OpenedDirectory& directory,
                                              const char* name) const {
+    if (NodeOf(directory)->Added(name) != nullptr) {
+        return LookAtAdded(directory, name);
+    }
     const bool isLast = last_.directory == NodeOf(directory) && last_.name == name;
     return isLast ? last_.entry : LookAtReal(directory, name);
 }
@@ -319,12 +366,9 @@ Result<Descriptor> RehearsedTree::OpenFile(const OpenedDirectory& directory,
     if (added->isWritten()) {
         return OpenFileInMemory(*added->text);
     }
-    // Removed or not, the real directory is still there.
-    const char* const path = added->node->realPath.empty() ? "." : added->node->realPath.c_str();
-    const Result<OpenedDirectory> old =
-        FileTree::Open(root(), path, OpenFor::Reaching, Mounts::Entered);
-    return old ? FileTree::OpenFile(*old, added->text ? added->text->c_str() : name)
-               : tl::unexpected<Failure>(old.error());
+    const Result<RealPlace> real = RealPlaceOf(directory, name);
+    return real ? OpenRegularFile(real->directory, real->name, Mounts::Refused, accessTime())
+                : tl::unexpected<Failure>(real.error());
 }
 
 Status RehearsedTree::CheckWritable(const OpenedDirectory& directory, const char* name,

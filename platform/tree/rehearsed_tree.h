@@ -2,8 +2,11 @@
 
 #include <sys/stat.h>
 
+#include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/tree/file_tree.h"
 #include "platform/tree/rehearsed_directory.h"
@@ -68,9 +71,18 @@ class RehearsedTree : public FileTree {
         struct statx entry {};
     };
 
+    // An entry on the disk; `name` is "" for the directory itself.
+    struct RealPlace {
+        OpenedDirectory owned;  // empty where the caller has the directory
+        int directory;
+        const char* name;
+    };
+
     const RehearsedNode& Current(const RehearsedNode& node) const;
     Result<struct statx> LookAtReal(const OpenedDirectory& directory, const char* name) const;
     Result<struct statx> LastLook(const OpenedDirectory& directory, const char* name) const;
+    Result<struct statx> LookAtAdded(const OpenedDirectory& directory, const char* name) const;
+    Result<RealPlace> RealPlaceOf(const OpenedDirectory& directory, const char* name) const;
     RehearsedNode FindUntouched(const OpenedDirectory& parent, std::string_view path) const;
     RehearsedNode NewNode(const RehearsedNode& parent, std::string_view name) const;
     RehearsedNode ChildOf(const OpenedDirectory& parent, const char* name) const;
@@ -86,17 +98,19 @@ class RehearsedTree : public FileTree {
     Status CheckDeleting(const FileMove& move);
     Status CheckReadable(const OpenedDirectory& directory, const char* name) const;
     dev_t VolumeOf(const OpenedDirectory& directory) const;
+    bool AreOnOneMount(const OpenedDirectory& one, const OpenedDirectory& other) const;
     void Note(const RehearsedNode& node);
     Status Show(const OpenedDirectory& directory, const OpenedDirectory& volume,
                 const std::string& name, const EntryFacts& facts, std::string content);
     void TakeAway(const OpenedDirectory& directory, const char* name);
-    std::uint64_t RoomToFree(const OpenedDirectory& directory, const char* name);
+    void FreeRoomOf(const struct statx& entry, const OpenedDirectory& directory);
     bool IsWithin(const OpenedDirectory& directory, const RehearsedDirectory& other);
     Status MoveEntry(const OpenedDirectory& from, const char* name, const OpenedDirectory& to,
                      const char* newName);
 
     ChangedDirectories changed_;
     RehearsedRoom room_;
+    std::map<std::pair<dev_t, std::uint64_t>, std::uint32_t> namesGone_;  // of files with several
     RehearsedNode root_;
     mutable Look last_;
     std::uint32_t made_ = 0;
