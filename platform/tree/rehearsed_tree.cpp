@@ -79,7 +79,8 @@ class RehearsedListing : public DirectoryListing {
 RehearsedTree::RehearsedTree(Descriptor root)
     : FileTree(std::move(root), AccessTime::Kept),
       root_(std::make_shared<RehearsedDirectory>()),
-      isSuperuser_(geteuid() == 0) {
+      isSuperuser_(geteuid() == 0),
+      isOnReadOnly_(IsOnReadOnly(this->root().get())) {
     changed_.Keep(root_);
 }
 
@@ -388,7 +389,7 @@ Status RehearsedTree::CheckWritable(const OpenedDirectory& directory, const char
                    : FailBecause("write it", "it is read-only", ERROR_ACCESS_DENIED);
     }
     Status writable = FileTree::CheckWritable(directory, name, mode);
-    return !writable && writable.error().error == EROFS ? Status() : writable;
+    return writable || IsRefusal(writable.error().error) ? std::move(writable) : Status();
 }
 
 // Asked once for each directory.
@@ -400,8 +401,11 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
         node.refusal = isAllowed ? 0 : EACCES;
         return;
     }
-    node.refusal =
-        faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS ? 0 : errno;
+    const bool isAllowed = faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0;
+    node.refusal = !isAllowed && IsRefusal(errno) ? errno : 0;
+    if (!isOnReadOnly_ && IsOnReadOnly(directory.get())) {
+        node.refusal = EROFS;  // which the kernel says first
+    }
     struct statx entry {};
     if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_MNT_ID, &entry) == 0) {
         node.volume = platform::VolumeOf(entry);
