@@ -166,11 +166,11 @@ Status RegistryFileOnDisk::TakeRoom(std::size_t size) {
 
 // The old file and the new one are there at the same time for a while.
 Status RegistryFileOnDisk::RehearseReplacing(std::size_t size, const FileVersion& replaced) {
-    if (Status possible = CheckReplaceable(); !possible) {
-        return possible;
-    }
     if (rehearsedSize_ > 0) {
         rehearsed_->giveBack(std::exchange(rehearsedSize_, 0));
+    }
+    if (Status possible = CheckReplaceable(); !possible) {
+        return possible;
     }
     if (const Status taken = rehearsed_->take(size); !taken) {
         return FailOf({"write", {}, taken.error().error}, name());

@@ -287,13 +287,15 @@ Result<struct statx> RehearsedTree::LookAtAdded(const OpenedDirectory& directory
         platform::VolumeOf(entry) == volume) {
         return entry;
     }
-    const EntryFacts& facts = NodeOf(directory)->Added(name)->facts;
+    const RehearsedEntry& added = *NodeOf(directory)->Added(name);
+    const EntryFacts& facts = added.facts;
+    const bool takesBlock = facts.isDirectory() && added.node->takesBlock;
     entry = {};
     entry.stx_mode = static_cast<std::uint16_t>(facts.mode);
     entry.stx_uid = geteuid();
     entry.stx_nlink = 1;
     entry.stx_size = facts.size;
-    entry.stx_blocks = room_.RoomFor(volume, facts.size) / kFileSystemBlock;
+    entry.stx_blocks = room_.RoomFor(volume, takesBlock ? 1 : facts.size) / kFileSystemBlock;
     return entry;
 }
 
@@ -410,6 +412,7 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
     if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_MNT_ID, &entry) == 0) {
         node.volume = platform::VolumeOf(entry);
         node.mount = entry.stx_mnt_id;
+        node.takesBlock = entry.stx_blocks > 0;
         node.isSticky = (entry.stx_mode & S_ISVTX) != 0;
         node.stickyOwner = entry.stx_uid;
         node.isAppendOnly = (entry.stx_attributes & STATX_ATTR_APPEND) != 0;
@@ -539,15 +542,17 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
         return allowed;
     }
     const RehearsedNode& parent = NodeOf(directory);
-    if (Status room = room_.Take(directory.get(), VolumeOf(directory), 0); !room) {
+    const dev_t volume = VolumeOf(directory);
+    if (Status room = room_.Take(directory.get(), volume, parent->takesBlock ? 1 : 0); !room) {
         return room;
     }
     auto made = std::make_shared<RehearsedDirectory>();
     made->parent = parent;
     made->number = ++made_;
     made->mode = S_IFDIR | mode;
-    made->volume = parent->volume;
+    made->volume = volume;
     made->mount = parent->mount;
+    made->takesBlock = parent->takesBlock;
     parent->AddedEntries().emplace(name, RehearsedEntry{{S_IFDIR | mode}, std::move(made), {}});
     Note(parent);
     return {};
@@ -627,6 +632,9 @@ Status RehearsedTree::CheckDeleting(const FileMove& move) {
     const uid_t owner = entry ? entry->stx_uid : geteuid();
     if (IsOthers(*NodeOf(move.fromVolume), owner)) {
         return Fail("move", EPERM);
+    }
+    if (!AreOnOneMount(move.from, move.fromVolume)) {
+        return Fail("move", EXDEV);
     }
     if (Status allowed = CheckChange(move.fromVolume); !allowed) {
         return allowed;
