@@ -1,6 +1,5 @@
 #include "platform/host/device_run.h"
 
-#include <sys/statvfs.h>
 #include <sysexits.h>
 
 #include <cstdio>
@@ -24,16 +23,12 @@
 #include "platform/files/killed_run_recovery.h"
 #include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
+#include "platform/io/entry_facts.h"
 #include "platform/report/reporting_store.h"
 
 namespace platform {
 
 namespace {
-
-bool IsOnReadOnly(const Descriptor& directory) {
-    struct statvfs volume {};
-    return directory && fstatvfs(directory.get(), &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0;
-}
 
 // One run of the program on one device. Each step returns the exit code with which the run ends
 // there; nothing when it goes on.
@@ -108,7 +103,7 @@ void DeviceRun::SayWhatIsNotRehearsed() {
     if (isOnReadOnly_) {
         log_.Say("it is on a read-only file system: a run could not change it as it is now");
     }
-    if (store_->HaveLeftovers()) {
+    if (isLocked_ && store_->HaveLeftovers()) {
         log_.Say(
             "a run that was killed has left files here; the next run puts them right before "
             "it begins, which the rehearsal does not show");
@@ -117,7 +112,7 @@ void DeviceRun::SayWhatIsNotRehearsed() {
 
 void DeviceRun::AssembleDevice(std::unique_ptr<Registry> registry) {
     const auto exit = [this](int code) { EndOnTheSpot(code); };
-    isOnReadOnly_ = IsOnReadOnly(device_.directory) || IsOnReadOnly(device_.files);
+    isOnReadOnly_ = IsOnReadOnly(device_.directory.get()) || IsOnReadOnly(device_.files.get());
     store_ =
         line_.rehearse
             ? AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <sys/sysmacros.h>
 #include <unistd.h>
 
@@ -49,6 +50,11 @@ bool IsMountPoint(int directory, const char* name) {
     return statx(directory, name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, 0,
                  &entry) == 0 &&
            (entry.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
+bool IsOnReadOnly(int directory) {
+    struct statvfs volume {};
+    return fstatvfs(directory, &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0;
 }
 
 Status CheckWritable(int directory, const char* name, mode_t mode) {

@@ -29,6 +29,9 @@ Result<EntryFacts> FactsOf(int directory, const char* name);
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);
 
+// Whether the open directory is on a read-only file system; without one, -1, it is not.
+bool IsOnReadOnly(int directory);
+
 // Whether this process may write a file of that mode: a file without any write permission is
 // read-only, for the superuser too.
 Status CheckWritable(int directory, const char* name, mode_t mode);

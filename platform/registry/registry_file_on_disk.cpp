@@ -169,6 +169,9 @@ Status RegistryFileOnDisk::RehearseReplacing(std::size_t size, const FileVersion
     if (rehearsedSize_ > 0) {
         rehearsed_->giveBack(std::exchange(rehearsedSize_, 0));
     }
+    if (Status possible = CheckReplaceable(); !possible) {
+        return possible;
+    }
     if (const Status taken = rehearsed_->take(size); !taken) {
         return FailOf({"write", {}, taken.error().error}, name());
     }

@@ -22,12 +22,16 @@ void RehearsedTree::AskRules(const OpenedDirectory& directory) const {
         node.refusal = isAllowed ? 0 : EACCES;
         return;
     }
-    node.refusal =
-        faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS ? 0 : errno;
+    const bool isAllowed = faccessat(directory.get(), ".", W_OK | X_OK, AT_EACCESS) == 0;
+    node.refusal = !isAllowed && IsRefusal(errno) ? errno : 0;
+    if (!isOnReadOnly_ && IsOnReadOnly(directory.get())) {
+        node.refusal = EROFS;  // which the kernel says first
+    }
     struct statx entry {};
     if (statx(directory.get(), "", AT_EMPTY_PATH, STATX_BASIC_STATS | STATX_MNT_ID, &entry) == 0) {
         node.volume = platform::VolumeOf(entry);
         node.mount = entry.stx_mnt_id;
+        node.takesBlock = entry.stx_blocks > 0;
         node.isSticky = (entry.stx_mode & S_ISVTX) != 0;
         node.stickyOwner = entry.stx_uid;
         node.isAppendOnly = (entry.stx_attributes & STATX_ATTR_APPEND) != 0;
@@ -157,15 +161,17 @@ Status RehearsedTree::MakeDirectory(const OpenedDirectory& directory, const char
         return allowed;
     }
     const RehearsedNode& parent = NodeOf(directory);
-    if (Status room = room_.Take(directory.get(), VolumeOf(directory), 0); !room) {
+    const dev_t volume = VolumeOf(directory);
+    if (Status room = room_.Take(directory.get(), volume, parent->takesBlock ? 1 : 0); !room) {
         return room;
     }
     auto made = std::make_shared<RehearsedDirectory>();
     made->parent = parent;
     made->number = ++made_;
     made->mode = S_IFDIR | mode;
-    made->volume = parent->volume;
+    made->volume = volume;
     made->mount = parent->mount;
+    made->takesBlock = parent->takesBlock;
     parent->AddedEntries().emplace(name, RehearsedEntry{{S_IFDIR | mode}, std::move(made), {}});
     Note(parent);
     return {};
@@ -245,6 +251,9 @@ Status RehearsedTree::CheckDeleting(const FileMove& move) {
     const uid_t owner = entry ? entry->stx_uid : geteuid();
     if (IsOthers(*NodeOf(move.fromVolume), owner)) {
         return Fail("move", EPERM);
+    }
+    if (!AreOnOneMount(move.from, move.fromVolume)) {
+        return Fail("move", EXDEV);
     }
     if (Status allowed = CheckChange(move.fromVolume); !allowed) {
         return allowed;

@@ -39,8 +39,9 @@ struct RehearsedDirectory {
     uid_t stickyOwner = 0;    // where isSticky
     int refusal = kNotAsked;  // the errno of every change in it, 0 for none
     bool isAppendOnly = false;
-    bool isSticky = false;  // users may take away only what is theirs
-    bool isKept = false;    // an index has it
+    bool takesBlock = false;  // as a directory of its volume does when it is empty
+    bool isSticky = false;    // users may take away only what is theirs
+    bool isKept = false;      // an index has it
     bool isRemoved = false;
 
     static constexpr int kNotAsked = -1;

@@ -68,7 +68,8 @@ class RehearsedListing : public DirectoryListing {
 RehearsedTree::RehearsedTree(Descriptor root)
     : FileTree(std::move(root), AccessTime::Kept),
       root_(std::make_shared<RehearsedDirectory>()),
-      isSuperuser_(geteuid() == 0) {
+      isSuperuser_(geteuid() == 0),
+      isOnReadOnly_(IsOnReadOnly(this->root().get())) {
     changed_.Keep(root_);
 }
 
@@ -275,13 +276,15 @@ Result<struct statx> RehearsedTree::LookAtAdded(const OpenedDirectory& directory
         platform::VolumeOf(entry) == volume) {
         return entry;
     }
-    const EntryFacts& facts = NodeOf(directory)->Added(name)->facts;
+    const RehearsedEntry& added = *NodeOf(directory)->Added(name);
+    const EntryFacts& facts = added.facts;
+    const bool takesBlock = facts.isDirectory() && added.node->takesBlock;
     entry = {};
     entry.stx_mode = static_cast<std::uint16_t>(facts.mode);
     entry.stx_uid = geteuid();
     entry.stx_nlink = 1;
     entry.stx_size = facts.size;
-    entry.stx_blocks = room_.RoomFor(volume, facts.size) / kStatBlock;
+    entry.stx_blocks = room_.RoomFor(volume, takesBlock ? 1 : facts.size) / kStatBlock;
     return entry;
 }
 
@@ -299,9 +302,8 @@ Result<EntryFacts> RehearsedTree::FactsOf(const OpenedDirectory& directory,
     if (const RehearsedEntry* const added = NodeOf(directory)->Added(name)) {
         return added->facts;
     }
-    return LookAtReal(directory, name).map([](const struct statx& entry) {
-        return platform::FactsOf(entry);
-    });
+    return LookAtReal(directory, name).map(
+        [](const struct statx& entry) { return platform::FactsOf(entry); });
 }
 
 // The time of its last change is one that no other state of the directory has.
@@ -379,7 +381,7 @@ Status RehearsedTree::CheckWritable(const OpenedDirectory& directory, const char
                    : FailBecause("write it", "it is read-only", ERROR_ACCESS_DENIED);
     }
     Status writable = FileTree::CheckWritable(directory, name, mode);
-    return !writable && writable.error().error == EROFS ? Status() : writable;
+    return writable || IsRefusal(writable.error().error) ? std::move(writable) : Status();
 }
 
 }  // namespace platform

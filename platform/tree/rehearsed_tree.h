@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -17,8 +18,8 @@ namespace platform {
 // A tree on which every change takes effect in memory alone, and is seen from then on. The real
 // tree is read, and its times of access are left alone where that is allowed. What the kernel would
 // refuse is refused as far as it can be asked for: permissions, attributes, names that are taken,
-// directories that are not empty, mount points, and room. A file system that is read-only refuses
-// nothing, so that a device on it can be rehearsed.
+// directories that are not empty, mount points, and room. Where the root is on a read-only file
+// system, nothing is refused for that, so that a device on it can be rehearsed.
 //
 // Memory grows with each entry that is changed, and each directory in which one is, by their names
 // and at most 200 bytes; with nothing else.
@@ -89,6 +90,7 @@ class RehearsedTree : public FileTree {
     Result<OpenedDirectory> OpenEntry(const OpenedDirectory& parent, const char* name,
                                       OpenFor purpose, Mounts mounts) const;
     Result<OpenedDirectory> OpenNode(const RehearsedNode& node, OpenFor purpose) const;
+    bool IsRefusal(int error) const { return error != EROFS || !isOnReadOnly_; }
     void AskRules(const OpenedDirectory& directory) const;
     Status CheckChange(const OpenedDirectory& directory) const;
     Status CheckTaking(const OpenedDirectory& directory, const char* name) const;
@@ -115,6 +117,7 @@ class RehearsedTree : public FileTree {
     mutable Look last_;
     std::uint32_t made_ = 0;
     bool isSuperuser_;
+    bool isOnReadOnly_;
 };
 
 }  // namespace platform

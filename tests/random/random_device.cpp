@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <linux/fs.h>
 #include <sys/ioctl.h>
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 #include <sys/xattr.h>
@@ -94,11 +95,18 @@ void RandomDevice::MakeEntry(const std::string& path, int depth) {
         device_.Make({path + ">" + Pick(kNames)});
     } else if (kind == 7) {
         device_.Make({path + '|'});
+    } else if (kind == 8 && !lastFile_.empty()) {
+        std::error_code ignored;
+        fs::create_hard_link(lastFile_, device_.HostPath(path), ignored);
     } else {
         // As much as there is room for.
         std::ofstream(device_.HostPath(path)) << std::string(Below(4) * Below(6000), 'x');
         if (kind < 11) {
             chmod(device_.HostPath(path).c_str(), 0444);
+        }
+        lastFile_ = device_.HostPath(path);
+        if (Chance(30)) {
+            fs::last_write_time(lastFile_, fs::file_time_type());
         }
     }
 }
@@ -113,11 +121,26 @@ void RandomDevice::Fill(const std::string& directory, int depth) {
     }
 }
 
+void RandomDevice::MakeCard() {
+    constexpr const char* kCards[] = {"size=28k", "size=28k", "size=1m", "size=1m"};
+    const std::uint32_t card = Below(5);
+    isTight_ = isTight_ || card < 3;
+    isForFewFiles_ = card == 2;
+    if (card < 4) {
+        device_.Mount("Storage Card", kCards[card]);
+        return;
+    }
+    const std::string own = device_.path() + "/card";  // of the device's own volume
+    device_.Make({"Storage Card/"});
+    fs::create_directory(own);
+    const std::string place = device_.HostPath("Storage Card");
+    EXPECT_EQ(mount(own.c_str(), place.c_str(), nullptr, MS_BIND, nullptr), 0);
+    device_.IsMounted("Storage Card");
+}
+
 void RandomDevice::MakeTree() {
-    if (Chance(60)) {
-        const bool isSmall = Chance(60);
-        device_.Mount("Storage Card", isSmall ? "size=28k" : "size=1m");
-        isTight_ = isTight_ || isSmall;
+    if (Chance(70)) {
+        MakeCard();
     }
     device_.Make({"Link>Cache"});
     for (const char* const directory : kDirectories) {
@@ -242,11 +265,12 @@ std::string RandomDevice::Settings() {
 }
 
 // The user owns the device, but for some directories, in which nothing is theirs to change.
-void RandomDevice::HandOver() const {
+void RandomDevice::HandOver() {
     if (user_ == 0) {
         return;
     }
-    EXPECT_EQ(lchown(device_.path().c_str(), user_, user_), 0);
+    EXPECT_EQ(lchown(device_.path().c_str(), Chance(5) ? 0 : user_, user_), 0);
+    EXPECT_EQ(chmod(device_.path().c_str(), 0755), 0);
     for (const auto& entry : fs::recursive_directory_iterator(device_.path())) {
         EXPECT_EQ(lchown(entry.path().c_str(), user_, user_), 0);
     }
@@ -276,7 +300,18 @@ void RandomDevice::MakeHazards() {
         } else if (type == fs::file_type::regular && Chance(3)) {
             SetImmutable(path, true);
         } else if (user_ != 0 && Chance(6)) {
-            EXPECT_EQ(lchown(path.c_str(), 0, 0), 0);
+            [[maybe_unused]] const int failed = lchown(path.c_str(), 0, 0);  // of an immutable one
         }
+    }
+    const std::string card = device_.HostPath("Storage Card");
+    if (isForFewFiles_) {
+        struct statvfs volume {};
+        statvfs(card.c_str(), &volume);
+        const std::uint64_t files = volume.f_files - volume.f_ffree + Below(6);
+        const std::string limit = "size=1m,nr_inodes=" + std::to_string(files);
+        EXPECT_EQ(mount(nullptr, card.c_str(), nullptr, MS_REMOUNT, limit.c_str()), 0);
+    }
+    if (Chance(10)) {  // with its lock closed
+        mount(nullptr, card.c_str(), nullptr, MS_REMOUNT | MS_BIND | MS_RDONLY, nullptr);
     }
 }

@@ -9,9 +9,9 @@
 // The user to whom devices belong on which permissions count.
 inline constexpr uid_t kOrdinaryUser = 4711;
 
-// A device as nobody would make it: names that differ in case, links, pipes, read-only and
-// immutable files, mounts, other users' directories, volumes with little room, and a registry and
-// settings that lead all over it. The same for the same seed.
+// A device as nobody would make it: names that differ in case, links, pipes, second names, files
+// that are alike, read-only and immutable files, mounts, other users' directories, volumes with
+// little room, and a registry and settings that lead all over it. The same for the same seed.
 class RandomDevice {
   public:
     // Mounts, so the process must be in a mount namespace of its own. `parent` is where it is made,
@@ -37,6 +37,7 @@ class RandomDevice {
     }
 
     void MakeTree();
+    void MakeCard();
     void Fill(const std::string& directory, int depth);
     void MakeEntry(const std::string& path, int depth);
     void MakeShortcuts();
@@ -47,13 +48,15 @@ class RandomDevice {
     std::string Registry();
     std::string Settings();
     void LeaveRoom(std::uint64_t bytes) const;
-    void HandOver() const;
+    void HandOver();
 
     std::mt19937_64 random_;
     MountedDevice device_;
     uid_t user_;
     bool allowsRestart_;
     bool isErased_;
+    bool isForFewFiles_ = false;  // the card
+    std::string lastFile_;        // of those made
     // Where not everything fits, what is moved depends on the order in a directory, and that on
     // what has moved there before; so only one folder moves.
     bool isTight_;

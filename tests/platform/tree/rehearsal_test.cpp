@@ -48,6 +48,11 @@ struct Outcome {
 
 constexpr const WCHAR* kModule = u"\\App\\Fennelbright.exe";
 
+// Of a restart, and of a run that may not change anything.
+[[noreturn]] void ThrowEnded(int /*code*/) {
+    throw DeviceRestarted();
+}
+
 // Acts as the user of the device until it goes.
 class ActingAs {
   public:
@@ -98,14 +103,14 @@ Outcome Rehearse(const RandomDevice& random, MakeTree makeTree) {
     const ActingAs user(random.user());
     const auto store = platform::AssembledDevice::Rehearsed(
         makeTree(random.device().OpenFiles()), kModule,
-        random.device().OpenRegistry(platform::AccessTime::Kept), ThrowRestarted);
+        random.device().OpenRegistry(platform::AccessTime::Kept), ThrowEnded);
     return RunOn(*store, random);
 }
 
 Outcome ReallyRun(const RandomDevice& random) {
     const ActingAs user(random.user());
     platform::AssembledDevice store(random.device().OpenFiles(), kModule,
-                                    random.device().OpenRegistry(), ThrowRestarted);
+                                    random.device().OpenRegistry(), ThrowEnded);
     return RunOn(store, random);
 }
 
@@ -224,6 +229,7 @@ TEST_F(RehearsalTest, ForeseesWhatTheRunDoes) {
                                    "refused: Permission denied",
                                    "refused: Operation not permitted",
                                    "refused: Device or resource busy",
+                                   "refused: Read-only file system",
                                    "refused: another file system is mounted there",
                                    "refused: a file system is mounted there",
                                    "refused: the name is already in use",
