@@ -92,10 +92,9 @@ ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
 
 # A typeface that is missing is named with its package.
-cat >"$scratch/fonts.conf" <<CONF
-<fontconfig><dir>/usr/share/fonts</dir><cachedir>$scratch/fonts</cachedir><selectfont><rejectfont>
-<glob>*Condensed*</glob></rejectfont></selectfont></fontconfig>
-CONF
+mkdir "$scratch/typefaces"
+cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf "$scratch/typefaces"
+echo "<fontconfig><dir>$scratch/typefaces</dir><cachedir>$scratch/fonts</cachedir></fontconfig>" >"$scratch/fonts.conf"
 FONTCONFIG_FILE=$scratch/fonts.conf start 2>"$scratch/errors"
 kill -TERM "$running"
 ended "with another typeface"
