@@ -10,9 +10,9 @@
 #include <new>
 #include <string_view>
 
+#include "platform/command_line/command_line.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/boot.h"
-#include "platform/command_line/command_line.h"
 #include "platform/host/device_choice.h"
 #include "platform/host/device_run.h"
 #include "platform/host/help_viewer_process.h"

@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "core/platform_types.h"
-#include "platform/diagnostics/failure.h"
 #include "platform/command_line/setting_words.h"
+#include "platform/diagnostics/failure.h"
 
 namespace platform {
 

@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "platform/device/device_directory.h"
 #include "platform/command_line/command_line.h"
+#include "platform/device/device_directory.h"
 #include "platform/seam/device_store.h"
 
 namespace platform {

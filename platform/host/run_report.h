@@ -4,9 +4,9 @@
 #include <optional>
 #include <vector>
 
+#include "platform/command_line/command_line.h"
 #include "platform/device/device_directory.h"
 #include "platform/diagnostics/run_log.h"
-#include "platform/command_line/command_line.h"
 #include "platform/report/html_page.h"
 #include "platform/report/report_writer.h"
 

@@ -302,8 +302,9 @@ Result<EntryFacts> RehearsedTree::FactsOf(const OpenedDirectory& directory,
     if (const RehearsedEntry* const added = NodeOf(directory)->Added(name)) {
         return added->facts;
     }
-    return LookAtReal(directory, name).map(
-        [](const struct statx& entry) { return platform::FactsOf(entry); });
+    return LookAtReal(directory, name).map([](const struct statx& entry) {
+        return platform::FactsOf(entry);
+    });
 }
 
 // The time of its last change is one that no other state of the directory has.
