@@ -1,6 +1,7 @@
 #include "platform/tree/rehearsed_directory.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "platform/text/name_matching.h"
 #include "platform/text/name_translation.h"
@@ -45,6 +46,30 @@ const std::string* RehearsedDirectory::HiddenInOtherCase(std::string_view name) 
             return SameName(DeviceNameOf(each).view(), wanted.view());
         });
     return found == hidden.end(bucket) ? nullptr : &*found;
+}
+
+namespace {
+
+// NOLINTNEXTLINE(misc-no-recursion)
+void ReleaseEntries(RehearsedDirectory& directory) {
+    const auto entries = std::exchange(directory.added, nullptr);
+    if (entries == nullptr) {
+        return;
+    }
+    for (const auto& [name, entry] : *entries) {
+        if (entry.facts.isDirectory()) {
+            ReleaseEntries(*entry.node);
+        }
+    }
+}
+
+}  // namespace
+
+// A directory and what is in it hold each other.
+ChangedDirectories::~ChangedDirectories() {
+    for (const auto& [hash, node] : byHash_) {
+        ReleaseEntries(*node);
+    }
 }
 
 void ChangedDirectories::Keep(const RehearsedNode& node) {

@@ -73,6 +73,11 @@ struct RehearsedEntry {
 // The real directories in which something has changed, by their paths.
 class ChangedDirectories {
   public:
+    ChangedDirectories() = default;
+    ~ChangedDirectories();
+    ChangedDirectories(const ChangedDirectories&) = delete;
+    ChangedDirectories& operator=(const ChangedDirectories&) = delete;
+
     void Keep(const RehearsedNode& node);
     void Forget(const RehearsedNode& node);
 

@@ -197,7 +197,7 @@ RehearsedNode RehearsedTree::FindUntouched(const OpenedDirectory& parent,
         RehearsedNode child = NewNode(node, name);
         const RehearsedNode* const known = changed_.Find(child->pathHash, child->realPath);
         const bool mayBeOther = known == nullptr && changed_.HasHash(child->pathHash);
-        node = mayBeOther ? nullptr : known != nullptr ? *known : std::move(child);
+        node = mayBeOther ? nullptr : known != nullptr ? *known : child;
     }
     return node;
 }
