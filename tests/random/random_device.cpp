@@ -294,7 +294,8 @@ void RandomDevice::MakeHazards() {
             }
             if (Chance(5)) {
                 SetImmutable(path, true);
-            } else if (Chance(4)) {
+            } else if (Chance(4) &&
+                       !isForFewFiles_) {  // an attribute can count as a part of a file
                 setxattr(path.c_str(), "user.DOSATTRIB", "0x6", 3, 0);
             }
         } else if (type == fs::file_type::regular && Chance(3)) {
