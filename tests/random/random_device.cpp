@@ -95,7 +95,7 @@ void RandomDevice::MakeEntry(const std::string& path, int depth) {
         device_.Make({path + ">" + Pick(kNames)});
     } else if (kind == 7) {
         device_.Make({path + '|'});
-    } else if (kind == 8 && !lastFile_.empty()) {
+    } else if (kind == 8 && !lastFile_.empty() && !isForFewFiles_) {  // names can count as files
         std::error_code ignored;
         fs::create_hard_link(lastFile_, device_.HostPath(path), ignored);
     } else {

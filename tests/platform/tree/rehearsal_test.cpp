@@ -206,7 +206,7 @@ std::uint64_t FromEnvironment(const char* name, std::uint64_t otherwise) {
 
 TEST_F(RehearsalTest, ForeseesWhatTheRunDoes) {
     const std::uint64_t devices = FromEnvironment("RANDOM_DEVICES", 200);
-    const std::uint64_t firstSeed = FromEnvironment("RANDOM_SEED", std::random_device()());
+    const std::uint64_t firstSeed = FromEnvironment("RANDOM_SEED", 1);
     std::printf("%lu random devices from seed %lu\n", devices, firstSeed);
     Kinds kinds;
     for (std::uint64_t seed = firstSeed; seed < firstSeed + devices; ++seed) {
