@@ -239,8 +239,9 @@ Status RehearsedTree::CheckReadable(const OpenedDirectory& directory, const char
 
 // A new file begins in its directory or else in its volume's root.
 Status RehearsedTree::CheckNewFile(const OpenedDirectory& directory,
-                                   const OpenedDirectory& volume) const {
-    return CheckChange(directory) ? Status() : CheckChange(volume);
+                                   const OpenedDirectory& volume) {
+    const bool isMade = CheckChange(directory) && room_.HasFile(volume.get(), VolumeOf(volume));
+    return isMade ? Status() : CheckChange(volume);
 }
 
 // Whether the file can be deleted when its copy is there: first it is set aside in its volume's
@@ -249,10 +250,11 @@ Status RehearsedTree::CheckDeleting(const FileMove& move) {
     const dev_t volume = VolumeOf(move.from);
     const Result<struct statx> entry = LastLook(move.from, move.name);
     const uid_t owner = entry ? entry->stx_uid : geteuid();
+    const bool isOneMount = AreOnOneMount(move.from, move.fromVolume);  // asks both for their rules
     if (IsOthers(*NodeOf(move.fromVolume), owner)) {
         return Fail("move", EPERM);
     }
-    if (!AreOnOneMount(move.from, move.fromVolume)) {
+    if (!isOneMount) {
         return Fail("move", EXDEV);
     }
     if (Status allowed = CheckChange(move.fromVolume); !allowed) {

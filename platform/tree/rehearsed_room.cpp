@@ -46,13 +46,18 @@ void RehearsedRoom::Volume::Ask(int directory) {
     }
 }
 
-Status RehearsedRoom::Take(int directory, dev_t volume, std::uint64_t size) {
+RehearsedRoom::Volume& RehearsedRoom::AskedFor(int directory, dev_t volume) {
     Volume& room = volumes_[volume];
     if (!room.isAsked) {
         room.Ask(directory);
     }
+    return room;
+}
+
+Status RehearsedRoom::Take(int directory, dev_t volume, std::uint64_t size) {
+    Volume& room = AskedFor(directory, volume);
     const auto wanted = static_cast<std::int64_t>(room.RoomFor(size));
-    if (room.isKnown && (wanted > room.free || room.freeFiles < 1)) {
+    if (!room.HasFile() || (room.isKnown && wanted > room.free)) {
         return Fail("write", ENOSPC);
     }
     room.free -= wanted;

@@ -18,6 +18,9 @@ class RehearsedRoom {
     // everything.
     Status Take(int directory, dev_t volume, std::uint64_t size);
 
+    // Whether there can be one more file, of no bytes. The same for those.
+    bool HasFile(int directory, dev_t volume) { return AskedFor(directory, volume).HasFile(); }
+
     // The bytes that a file of `size` bytes takes.
     std::uint64_t RoomFor(dev_t volume, std::uint64_t size) const {
         const auto found = volumes_.find(volume);
@@ -38,8 +41,11 @@ class RehearsedRoom {
         std::int64_t freeFiles = 0;         // the same, of files and directories
 
         std::uint64_t RoomFor(std::uint64_t size) const;
+        bool HasFile() const { return !isKnown || freeFiles > 0; }
         void Ask(int directory);
     };
+
+    Volume& AskedFor(int directory, dev_t volume);
 
     std::map<dev_t, Volume> volumes_;
 };

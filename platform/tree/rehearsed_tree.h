@@ -96,7 +96,7 @@ class RehearsedTree : public FileTree {
     Status CheckTaking(const OpenedDirectory& directory, const char* name) const;
     bool IsOthers(const RehearsedDirectory& node, uid_t owner) const;
     Status CheckEmpty(const OpenedDirectory& directory, const char* name) const;
-    Status CheckNewFile(const OpenedDirectory& directory, const OpenedDirectory& volume) const;
+    Status CheckNewFile(const OpenedDirectory& directory, const OpenedDirectory& volume);
     Status CheckDeleting(const FileMove& move);
     Status CheckReadable(const OpenedDirectory& directory, const char* name) const;
     dev_t VolumeOf(const OpenedDirectory& directory) const;
