@@ -100,7 +100,8 @@ void RandomDevice::MakeEntry(const std::string& path, int depth) {
         fs::create_hard_link(lastFile_, device_.HostPath(path), ignored);
     } else {
         // As much as there is room for.
-        std::ofstream(device_.HostPath(path)) << std::string(Below(4) * Below(6000), 'x');
+        const std::size_t size = std::size_t{Below(4)} * Below(6000);
+        std::ofstream(device_.HostPath(path)) << std::string(size, 'x');
         if (kind < 11) {
             chmod(device_.HostPath(path).c_str(), 0444);
         }

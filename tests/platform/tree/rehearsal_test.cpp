@@ -279,8 +279,9 @@ class ForgetsWhatMovedIn : public platform::RehearsedTree {
     using RehearsedTree::RehearsedTree;
     std::unique_ptr<platform::DirectoryListing> List(
         const platform::OpenedDirectory& directory) const override {
-        const auto isReal = [this, &directory](const char* name) {
-            return directory.descriptor && FileTree::FactsOf(directory, name).has_value();
+        const auto isReal = [&directory](const char* name) {
+            return directory.descriptor &&
+                   faccessat(directory.get(), name, F_OK, AT_SYMLINK_NOFOLLOW) == 0;
         };
         return std::make_unique<PartOfListing>(RehearsedTree::List(directory), isReal);
     }
