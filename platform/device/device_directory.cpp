@@ -22,9 +22,10 @@ Status CheckMeant(const DeviceDirectory& device) {
     if (!directory || (device.files && !device.tree)) {
         return Fail(kUse, errno);
     }
-    for (const PreciousDirectory& place : PreciousDirectories()) {
-        const Descriptor open = OpenDirectoryPath(place.path);
-        const auto precious = IdentityOf(open.get());
+    for (const PreciousDirectory& place : PreciousDirectories(Homes::Usual)) {
+        struct stat there {};
+        const bool isThere = stat(place.path.c_str(), &there) == 0;
+        const auto precious = isThere ? std::optional(IdentityOf(there)) : std::nullopt;
         if (IsSameFile(directory, precious) || IsSameFile(device.tree, precious)) {
             return FailBecause(kUse, place.isIt);
         }

@@ -23,7 +23,7 @@ constexpr const char* kUseRegistry = "be used as the registry";
 
 // Fails where one of the places that are dear to their owners is the tree or is in it.
 Status CheckNotPrecious(const FileIdentity& tree) {
-    for (const PreciousDirectory& place : PreciousDirectories()) {
+    for (const PreciousDirectory& place : PreciousDirectories(Homes::All)) {
         const Descriptor there = OpenDirectoryPath(place.path);
         const Result<bool> isInside = there ? IsWithin(there.get(), {&tree, 1}) : false;
         if (!isInside) {

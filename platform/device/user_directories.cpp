@@ -28,7 +28,10 @@ std::string HomeOf(uid_t user) {
     return entry != nullptr && entry->pw_dir != nullptr ? entry->pw_dir : "";
 }
 
-std::vector<std::string> HomeDirectories() {
+std::vector<std::string> HomeDirectories(Homes wanted) {
+    if (wanted == Homes::Usual && !Variable("HOME").empty()) {
+        return {Variable("HOME")};
+    }
     std::vector<std::string> homes = {Variable("HOME"), HomeOf(getuid())};
     if (const std::string user = Variable("SUDO_UID"); !user.empty()) {
         homes.push_back(HomeOf(static_cast<uid_t>(std::strtoul(user.c_str(), nullptr, 10))));
@@ -98,10 +101,10 @@ std::vector<std::string> NamesIn(const std::string& path) {
 
 }  // namespace
 
-std::vector<PreciousDirectory> PreciousDirectories() {
+std::vector<PreciousDirectory> PreciousDirectories(Homes homes) {
     std::vector<PreciousDirectory> places = {{"/", "it is the root of this machine's file system",
                                               "the root of this machine's file system is in it"}};
-    for (const std::string& home : HomeDirectories()) {
+    for (const std::string& home : HomeDirectories(homes)) {
         if (!home.empty()) {
             places.push_back({home, "it is your home directory", "your home directory is in it"});
         }
@@ -116,7 +119,7 @@ Descriptor OpenDirectoryPath(const std::string& path) {
 // A relative path in these variables counts as none, as their convention has it.
 std::string StateDirectoryFor(const std::string& path) {
     std::string state = Variable("XDG_STATE_HOME");
-    for (const std::string& home : HomeDirectories()) {
+    for (const std::string& home : HomeDirectories(Homes::All)) {
         if (!state.starts_with('/') && home.starts_with('/')) {
             state = home + "/.local/state";
         }

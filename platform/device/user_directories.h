@@ -17,9 +17,13 @@ struct PreciousDirectory {
     const char* containsIt;
 };
 
-// The root of this machine, and the home directory as the environment names it, as this machine
-// knows it, and that of whoever has become root by sudo.
-std::vector<PreciousDirectory> PreciousDirectories();
+// Whose home directory: the one that the environment names, or else the one that this machine
+// knows; or both, and that of whoever has become root by sudo, which takes the machine's list of
+// users.
+enum class Homes { Usual, All };
+
+// The root of this machine, and the home directories.
+std::vector<PreciousDirectory> PreciousDirectories(Homes homes);
 
 // Opens a directory, to be looked at and to start from. None where there is no such directory.
 Descriptor OpenDirectoryPath(const std::string& path);

@@ -112,7 +112,8 @@ void DeviceRun::SayWhatIsNotRehearsed() {
 
 void DeviceRun::AssembleDevice(std::unique_ptr<Registry> registry) {
     const auto exit = [this](int code) { EndOnTheSpot(code); };
-    isOnReadOnly_ = IsOnReadOnly(device_.directory.get()) || IsOnReadOnly(device_.files.get());
+    isOnReadOnly_ = line_.rehearse &&
+                    (IsOnReadOnly(device_.directory.get()) || IsOnReadOnly(device_.files.get()));
     store_ =
         line_.rehearse
             ? AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),
