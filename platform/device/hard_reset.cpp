@@ -197,7 +197,7 @@ Status CheckErasable(int device) {
     if (!files && !isMissing) {
         return Fail(kErase, files.error().error);
     }
-    if (const Status noCard = isMissing ? Status() : CheckNoCard(*files); !noCard) {
+    if (Status noCard = isMissing ? Status() : CheckNoCard(*files); !noCard) {
         return noCard;
     }
     const bool isAllowed = IsWritable(device, ".") && (isMissing || IsWritable(device, kFilesName));
