@@ -223,12 +223,17 @@ TEST(Program, ASecondRunOnADeviceIsRefused) {
     const Entries before = device.Listing();
     for (const std::string& held : {device.path(), device.files()}) {
         const platform::Descriptor other(open(held.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
         EXPECT_EQ(RunProgram({"--device", device.path(), "--show-settings"}).exitCode, 0);
-        for (const std::string task : {"silent", "--boot", "--", "--set=clean-temp=off"}) {
-            const Outcome outcome = RunProgram({"--device", device.path(), task});
-            EXPECT_EQ(outcome.exitCode, 75) << task;
-            EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
+        // As another run has it, and as a rehearsal.
+        for (const int lock : {LOCK_EX, LOCK_SH}) {
+            ASSERT_EQ(flock(other.get(), lock), 0);
+            for (const std::string task : {"silent", "--boot", "--", "--set=clean-temp=off"}) {
+                const Outcome outcome = RunProgram({"--device", device.path(), task});
+                EXPECT_EQ(outcome.exitCode, 75) << task;
+                EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
+            }
+            EXPECT_EQ(RunProgram({"--device", device.path(), "--rehearse", "silent"}).exitCode,
+                      lock == LOCK_SH ? 0 : 75);
         }
     }
     EXPECT_EQ(device.Listing(), before);
