@@ -28,6 +28,8 @@ LEVELS = 400
 DELETE_CALLS = 2.4  # an entry
 MOVE_CALLS = 2.6  # an entry
 SEARCH_CALLS = 1.1  # an entry
+REHEARSAL_RATIO = 1.3  # of the calls of find
+REHEARSAL_BYTES = 200  # an entry that would be changed, without its name
 CALLS_DRIFT = 0.15  # between one size and ten times that size
 FIND_RATIO = 1.2
 REPORT_RATIO = 1.2
@@ -55,6 +57,7 @@ CLEAN_ROOT_TEMP = 0x4
 CLEAN_FIXED = 0x1C
 CLEAN_REGISTRY = 0x8000
 CLEAN_START_MENU = 0x80000
+MOVE_FAVORITES = 0x10000
 
 SHORTCUTS = 1000
 TARGET_DIRECTORIES = 10
@@ -71,6 +74,10 @@ QUIET_REGISTRY = """Windows Registry Editor Version 5.00\r
 \r
 [HKEY_LOCAL_MACHINE\\System\\GWE\\Menu]\r
 "AniType"=dword:00000006\r
+"""
+FAVORITES_IN_A = """\r
+[HKEY_LOCAL_MACHINE\\Explorer\\Shell Folders]\r
+"Favorites"="\\\\A"\r
 """
 
 
@@ -229,12 +236,19 @@ DELETE = Walk(
 MOVE = Walk(
     "move", "A", False,
     lambda place, device: [place.walk_tree, "move", device.files, "\\A", "\\B\\"])
+REHEARSED_DELETE = Walk(
+    "rehearsal, deleting", "Temp", None,
+    lambda place, device: place.silent_run(device, "--rehearse", "--report"))
+REHEARSED_MOVE = Walk(
+    "rehearsal, moving", "A", None, lambda place, device: rehearse_move(place, device))
 SEARCH = Walk(
     "search", "Temp", None,
     lambda place, device: [place.walk_tree, "search", device.files, "\\Temp"])
 FIND_SIZES = Walk(
     "find, sizes", "Temp", None,
     lambda _, device: ["find", f"{device.files}/Temp", "-printf", "%s\\n"])
+FIND_SIZES_OF_MOVE = Walk(
+    "find, sizes", "A", None, lambda _, device: ["find", f"{device.files}/A", "-printf", "%s\\n"])
 FIND_FILES = Walk(
     "find, files", "Temp", True,
     lambda _, device: ["find", f"{device.files}/Temp", "-type", "f", "-printf", "%s\\n",
@@ -243,6 +257,12 @@ FIND_ALL = Walk(
     "find, all", "Temp", False,
     lambda _, device: ["find", f"{device.files}/Temp", "-mindepth", "1", "-printf", "%s\\n",
                        "-delete"])
+
+
+def rehearse_move(place, device):
+    device.write_registry(QUIET_REGISTRY + FAVORITES_IN_A)
+    device.tick(MOVE_FAVORITES, ("\\B\\",))
+    return place.silent_run(device, "--rehearse", "--report")
 
 
 def walk_once(place, walk, shape, files, how):
@@ -312,6 +332,32 @@ def count_search(place, table):
                                           if shape is USUAL else "")
             table.row("search", shape.title, files, f"{figure:.3f}",
                       f"{calls:,} calls, find {reference:,}", goal, met)
+
+
+def measure_rehearsals(place, table):
+    table.head("Rehearsals", "Calls of the whole process against those of `find DIR -printf '%s\\n'`; peak memory"
+               " in bytes for each entry more.")
+    for walk, find in ((REHEARSED_DELETE, FIND_SIZES), (REHEARSED_MOVE, FIND_SIZES_OF_MOVE)):
+        for shape in SHAPES:
+            measure_rehearsal(place, table, walk, find, shape)
+
+
+def measure_rehearsal(place, table, walk, find, shape):
+    peaks, counts = [], []
+    for files in SIZES:
+        calls, entries = walk_once(place, walk, shape, files, place.calls)
+        reference, _ = walk_once(place, find, shape, files, place.calls)
+        ratio = calls / reference
+        table.row(f"{walk.title}, calls", shape.title, files, f"{ratio:.2f}",
+                  f"{calls:,} calls, find {reference:,}", f"at most {REHEARSAL_RATIO}",
+                  ratio <= REHEARSAL_RATIO)
+        cost, _ = walk_once(place, walk, shape, files, place.cost)
+        peaks.append(cost.peak)
+        counts.append(entries)
+    growth = (peaks[1] - peaks[0]) * 1024 / (counts[1] - counts[0])
+    table.row(f"{walk.title}, memory", shape.title, SIZES[1], f"{growth:.0f}",
+              f"{peaks[0]:,} KiB, then {peaks[1]:,}", f"at most {REHEARSAL_BYTES}",
+              growth <= REHEARSAL_BYTES)
 
 
 def measure_memory(place, table):
@@ -583,6 +629,7 @@ def main():
     print(f"{os.cpu_count()} cores, {platform.system()} {platform.release()}")
     count_calls(place, table)
     count_search(place, table)
+    measure_rehearsals(place, table)
     measure_memory(place, table)
     measure_idle(place, table, arguments.idle_runs)
     count_syncs(place, table)

@@ -40,12 +40,11 @@ struct WIN32_FIND_DATA {
 DWORD GetLastError();
 
 // Starts a search for the entries that `pattern` names and puts the first one into `data`. The last
-// component may hold the wildcards "*" and "?"; full stops and "*" at its end also match nothing,
-// so that "*.*" matches every entry and "a.*" also "a". A pattern without a wildcard names one
-// entry, the directory itself if it ends in a backslash; "\" names the root, whose `cFileName` is
-// empty. Returns a handle for FindNextFileW that the caller closes with FindClose, or
-// INVALID_HANDLE_VALUE if nothing matches, which is "not there", or if the directory cannot be
-// read.
+// component may hold the wildcards "*" and "?"; ".*" at the end also matches nothing, so that "*.*"
+// matches every entry and "a.*" also "a". A pattern without a wildcard names one entry, the
+// directory itself if it ends in a backslash; "\" names the root, whose `cFileName` is empty.
+// Returns a handle for FindNextFileW that the caller closes with FindClose, or INVALID_HANDLE_VALUE
+// if nothing matches, which is "not there", or if the directory cannot be read.
 HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data);
 
 // Puts the next entry into `data` and returns nonzero. Zero with ERROR_NO_MORE_FILES at the end,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <span>
 
@@ -37,14 +38,22 @@ inline constexpr std::uint32_t OPT_SEARCH_CUSTOM = 0x1000000;
 // The value that is stored for an option besides its bit: none, a text or a position.
 enum class OptionKind { Flag, Text, Combo, Slider };
 
+// The positions of a list or slider in words.
+using PositionWords = std::array<const char*, 3>;
+
 struct Option {
     std::uint32_t bit;
+    // The words of its check box, so that who knows the window knows the name; where those are a
+    // path or a pattern, with the verb of their part of the page in front. Never changed: scripts
+    // have it.
+    const char* name;
     UINT screen;
     UINT item;  // of the check box, in its screen's control list
     OptionKind kind;
     UINT valueItem = 0;                           // of the control with the value, if it has one
     SettingsText CSettings::*text = nullptr;      // kind Text
     std::int32_t CSettings::*position = nullptr;  // kinds Combo and Slider
+    const PositionWords* words = nullptr;         // the same
 };
 
 // All options, in the order of the screens and of the items within them. Controls are captured and

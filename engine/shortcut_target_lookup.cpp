@@ -61,10 +61,12 @@ void LookUpUnquoted(WideView text, EntryLookup& lookup) {
     };
     std::stable_sort(paths.begin(), paths.end(),
                      [&](auto left, auto right) { return likelihood(left) < likelihood(right); });
-    std::any_of(paths.begin(), paths.end(), [&](WideView path) {
+    for (const WideView path : paths) {
         const bool isPart = path.size() < text.size();
-        return !(isPart && HasWildcard(path)) && Find(path, lookup);
-    });
+        if (!(isPart && HasWildcard(path)) && Find(path, lookup)) {
+            return;
+        }
+    }
 }
 
 // The handheld itself, given a path without quotes, puts quotes around its first word alone.

@@ -10,13 +10,15 @@
 #include <new>
 #include <string_view>
 
+#include "platform/command_line/command_line.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/boot.h"
-#include "platform/host/command_line.h"
 #include "platform/host/device_choice.h"
 #include "platform/host/device_run.h"
 #include "platform/host/help_viewer_process.h"
 #include "platform/host/make_sample_device.h"
+#include "platform/host/settings_commands.h"
+#include "platform/host/several_devices.h"
 
 namespace {
 
@@ -40,14 +42,14 @@ void OccupyStandardStreams() {
     close(stream);
 }
 
-const char* g_device = "";  // as its user named it
+const CommandLine* g_line = nullptr;  // null until it is read
 
 // Memory cannot run out in the middle of anything that would have to be undone: what is stored
 // whole stays so however the process ends. Going on, or leaving through the toolkit, could not be
 // relied on.
 void EndWithoutMemory() {
     for (const std::string_view part :
-         {"fennelbright: ", g_device,
+         {"fennelbright: ", g_line != nullptr ? g_line->device.c_str() : "",
           ": out of memory; what had not been stored by then is lost\n"}) {
         [[maybe_unused]] const ssize_t written = write(STDERR_FILENO, part.data(), part.size());
     }
@@ -76,13 +78,16 @@ int RunTask(CommandLine& line) {
             return 0;
         case CommandLine::Task::Boot:
             return platform::BootDevice(line);
+        case CommandLine::Task::Settings:
+            return platform::RunSettingsCommands(line);
         case CommandLine::Task::MakeSampleDevice:
             return platform::RunMakeSampleDevice(line);
         case CommandLine::Task::ShowHelpPage:
             return platform::RunHelpViewer(line);
         case CommandLine::Task::Run:
-            return line.device.empty() ? platform::RunOnChosenDevice(line)
-                                       : platform::RunOnDevice(line);
+            return line.device.empty()           ? platform::RunOnChosenDevice(line)
+                   : line.furtherDevices.empty() ? platform::RunOnDevice(line)
+                                                 : platform::RunOnSeveralDevices(line);
     }
     return EX_SOFTWARE;
 }
@@ -98,6 +103,6 @@ int main(int count, char** words) {
                                  platform::ReasonOf(line.error()) + "; see fennelbright --help");
         return EX_USAGE;
     }
-    g_device = line->device.c_str();
+    g_line = &*line;
     return RunTask(*line);
 }

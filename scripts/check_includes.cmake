@@ -7,8 +7,8 @@ cmake_minimum_required(VERSION 3.25)
 # Lowest first. Nothing includes the toolkit's folders, which are loaded as a module.
 set(program core search browser screens settings engine shell)
 set(folders ${program}
-  platform/text platform/diagnostics platform/io platform/moves platform/seam platform/files
-  platform/registry/text platform/registry platform/display platform/device platform/report
+  platform/text platform/diagnostics platform/io platform/moves platform/tree platform/seam platform/files
+  platform/registry/text platform/registry platform/display platform/sample platform/device platform/report platform/command_line
   platform/host platform
   platform/qt/base platform/qt/controls platform/qt/screen platform/qt/desktop platform/qt)
 

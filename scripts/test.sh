@@ -18,8 +18,13 @@ run_tests() {
   ctest --preset "$1"
 }
 
+if [ "${1-}" = quick ]; then
+  run_tests release -DBUILD_TESTING=ON
+  exit
+fi
 run_tests release -DBUILD_TESTING=ON
-[ "${1-}" = quick ] && exit
+printf '\n== Rehearsals of random devices\n'
+RANDOM_DEVICES=2000 build/release/tests/rehearsal_test --gtest_brief=1
 run_tests sanitized -DBUILD_TESTING=ON
 run_tests fuzzing
 

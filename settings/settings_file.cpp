@@ -16,29 +16,13 @@ namespace {
 constexpr const WCHAR* kSettingsName = TEXT("settings.dat");
 constexpr std::size_t kExecutableNameLength = 16;  // "Fennelbright.exe"
 
-// The executable's directory is its path less the length of the name it is installed under.
-bool BuildSettingsPath(PathText& path) {
-    PathText directory{};
-    const DWORD length = GetModuleFileNameW(nullptr, directory.data(), kTextCapacity);
-    if (length < kExecutableNameLength) {
+bool FindSettingsOrSay(PathText& path) {
+    if (!FindSettings(path)) {
         MessageBoxW(nullptr, TEXT("Failed retrieving application directory"), TEXT("Error!!!"),
                     MB_OK);
         return false;
     }
-    directory[length - kExecutableNameLength] = 0;
-    return FormatText(path, TEXT("%s%s"), {directory.data(), kSettingsName});
-}
-
-// In an unattended run no user sees that nothing is ticked.
-std::FILE* OpenSettingsForReading(PathText& path) {
-    if (!BuildSettingsPath(path)) {
-        return nullptr;
-    }
-    std::FILE* const file = _wfopen(path.data(), TEXT("rb"));
-    if (file == nullptr && g_Silent) {
-        NoteNoSettings(path.data());
-    }
-    return file;
+    return true;
 }
 
 std::optional<std::uint32_t> ReadNumber(std::FILE* file) {
@@ -50,28 +34,55 @@ std::optional<std::uint32_t> ReadNumber(std::FILE* file) {
            static_cast<std::uint32_t>(bytes[2]) << 16 | static_cast<std::uint32_t>(bytes[3]) << 24;
 }
 
+// The values after the mask, one after the other. After a damaged one the next could begin
+// anywhere, so none is read.
+class Items {
+  public:
+    explicit Items(std::FILE* file) : file_(file) {}
+
+    bool areWhole() const { return inStep_ && !isCut_; }
+
+    // Null if the file does not hold the whole text: a cut path names another directory.
+    SettingsText NextText() {
+        SettingsText text = inStep_ ? ReadText() : nullptr;
+        inStep_ = text != nullptr;
+        return text;
+    }
+
+    std::int32_t NextPosition() {
+        const auto number = inStep_ ? ReadNumber(file_) : std::optional<std::uint32_t>();
+        inStep_ = number.has_value();
+        return static_cast<std::int32_t>(number.value_or(0));
+    }
+
+  private:
+    SettingsText ReadText() {
+        const std::optional<std::uint32_t> count = ReadNumber(file_);
+        if (!count || *count >= kTextCapacity) {
+            return nullptr;
+        }
+        std::array<unsigned char, 2 * kTextCapacity> bytes{};
+        if (std::fread(bytes.data(), 2, *count, file_) != *count) {
+            return nullptr;
+        }
+        SettingsText text = NewSettingsText();
+        for (std::size_t index = 0; index < *count; ++index) {
+            text[index] = static_cast<WCHAR>(bytes[2 * index] | bytes[2 * index + 1] << 8);
+        }
+        isCut_ = isCut_ || wcslen(text.get()) != *count;
+        return text;
+    }
+
+    std::FILE* file_;
+    bool inStep_ = true;
+    bool isCut_ = false;  // a text has its end inside of it
+};
+
 void WriteNumber(std::FILE* file, std::uint32_t number) {
     const std::array<unsigned char, 4> bytes = {
         static_cast<unsigned char>(number), static_cast<unsigned char>(number >> 8),
         static_cast<unsigned char>(number >> 16), static_cast<unsigned char>(number >> 24)};
     std::fwrite(bytes.data(), bytes.size(), 1, file);
-}
-
-// Null if the file does not hold the whole text: a cut path names another directory.
-SettingsText ReadText(std::FILE* file) {
-    const std::optional<std::uint32_t> count = ReadNumber(file);
-    if (!count || *count >= kTextCapacity) {
-        return nullptr;
-    }
-    std::array<unsigned char, 2 * kTextCapacity> bytes{};
-    if (std::fread(bytes.data(), 2, *count, file) != *count) {
-        return nullptr;
-    }
-    SettingsText text = NewSettingsText();
-    for (std::size_t index = 0; index < *count; ++index) {
-        text[index] = static_cast<WCHAR>(bytes[2 * index] | bytes[2 * index + 1] << 8);
-    }
-    return text;
 }
 
 void WriteText(std::FILE* file, const WCHAR* text) {
@@ -84,62 +95,74 @@ void WriteText(std::FILE* file, const WCHAR* text) {
     }
 }
 
-// After a damaged text the next item could begin anywhere, so nothing after it is read. Returns
-// whether all texts were whole.
-bool ReadTexts(std::FILE* file, std::uint32_t mask, CSettings& settings) {
-    bool inStep = true;
+// Returns whether the file holds exactly what the mask asks for, or at least begins with it.
+bool ReadValues(std::FILE* file, std::uint32_t mask, CSettings& settings) {
+    Items items{file};
     for (const Option& option : AllOptions()) {
         if (option.text != nullptr && (mask & option.bit) != 0) {
-            SettingsText& text = settings.*option.text;
-            text = inStep ? ReadText(file) : nullptr;
-            inStep = text != nullptr;
+            settings.*option.text = items.NextText();
         }
     }
-    return inStep;
-}
-
-// Returns whether all positions were there.
-bool ReadPositions(std::FILE* file, std::uint32_t mask, CSettings& settings, bool inStep) {
     for (const Option& option : AllOptions()) {
         if (option.position != nullptr && (mask & option.bit) != 0) {
-            const std::optional<std::uint32_t> number =
-                inStep ? ReadNumber(file) : std::optional<std::uint32_t>();
-            inStep = number.has_value();
-            settings.*option.position = static_cast<std::int32_t>(number.value_or(0));
+            settings.*option.position = items.NextPosition();
         }
     }
-    return inStep;
-}
-
-// Returns whether the file holds everything that the mask asks for.
-bool ReadValues(std::FILE* file, std::uint32_t mask, CSettings& settings) {
-    const bool hasTexts = ReadTexts(file, mask, settings);
-    return ReadPositions(file, mask, settings, hasTexts);
+    return items.areWhole();
 }
 
 }  // namespace
 
+bool FindSettings(PathText& path) {
+    PathText directory{};
+    const DWORD length = GetModuleFileNameW(nullptr, directory.data(), kTextCapacity);
+    if (length < kExecutableNameLength) {
+        return false;
+    }
+    // Its path less the length of the name it is installed under.
+    directory[length - kExecutableNameLength] = 0;
+    return FormatText(path, TEXT("%s%s"), {directory.data(), kSettingsName});
+}
+
+SettingsRead ReadSettings(const PathText& path, CSettings& settings, std::uint32_t& mask) {
+    std::FILE* const file = _wfopen(path.data(), TEXT("rb"));
+    if (file == nullptr) {
+        return SettingsRead::NotOpened;
+    }
+    const std::optional<std::uint32_t> number = ReadNumber(file);
+    mask = number.value_or(0);
+    const bool hasAll = ReadValues(file, mask, settings) && number;
+    const bool isRead = std::ferror(file) == 0;
+    const bool isWhole = hasAll && std::fgetc(file) == EOF;
+    std::fclose(file);
+    if (!isRead) {
+        return SettingsRead::Unreadable;
+    }
+    return isWhole ? SettingsRead::Whole : SettingsRead::Damaged;
+}
+
 std::int32_t LoadSettings(CSettings& settings) {
     PathText path{};
-    std::FILE* const file = OpenSettingsForReading(path);
-    if (file == nullptr) {
+    std::uint32_t mask = 0;
+    const bool isFound = FindSettingsOrSay(path);
+    const SettingsRead read =
+        isFound ? ReadSettings(path, settings, mask) : SettingsRead::NotOpened;
+    if (read == SettingsRead::NotOpened) {
+        // In an unattended run no user sees that nothing is ticked.
+        if (g_Silent && isFound) {
+            NoteNoSettings(path.data());
+        }
         if (!g_Silent) {
             TickFirstRunDefault();
         }
         return kNoMask;
     }
-    const std::optional<std::uint32_t> number = ReadNumber(file);
-    const std::uint32_t mask = number.value_or(0);
     const auto result = static_cast<std::int32_t>(mask);
     // An unattended run would take that mask for the failure that it also stands for.
-    const bool takesValues = result != kNoMask || !g_Silent;
-    const bool hasAll = takesValues && ReadValues(file, mask, settings) && number;
-    const bool isRead = std::ferror(file) == 0;
-    const bool isWhole = hasAll && std::fgetc(file) == EOF;
-    std::fclose(file);
-    if (!isRead) {
+    const bool isRefused = g_Silent && result == kNoMask;
+    if (read == SettingsRead::Unreadable) {
         NoteSettingsNotRead(path.data());
-    } else if (!isWhole) {
+    } else if (read == SettingsRead::Damaged || isRefused) {
         NoteSettingsDamaged(path.data());
     }
     if (!g_Silent) {
@@ -147,7 +170,7 @@ std::int32_t LoadSettings(CSettings& settings) {
     }
     // Some steps always run and do the opposite for an option that is not ticked, so a silent run
     // must not go by a part of the mask.
-    return isRead || !g_Silent ? result : kNoMask;
+    return read != SettingsRead::Unreadable || !g_Silent ? result : kNoMask;
 }
 
 void SaveSettings(CSettings& settings) {
@@ -164,7 +187,7 @@ void SaveSettings(CSettings& settings) {
 
 std::FILE* OpenSettingsForWriting() {
     PathText path{};
-    return BuildSettingsPath(path) ? _wfopen(path.data(), TEXT("wb")) : nullptr;
+    return FindSettingsOrSay(path) ? _wfopen(path.data(), TEXT("wb")) : nullptr;
 }
 
 void WriteSettings(std::FILE* file, std::uint32_t mask, CSettings& settings) {

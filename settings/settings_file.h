@@ -4,14 +4,30 @@
 #include <cstdio>
 
 #include "core/settings_record.h"
+#include "core/wide_text.h"
 
 // What LoadSettings returns if there is no mask. None of its bits stands for an option.
 inline constexpr std::int32_t kNoMask = -1;
 
-// Reads "settings.dat", which lies beside the executable, and returns its option mask. Every text
-// and position whose bit is set goes into `settings`; a text that the file does not hold whole
-// stays null, as does every text after it, and positions that are missing become 0. The interactive
-// run then copies everything into the controls, which releases the texts. Returns kNoMask if the
+// How much of "settings.dat" could be read.
+enum class SettingsRead {
+    Whole,
+    Damaged,     // it holds less than its mask asks for, or more
+    Unreadable,  // it cannot be read to its end
+    NotOpened,   // GetLastError has the reason
+};
+
+// Puts the path of "settings.dat", which lies beside the executable, into `path`. False where the
+// executable's path is not known or too short.
+bool FindSettings(PathText& path);
+
+// Reads the file `path`. Every text and position whose bit is set in `mask` goes into `settings`; a
+// text that the file does not hold whole stays null, as does every text after it, and positions
+// that are missing become 0. Where the file cannot be opened both are left alone.
+SettingsRead ReadSettings(const PathText& path, CSettings& settings, std::uint32_t& mask);
+
+// Reads "settings.dat" as ReadSettings does and returns its option mask. The interactive run then
+// copies everything into the controls, which releases the texts. Returns kNoMask if the
 // file cannot be opened: `settings` is left alone then, and the interactive run ticks the default
 // of the first run. A mask with all bits set has the same value as kNoMask; a silent run takes no
 // options from it, nor from a file that cannot be read to its end.

@@ -1,12 +1,13 @@
-// Runs the program on a sample device without a display and takes pictures at twice the handheld's
-// size: of every page, of every menu, of the lists and the folder browser, and of what "Apply",
-// "Power" and "Help" show.
+// Runs the program on a sample device without a display and takes pictures: of every page, of every
+// menu, of the lists and the folder browser, and of what "Apply", "Power" and "Help" show. SCALE is
+// the number of their pixels for a pixel of the handheld, 2 if none is given.
 //
-//     take_pictures FOLDER
+//     take_pictures FOLDER [SCALE]
 
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
+#include <QFile>
 #include <QLabel>
 #include <QListView>
 #include <QMenu>
@@ -26,10 +27,10 @@
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/sample_files.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/host/make_sample_device.h"
 #include "platform/qt/desktop/help_window.h"
+#include "platform/sample/sample_files.h"
 #include "platform/seam/forwarding_store.h"
 #include "shell/help_page.h"
 
@@ -38,8 +39,9 @@ extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
 
 namespace {
 
-constexpr double kScale = 2;
-constexpr QSize kPictureSize{480, 640};
+constexpr int kUsualScale = 2;
+constexpr QSize kScreenSize{240, 320};
+constexpr int kDisplaySide = 400;
 
 QWidget& Host() {
     for (QWidget* const window : QApplication::topLevelWidgets()) {
@@ -177,7 +179,7 @@ class Photographer {
     // The screen, with the menu that is open on it.
     void SaveScreen(const QString& name) {
         QPixmap screen = Host().grab();
-        complete_ = complete_ && screen.size() == kPictureSize;
+        complete_ = complete_ && screen.size() == kScreenSize * screen.devicePixelRatio();
         if (QWidget* const menu = QApplication::activePopupWidget()) {
             QPainter(&screen).drawPixmap(Host().mapFromGlobal(menu->pos()), menu->grab());
         }
@@ -212,11 +214,24 @@ class WatchedStore : public platform::ForwardingStore {
     std::function<void()> beforeSearch_;
 };
 
+// Describes a display that has room for the boxes and menus, in a file whose name is returned.
+QByteArray DisplayFile(const QTemporaryDir& scratch, int scale) {
+    QFile file(scratch.filePath(QStringLiteral("display.json")));
+    if (file.open(QFile::WriteOnly)) {
+        const QByteArray side = QByteArray::number(kDisplaySide * scale);
+        file.write(R"({"screens": [{"name": "one", "x": 0, "y": 0, "width": )" + side +
+                   R"(, "height": )" + side +
+                   R"(, "logicalDpi": 96, "logicalBaseDpi": 96, "dpr": 1}]})");
+    }
+    return file.fileName().toUtf8();
+}
+
 }  // namespace
 
 int main(int count, char** words) {
-    if (count != 2) {
-        std::fputs("Usage: take_pictures FOLDER\n", stderr);
+    const int scale = count == 3 ? QByteArray(words[2]).toInt() : kUsualScale;
+    if (count < 2 || count > 3 || scale < 1) {
+        std::fputs("Usage: take_pictures FOLDER [SCALE]\n", stderr);
         return 64;
     }
     const QTemporaryDir scratch;
@@ -229,8 +244,8 @@ int main(int count, char** words) {
     auto device = platform::OpenDeviceDirectory(sample.device.c_str()).value();
     platform::AssembledDevice store(std::move(device.files), sample.modulePath,
                                     platform::Registry::Open(device.directory.get()).value());
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", kScale);
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + DisplayFile(scratch, scale));
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device", scale);
     const std::unique_ptr<platform::DisplayWindowSystem> windows(FennelbrightMakeWindows(&params));
     Photographer photographer(QString::fromUtf8(words[1]));
     WatchedStore watched(store, [&photographer] { photographer.LookAtSearch(); });

@@ -1,12 +1,11 @@
 #include "platform/device/device_directory.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/stat.h>
 
 #include <cerrno>
-#include <cstdlib>
 
+#include "platform/device/user_directories.h"
 #include "platform/io/directory_reader.h"
 #include "platform/io/file_identity.h"
 #include "platform/io/open_beneath.h"
@@ -17,53 +16,21 @@ namespace {
 
 constexpr const char* kUse = "be used as a device directory";
 
-const char* HomeDirectory() {
-    const char* const home = std::getenv("HOME");
-    if (home != nullptr && *home != '\0') {
-        return home;
-    }
-    const passwd* const user = getpwuid(getuid());
-    return user != nullptr ? user->pw_dir : nullptr;
-}
-
-struct Refused {
-    const char* path;
-    const char* reason;
-};
-
 // Fails where the directory or its files are a place that cannot be meant as a device.
 Status CheckMeant(const DeviceDirectory& device) {
-    const Refused places[] = {{"/", "it is the root of this machine's file system"},
-                              {HomeDirectory(), "it is your home directory"}};
     const auto directory = IdentityOf(device.directory.get());
-    const auto files = device.files ? IdentityOf(device.files.get()) : std::nullopt;
-    if (!directory || (device.files && !files)) {
+    if (!directory || (device.files && !device.tree)) {
         return Fail(kUse, errno);
     }
-    for (const Refused& place : places) {
+    for (const PreciousDirectory& place : PreciousDirectories(Homes::Usual)) {
         struct stat there {};
-        const bool isThere = place.path != nullptr && stat(place.path, &there) == 0;
-        const auto refused = isThere ? std::optional(IdentityOf(there)) : std::nullopt;
-        if (IsSameFile(directory, refused) || IsSameFile(files, refused)) {
-            return FailBecause(kUse, place.reason);
+        const bool isThere = stat(place.path.c_str(), &there) == 0;
+        const auto precious = isThere ? std::optional(IdentityOf(there)) : std::nullopt;
+        if (IsSameFile(directory, precious) || IsSameFile(device.tree, precious)) {
+            return FailBecause(kUse, place.isIt);
         }
     }
     return {};
-}
-
-// Readable where that is allowed, because only such a descriptor can be locked.
-Result<Descriptor> OpenFiles(const Descriptor& device) {
-    Result<Descriptor> files = Fail("open", ENOENT);
-    for (const int access : {O_RDONLY, O_PATH}) {
-        files = OpenBeneath(device.get(), kFilesName, access | O_DIRECTORY, Mounts::Entered);
-        if (files || files.error().error != EACCES) {
-            break;
-        }
-    }
-    if (!files) {
-        files.error().tried = "be used as a directory";
-    }
-    return files;
 }
 
 // Whether it is the file tree of a device, named in place of the device.
@@ -74,12 +41,9 @@ bool IsFilesOfDevice(const Descriptor& directory) {
 
 // Whether the device may do without a file tree: it is only missing, and the registry is there.
 Status CheckWithoutFiles(const Descriptor& device, const Failure& missing) {
-    if (missing.error == ENOSYS) {
-        return FailBecause(
-            kUse, "this kernel is too old: it needs the system call openat2, of Linux 5.6");
-    }
     if (missing.error != ENOENT) {
-        return FailOf(missing, "its \"files\"");
+        return missing.reason != nullptr ? tl::unexpected<Failure>(missing)
+                                         : FailOf(missing, "its \"files\"");
     }
     struct stat registry {};
     if (fstatat(device.get(), kRegistryName, &registry, AT_SYMLINK_NOFOLLOW) != 0) {
@@ -113,14 +77,34 @@ Result<DeviceDirectory> OpenDirectory(const char* path) {
 
 }  // namespace
 
+Result<Descriptor> OpenFileTree(int parent, const char* name) {
+    constexpr const char* kOpen = "be used as a directory";
+    Result<Descriptor> files = Fail(kOpen, ENOENT);
+    for (const int access : {O_RDONLY, O_PATH}) {
+        files = OpenBeneath(parent, name, access | O_DIRECTORY, Mounts::Entered);
+        if (files || files.error().error != EACCES) {
+            break;
+        }
+    }
+    if (files) {
+        return files;
+    }
+    return files.error().error == ENOSYS
+               ? FailBecause(kOpen,
+                             "this kernel is too old: it needs the system call openat2, of "
+                             "Linux 5.6")
+               : Fail(kOpen, files.error().error);
+}
+
 Result<DeviceDirectory> OpenDeviceDirectory(const char* path) {
     Result<DeviceDirectory> device = OpenDirectory(path);
     if (!device) {
         return device;
     }
-    Result<Descriptor> files = OpenFiles(device->directory);
+    Result<Descriptor> files = OpenFileTree(device->directory.get(), kFilesName);
     Status found = files ? Status() : CheckWithoutFiles(device->directory, files.error());
     device->files = std::move(files).value_or(Descriptor());
+    device->tree = device->files ? IdentityOf(device->files.get()) : std::nullopt;
     const Status meant = CheckMeant(*device);
     if (!meant || !found) {
         return tl::unexpected<Failure>(meant ? found.error() : meant.error());
@@ -144,7 +128,7 @@ Result<DeviceDirectory> MakeDeviceDirectory(const char* path) {
     if (mkdirat(device->directory.get(), kFilesName, 0777) != 0) {
         return Fail("be made", errno);
     }
-    Result<Descriptor> files = OpenFiles(device->directory);
+    Result<Descriptor> files = OpenFileTree(device->directory.get(), kFilesName);
     if (!files) {
         return tl::unexpected<Failure>(files.error());
     }

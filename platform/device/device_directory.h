@@ -1,21 +1,31 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "platform/diagnostics/failure.h"
 #include "platform/io/descriptor.h"
+#include "platform/io/file_identity.h"
+#include "platform/registry/registry_file_on_disk.h"
 
 namespace platform {
 
-// What a device directory has in it: the handheld's file tree and its registry, or one of them.
+// What a device directory has in it besides its registry, or instead: the handheld's file tree.
 inline constexpr char kFilesName[] = "files";
-inline constexpr char kRegistryName[] = "registry.reg";
 
-// An open device directory.
+// An open device: a device directory, or two halves that lie anywhere.
 struct DeviceDirectory {
-    Descriptor directory;
-    Descriptor files;  // the root of its file tree; none where the device has only a registry
+    Descriptor directory;  // where its registry is; none of a half without one
+    Descriptor files;      // the root of its file tree; none where the device has only a registry
+    std::optional<FileIdentity> tree;  // which directory `files` is, also when that is given away
+    std::string registryName = kRegistryName;
+    bool isByHalves = false;  // nothing but files and registry is the device's
+    std::string statePath;    // of a device by halves: for what is kept of its runs; empty: nowhere
 };
+
+// Opens a file tree, `name` beneath the open directory `parent`: readable where that is allowed,
+// because only such a descriptor can be locked.
+Result<Descriptor> OpenFileTree(int parent, const char* name);
 
 // Opens the device directory `path`. Fails when it is missing, does not look like a device, or is a
 // directory that cannot be meant.

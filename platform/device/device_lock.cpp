@@ -11,12 +11,13 @@ namespace platform {
 namespace {
 
 // False when another run has it.
-Result<bool> Lock(const Descriptor& directory) {
-    if (flock(directory.get(), LOCK_EX | LOCK_NB) == 0) {
+Result<bool> Lock(const Descriptor& directory, LockKind kind) {
+    const int wanted = kind == LockKind::Shared ? LOCK_SH : LOCK_EX;
+    if (flock(directory.get(), wanted | LOCK_NB) == 0) {
         return true;
     }
     if (errno == EBADF) {
-        return FailBecause("lock it", "its \"files\" cannot be opened for reading");
+        return FailBecause("lock it", "its files cannot be opened for reading");
     }
     if (errno != EWOULDBLOCK) {
         return Fail("lock it", errno);
@@ -27,12 +28,12 @@ Result<bool> Lock(const Descriptor& directory) {
 }  // namespace
 
 // A lock belongs to an opening of a directory, so one directory in both parts is locked once.
-Result<bool> LockDevice(const DeviceDirectory& device) {
-    Result<bool> locked = Lock(device.directory);
+Result<bool> LockDevice(const DeviceDirectory& device, LockKind kind) {
+    Result<bool> locked = device.directory ? Lock(device.directory, kind) : Result<bool>(true);
     if (!locked || !*locked || !device.files) {
         return locked;
     }
-    Result<bool> both = Lock(device.files);
+    Result<bool> both = Lock(device.files, kind);
     return both && !*both
                ? IsSameFile(IdentityOf(device.directory.get()), IdentityOf(device.files.get()))
                : both;

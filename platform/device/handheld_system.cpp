@@ -66,9 +66,22 @@ Status HandheldSystem::Restart() {
 
 // What is stored after it would be stored on the erased device.
 Status HandheldSystem::Erase() {
+    if (!canBeErased_) {
+        return FailBecause("erase the device",
+                           "its files and its registry were named one by one, without a device "
+                           "directory to keep the old ones in",
+                           ERROR_NOT_SUPPORTED);
+    }
     Status possible = parts_.guard.CheckStorable();
     possible = possible ? parts_.registry.StoreRegistry() : possible;
     if (!possible) {
+        return possible;
+    }
+    if (parts_.registry.isRehearsed()) {
+        possible = CheckErasable(parts_.registry.directory());
+        if (possible) {
+            LogInUse::Current().Say("the device would be erased here");
+        }
         return possible;
     }
     const Result<std::string> folder = EraseDevice(parts_.registry.directory(), Today());

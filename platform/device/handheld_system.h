@@ -26,6 +26,9 @@ class HandheldSystem : public DeviceSystem {
     HandheldSystem(const Parts& parts, std::u16string modulePath, std::function<void()> restart)
         : parts_(parts), modulePath_(std::move(modulePath)), restart_(std::move(restart)) {}
 
+    // Refuses to erase a device whose parts have no directory of their own.
+    void KeepFromErasing() { canBeErased_ = false; }
+
     // Gives the device a help viewer; without one there is no program to be started on it.
     void OfferHelp(std::unique_ptr<HelpViewers> viewers) { viewers_ = std::move(viewers); }
 
@@ -50,7 +53,8 @@ class HandheldSystem : public DeviceSystem {
     std::u16string modulePath_;
     std::function<void()> restart_;
     std::unique_ptr<HelpViewers> viewers_;  // null where there is no display
-    bool erases_ = false;                   // the next restart does
+    bool canBeErased_ = true;
+    bool erases_ = false;  // the next restart does
 };
 
 }  // namespace platform

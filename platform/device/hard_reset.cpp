@@ -14,6 +14,7 @@
 #include "platform/io/descriptor.h"
 #include "platform/io/directory_reader.h"
 #include "platform/io/entry_facts.h"
+#include "platform/io/open_beneath.h"
 #include "platform/io/rename_without_replacing.h"
 #include "platform/io/whole_file.h"
 #include "platform/text/readable_text.h"
@@ -32,6 +33,26 @@ Status RefuseCard(const std::string& name) {
     return FailOf({kErase, {}, 0, "a file system is mounted there", ERROR_SHARING_VIOLATION}, name);
 }
 
+Status CheckNoCard(const Descriptor& files) {
+    if (IsMountPoint(files.get(), "")) {
+        return RefuseCard(kFilesName);
+    }
+    Status cards;
+    const auto isNoCard = [&](const DirectoryReader::Entry& entry) {
+        if (IsMountPoint(files.get(), entry.name)) {
+            cards = RefuseCard(ReadableBytes(std::string("\\").append(entry.name)));
+        }
+        return cards.has_value();
+    };
+    const Result<bool> read = ReadEntries(files.get(), DirectoryReader::Names::All, isNoCard);
+    return read ? cards : Status(tl::unexpected<Failure>(read.error()));
+}
+
+// A file system that is read-only is met later, by what is made first.
+bool IsWritable(int directory, const char* name) {
+    return faccessat(directory, name, W_OK | X_OK, AT_EACCESS) == 0 || errno == EROFS;
+}
+
 // The steps of one erasing, and how each one is undone.
 class Erasing {
   public:
@@ -45,7 +66,6 @@ class Erasing {
         void (Erasing::*undo)();
     };
 
-    Status Check() const;
     Status EnsureRegistry();
     Status MakeFolder();
     Status OpenFolder();
@@ -80,7 +100,7 @@ class Erasing {
 };
 
 Result<std::string> Erasing::CarryOut() {
-    if (const Status allowed = Check(); !allowed) {
+    if (const Status allowed = CheckErasable(device_); !allowed) {
         return tl::unexpected<Failure>(allowed.error());
     }
     for (const Step* step = std::begin(kSteps); step != std::end(kSteps); ++step) {
@@ -96,25 +116,6 @@ Result<std::string> Erasing::CarryOut() {
         [[maybe_unused]] const Status stored = SyncEntries(directory);
     }
     return name_;
-}
-
-Status Erasing::Check() const {
-    const Descriptor files = OpenDirectory(device_, kFilesName);
-    if (!files) {
-        return errno == ENOENT ? Status() : Fail(kErase, errno);
-    }
-    if (IsMountPoint(files.get(), "")) {
-        return RefuseCard(kFilesName);
-    }
-    Status cards;
-    const auto isNoCard = [&](const DirectoryReader::Entry& entry) {
-        if (IsMountPoint(files.get(), entry.name)) {
-            cards = RefuseCard(ReadableBytes(std::string("\\").append(entry.name)));
-        }
-        return cards.has_value();
-    };
-    const Result<bool> read = ReadEntries(files.get(), DirectoryReader::Names::All, isNoCard);
-    return read ? cards : Status(tl::unexpected<Failure>(read.error()));
 }
 
 Status Erasing::EnsureRegistry() {
@@ -188,6 +189,20 @@ Status Erasing::MoveRegistry() {
 }
 
 }  // namespace
+
+Status CheckErasable(int device) {
+    const Result<Descriptor> files = OpenBeneathToRead(device, kFilesName, O_DIRECTORY | O_NONBLOCK,
+                                                       Mounts::Entered, AccessTime::Kept);
+    const bool isMissing = !files && files.error().error == ENOENT;
+    if (!files && !isMissing) {
+        return Fail(kErase, files.error().error);
+    }
+    if (Status noCard = isMissing ? Status() : CheckNoCard(*files); !noCard) {
+        return noCard;
+    }
+    const bool isAllowed = IsWritable(device, ".") && (isMissing || IsWritable(device, kFilesName));
+    return isAllowed ? Status() : Fail(kErase, errno);
+}
 
 Result<std::string> EraseDevice(int device, const std::string& date) {
     return Erasing(device, date).CarryOut();

@@ -15,6 +15,9 @@ namespace platform {
 // once there is something in it.
 Result<std::string> EraseDevice(int device, const std::string& date);
 
+// What is known beforehand of whether that is possible. Only asks.
+Status CheckErasable(int device);
+
 // The date of today as YYYY-MM-DD, where this machine is.
 std::string Today();
 

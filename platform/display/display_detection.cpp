@@ -1,6 +1,7 @@
 #include "platform/display/display_detection.h"
 
 #include <netdb.h>
+#include <strings.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 
@@ -13,12 +14,15 @@
 #include <string_view>
 
 #include "platform/io/descriptor.h"
+#include "platform/text/readable_text.h"
 
 namespace platform {
 
 namespace {
 
 constexpr int kFirstPort = 6000;
+constexpr const char* kDesktopKindsAlone =
+    "of the toolkit's kinds of display it may name xcb and wayland alone";
 
 std::string Environment(const char* name) {
     const char* const value = std::getenv(name);
@@ -83,18 +87,35 @@ bool WaylandIsThere() {
     return CanConnect(name.front() == '/' ? name : Environment("XDG_RUNTIME_DIR") + '/' + name);
 }
 
+// A kind may have options after a colon, and stand in capitals.
+bool IsDesktopKind(std::string_view kind) {
+    const std::string_view name = kind.substr(0, kind.find(':'));
+    const auto begins = [name](std::string_view word) {
+        return strncasecmp(name.data(), word.data(), word.size()) == 0;
+    };
+    return (name.size() == 3 && begins("xcb")) || (name.size() >= 7 && begins("wayland"));
+}
+
+bool AreDesktopKinds(std::string_view kinds) {
+    const std::size_t end = kinds.find(';');
+    return IsDesktopKind(kinds.substr(0, end)) &&
+           (end == std::string_view::npos || AreDesktopKinds(kinds.substr(end + 1)));
+}
+
 }  // namespace
 
-bool DisplayIsThere() {
+Status CheckDisplay() {
     const std::string kinds = Environment("QT_QPA_PLATFORM");
-    const std::string_view chosen = std::string_view(kinds).substr(0, kinds.find_first_of(":;"));
-    if (chosen == "offscreen" || chosen.starts_with("minimal")) {
-        return false;  // they cannot be seen
+    if (!kinds.empty() && !AreDesktopKinds(kinds)) {
+        return FailOf({kOpenWindows, {}, 0, kDesktopKindsAlone},
+                      "QT_QPA_PLATFORM=" + ReadableBytes(kinds));
     }
-    if (!chosen.empty() && chosen != "xcb" && !chosen.starts_with("wayland")) {
-        return true;
+    if (XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere()) {
+        return {};
     }
-    return XDisplayIsThere(Environment("DISPLAY")) || WaylandIsThere();
+    return FailBecause(kOpenWindows,
+                       "neither DISPLAY nor WAYLAND_DISPLAY leads to a display; the command line "
+                       "\"silent\" needs none");
 }
 
 }  // namespace platform

@@ -29,7 +29,7 @@ void AnswerBox(int /*signal*/) {
 
 int MessageBoxesOfSilentRun::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* caption,
                                          UINT type) {
-    if (!hasFailed_ && g_askedToEnd == 0 && DisplayIsThere()) {
+    if (!hasFailed_ && g_askedToEnd == 0 && CheckDisplay()) {
         if (const std::optional<int> answer = ShowOnDisplay(text, caption, type)) {
             return *answer;
         }

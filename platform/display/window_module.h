@@ -14,12 +14,17 @@ class DisplayWindowSystem : public WindowSystem {
     // Answers the desktop while the program works: what has to be painted is painted. Takes no
     // input and runs nothing of the program.
     virtual void ServeDesktop() = 0;
+
+    // Asks the user whether what has failed, in words, UTF-8, is to be tried again. False without a
+    // box once a signal has asked the run to end, or where no box can be seen.
+    virtual bool WantsToTryAgain(const std::string& failure) = 0;
 };
 
 // What the module of the windows is handed. The functions must outlive the window system, the text
 // only the call.
 struct WindowModuleParams {
     const char* title;  // of the window on the desktop, UTF-8
+    bool isRehearsal;   // the windows show that nothing is changed
     double scale;       // desktop pixels for a pixel of the handheld; 0: fitting for the desktop
     const MenuResource* (*findMenu)(UINT id);
     const IconResource* (*findIcon)(UINT id);

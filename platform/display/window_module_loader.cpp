@@ -4,13 +4,16 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
 
 namespace platform {
 
 namespace {
 
-constexpr const char* kOpenWindows = "open the program's windows";
+constexpr const char* kModuleIsMissing = "their module is not installed";
+constexpr const char* kInstallLibraries =
+    "what they need is not installed; on Debian: apt install libqt6widgets6 fonts-dejavu-extra";
 constexpr char kLibraryFolder[] = "/../lib/fennelbright/";
 
 std::string FolderOfExecutable() {
@@ -26,21 +29,20 @@ bool IsFile(const std::string& path) {
 }
 
 // Whatever the environment says of folders, these two are tried.
-void* LoadModule() {
+std::string PathOfModule() {
     const std::string folder = FolderOfExecutable();
     const std::string beside = folder + '/' + kWindowModule;
-    const std::string library = folder + kLibraryFolder + kWindowModule;
-    return dlopen(IsFile(beside) ? beside.c_str() : library.c_str(),
-                  RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+    return IsFile(beside) ? beside : folder + kLibraryFolder + kWindowModule;
 }
 
 // The module's function of this name, loaded with the module.
 Result<void*> FindInModule(const char* name) {
-    void* const module = LoadModule();
+    const std::string path = PathOfModule();
+    void* const module = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
     void* const found = module == nullptr ? nullptr : dlsym(module, name);
     if (found == nullptr) {
         const char* const reason = dlerror();
-        return FailOf({kOpenWindows, {}, 0, "the window module cannot be loaded"},
+        return FailOf({kOpenWindows, {}, 0, IsFile(path) ? kInstallLibraries : kModuleIsMissing},
                       reason == nullptr ? kWindowModule : reason);
     }
     return found;
@@ -52,8 +54,8 @@ int AnswerUnseen(const WCHAR* text, const WCHAR* caption, UINT type) {
 
 }  // namespace
 
-WindowModuleParams WindowParamsFor(const char* device, double scale) {
-    return {device, scale, FindMenuResource, FindIconResource, AnswerUnseen};
+WindowModuleParams WindowParamsFor(const char* device, double scale, bool isRehearsal) {
+    return {device, isRehearsal, scale, FindMenuResource, FindIconResource, AnswerUnseen};
 }
 
 Result<std::unique_ptr<DisplayWindowSystem>> OpenDisplayWindowSystem(

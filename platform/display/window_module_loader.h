@@ -11,7 +11,7 @@ namespace platform {
 
 // What the windows are handed, for a device directory, whose text must outlive it, and a scale (0:
 // fitting for the desktop).
-WindowModuleParams WindowParamsFor(const char* device, double scale);
+WindowModuleParams WindowParamsFor(const char* device, double scale, bool isRehearsal = false);
 
 // Loads the module of the windows, which is searched for beside the executable and in the library
 // folder that belongs to it, and opens them on the display. Once in a process.

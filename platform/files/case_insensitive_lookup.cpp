@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <ctime>
 
-#include "platform/io/directory_reader.h"
 #include "platform/text/name_matching.h"
 
 namespace platform {
@@ -32,12 +31,14 @@ struct Reading {
 };
 
 // Reads the directory and puts all names into `names`, unless that is null.
-Result<Reading> ReadNames(int directory, std::u16string_view device, NameHashSet* names) {
+Result<Reading> ReadNames(const FileTree& tree, const OpenedDirectory& directory,
+                          std::u16string_view device, NameHashSet* names) {
     HostName exact;
     if (!HostNameOf(device, exact)) {
         return Reading{};
     }
-    const Result<Descriptor> opened = OpenToRead(directory);
+    const Result<OpenedDirectory> opened =
+        tree.Open(directory, ".", OpenFor::Reading, Mounts::Refused);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
     }
@@ -59,7 +60,7 @@ Result<Reading> ReadNames(int directory, std::u16string_view device, NameHashSet
         }
         return true;
     };
-    return ReadEntries(opened->get(), DirectoryReader::Names::Device, compare).map([&](bool all) {
+    return ReadEntries(*tree.List(*opened), compare).map([&](bool all) {
         result.whole = all;
         return result;
     });
@@ -67,40 +68,19 @@ Result<Reading> ReadNames(int directory, std::u16string_view device, NameHashSet
 
 }  // namespace
 
-Result<std::optional<HostName>> FindHostName(int directory, std::u16string_view device) {
-    return ReadNames(directory, device, nullptr).map([](const Reading& reading) {
+Result<std::optional<HostName>> FindHostName(const FileTree& tree, const OpenedDirectory& directory,
+                                             std::u16string_view device) {
+    return ReadNames(tree, directory, device, nullptr).map([](const Reading& reading) {
         return reading.found;
     });
 }
 
-namespace {
-
-// The name with its letters in another case; the same name when it has no letters.
-DeviceName InOtherCase(std::u16string_view name) {
-    DeviceName upper;
-    for (const WCHAR unit : name) {
-        upper.Append(FoldUnit(unit));
-    }
-    if (upper.view() != name) {
-        return upper;
-    }
-    DeviceName lower;
-    for (const WCHAR unit : name) {
-        lower.Append(unit >= u'A' && unit <= u'Z' ? static_cast<WCHAR>(unit - u'A' + u'a') : unit);
-    }
-    return lower;
-}
-
-}  // namespace
-
-HostName ListedName(int directory, const HostName& name) {
-    const DeviceName device = DeviceNameOf(name.view());
-    HostName other;
-    if (!HostNameOf(InOtherCase(device.view()).view(), other) || other.view() == name.view() ||
-        !IsSameFile(IdentityOf(directory, other.c_str()), IdentityOf(directory, name.c_str()))) {
+HostName ListedName(const FileTree& tree, const OpenedDirectory& directory, const HostName& name) {
+    if (!tree.IgnoresCase(directory, name)) {
         return name;
     }
-    Result<std::optional<HostName>> listed = FindHostName(directory, device.view());
+    Result<std::optional<HostName>> listed =
+        FindHostName(tree, directory, DeviceNameOf(name.view()).view());
     return listed ? listed->value_or(name) : name;
 }
 
@@ -118,15 +98,16 @@ const CaseInsensitiveLookup::Spelling* CaseInsensitiveLookup::ReadDirectory::Spe
 
 // A directory could change without getting a new time when it has changed just now, or when its
 // file system counts in whole seconds.
-std::optional<CaseInsensitiveLookup::Version> CaseInsensitiveLookup::VersionOf(int directory) {
-    struct stat entry {};
+std::optional<CaseInsensitiveLookup::Version> CaseInsensitiveLookup::VersionOf(
+    const FileTree& tree, const OpenedDirectory& directory) {
+    const Result<struct stat> entry = tree.StatusOf(directory, "");
     timespec now{};
-    if (fstat(directory, &entry) != 0 || clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0) {
+    if (!entry || clock_gettime(CLOCK_REALTIME_COARSE, &now) != 0) {
         return std::nullopt;
     }
     const bool lasting =
-        entry.st_ctim.tv_nsec != 0 && Nanoseconds(now) - Nanoseconds(entry.st_ctim) >= kClockStep;
-    return Version{IdentityOf(entry), entry.st_ctim, lasting};
+        entry->st_ctim.tv_nsec != 0 && Nanoseconds(now) - Nanoseconds(entry->st_ctim) >= kClockStep;
+    return Version{IdentityOf(*entry), entry->st_ctim, lasting};
 }
 
 CaseInsensitiveLookup::ReadDirectory* CaseInsensitiveLookup::Known(const Version& version) {
@@ -170,8 +151,9 @@ void CaseInsensitiveLookup::EndLooks() {
 }
 
 // A name that may be there has to be found once, to know how it is spelt.
-Result<std::optional<HostName>> CaseInsensitiveLookup::FindInKnown(ReadDirectory& known,
-                                                                   int directory,
+Result<std::optional<HostName>> CaseInsensitiveLookup::FindInKnown(const FileTree& tree,
+                                                                   ReadDirectory& known,
+                                                                   const OpenedDirectory& directory,
                                                                    std::u16string_view device) {
     if (!known.names.MayHold(device)) {
         return std::optional<HostName>();
@@ -179,7 +161,7 @@ Result<std::optional<HostName>> CaseInsensitiveLookup::FindInKnown(ReadDirectory
     if (const Spelling* const spelling = known.SpellingOf(device)) {
         return spelling->host;
     }
-    Result<std::optional<HostName>> found = FindHostName(directory, device);
+    Result<std::optional<HostName>> found = FindHostName(tree, directory, device);
     if (found) {
         if (known.spellings.size() == kMostSpellings) {
             known.spellings.clear();
@@ -189,11 +171,11 @@ Result<std::optional<HostName>> CaseInsensitiveLookup::FindInKnown(ReadDirectory
     return found;
 }
 
-Result<std::optional<HostName>> CaseInsensitiveLookup::FindInUnknown(const Version& version,
-                                                                     int directory,
-                                                                     std::u16string_view device) {
+Result<std::optional<HostName>> CaseInsensitiveLookup::FindInUnknown(
+    const FileTree& tree, const Version& version, const OpenedDirectory& directory,
+    std::u16string_view device) {
     ReadDirectory read{version, looksBelongTogether_, {}, {}};
-    const Result<Reading> reading = ReadNames(directory, device, &read.names);
+    const Result<Reading> reading = ReadNames(tree, directory, device, &read.names);
     if (!reading) {
         return tl::unexpected<Failure>(reading.error());
     }
@@ -204,17 +186,19 @@ Result<std::optional<HostName>> CaseInsensitiveLookup::FindInUnknown(const Versi
     return reading->found;
 }
 
-Result<std::optional<HostName>> CaseInsensitiveLookup::Find(int directory,
+Result<std::optional<HostName>> CaseInsensitiveLookup::Find(const FileTree& tree,
+                                                            const OpenedDirectory& directory,
                                                             std::u16string_view device) {
-    const std::optional<Version> version = VersionOf(directory);
+    const std::optional<Version> version = VersionOf(tree, directory);
     if (!version) {
-        return FindHostName(directory, device);
+        return FindHostName(tree, directory, device);
     }
     if (ReadDirectory* const known = Known(*version)) {
-        return FindInKnown(*known, directory, device);
+        return FindInKnown(tree, *known, directory, device);
     }
-    return version->lasting || looksBelongTogether_ ? FindInUnknown(*version, directory, device)
-                                                    : FindHostName(directory, device);
+    return version->lasting || looksBelongTogether_
+               ? FindInUnknown(tree, *version, directory, device)
+               : FindHostName(tree, directory, device);
 }
 
 }  // namespace platform

@@ -8,18 +8,19 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/files/name_hash_set.h"
-#include "platform/io/file_identity.h"
 #include "platform/text/name_translation.h"
+#include "platform/tree/file_tree.h"
 
 namespace platform {
 
 // The host name in `directory` that `device` names: the exact one, or else the first in byte order
 // of those that differ in case alone; nothing when there is none.
-Result<std::optional<HostName>> FindHostName(int directory, std::u16string_view device);
+Result<std::optional<HostName>> FindHostName(const FileTree& tree, const OpenedDirectory& directory,
+                                             std::u16string_view device);
 
 // The name under which an entry that is there is listed in `directory`: `name`, unless the file
 // system itself takes no account of case.
-HostName ListedName(int directory, const HostName& name);
+HostName ListedName(const FileTree& tree, const OpenedDirectory& directory, const HostName& name);
 
 // The same as FindHostName for many looks in a row. What is not there takes the reading of a whole
 // directory to find out; what the directories read last hold is remembered, so that one reading
@@ -27,7 +28,8 @@ HostName ListedName(int directory, const HostName& name);
 // again, but for looks that belong together.
 class CaseInsensitiveLookup {
   public:
-    Result<std::optional<HostName>> Find(int directory, std::u16string_view device);
+    Result<std::optional<HostName>> Find(const FileTree& tree, const OpenedDirectory& directory,
+                                         std::u16string_view device);
 
     // The looks up to EndLooks, or to the next call, belong together: what is read for one of them
     // holds for all.
@@ -56,12 +58,14 @@ class CaseInsensitiveLookup {
         const Spelling* SpellingOf(std::u16string_view name) const;
     };
 
-    static std::optional<Version> VersionOf(int directory);
+    static std::optional<Version> VersionOf(const FileTree& tree, const OpenedDirectory& directory);
     ReadDirectory* Known(const Version& version);
     void Keep(ReadDirectory read);
-    Result<std::optional<HostName>> FindInKnown(ReadDirectory& known, int directory,
+    Result<std::optional<HostName>> FindInKnown(const FileTree& tree, ReadDirectory& known,
+                                                const OpenedDirectory& directory,
                                                 std::u16string_view device);
-    Result<std::optional<HostName>> FindInUnknown(const Version& version, int directory,
+    Result<std::optional<HostName>> FindInUnknown(const FileTree& tree, const Version& version,
+                                                  const OpenedDirectory& directory,
                                                   std::u16string_view device);
 
     std::deque<ReadDirectory> read_;  // oldest first

@@ -3,28 +3,27 @@
 #include <cerrno>
 
 #include "platform/files/case_insensitive_lookup.h"
-#include "platform/io/directory_reader.h"
-#include "platform/io/entry_facts.h"
 
 namespace platform {
 
-Result<std::optional<HostName>> DestinationDirectory::Existing(std::u16string_view device,
+Result<std::optional<HostName>> DestinationDirectory::Existing(const FileTree& tree,
+                                                               std::u16string_view device,
                                                                const HostName& host) const {
     if (!names.MayHold(device)) {
         return std::optional<HostName>();
     }
-    const Result<EntryFacts> facts = FactsOf(descriptor.get(), host.c_str());
+    const Result<EntryFacts> facts = tree.FactsOf(opened, host.c_str());
     if (facts) {
         return std::optional(host);
     }
-    return facts.error().error == ENOENT ? FindHostName(descriptor.get(), device)
+    return facts.error().error == ENOENT ? FindHostName(tree, opened, device)
                                          : tl::unexpected<Failure>(facts.error());
 }
 
 namespace {
 
-Status ReadNamesInto(NameHashSet& names, int directory) {
-    return ReadEntries(directory, DirectoryReader::Names::Device,
+Status ReadNamesInto(NameHashSet& names, DirectoryListing& listing) {
+    return ReadEntries(listing,
                        [&names](const DirectoryReader::Entry& entry) {
                            names.Add(DeviceNameOf(entry.name).view());
                            return true;
@@ -47,8 +46,9 @@ Result<DestinationDirectory*> DestinationDirectories::Get(const PathResolver& tr
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
     }
-    DestinationDirectory directory{std::u16string(path), std::move(opened->descriptor), {}};
-    if (const Status read = ReadNamesInto(directory.names, directory.descriptor.get()); !read) {
+    DestinationDirectory directory{std::u16string(path), std::move(*opened), {}};
+    if (const Status read = ReadNamesInto(directory.names, *tree.tree().List(directory.opened));
+        !read) {
         return tl::unexpected<Failure>(read.error());
     }
     filled_.push_back(std::move(directory));

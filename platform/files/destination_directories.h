@@ -13,12 +13,12 @@ namespace platform {
 // A directory that entries are being moved into or made in.
 struct DestinationDirectory {
     std::u16string path;  // as the caller spelt it, backslash included
-    Descriptor descriptor;
+    OpenedDirectory opened;
     NameHashSet names;
 
     // The entry that has this device name, in whatever case; nothing when there is none. `host` is
     // its exact host name.
-    Result<std::optional<HostName>> Existing(std::u16string_view device,
+    Result<std::optional<HostName>> Existing(const FileTree& tree, std::u16string_view device,
                                              const HostName& host) const;
 };
 

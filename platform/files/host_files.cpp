@@ -6,27 +6,13 @@
 #include <cerrno>
 
 #include "core/wide_text.h"
-#include "platform/files/dos_attributes.h"
-#include "platform/files/killed_run_recovery.h"
 #include "platform/files/shortcut_file_format.h"
-#include "platform/io/atomic_file.h"
-#include "platform/io/file_identity.h"
-#include "platform/io/open_beneath.h"
-#include "platform/io/rename_without_replacing.h"
 #include "platform/io/whole_file.h"
-#include "platform/moves/move_to_other_volume.h"
 #include "platform/text/device_paths.h"
 
 namespace platform {
 
 namespace {
-
-// Whether a file can be replaced: it is a regular one that can be written.
-Status CheckReplaceable(int directory, const HostName& name, const EntryFacts& facts) {
-    return facts.isRegularFile()
-               ? CheckWritable(directory, name.c_str(), facts.mode)
-               : FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
-}
 
 // The same for a place where nothing has the name.
 tl::unexpected<Failure> NotThere(const char* tried) {
@@ -46,32 +32,28 @@ BOOL HostFiles::KeepFailure(const Status& done) {
 Status HostFiles::ReachDirectory(std::u16string_view path, Place& place) {
     place.search = searches_.InDirectory(path);
     if (place.search != nullptr) {
-        place.directory = place.search->directory();
-        place.directoryIsRoot = place.search->directoryIsRoot();
         return {};
     }
-    Result<OpenedDirectory> opened = tree_.OpenDirectory(path, OpenFor::Reaching);
+    Result<OpenedDirectory> opened = paths_.OpenDirectory(path, OpenFor::Reaching);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
     }
     place.owned = std::move(*opened);
-    place.directory = place.owned.descriptor.get();
-    place.directoryIsRoot = place.owned.isRoot;
     return {};
 }
 
 // Tries the exact name first; what it says when that fails for another reason than absence counts.
 Status HostFiles::Examine(Place& place, std::u16string_view device) const {
-    Result<EntryFacts> facts = FactsOf(place.directory, place.name.c_str());
+    Result<EntryFacts> facts = tree_->FactsOf(place.directory(), place.name.c_str());
     if (!facts && facts.error().error == ENOENT) {
         const Result<std::optional<HostName>> spelling =
-            tree_.lookup().Find(place.directory, device);
+            paths_.lookup().Find(*tree_, place.directory(), device);
         if (!spelling) {
             return tl::unexpected<Failure>(spelling.error());
         }
         if (*spelling) {
             place.name = **spelling;
-            facts = FactsOf(place.directory, place.name.c_str());
+            facts = tree_->FactsOf(place.directory(), place.name.c_str());
         }
     }
     if (!facts) {
@@ -110,7 +92,7 @@ Result<HostFiles::Target> HostFiles::LocateTarget(std::u16string_view path) {
     if (!HostNameOf(split.name, target.host)) {
         return FailBecause("make", "no entry can have that name", ERROR_INVALID_NAME);
     }
-    const Result<DestinationDirectory*> directory = filled_.Get(tree_, split.directory);
+    const Result<DestinationDirectory*> directory = filled_.Get(paths_, split.directory);
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
     }
@@ -124,11 +106,11 @@ Result<OpenedDirectory> HostFiles::OpenForSearch(std::u16string_view path) {
     Search* const around = searches_.InDirectory(split.directory);
     HostName name;
     if (around != nullptr && HostNameOf(split.name, name)) {
-        if (Descriptor subdirectory = around->TakeSubdirectory(name.view())) {
-            return OpenedDirectory{std::move(subdirectory), false};
+        if (std::optional<OpenedDirectory> opened = around->TakeSubdirectory(name.view())) {
+            return std::move(*opened);
         }
     }
-    return tree_.OpenDirectory(path, OpenFor::Reading);
+    return paths_.OpenDirectory(path, OpenFor::Reading);
 }
 
 Result<HANDLE> HostFiles::FindInDirectory(const SplitPath& pattern, WIN32_FIND_DATA& data) {
@@ -136,8 +118,9 @@ Result<HANDLE> HostFiles::FindInDirectory(const SplitPath& pattern, WIN32_FIND_D
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
     }
-    auto search = std::make_unique<Search>(pattern.directory, pattern.name, std::move(*directory));
-    const Result<bool> found = search->Next(tree_, data);
+    auto search =
+        std::make_unique<Search>(pattern.directory, pattern.name, std::move(*directory), *tree_);
+    const Result<bool> found = search->Next(paths_, data);
     if (!found) {
         return tl::unexpected<Failure>(found.error());
     }
@@ -149,7 +132,7 @@ Result<HANDLE> HostFiles::FindInDirectory(const SplitPath& pattern, WIN32_FIND_D
 
 Result<HANDLE> HostFiles::FindEntry(std::u16string_view path, WIN32_FIND_DATA& data) {
     if (SplitAtName(path).name.empty()) {
-        if (path.empty() || tree_.root() < 0) {
+        if (path.empty() || !tree_->root().descriptor) {
             return Fail("look at", ENOTDIR);
         }
         // The root has no name and no directory around it: there is nothing to look it up in.
@@ -163,10 +146,10 @@ Result<HANDLE> HostFiles::FindEntry(std::u16string_view path, WIN32_FIND_DATA& d
     DWORD attributes = 0;
     HostName listed = place->name;
     if (place->facts.isDirectory()) {
-        listed = ListedName(place->directory, place->name);
-        const Result<Descriptor> opened = tree_.OpenSubdirectory(
-            place->directory, place->directoryIsRoot, place->name.c_str(), OpenFor::Reading);
-        attributes = opened ? HiddenAndSystem(opened->get()) : 0;
+        listed = ListedName(*tree_, place->directory(), place->name);
+        const Result<OpenedDirectory> opened =
+            paths_.OpenSubdirectory(place->directory(), place->name.c_str(), OpenFor::Reading);
+        attributes = opened ? tree_->HiddenAndSystem(*opened) : 0;
     }
     PutFindData(DeviceNameOf(listed.view()).view(), place->facts, attributes, data);
     return searches_.Add(nullptr);
@@ -193,7 +176,7 @@ Status HostFiles::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
         return Fail("go on with the search", EBADF);
     }
     Search* const search = searches_.Get(find);
-    const Result<bool> more = search != nullptr ? search->Next(tree_, data) : false;
+    const Result<bool> more = search != nullptr ? search->Next(paths_, data) : false;
     if (!more) {
         return tl::unexpected<Failure>(more.error());
     }
@@ -202,7 +185,7 @@ Status HostFiles::FindNext(HANDLE find, WIN32_FIND_DATA& data) {
 
 // The looks for the entry before have ended: what was read for them may be out of date by now.
 BOOL HostFiles::FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) {
-    tree_.lookup().EndLooks();
+    paths_.lookup().EndLooks();
     return KeepFailure(FindNext(find, *data));
 }
 
@@ -227,8 +210,8 @@ Status HostFiles::Delete(std::u16string_view path) {
     if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
-    if (unlinkat(place->directory, place->name.c_str(), 0) != 0) {
-        return Fail("delete", errno);
+    if (Status deleted = tree_->Unlink(place->directory(), place->name.c_str()); !deleted) {
+        return deleted;
     }
     deletedSize_ = place->facts.size;
     return {};
@@ -249,11 +232,9 @@ Status HostFiles::RemoveDirectory(std::u16string_view path) {
     if (Status ready = BeforeChange(); !ready) {
         return ready;
     }
-    if (unlinkat(place->directory, place->name.c_str(), AT_REMOVEDIR) != 0) {
-        // Some file systems have the other name for a directory that is not empty.
-        return Fail("remove", errno == EEXIST ? ENOTEMPTY : errno);
-    }
-    return {};
+    Status removed = tree_->RemoveDirectory(place->directory(), place->name.c_str());
+    // Some file systems have the other name for a directory that is not empty.
+    return removed || removed.error().error != EEXIST ? removed : Fail("remove", ENOTEMPTY);
 }
 
 BOOL HostFiles::RemoveDirectoryW(const WCHAR* path) {
@@ -266,7 +247,7 @@ Status HostFiles::CreateDirectory(std::u16string_view path) {
         return tl::unexpected<Failure>(target.error());
     }
     DestinationDirectory& directory = *target->directory;
-    const auto existing = directory.Existing(target->device, target->host);
+    const auto existing = directory.Existing(*tree_, target->device, target->host);
     if (!existing) {
         return tl::unexpected<Failure>(existing.error());
     }
@@ -276,8 +257,10 @@ Status HostFiles::CreateDirectory(std::u16string_view path) {
     if (Status ready = BeforeMove(); !ready) {
         return ready;
     }
-    if (mkdirat(directory.descriptor.get(), target->host.c_str(), moved_.ModeFor(path)) != 0) {
-        return Fail("make", errno);
+    if (Status made =
+            tree_->MakeDirectory(directory.opened, target->host.c_str(), moved_.ModeFor(path));
+        !made) {
+        return made;
     }
     moved_.Made(path);
     directory.names.Add(target->device);
@@ -308,13 +291,13 @@ Status HostFiles::Move(const Place& source, std::u16string_view oldPath,
         return tl::unexpected<Failure>(target.error());
     }
     DestinationDirectory& directory = *target->directory;
-    const int into = directory.descriptor.get();
-    const auto existing = directory.Existing(target->device, target->host);
+    const auto existing = directory.Existing(*tree_, target->device, target->host);
     if (!existing) {
         return tl::unexpected<Failure>(existing.error());
     }
-    const bool isItself = *existing && (*existing)->view() == source.name.view() &&
-                          IsSameFile(IdentityOf(source.directory), IdentityOf(into));
+    const bool isItself =
+        *existing && (*existing)->view() == source.name.view() &&
+        IsSameFile(tree_->Identity(source.directory()), tree_->Identity(directory.opened));
     if (isItself) {
         return {};
     }
@@ -335,41 +318,56 @@ Status HostFiles::Move(const Place& source, std::u16string_view oldPath,
 
 Status HostFiles::MoveTo(const Place& source, std::u16string_view oldPath,
                          std::u16string_view newPath, const Target& target) {
-    const int into = target.directory->descriptor.get();
+    const OpenedDirectory& into = target.directory->opened;
     const char* const name = target.host.c_str();
     // Tried whatever the volumes are: to ask for them first would cost calls for every file.
-    Status moved = RenameWithoutReplacing(source.directory, source.name.c_str(), into, name);
+    Status moved = tree_->Rename(source.directory(), source.name.c_str(), into, name);
     if (moved || moved.error().error != EXDEV) {
         return moved;
     }
     if (!source.facts.isRegularFile()) {
         return FailBecause("move", "only files can go to another volume", ERROR_NOT_SAME_DEVICE);
     }
-    const Result<Descriptor> from = tree_.OpenVolume(oldPath);
-    Result<Descriptor> to = tree_.OpenVolume(newPath);
+    const Result<const OpenedDirectory*> from = VolumeOf(oldPath, from_);
+    const Result<const OpenedDirectory*> to = VolumeOf(newPath, to_);
     if (!from || !to) {
         return tl::unexpected<Failure>((from ? to : from).error());
     }
-    return MoveToVolume({source.directory, source.name.c_str(), from->get(), oldPath},
-                        {into, name, to->get()});
+    return tree_->MoveToVolume(
+        {source.directory(), source.name.c_str(), **from, oldPath, into, name, *to});
+}
+
+Result<const OpenedDirectory*> HostFiles::VolumeOf(std::u16string_view path,
+                                                   KeptVolume& kept) const {
+    const std::u16string_view directory = SplitAtName(path).directory;
+    if (!kept.root || kept.directory != directory) {
+        Result<OpenedDirectory> opened = paths_.OpenVolume(path);
+        if (!opened) {
+            return tl::unexpected<Failure>(opened.error());
+        }
+        kept = {std::u16string(directory), std::move(*opened)};
+    }
+    return &*kept.root;
 }
 
 // A move that was cut off left the entry under both names.
 Status HostFiles::FinishMoveTo(const Place& source, std::u16string_view oldPath,
                                const Target& target) {
-    const Result<Descriptor> volume = tree_.OpenVolume(oldPath);
+    const Result<const OpenedDirectory*> volume = VolumeOf(oldPath, from_);
     if (!volume || !source.facts.isRegularFile()) {
         return Fail("move", EEXIST);
     }
-    return FinishMove({source.directory, source.name.c_str(), volume->get(), oldPath},
-                      target.directory->descriptor.get(), target.host.c_str());
+    return tree_->FinishMove({source.directory(), source.name.c_str(), **volume, oldPath,
+                              target.directory->opened, target.host.c_str(), nullptr});
 }
 
 // What a directory holds is only known to stay as it is for as long as the walk that fills it.
 void HostFiles::ForgetDestinationDirectories() {
-    tree_.lookup().EndLooks();
+    paths_.lookup().EndLooks();
     if (searches_.empty()) {
         filled_.Clear();
+        from_ = {};
+        to_ = {};
     }
 }
 
@@ -396,7 +394,7 @@ Result<Descriptor> HostFiles::OpenFile(std::u16string_view path, Knowledge knowl
     if (!place->facts.isRegularFile()) {
         return FailBecause("open", "it is no regular file", ERROR_ACCESS_DENIED);
     }
-    return OpenRegularFile(place->directory, place->name.c_str());
+    return tree_->OpenFile(place->directory(), place->name.c_str());
 }
 
 Result<std::FILE*> HostFiles::OpenForReading(std::u16string_view path) {
@@ -414,31 +412,31 @@ Result<std::FILE*> HostFiles::OpenForReading(std::u16string_view path) {
 }
 
 Result<std::FILE*> HostFiles::OpenForWriting(std::u16string_view path, Existing existing) {
-    tree_.lookup().EndLooks();
+    paths_.lookup().EndLooks();
     const SplitPath split = SplitAtName(path);
     Place place;
     if (split.directoryOnly || !HostNameOf(split.name, place.name)) {
         return FailBecause("write", "no file can have that name", ERROR_INVALID_NAME);
     }
     // Open for reading, because the file's name is safe only once its directory is stored.
-    Result<OpenedDirectory> opened = tree_.OpenDirectory(split.directory, OpenFor::Reading);
+    Result<OpenedDirectory> opened = paths_.OpenDirectory(split.directory, OpenFor::Reading);
     if (!opened) {
         return tl::unexpected<Failure>(opened.error());
     }
-    place.directory = opened->descriptor.get();
+    place.owned = std::move(*opened);
     const Result<std::optional<struct stat>> replaced = Replaced(place, split.name, existing);
     if (!replaced) {
         return tl::unexpected<Failure>(replaced.error());
     }
-    Result<Descriptor> volume = tree_.OpenVolume(path);
+    Result<OpenedDirectory> volume = paths_.OpenVolume(path);
     if (!volume) {
         return tl::unexpected<Failure>(volume.error());
     }
     if (Status ready = BeforeChange(); !ready) {
         return tl::unexpected<Failure>(ready.error());
     }
-    return OpenPublishingStream(std::move(opened->descriptor), std::move(*volume), place.name,
-                                *replaced, lastFailure_);
+    return tree_->OpenPublishingStream(std::move(place.owned), std::move(*volume), place.name,
+                                       *replaced, lastFailure_);
 }
 
 // The file that the one to be written takes the place of, if there is one.
@@ -454,14 +452,17 @@ Result<std::optional<struct stat>> HostFiles::Replaced(Place& place, std::u16str
     if (existing == Existing::Kept) {
         return Fail("make", EEXIST);
     }
-    if (Status writable = CheckReplaceable(place.directory, place.name, place.facts); !writable) {
+    if (!place.facts.isRegularFile()) {
+        return FailBecause("write", "it is no regular file", ERROR_ACCESS_DENIED);
+    }
+    const char* const name = place.name.c_str();
+    if (Status writable = tree_->CheckWritable(place.directory(), name, place.facts.mode);
+        !writable) {
         return tl::unexpected<Failure>(writable.error());
     }
-    std::optional<struct stat> status(std::in_place);
-    if (fstatat(place.directory, place.name.c_str(), &*status, AT_SYMLINK_NOFOLLOW) != 0) {
-        return Fail("look at", errno);
-    }
-    return status;
+    return tree_->StatusOf(place.directory(), name).map([](const struct stat& status) {
+        return std::optional(status);
+    });
 }
 
 Result<std::u16string> HostFiles::TargetOf(std::u16string_view path, int limit) {
@@ -478,7 +479,7 @@ Result<std::u16string> HostFiles::TargetOf(std::u16string_view path, int limit) 
 
 // The looks that follow are for its target, of which a text can name very many.
 BOOL HostFiles::SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
-    tree_.lookup().BeginLooks();
+    paths_.lookup().BeginLooks();
     const Result<std::u16string> target = TargetOf(path, limit);
     if (!target) {
         lastFailure_ = target.error();
@@ -511,15 +512,15 @@ Result<std::string> HostFiles::ReadWhole(std::u16string_view path, std::size_t l
 }
 
 void HostFiles::DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) {
-    moved_.Begin(tree_, oldPath, newPath);
+    moved_.Begin(paths_, oldPath, newPath);
 }
 
 void HostFiles::DirectoryMoved(const WCHAR* oldPath, const WCHAR* /*newPath*/) {
-    moved_.End(tree_, oldPath);
+    moved_.End(paths_, oldPath);
 }
 
 void HostFiles::RecoverFromKilledRuns() {
-    RecoverVolumes(tree_);
+    RecoverVolumes(paths_);
 }
 
 }  // namespace platform

@@ -2,11 +2,13 @@
 
 #include <sys/stat.h>
 
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/files/destination_directories.h"
+#include "platform/files/killed_run_recovery.h"
 #include "platform/files/moved_directory_attributes.h"
 #include "platform/files/open_searches.h"
 #include "platform/files/path_resolver.h"
@@ -34,7 +36,9 @@ class HostFiles : public DeviceFiles {
     // `root` is the open root directory of the device's files, none for a device without files.
     // `guard` stays the caller's; null where nothing has to be asked.
     explicit HostFiles(Descriptor root, ChangeGuard* guard = nullptr)
-        : tree_(std::move(root)), guard_(guard) {}
+        : HostFiles(std::make_unique<FileTree>(std::move(root)), guard) {}
+    HostFiles(std::unique_ptr<FileTree> tree, ChangeGuard* guard)
+        : tree_(std::move(tree)), paths_(*tree_), guard_(guard) {}
 
     HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATA* data) override;
     BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATA* data) override;
@@ -58,6 +62,9 @@ class HostFiles : public DeviceFiles {
     // the device.
     void RecoverFromKilledRuns();
 
+    // Whether that would find anything to do.
+    bool HaveLeftovers() const { return platform::HaveLeftovers(paths_); }
+
     // The content of a file of at most `limit` bytes.
     Result<std::string> ReadWhole(std::u16string_view path, std::size_t limit);
 
@@ -68,10 +75,11 @@ class HostFiles : public DeviceFiles {
   private:
     // An entry that is there, reached through its open directory.
     struct Place {
-        int directory = -1;
+        const OpenedDirectory& directory() const {
+            return search != nullptr ? search->directory() : owned;
+        }
         const Search* search = nullptr;  // that has the directory open
         OpenedDirectory owned;           // empty where a search has it
-        bool directoryIsRoot = false;
         HostName name;
         EntryFacts facts;
     };
@@ -85,6 +93,12 @@ class HostFiles : public DeviceFiles {
     enum class Knowledge { Fresh, OfSearch };
     // What becomes of a file that has the name of the one to be written.
     enum class Existing { Replaced, Kept };
+
+    // The volume of the directory that files are moved from or to, opened once.
+    struct KeptVolume {
+        std::u16string directory;
+        std::optional<OpenedDirectory> root;
+    };
 
     Status BeforeChange() { return guard_ == nullptr ? Status() : guard_->BeforeChange(); }
     Status BeforeMove() { return guard_ == nullptr ? Status() : guard_->BeforeMove(); }
@@ -103,6 +117,7 @@ class HostFiles : public DeviceFiles {
     Status Move(const Place& source, std::u16string_view oldPath, std::u16string_view newPath);
     Status MoveTo(const Place& source, std::u16string_view oldPath, std::u16string_view newPath,
                   const Target& target);
+    Result<const OpenedDirectory*> VolumeOf(std::u16string_view path, KeptVolume& kept) const;
     Status FinishMoveTo(const Place& source, std::u16string_view oldPath, const Target& target);
     void ForgetDestinationDirectories();
     Result<Descriptor> OpenFile(std::u16string_view path, Knowledge knowledge);
@@ -113,11 +128,14 @@ class HostFiles : public DeviceFiles {
     Result<std::u16string> TargetOf(std::u16string_view path, int limit);
     Status CreateShortcut(std::u16string_view path, std::u16string_view target);
 
-    PathResolver tree_;
+    std::unique_ptr<FileTree> tree_;
+    PathResolver paths_;
     ChangeGuard* guard_;
     OpenSearches searches_;
     DestinationDirectories filled_;
     MovedDirectoryAttributes moved_;
+    KeptVolume from_;
+    KeptVolume to_;
     Failure lastFailure_;
     std::optional<std::uint64_t> deletedSize_;
 };

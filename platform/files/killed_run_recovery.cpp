@@ -23,6 +23,10 @@ void SayLeft(const std::string& name, const std::string& why) {
     LogInUse::Current().SayUndone(name + " stays: " + why);
 }
 
+void SayUnread(std::string_view volume, const Failure& failure) {
+    SayLeft("what was left in " + ReadableBytes(volume), Describe(failure));
+}
+
 // Reserved names as well.
 template <typename Act>
 Status ForEachEntry(int directory, Act act) {
@@ -62,7 +66,7 @@ Status ReturnTo(const PathResolver& tree, std::u16string_view path, int volume,
     if (!directory) {
         return tl::unexpected<Failure>(directory.error());
     }
-    return ReturnSetAside(volume, aside, directory->descriptor.get(), name.c_str());
+    return ReturnSetAside(volume, aside, directory->get(), name.c_str());
 }
 
 // Does nothing, but remove the record, when there is no such file.
@@ -112,32 +116,72 @@ Status ClearUpVolume(const PathResolver& tree, int volume, Act actOnOther) {
     });
 }
 
-void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::Entry& entry) {
+bool IsVolume(int root, const DirectoryReader::Entry& entry) {
     const bool mayBeDirectory = entry.type == DT_DIR || entry.type == DT_UNKNOWN;
-    if (!mayBeDirectory || !IsMountPoint(root, entry.name)) {
+    return mayBeDirectory && IsMountPoint(root, entry.name);
+}
+
+void ClearUpIfVolume(const PathResolver& tree, int root, const DirectoryReader::Entry& entry) {
+    if (!IsVolume(root, entry)) {
         return;
     }
-    const Result<Descriptor> volume =
-        tree.OpenSubdirectory(root, true, entry.name, OpenFor::Reading);
+    const Result<OpenedDirectory> volume =
+        tree.OpenSubdirectory(tree.tree().root(), entry.name, OpenFor::Reading);
     const Status done = volume ? ClearUpVolume(tree, volume->get(), [](const auto& /*entry*/) {})
                                : Status(tl::unexpected<Failure>(volume.error()));
     if (!done) {
-        SayLeft("what was left in " + ReadableBytes(entry.name), Describe(done.error()));
+        SayUnread(entry.name, done.error());
     }
 }
 
 }  // namespace
 
 void RecoverVolumes(const PathResolver& tree) {
-    if (tree.root() < 0) {
+    if (!tree.tree().root().descriptor) {
         return;
     }
-    const Status done = ClearUpVolume(tree, tree.root(), [&tree](const auto& entry) {
-        ClearUpIfVolume(tree, tree.root(), entry);
+    const Status done = ClearUpVolume(tree, tree.tree().root().get(), [&tree](const auto& entry) {
+        ClearUpIfVolume(tree, tree.tree().root().get(), entry);
     });
     if (!done) {
-        SayLeft("what was left in \\", Describe(done.error()));
+        SayUnread("\\", done.error());
     }
+}
+
+namespace {
+
+// One that cannot be read is reported as the run reports it.
+bool HasReservedName(const Result<OpenedDirectory>& volume, std::string_view name) {
+    const Result<bool> none =
+        volume ? ReadEntries(volume->get(), DirectoryReader::Names::All,
+                             [](const auto& entry) { return !PurposeOf(entry.name).has_value(); })
+               : tl::unexpected<Failure>(volume.error());
+    if (!none) {
+        SayUnread(name, none.error());
+    }
+    return none && !*none;
+}
+
+}  // namespace
+
+bool HaveLeftovers(const PathResolver& tree) {
+    if (!tree.tree().root().descriptor) {
+        return false;
+    }
+    const Result<OpenedDirectory> root = tree.OpenDirectory(u"", OpenFor::Reading);
+    if (HasReservedName(root, "\\") || !root) {
+        return root.has_value();
+    }
+    const Result<OpenedDirectory> again = tree.OpenDirectory(u"", OpenFor::Reading);
+    const auto isClean = [&](const DirectoryReader::Entry& entry) {
+        return !IsVolume(root->get(), entry) ||
+               !HasReservedName(tree.OpenSubdirectory(*root, entry.name, OpenFor::Reading),
+                                entry.name);
+    };
+    const Result<bool> clean =
+        again ? ReadEntries(again->get(), DirectoryReader::Names::Device, isClean)
+              : tl::unexpected<Failure>(again.error());
+    return clean && !*clean;
 }
 
 Status RemoveUnfinishedFilesIn(int directory) {

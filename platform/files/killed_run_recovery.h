@@ -16,4 +16,8 @@ void RecoverVolumes(const PathResolver& tree);
 // removed stays and is no failure.
 Status RemoveUnfinishedFilesIn(int directory);
 
+// Whether RecoverVolumes would find anything to do. Only looks; what cannot be read is reported by
+// the same line.
+bool HaveLeftovers(const PathResolver& tree);
+
 }  // namespace platform

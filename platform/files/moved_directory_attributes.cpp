@@ -1,11 +1,9 @@
 #include "platform/files/moved_directory_attributes.h"
 
 #include <algorithm>
-#include <array>
+#include <cerrno>
 #include <iterator>
 #include <utility>
-
-#include "platform/io/attribute_copy.h"
 
 namespace platform {
 
@@ -21,7 +19,10 @@ void MovedDirectoryAttributes::Begin(const PathResolver& tree, std::u16string_vi
     pair.oldPath = oldPath;
     pair.newPath = newPath;
     const Result<OpenedDirectory> old = tree.OpenDirectory(oldPath, OpenFor::Reaching);
-    pair.known = old && fstat(old->descriptor.get(), &pair.old) == 0;
+    const Result<struct stat> status =
+        old ? tree.tree().StatusOf(*old, "") : Fail("look at", ENOENT);
+    pair.known = status.has_value();
+    pair.old = status.value_or(pair.old);
     pairs_.push_back(std::move(pair));
 }
 
@@ -53,11 +54,7 @@ void MovedDirectoryAttributes::End(const PathResolver& tree, std::u16string_view
     if (!old || !made) {
         return;
     }
-    const int directory = made->descriptor.get();
-    CopyUserAttributes(old->descriptor.get(), directory);
-    ApplyModeAndOwner(directory, pair.old);
-    const std::array<timespec, 2> times = {pair.old.st_atim, pair.old.st_mtim};
-    futimens(directory, times.data());
+    tree.tree().CopyDirectoryAttributes(*old, pair.old, *made);
 }
 
 }  // namespace platform

@@ -4,17 +4,17 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <utility>
 
-#include "platform/files/dos_attributes.h"
 #include "platform/text/name_matching.h"
 
 namespace platform {
 
 Result<bool> Search::Next(const PathResolver& tree, WIN32_FIND_DATA& data) {
     for (;;) {
-        subdirectory_.Close();
+        subdirectory_.reset();
         facts_.reset();
-        Result<bool> more = reader_.Next(directory());
+        Result<bool> more = listing_->Next();
         if (!more || !*more || Examine(tree, data)) {
             return more;
         }
@@ -23,11 +23,12 @@ Result<bool> Search::Next(const PathResolver& tree, WIN32_FIND_DATA& data) {
 
 // Nothing for an entry that has vanished meanwhile. One that cannot be looked at is listed all the
 // same, as what the directory says it is, so that whoever works on it meets the failure.
-std::optional<EntryFacts> Search::LookAt(const DirectoryReader::Entry& entry) {
+std::optional<EntryFacts> Search::LookAt(const FileTree& tree,
+                                         const DirectoryReader::Entry& entry) {
     if (entry.type == DT_DIR) {
         return facts_ = EntryFacts{S_IFDIR};
     }
-    const Result<EntryFacts> facts = FactsOf(directory(), entry.name);
+    const Result<EntryFacts> facts = tree.FactsOf(directory(), entry.name);
     if (facts) {
         return facts_ = *facts;
     }
@@ -37,12 +38,12 @@ std::optional<EntryFacts> Search::LookAt(const DirectoryReader::Entry& entry) {
 
 // Returns false for an entry that does not match, and for one that has vanished meanwhile.
 bool Search::Examine(const PathResolver& tree, WIN32_FIND_DATA& data) {
-    const DirectoryReader::Entry& entry = reader_.entry();
+    const DirectoryReader::Entry& entry = listing_->entry();
     const DeviceName name = DeviceNameOf(entry.name);
     if (name.view().empty() || (pattern_ != u"*" && !MatchesPattern(pattern_, name.view()))) {
         return false;
     }
-    const std::optional<EntryFacts> facts = LookAt(entry);
+    const std::optional<EntryFacts> facts = LookAt(tree.tree(), entry);
     if (!facts) {
         return false;
     }
@@ -50,21 +51,24 @@ bool Search::Examine(const PathResolver& tree, WIN32_FIND_DATA& data) {
     if (facts->isDirectory()) {
         // Whoever is shown a directory mostly walks it next, and its attributes have to be read
         // from it opened in any case.
-        subdirectory_ =
-            tree.OpenSubdirectory(directory(), directoryIsRoot(), entry.name, OpenFor::Reading)
-                .value_or(Descriptor());
-        attributes = subdirectory_ ? HiddenAndSystem(subdirectory_.get()) : 0;
+        Result<OpenedDirectory> opened =
+            tree.OpenSubdirectory(directory(), entry.name, OpenFor::Reading);
+        if (opened) {
+            attributes = tree.tree().HiddenAndSystem(*opened);
+            subdirectory_ = std::move(*opened);
+        }
     }
     PutFindData(name.view(), *facts, attributes, data);
     return true;
 }
 
 std::optional<EntryFacts> Search::FactsIfCurrent(std::string_view host) const {
-    return facts_ && host == reader_.entry().name ? facts_ : std::nullopt;
+    return facts_ && host == listing_->entry().name ? facts_ : std::nullopt;
 }
 
-Descriptor Search::TakeSubdirectory(std::string_view host) {
-    return subdirectory_ && host == reader_.entry().name ? std::move(subdirectory_) : Descriptor();
+std::optional<OpenedDirectory> Search::TakeSubdirectory(std::string_view host) {
+    return host == listing_->entry().name ? std::exchange(subdirectory_, std::nullopt)
+                                          : std::nullopt;
 }
 
 HANDLE OpenSearches::Add(std::unique_ptr<Search> search) {

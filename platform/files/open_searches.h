@@ -9,8 +9,6 @@
 
 #include "core/file_operations.h"
 #include "platform/files/path_resolver.h"
-#include "platform/io/directory_reader.h"
-#include "platform/io/entry_facts.h"
 
 namespace platform {
 
@@ -19,32 +17,35 @@ namespace platform {
 class Search {
   public:
     // `path` is the directory's as the caller spelt it, backslash included.
-    Search(std::u16string_view path, std::u16string_view pattern, OpenedDirectory directory)
-        : path_(path), pattern_(pattern), directory_(std::move(directory)) {}
+    Search(std::u16string_view path, std::u16string_view pattern, OpenedDirectory directory,
+           const FileTree& tree)
+        : path_(path),
+          pattern_(pattern),
+          directory_(std::move(directory)),
+          listing_(tree.List(directory_)) {}
 
     // Moves to the next entry that matches and puts it into `data`. False at the end.
     Result<bool> Next(const PathResolver& tree, WIN32_FIND_DATA& data);
 
     std::u16string_view path() const { return path_; }
-    int directory() const { return directory_.descriptor.get(); }
-    bool directoryIsRoot() const { return directory_.isRoot; }
+    const OpenedDirectory& directory() const { return directory_; }
 
     // What is known of the entry with this host name: something only if the search stands on it.
     std::optional<EntryFacts> FactsIfCurrent(std::string_view host) const;
 
     // The open directory that the search stands on, once, if it has this host name.
-    Descriptor TakeSubdirectory(std::string_view host);
+    std::optional<OpenedDirectory> TakeSubdirectory(std::string_view host);
 
   private:
     bool Examine(const PathResolver& tree, WIN32_FIND_DATA& data);
-    std::optional<EntryFacts> LookAt(const DirectoryReader::Entry& entry);
+    std::optional<EntryFacts> LookAt(const FileTree& tree, const DirectoryReader::Entry& entry);
 
     std::u16string path_;
     std::u16string pattern_;
     OpenedDirectory directory_;
-    Descriptor subdirectory_;
+    std::optional<OpenedDirectory> subdirectory_;
     std::optional<EntryFacts> facts_;
-    DirectoryReader reader_;
+    std::unique_ptr<DirectoryListing> listing_;
 };
 
 // The open searches, innermost last.

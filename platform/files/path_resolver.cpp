@@ -1,14 +1,10 @@
 #include "platform/files/path_resolver.h"
 
-#include <fcntl.h>
-
 #include <cerrno>
 #include <span>
 #include <string>
 #include <vector>
 
-#include "platform/io/entry_facts.h"
-#include "platform/io/open_beneath.h"
 #include "platform/text/device_paths.h"
 
 namespace platform {
@@ -19,10 +15,6 @@ namespace {
 tl::unexpected<Failure> MissingOnTheWay(Failure failure) {
     failure.error = failure.error == ENOENT ? ENOTDIR : failure.error;
     return tl::unexpected<Failure>(std::move(failure));
-}
-
-int DirectoryFlags(OpenFor purpose) {
-    return O_DIRECTORY | (purpose == OpenFor::Reading ? O_RDONLY | O_NONBLOCK : O_PATH);
 }
 
 // The host path that names the components in exactly their spelling, if they can name anything.
@@ -44,55 +36,61 @@ std::optional<std::string> ExactPath(std::span<const std::u16string_view> compon
 Result<OpenedDirectory> PathResolver::OpenDirectory(std::u16string_view path,
                                                     OpenFor purpose) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
-    if (!root_) {
+    if (!tree_.root().descriptor) {
         return Fail("open", ENOTDIR);
     }
-    Result<Descriptor> opened =
-        components.empty() ? OpenBeneath(root_.get(), ".", DirectoryFlags(purpose), Mounts::Refused)
-                           : OpenAsSpelt(components, purpose);
+    Result<OpenedDirectory> opened =
+        components.empty() ? OpenRoot(purpose) : OpenAsSpelt(components, purpose);
     if (!opened && opened.error().error == ENOENT && !components.empty()) {
         opened = OpenStepByStep(components, purpose);
     }
     if (!opened) {
         return MissingOnTheWay(std::move(opened.error()));
     }
-    return OpenedDirectory{std::move(*opened), components.empty()};
+    return opened;
+}
+
+Result<OpenedDirectory> PathResolver::OpenRoot(OpenFor purpose) const {
+    Result<OpenedDirectory> root = tree_.Open(tree_.root(), ".", purpose, Mounts::Refused);
+    if (root) {
+        root->isRoot = true;
+    }
+    return root;
 }
 
 // Mostly one call. Only where the first component is a volume, it takes one more.
-Result<Descriptor> PathResolver::OpenAsSpelt(std::span<const std::u16string_view> components,
-                                             OpenFor purpose) const {
+Result<OpenedDirectory> PathResolver::OpenAsSpelt(std::span<const std::u16string_view> components,
+                                                  OpenFor purpose) const {
     const std::optional<std::string> path = ExactPath(components);
     if (!path) {
         return Fail("open", ENOTDIR);
     }
-    Result<Descriptor> opened =
-        OpenBeneath(root_.get(), path->c_str(), DirectoryFlags(purpose), Mounts::Refused);
+    Result<OpenedDirectory> opened =
+        tree_.Open(tree_.root(), path->c_str(), purpose, Mounts::Refused);
     if (opened || opened.error().error != EXDEV) {
         return opened;
     }
     const std::size_t slash = path->find('/');
     const std::string volume = path->substr(0, slash);
     if (slash == std::string::npos) {
-        return OpenSubdirectory(root_.get(), true, volume.c_str(), purpose);
+        return OpenSubdirectory(tree_.root(), volume.c_str(), purpose);
     }
-    const Result<Descriptor> mounted =
-        OpenSubdirectory(root_.get(), true, volume.c_str(), OpenFor::Reaching);
+    const Result<OpenedDirectory> mounted =
+        OpenSubdirectory(tree_.root(), volume.c_str(), OpenFor::Reaching);
     if (!mounted) {
         return tl::unexpected<Failure>(mounted.error());
     }
-    return OpenBeneath(mounted->get(), path->c_str() + slash + 1, DirectoryFlags(purpose),
-                       Mounts::Refused);
+    return tree_.Open(*mounted, path->c_str() + slash + 1, purpose, Mounts::Refused);
 }
 
-Result<Descriptor> PathResolver::OpenStepByStep(std::span<const std::u16string_view> components,
-                                                OpenFor purpose) const {
-    Descriptor parent;
+Result<OpenedDirectory> PathResolver::OpenStepByStep(
+    std::span<const std::u16string_view> components, OpenFor purpose) const {
+    OpenedDirectory parent;
     for (const std::u16string_view& component : components) {
         const bool isFirst = &component == &components.front();
         const bool isLast = &component == &components.back();
-        Result<Descriptor> opened = OpenNamed(isFirst ? root_.get() : parent.get(), isFirst,
-                                              component, isLast ? purpose : OpenFor::Reaching);
+        Result<OpenedDirectory> opened = OpenNamed(isFirst ? tree_.root() : parent, component,
+                                                   isLast ? purpose : OpenFor::Reaching);
         if (!opened || isLast) {
             return opened;
         }
@@ -101,40 +99,38 @@ Result<Descriptor> PathResolver::OpenStepByStep(std::span<const std::u16string_v
     return Fail("open", ENOENT);
 }
 
-Result<Descriptor> PathResolver::OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
-                                           OpenFor purpose) const {
+Result<OpenedDirectory> PathResolver::OpenNamed(const OpenedDirectory& parent,
+                                                std::u16string_view name, OpenFor purpose) const {
     HostName host;
     if (!HostNameOf(name, host)) {
         return Fail("open", ENOENT);
     }
-    Result<Descriptor> opened = OpenSubdirectory(parent, parentIsRoot, host.c_str(), purpose);
+    Result<OpenedDirectory> opened = OpenSubdirectory(parent, host.c_str(), purpose);
     if (opened || opened.error().error != ENOENT) {
         return opened;
     }
-    const Result<std::optional<HostName>> spelling = lookup_.Find(parent, name);
+    const Result<std::optional<HostName>> spelling = lookup_.Find(tree_, parent, name);
     if (!spelling) {
         return tl::unexpected<Failure>(spelling.error());
     }
-    return *spelling ? OpenSubdirectory(parent, parentIsRoot, (*spelling)->c_str(), purpose)
-                     : std::move(opened);
+    return *spelling ? OpenSubdirectory(parent, (*spelling)->c_str(), purpose) : std::move(opened);
 }
 
-Result<Descriptor> PathResolver::OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
-                                                  OpenFor purpose) const {
-    return OpenBeneath(parent, name, DirectoryFlags(purpose),
-                       parentIsRoot ? Mounts::Entered : Mounts::Refused);
+Result<OpenedDirectory> PathResolver::OpenSubdirectory(const OpenedDirectory& parent,
+                                                       const char* name, OpenFor purpose) const {
+    return tree_.Open(parent, name, purpose, parent.isRoot ? Mounts::Entered : Mounts::Refused);
 }
 
-Result<Descriptor> PathResolver::OpenVolume(std::u16string_view path) const {
+Result<OpenedDirectory> PathResolver::OpenVolume(std::u16string_view path) const {
     const std::vector<std::u16string_view> components = ComponentsOf(path);
     if (components.size() > 1) {
-        Result<Descriptor> first =
-            OpenNamed(root_.get(), true, components.front(), OpenFor::Reading);
-        if (!first || IsMountPoint(first->get(), "")) {
+        Result<OpenedDirectory> first =
+            OpenNamed(tree_.root(), components.front(), OpenFor::Reading);
+        if (!first || tree_.IsMountPoint(*first, "")) {
             return first;
         }
     }
-    return OpenBeneath(root_.get(), ".", DirectoryFlags(OpenFor::Reading), Mounts::Refused);
+    return OpenRoot(OpenFor::Reading);
 }
 
 }  // namespace platform

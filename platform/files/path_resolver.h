@@ -6,7 +6,7 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/files/case_insensitive_lookup.h"
-#include "platform/io/descriptor.h"
+#include "platform/tree/file_tree.h"
 
 // The device's file tree on the host: how a device path reaches a host entry. Everything is opened
 // beneath the root directory and never leads out of it: no symbolic link is followed, and a mount
@@ -14,45 +14,38 @@
 
 namespace platform {
 
-struct OpenedDirectory {
-    Descriptor descriptor;
-    bool isRoot = false;
-};
-
-// How a directory is opened: to reach its entries, or to read them as well.
-enum class OpenFor { Reaching, Reading };
-
 // Failures are named as the device has it: ENOTDIR where a directory on the way is not there or is
 // none, ENOENT where the last name is not, ELOOP for a link and EXDEV for a mount on the way.
 class PathResolver {
   public:
-    // `root` is the open root directory; without one, no path names anything.
-    explicit PathResolver(Descriptor root) : root_(std::move(root)) {}
+    // `tree` stays the caller's. In one without a root, no path names anything.
+    explicit PathResolver(FileTree& tree) : tree_(tree) {}
 
-    int root() const { return root_.get(); }
+    FileTree& tree() const { return tree_; }
 
     // The directory that `path` names; names match as on the handheld. The empty path, which is
     // what stands in front of a bare name, is the root.
     Result<OpenedDirectory> OpenDirectory(std::u16string_view path, OpenFor purpose) const;
 
     // The subdirectory with exactly this host name.
-    Result<Descriptor> OpenSubdirectory(int parent, bool parentIsRoot, const char* name,
-                                        OpenFor purpose) const;
+    Result<OpenedDirectory> OpenSubdirectory(const OpenedDirectory& parent, const char* name,
+                                             OpenFor purpose) const;
 
     // The root directory of the volume that holds what `path` names.
-    Result<Descriptor> OpenVolume(std::u16string_view path) const;
+    Result<OpenedDirectory> OpenVolume(std::u16string_view path) const;
 
     CaseInsensitiveLookup& lookup() const { return lookup_; }
 
   private:
-    Result<Descriptor> OpenAsSpelt(std::span<const std::u16string_view> components,
-                                   OpenFor purpose) const;
-    Result<Descriptor> OpenStepByStep(std::span<const std::u16string_view> components,
+    Result<OpenedDirectory> OpenRoot(OpenFor purpose) const;
+    Result<OpenedDirectory> OpenAsSpelt(std::span<const std::u16string_view> components,
+                                        OpenFor purpose) const;
+    Result<OpenedDirectory> OpenStepByStep(std::span<const std::u16string_view> components,
+                                           OpenFor purpose) const;
+    Result<OpenedDirectory> OpenNamed(const OpenedDirectory& parent, std::u16string_view name,
                                       OpenFor purpose) const;
-    Result<Descriptor> OpenNamed(int parent, bool parentIsRoot, std::u16string_view name,
-                                 OpenFor purpose) const;
 
-    Descriptor root_;
+    FileTree& tree_;
     mutable CaseInsensitiveLookup lookup_;  // what is known of the tree, not a part of it
 };
 

@@ -9,13 +9,14 @@
 #include <cerrno>
 #include <utility>
 
-#include "platform/device/device_directory.h"
-#include "platform/device/startup_shortcuts.h"
+#include "platform/command_line/named_device.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/files/host_files.h"
+#include "platform/files/startup_shortcuts.h"
 #include "platform/host/worst_exit_code.h"
 #include "platform/text/readable_text.h"
 #include "platform/text/text_encoding.h"
+#include "platform/tree/rehearsed_tree.h"
 
 namespace platform {
 
@@ -23,12 +24,21 @@ namespace {
 
 // The words of a host that runs one shortcut's command line.
 std::vector<std::string> WordsFor(const CommandLine& line, const std::u16string& arguments) {
-    std::vector<std::string> words = {"fennelbright", "--device", line.device, "--module",
-                                      Utf8Text(line.modulePath)};
+    std::vector<std::string> words = {"fennelbright", "--module", Utf8Text(line.modulePath)};
+    const std::pair<const char*, const std::string&> places[] = {
+        {line.isByHalves ? "--files" : "--device", line.device},
+        {"--registry", line.registry},
+        {"--state", line.state}};
+    for (const auto& [word, place] : places) {
+        if (!place.empty()) {
+            words.insert(words.end(), {word, place});
+        }
+    }
     const std::pair<bool, const char*> switches[] = {
         {line.report == ReportForm::Lines, "--report"},
         {line.report == ReportForm::Json, "--report=json"},
         {line.strict, "--strict"},
+        {line.rehearse, "--rehearse"},
         {line.noDisplay, "--no-display"}};
     for (const auto& [isSet, word] : switches) {
         if (isSet) {
@@ -93,13 +103,15 @@ int RunShortcut(const CommandLine& line, const StartupShortcut& shortcut, RunLog
 
 int BootDevice(const CommandLine& line) {
     RunLog log(line.device);
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line);
     if (!device) {
         log.Say(Describe(device.error()));
         return EX_NOINPUT;
     }
     // Without a lock: that is for the runs themselves.
-    HostFiles files(std::move(device->files));
+    HostFiles files(line.rehearse ? std::make_unique<RehearsedTree>(std::move(device->files))
+                                  : std::make_unique<FileTree>(std::move(device->files)),
+                    nullptr);
     const auto shortcuts = StartupShortcuts(files, line.modulePath);
     if (!shortcuts) {
         log.SayUndone(Describe(shortcuts.error()));
@@ -112,6 +124,10 @@ int BootDevice(const CommandLine& line) {
     if (std::none_of(shortcuts->begin(), shortcuts->end(), mayBeOurs)) {
         log.Say("nothing to run: no shortcut in " + ReadableText(kStartupFolder) + " starts " +
                 ReadableText(line.modulePath));
+    } else if (line.rehearse) {
+        log.Say(
+            "each shortcut is rehearsed on the device as it is now, not as the one before it "
+            "would leave it");
     }
     int result = 0;
     for (const StartupShortcut& shortcut : *shortcuts) {

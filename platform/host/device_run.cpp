@@ -8,18 +8,22 @@
 #include <optional>
 
 #include "core/win_main.h"
+#include "platform/command_line/named_device.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/device_lock.h"
 #include "platform/diagnostics/run_log.h"
+#include "platform/display/device_naming_boxes.h"
 #include "platform/display/display_detection.h"
 #include "platform/display/message_boxes_as_lines.h"
 #include "platform/display/message_boxes_of_silent_run.h"
 #include "platform/display/registry_saving_windows.h"
+#include "platform/display/retrying_store.h"
 #include "platform/display/window_module_loader.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/files/killed_run_recovery.h"
+#include "platform/host/run_lock.h"
 #include "platform/host/run_report.h"
+#include "platform/io/entry_facts.h"
 #include "platform/report/reporting_store.h"
 
 namespace platform {
@@ -30,8 +34,12 @@ namespace {
 // there; nothing when it goes on.
 class DeviceRun {
   public:
-    explicit DeviceRun(CommandLine& line)
-        : line_(line), log_(line.device), logInUse_(log_), isSilent_(IsSilent(line)) {}
+    DeviceRun(CommandLine& line, const SharedReport* shared)
+        : line_(line),
+          shared_(shared),
+          log_(line.device),
+          logInUse_(log_),
+          isSilent_(IsSilent(line)) {}
 
     int Run();
 
@@ -45,6 +53,8 @@ class DeviceRun {
     ExitCode Refuse(int code, const Failure& failure);
     ExitCode OpenDevice();
     ExitCode Lock();
+    void SayWhatIsNotRehearsed();
+    void AssembleDevice(std::unique_ptr<Registry> registry);
     ExitCode OpenStore();
     ExitCode OpenWindows();
     ExitCode OpenReport();
@@ -55,10 +65,12 @@ class DeviceRun {
     [[noreturn]] void EndOnTheSpot(int code);
 
     CommandLine& line_;
+    const SharedReport* shared_;
     RunLog log_;
     LogInUse logInUse_;
     bool isSilent_;
     bool isLocked_ = false;
+    bool isOnReadOnly_ = false;
     DeviceDirectory device_;
     std::unique_ptr<AssembledDevice> store_;
     std::unique_ptr<DisplayWindowSystem> windows_;  // of an interactive run
@@ -72,7 +84,7 @@ DeviceRun::ExitCode DeviceRun::Refuse(int code, const Failure& failure) {
 }
 
 DeviceRun::ExitCode DeviceRun::OpenDevice() {
-    Result<DeviceDirectory> device = OpenDeviceDirectory(line_.device.c_str());
+    Result<DeviceDirectory> device = OpenNamedDevice(line_);
     if (!device) {
         return Refuse(EX_NOINPUT, device.error());
     }
@@ -81,30 +93,57 @@ DeviceRun::ExitCode DeviceRun::OpenDevice() {
 }
 
 DeviceRun::ExitCode DeviceRun::Lock() {
-    const Result<bool> locked = LockDevice(device_);
-    if (locked && !*locked) {
-        log_.Say("in use by another run; try again when it has ended");
-        return EX_TEMPFAIL;
+    const RunLock lock =
+        TakeRunLock(device_, line_.rehearse ? LockKind::Shared : LockKind::Exclusive, log_);
+    isLocked_ = lock == RunLock::Taken;
+    return lock == RunLock::Refused ? ExitCode(EX_TEMPFAIL) : ExitCode();
+}
+
+void DeviceRun::SayWhatIsNotRehearsed() {
+    if (isOnReadOnly_) {
+        log_.Say("it is on a read-only file system: a run could not change it as it is now");
     }
-    if (!locked) {
-        log_.Say("it cannot be locked, so make sure that nothing else works on it meanwhile: " +
-                 ReasonOf(locked.error()));
+    if (isLocked_ && store_->HaveLeftovers()) {
+        log_.Say(
+            "a run that was killed has left files here; the next run puts them right before "
+            "it begins, which the rehearsal does not show");
     }
-    isLocked_ = locked.has_value();
-    return {};
+}
+
+void DeviceRun::AssembleDevice(std::unique_ptr<Registry> registry) {
+    const auto exit = [this](int code) { EndOnTheSpot(code); };
+    isOnReadOnly_ = line_.rehearse &&
+                    (IsOnReadOnly(device_.directory.get()) || IsOnReadOnly(device_.files.get()));
+    store_ =
+        line_.rehearse
+            ? AssembledDevice::Rehearsed(std::make_unique<RehearsedTree>(std::move(device_.files)),
+                                         line_.modulePath, std::move(registry), exit)
+            : std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
+                                                std::move(registry), exit);
 }
 
 DeviceRun::ExitCode DeviceRun::OpenStore() {
-    auto registry = Registry::Open(device_.directory.get());
+    auto registry = Registry::Open(device_.directory.get(), device_.registryName,
+                                   line_.rehearse ? AccessTime::Kept : AccessTime::Shown);
     if (!registry) {
         return Refuse(EX_DATAERR, registry.error());
     }
-    store_ = std::make_unique<AssembledDevice>(std::move(device_.files), line_.modulePath,
-                                               std::move(*registry),
-                                               [this](int code) { EndOnTheSpot(code); });
+    if (const std::string advice = AdviceOnExport(**registry); !advice.empty()) {
+        log_.Say(advice);
+    }
+    AssembleDevice(std::move(*registry));
+    if (device_.isByHalves) {
+        store_->KeepFromErasing();
+    }
+    if (line_.rehearse) {
+        SayWhatIsNotRehearsed();
+        return {};
+    }
     if (isLocked_) {
         store_->RecoverFromKilledRuns();
-        RemoveUnfinishedFilesIn(device_.directory.get());
+        if (device_.directory) {
+            RemoveUnfinishedFilesIn(device_.directory.get());
+        }
     }
     return {};
 }
@@ -124,16 +163,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
     if (const Status storable = store_->CheckStorable(); !storable) {
         return Refuse(EX_CANTCREAT, storable.error());
     }
-    Result<std::unique_ptr<DisplayWindowSystem>> windows =
-        FailBecause("open the program's windows",
-                    "--no-display was given; the command line \"silent\" needs none");
-    if (!line_.noDisplay) {
-        windows = DisplayIsThere()
-                      ? OpenDisplayWindowSystem(WindowParamsFor(line_.device.c_str(), line_.scale))
-                      : FailBecause("open the program's windows",
-                                    "neither DISPLAY nor WAYLAND_DISPLAY leads to a display; "
-                                    "the command line \"silent\" needs none");
-    }
+    const Status display =
+        line_.noDisplay
+            ? FailBecause(kOpenWindows,
+                          "--no-display was given; the command line \"silent\" needs none")
+            : CheckDisplay();
+    auto windows = display.and_then([this] {
+        return OpenDisplayWindowSystem(
+            WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse));
+    });
     if (!windows) {
         return Refuse(EX_UNAVAILABLE, windows.error());
     }
@@ -145,14 +183,15 @@ DeviceRun::ExitCode DeviceRun::OpenWindows() {
 DeviceRun::ExitCode DeviceRun::OpenReport() {
     const bool isAsked = line_.report != ReportForm::None || !line_.reportPage.empty();
     if (isSilent_ || isAsked || line_.strict) {
-        report_.emplace(line_, device_, isSilent_, log_);
+        report_.emplace(line_, device_, isSilent_, log_, shared_);
         recorder_.emplace(*store_, report_->writers(), log_);
     }
     return {};
 }
 
 int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
-    RegistrySavingWindows storing(windows, store, log_);
+    DeviceNamingBoxes naming(windows, log_);
+    RegistrySavingWindows storing(shared_ != nullptr ? naming : windows, store, log_);
     const StoreInUse storeInUse(store);
     const WindowsInUse windowsInUse(storing);
     return WinMain(nullptr, nullptr, line_.programLine.data(), 0);
@@ -160,18 +199,28 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        WindowRepaintingStore answering(store(), [this] { windows_->ServeDesktop(); });
+        RetryingStore retrying(store(), [this](const std::string& failure) {
+            return windows_->WantsToTryAgain(failure);
+        });
+        WindowRepaintingStore answering(retrying, [this] { windows_->ServeDesktop(); });
         return RunProgram(answering, *windows_);
     }
     if (line_.noDisplay) {
         MessageBoxesAsLines console(stderr);
         return RunProgram(store(), console);
     }
-    MessageBoxesOfSilentRun boxes(WindowParamsFor(line_.device.c_str(), line_.scale), stderr);
+    MessageBoxesOfSilentRun boxes(
+        WindowParamsFor(line_.device.c_str(), line_.scale, line_.rehearse), stderr);
     return RunProgram(store(), boxes);
 }
 
 int DeviceRun::Finish() {
+    if (windows_ != nullptr) {
+        store_->OfferRetry([this](const Failure& failure) {
+            return windows_->WantsToTryAgain("Changes to the registry are not stored.\n\n" +
+                                             Describe(failure));
+        });
+    }
     [[maybe_unused]] const Status stored = store().StoreRegistry();
     if (recorder_) {
         report_->Finish(recorder_->WriteLastEvents(), line_.strict);
@@ -200,8 +249,8 @@ int DeviceRun::Run() {
 
 }  // namespace
 
-int RunOnDevice(CommandLine& line) {
-    return DeviceRun(line).Run();
+int RunOnDevice(CommandLine& line, const SharedReport* shared) {
+    return DeviceRun(line, shared).Run();
 }
 
 }  // namespace platform

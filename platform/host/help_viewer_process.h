@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/host/command_line.h"
+#include "platform/command_line/command_line.h"
 
 namespace platform {
 

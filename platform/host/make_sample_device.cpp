@@ -6,9 +6,9 @@
 
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
-#include "platform/device/sample_files.h"
-#include "platform/device/sample_registry.h"
 #include "platform/diagnostics/run_log.h"
+#include "platform/sample/sample_files.h"
+#include "platform/sample/sample_registry.h"
 
 namespace platform {
 

@@ -1,18 +1,14 @@
 #include "platform/host/run_report.h"
 
-#include <fcntl.h>
-
-#include <algorithm>
-#include <array>
-#include <cerrno>
 #include <cstdio>
 #include <ctime>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "platform/io/file_identity.h"
+#include "platform/device/device_halves.h"
 #include "platform/report/last_run_file.h"
+#include "platform/report/page_place.h"
 #include "platform/report/report_html.h"
 #include "platform/report/report_json.h"
 #include "platform/report/report_lines.h"
@@ -21,55 +17,6 @@
 namespace platform {
 
 namespace {
-
-constexpr const char* kWritePage = "write the report";
-
-// Whether `directory` is one of the device's, whatever its name is. Nothing of the device may be
-// replaced by a report, and no run is to find one among the files that it cleans.
-Result<bool> IsOfDevice(const Descriptor& directory, const DeviceDirectory& device) {
-    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
-    const std::array devices = {IdentityOf(device.directory.get()),
-                                device.files ? IdentityOf(device.files.get()) : std::nullopt};
-    Descriptor here(openat(directory.get(), ".", kFlags));
-    for (std::optional<FileIdentity> below; here;) {
-        const std::optional<FileIdentity> identity = IdentityOf(here.get());
-        if (!identity) {
-            break;
-        }
-        if (std::find(devices.begin(), devices.end(), identity) != devices.end()) {
-            return true;
-        }
-        if (identity == below) {
-            return false;
-        }
-        below = identity;
-        here = Descriptor(openat(here.get(), "..", kFlags));
-    }
-    return Fail(kWritePage, errno);
-}
-
-struct PagePlace {
-    Descriptor directory;
-    std::string name;
-};
-
-Result<PagePlace> OpenPlace(const std::string& file, const DeviceDirectory& device) {
-    const std::size_t slash = file.rfind('/');
-    const std::string parent = slash == std::string::npos ? "." : file.substr(0, slash + 1);
-    PagePlace place{Descriptor(open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)),
-                    file.substr(slash + 1)};
-    if (!place.directory) {
-        return Fail(kWritePage, errno);
-    }
-    const Result<bool> isOfDevice = IsOfDevice(place.directory, device);
-    if (!isOfDevice) {
-        return tl::unexpected<Failure>(isOfDevice.error());
-    }
-    if (*isOfDevice) {
-        return FailBecause(kWritePage, "it would be in the device directory");
-    }
-    return place;
-}
 
 std::unique_ptr<ReportWriter> WriterOnOutput(ReportForm form) {
     switch (form) {
@@ -86,13 +33,15 @@ std::unique_ptr<ReportWriter> WriterOnOutput(ReportForm form) {
 }  // namespace
 
 RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, bool isSilent,
-                     RunLog& log)
-    : log_(log) {
-    if (isSilent) {
-        lastRun_ = std::make_unique<LastRunFile>(device.directory.get());
+                     RunLog& log, const SharedReport* shared)
+    : log_(log), shared_(shared) {
+    if (isSilent && !line.rehearse) {
+        BeginLastRun(device);
     }
-    if (!line.reportPage.empty()) {
-        AddPage(line.reportPage, device);
+    if (shared_ != nullptr && shared_->page != nullptr) {
+        asked_.push_back(std::make_unique<ReportHtml>(*shared_->page));
+    } else if (shared_ == nullptr && !line.reportPage.empty()) {
+        AddPage(line, device);
     }
     if (auto writer = WriterOnOutput(line.report)) {
         asked_.push_back(std::move(writer));
@@ -100,19 +49,38 @@ RunReport::RunReport(const CommandLine& line, const DeviceDirectory& device, boo
     const ReportRun run = {.version = FENNELBRIGHT_VERSION,
                            .device = line.device,
                            .programLine = line.programLine,
-                           .started = std::time(nullptr)};
+                           .started = std::time(nullptr),
+                           .isRehearsal = line.rehearse};
     for (ReportWriter* const writer : writers()) {
         writer->Begin(run);
     }
 }
 
-void RunReport::AddPage(const std::string& file, const DeviceDirectory& device) {
-    Result<PagePlace> place = OpenPlace(file, device);
-    if (place) {
-        asked_.push_back(
-            std::make_unique<ReportHtml>(std::move(place->directory), std::move(place->name)));
+// Nothing is kept on a card, where it would take its owner's room and be cleaned.
+void RunReport::BeginLastRun(const DeviceDirectory& device) {
+    if (!device.isByHalves) {
+        lastRun_ = std::make_unique<LastRunFile>(device.directory.get());
+        return;
+    }
+    Result<Descriptor> state = OpenKeptDirectory(device);
+    if (!state) {
+        log_.Say("last-run.txt is not written: " + Describe(state.error()));
+        return;
+    }
+    state_ = std::move(*state);
+    lastRun_ = std::make_unique<LastRunFile>(state_.get());
+}
+
+void RunReport::AddPage(const CommandLine& line, const DeviceDirectory& device) {
+    const std::string& file = line.reportPage;
+    Result<PagePlace> place = OpenPagePlace(file);
+    const Status possible =
+        place ? CheckOutside(*place, device) : Status(tl::unexpected<Failure>(place.error()));
+    if (possible) {
+        asked_.push_back(std::make_unique<ReportHtml>(std::move(place->directory),
+                                                      std::move(place->name), line.rehearse));
     } else {
-        log_.SayUndone(Describe(FailOf(place.error(), ReadableBytes(file)).value()));
+        log_.SayUndone(Describe(FailOf(possible.error(), ReadableBytes(file)).value()));
     }
 }
 
@@ -128,6 +96,9 @@ std::vector<ReportWriter*> RunReport::writers() const {
 }
 
 void RunReport::Finish(const ReportTotals& totals, bool strict) {
+    if (shared_ != nullptr) {
+        *shared_->totals = totals;
+    }
     if (lastRun_ != nullptr) {
         if (const Status written = lastRun_->Finish({totals, std::nullopt}); !written) {
             log_.Say(Describe(written.error()));

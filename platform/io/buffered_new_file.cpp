@@ -22,13 +22,14 @@ constexpr const char* kReplace = "replace it";
 void BufferedNewFile::Append(std::string_view text) {
     buffer_ += text;
     if (buffer_.size() >= kBufferSize) {
-        Flush();
+        [[maybe_unused]] const Status written = Flush();
     }
 }
 
-void BufferedNewFile::Flush() {
+Status BufferedNewFile::Flush() {
     written_ = written_ ? WriteBuffer() : written_;
     buffer_.clear();
+    return written_;
 }
 
 Status BufferedNewFile::WriteBuffer() {
@@ -65,8 +66,8 @@ void BufferedNewFile::AppendContentOf(BufferedNewFile& other) {
 }
 
 Status BufferedNewFile::PublishAs(const std::string& name) {
-    Flush();
-    return written_ ? Replace(name) : written_;
+    const Status written = Flush();
+    return written ? Replace(name) : written;
 }
 
 Status BufferedNewFile::Replace(const std::string& name) {

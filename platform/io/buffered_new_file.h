@@ -25,12 +25,14 @@ class BufferedNewFile {
 
     bool isBegun() const { return !buffer_.empty() || file_ != nullptr; }
 
+    // Writes what waits in the buffer; a failure of this or of earlier writing.
+    Status Flush();
+
     // Gives the file this name, which stands for nothing yet, or for a regular file that may be
     // written, which it replaces. Links are neither followed nor replaced. Once at most.
     Status PublishAs(const std::string& name);
 
   private:
-    void Flush();
     Status WriteBuffer();
     Status CopyTo(BufferedNewFile& other) const;
     Status Replace(const std::string& name);

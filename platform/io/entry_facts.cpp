@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -26,6 +28,14 @@ bool EntryFacts::isReadOnly() const {
     return !S_ISDIR(mode) && (mode & kMayWrite) == 0;
 }
 
+EntryFacts FactsOf(const struct statx& entry) {
+    return {entry.stx_mode, S_ISDIR(entry.stx_mode) ? 0 : entry.stx_size};
+}
+
+dev_t VolumeOf(const struct statx& entry) {
+    return makedev(entry.stx_dev_major, entry.stx_dev_minor);
+}
+
 Result<EntryFacts> FactsOf(int directory, const char* name) {
     struct stat entry {};
     if (fstatat(directory, name, &entry, AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT) != 0) {
@@ -40,6 +50,11 @@ bool IsMountPoint(int directory, const char* name) {
     return statx(directory, name, AT_EMPTY_PATH | AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, 0,
                  &entry) == 0 &&
            (entry.stx_attributes & STATX_ATTR_MOUNT_ROOT) != 0;
+}
+
+bool IsOnReadOnly(int directory) {
+    struct statvfs volume {};
+    return fstatvfs(directory, &volume) == 0 && (volume.f_flag & ST_RDONLY) != 0;
 }
 
 Status CheckWritable(int directory, const char* name, mode_t mode) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <sys/stat.h>
 #include <sys/types.h>
 
 #include <cstdint>
@@ -18,11 +19,18 @@ struct EntryFacts {
     bool isReadOnly() const;  // a file without any write permission
 };
 
+EntryFacts FactsOf(const struct statx& entry);
+dev_t VolumeOf(const struct statx& entry);        // the number of its file system
+inline constexpr std::uint64_t kStatBlock = 512;  // bytes in which statx counts what it takes
+
 // ENOENT when there is no such entry. A link is looked at itself, and nothing is mounted for it.
 Result<EntryFacts> FactsOf(int directory, const char* name);
 
 // Whether `name` in `directory`, or `directory` itself for "", is where a file system is mounted.
 bool IsMountPoint(int directory, const char* name);
+
+// Whether the open directory is on a read-only file system; without one, -1, it is not.
+bool IsOnReadOnly(int directory);
 
 // Whether this process may write a file of that mode: a file without any write permission is
 // read-only, for the superuser too.

@@ -2,6 +2,11 @@
 
 #include <fcntl.h>
 
+#include <algorithm>
+#include <cerrno>
+
+#include "platform/io/descriptor.h"
+
 namespace platform {
 
 FileIdentity IdentityOf(const struct stat& status) {
@@ -22,6 +27,26 @@ std::optional<FileIdentity> IdentityOf(int directory, const char* name) {
 
 bool IsSameFile(const std::optional<FileIdentity>& left, const std::optional<FileIdentity>& right) {
     return left && left == right;
+}
+
+Result<bool> IsWithin(int directory, std::span<const FileIdentity> places) {
+    constexpr int kFlags = O_PATH | O_DIRECTORY | O_CLOEXEC;
+    Descriptor here(openat(directory, ".", kFlags));
+    for (std::optional<FileIdentity> below; here;) {
+        const std::optional<FileIdentity> identity = IdentityOf(here.get());
+        if (!identity) {
+            break;
+        }
+        if (std::ranges::find(places, *identity) != places.end()) {
+            return true;
+        }
+        if (identity == below) {
+            return false;
+        }
+        below = identity;
+        here = Descriptor(openat(here.get(), "..", kFlags));
+    }
+    return Fail("find the directories around it", errno);
 }
 
 bool StandsFor(int directory, const char* name, const struct stat& file) {

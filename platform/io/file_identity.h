@@ -4,6 +4,9 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
+
+#include "platform/diagnostics/failure.h"
 
 namespace platform {
 
@@ -22,6 +25,9 @@ std::optional<FileIdentity> IdentityOf(int directory, const char* name);
 
 // Whether both are known to be one and the same.
 bool IsSameFile(const std::optional<FileIdentity>& left, const std::optional<FileIdentity>& right);
+
+// Whether the open directory is one of `places` or lies in one, whatever the names of either are.
+Result<bool> IsWithin(int directory, std::span<const FileIdentity> places);
 
 // Whether the name stands for this very file.
 bool StandsFor(int directory, const char* name, const struct stat& file);

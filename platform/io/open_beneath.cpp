@@ -24,10 +24,19 @@ Result<Descriptor> OpenBeneath(int parent, const char* path, int flags, Mounts m
     return opened;
 }
 
-Result<Descriptor> OpenRegularFile(int directory, const char* name, Mounts mounts) {
+Result<Descriptor> OpenBeneathToRead(int parent, const char* path, int flags, Mounts mounts,
+                                     AccessTime time) {
+    const int more = time == AccessTime::Kept ? O_NOATIME : 0;
+    Result<Descriptor> opened = OpenBeneath(parent, path, flags | O_RDONLY | more, mounts);
+    const bool isForbidden = !opened && opened.error().error == EPERM && more != 0;
+    return isForbidden ? OpenBeneath(parent, path, flags | O_RDONLY, mounts) : std::move(opened);
+}
+
+Result<Descriptor> OpenRegularFile(int directory, const char* name, Mounts mounts,
+                                   AccessTime time) {
     // The name can have been given to something else since it was looked at.
     Result<Descriptor> file =
-        OpenBeneath(directory, name, O_RDONLY | O_NONBLOCK | O_NOCTTY, mounts);
+        OpenBeneathToRead(directory, name, O_NONBLOCK | O_NOCTTY, mounts, time);
     struct stat opened {};
     if (file && fstat(file->get(), &opened) != 0) {
         return Fail("open", errno);

@@ -13,9 +13,16 @@ enum class Mounts { Refused, Entered };
 // are those of open; O_CLOEXEC comes by itself.
 Result<Descriptor> OpenBeneath(int parent, const char* path, int flags, Mounts mounts);
 
+// Whether what is read shows in its time of access. That is kept as far as the system allows it.
+enum class AccessTime { Shown, Kept };
+
+// The same for what is to be read.
+Result<Descriptor> OpenBeneathToRead(int parent, const char* path, int flags, Mounts mounts,
+                                     AccessTime time);
+
 // Opens the entry `name` of `directory`, which was a regular file when it was looked at, for
 // reading; fails when it is not one any more. Waits for nothing.
-Result<Descriptor> OpenRegularFile(int directory, const char* name,
-                                   Mounts mounts = Mounts::Refused);
+Result<Descriptor> OpenRegularFile(int directory, const char* name, Mounts mounts = Mounts::Refused,
+                                   AccessTime time = AccessTime::Shown);
 
 }  // namespace platform

@@ -134,6 +134,13 @@ bool HaveSameContent(int left, int right) {
     }
 }
 
+// What an overlay shows may lie in the very directory that the file is in.
+bool IsCopy(int file, int copy) {
+    struct statfs system {};
+    const bool isOverlay = fstatfs(copy, &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC;
+    return !isOverlay && HaveSameContent(file, copy);
+}
+
 // What may be a copy of a file, or a second name of it.
 struct Candidate {
     int directory;
@@ -155,12 +162,8 @@ bool LooksLike(const SourceFile& source, Candidate& candidate) {
 // Whether it holds, safely stored, what the file holds.
 bool IsStoredCopy(const WatchedFile& file, const Candidate& candidate) {
     const Result<Descriptor> copy = OpenRegularFile(candidate.directory, candidate.name);
-    // What an overlay shows may lie in the very directory that the file is in.
-    struct statfs system {};
-    const bool isOverlay =
-        copy && (fstatfs(copy->get(), &system) != 0 || system.f_type == OVERLAYFS_SUPER_MAGIC);
-    return copy && !isOverlay && HaveSameContent(file.descriptor(), copy->get()) &&
-           fsync(copy->get()) == 0 && SyncEntries(candidate.directory).has_value();
+    return copy && IsCopy(file.descriptor(), copy->get()) && fsync(copy->get()) == 0 &&
+           SyncEntries(candidate.directory).has_value();
 }
 
 // Whether it still has its name. What was remembered of another view of the same files may be
@@ -210,6 +213,21 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination) {
         return published;
     }
     return DeleteCopied(*file, source, destination, **copy);
+}
+
+bool IsMovedAlready(const SourceFile& source, int directory, const char* name, Twin twin) {
+    Candidate candidate{directory, name};
+    if (!LooksLike(source, candidate)) {
+        return false;
+    }
+    if (twin == Twin::SecondName) {
+        return AreTwoNamesOfOneFile(source.directory, source.name, directory, name);
+    }
+    const Result<Descriptor> file =
+        OpenRegularFile(source.directory, source.name, Mounts::Refused, AccessTime::Kept);
+    const Result<Descriptor> copy =
+        OpenRegularFile(directory, name, Mounts::Refused, AccessTime::Kept);
+    return file && copy && IsCopy(file->get(), copy->get());
 }
 
 Status FinishMove(const SourceFile& source, int directory, const char* name) {

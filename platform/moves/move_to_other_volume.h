@@ -23,4 +23,10 @@ Status MoveToVolume(const SourceFile& source, const Destination& destination);
 // EEXIST where it is neither, and after any other failure; then the file is where it was.
 Status FinishMove(const SourceFile& source, int directory, const char* name);
 
+// What the file that has the new name may be to the one that is to be moved.
+enum class Twin { SecondName, Copy };
+
+// Whether it is that, so that FinishMove would delete the file, as far as reading both tells.
+bool IsMovedAlready(const SourceFile& source, int directory, const char* name, Twin twin);
+
 }  // namespace platform

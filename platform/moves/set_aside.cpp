@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -112,7 +113,27 @@ SetAside::SetAside(const SourceFile& source)
       record_(NewReservedName(ReservedFor::WayBack)),
       aside_(ReservedCounterpart(record_.view(), ReservedFor::SetAside)) {}
 
+namespace {
+
+// Where users may take away only what is theirs, another user's file could not come back.
+Status CheckCanLeave(const SourceFile& source) {
+    struct stat volume {};
+    struct stat file {};
+    if (geteuid() == 0 || fstat(source.volume, &volume) != 0 || (volume.st_mode & S_ISVTX) == 0 ||
+        volume.st_uid == geteuid()) {
+        return {};
+    }
+    const bool isOwn = fstatat(source.directory, source.name, &file, AT_SYMLINK_NOFOLLOW) == 0 &&
+                       file.st_uid == geteuid();
+    return isOwn ? Status() : Fail("set it aside", EPERM);
+}
+
+}  // namespace
+
 Result<SetAside> SetAside::Create(const SourceFile& source) {
+    if (const Status allowed = CheckCanLeave(source); !allowed) {
+        return tl::unexpected<Failure>(allowed.error());
+    }
     SetAside taken(source);
     const std::u16string path = std::u16string(SplitAtName(source.path).directory) +
                                 std::u16string(DeviceNameOf(source.name).view());

@@ -5,11 +5,14 @@
 #include <QMenuBar>
 #include <algorithm>
 
+#include "platform/display/message_box_default_answer.h"
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/controls/accessible_controls.h"
 #include "platform/qt/controls/tab_control.h"
 #include "platform/qt/controls/tree_control.h"
 #include "platform/qt/desktop/toolkit_start.h"
 #include "platform/qt/screen/menu_bar.h"
+#include "platform/qt/screen/page_scroll_bar.h"
 
 namespace platform::qt {
 
@@ -17,6 +20,7 @@ namespace {
 
 constexpr DWORD_PTR kSmallIcons = 1;
 constexpr int kSimpleRegion = 2;
+constexpr int kPageOverlap = 18;
 
 // What the handheld's screen has below its caption bar.
 constexpr RECT kWorkArea = {0, kCaptionHeight, kScreenWidth, kScreenHeight};
@@ -86,13 +90,15 @@ QtWindowSystem::QtWindowSystem(const WindowModuleParams& params,
     : findMenu_(params.findMenu),
       answerUnseen_(params.answerUnseen),
       application_(std::move(application)),
-      host_(QString::fromUtf8(params.title),
+      host_(QString::fromUtf8(params.title), params.isRehearsal,
             {.okPressed = [this] { queue_.Post(stack_.Front(), WM_COMMAND, IDOK, 0); },
              .closePressed = [this] { RequestExit(); },
-             .tabKeyPressed = [this](int step) { QueueTabStep(step); }}),
+             .tabKeyPressed = [this](int step) { QueueTabStep(step); },
+             .pageKeyPressed = [this](Qt::Key key) { QueuePageScroll(key); }}),
       context_{windows_, queue_, host_},
       stack_(windows_, host_),
       closeWatch_(host_, [this] { RequestExit(); }) {
+    DescribeControls();
     new QuitWatch(*application_, queue_);  // the application's own
     if (const IconResource* const icon = params.findIcon(kIconResource)) {
         QApplication::setWindowIcon(IconOf(*icon));
@@ -111,6 +117,17 @@ void QtWindowSystem::ServeDesktop() {
     // Without the sockets: a signal becomes a message only when the program asks for one again.
     QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents |
                                     QEventLoop::ExcludeSocketNotifiers);
+}
+
+bool QtWindowSystem::WantsToTryAgain(const std::string& failure) {
+    if (isSignalled_ || DisplayIsLost()) {
+        return false;
+    }
+    QGuiApplication::restoreOverrideCursor();
+    const QString text = QString::fromStdString(failure) +
+                         QStringLiteral("\n\nIf you give up, what was changed is lost.");
+    return boxes_.Show(&host_, text, QStringLiteral("Fennelbright"),
+                       kTryAgainBox | MB_ICONEXCLAMATION) == kTryAgain;
 }
 
 WORD QtWindowSystem::RegisterClassW(const WNDCLASS* windowClass) {
@@ -141,7 +158,7 @@ HWND QtWindowSystem::CreateWindowExW(DWORD extendedStyle, const WCHAR* className
         .text = TextOf(text),
         .place =
             above == nullptr ? TopLevelPlace(x, y, width, height) : PlaceOf(x, y, width, height),
-        .surface = onScreen ? &host_ : &above->surface()};
+        .surface = onScreen ? &host_.handheld() : &above->surface()};
     if (made != nullptr) {
         classes_.NoteWindow(name, params.handle);
         return AddProgramWindow(params, extendedStyle, *made);
@@ -202,7 +219,7 @@ void QtWindowSystem::Open(const Window& window) {
         stack_.Raise(window);
         host_.show();
         WatchSignals();
-    } else if (window.widget().parentWidget() == &host_) {
+    } else if (window.widget().parentWidget() == &host_.handheld()) {
         window.widget().raise();
     } else {
         stack_.OfferKeyboard(window);
@@ -233,7 +250,7 @@ BOOL QtWindowSystem::GetWindowRect(HWND window, RECT* rectangle) {
     if (found == nullptr || rectangle == nullptr) {
         return FALSE;
     }
-    const QPoint corner = found->widget().mapTo(&host_, QPoint(0, 0));
+    const QPoint corner = found->widget().mapTo(&host_.handheld(), QPoint(0, 0));
     *rectangle = PlaceOf(corner.x(), corner.y(), found->widget().width(), found->widget().height());
     return TRUE;
 }
@@ -411,7 +428,7 @@ BOOL QtWindowSystem::SHCreateMenuBar(SHMENUBARINFO* info) {
         .style = WS_VISIBLE,
         .text = {},
         .place = {0, kScreenHeight - kMenuBarHeight, kScreenWidth, kScreenHeight},
-        .surface = &host_};
+        .surface = &host_.handheld()};
     windows_.Add(std::make_unique<MenuBar>(context_, params, *menu));
     windows_.Find(params.handle)->widget().show();
     info->hwndMB = params.handle;
@@ -430,7 +447,7 @@ HWND QtWindowSystem::CreateDialogIndirectParamW(HINSTANCE /*instance*/, const DL
                                  .style = dialog->style,
                                  .text = {},
                                  .place = DialogPlace(*dialog, host_.fontMetrics()),
-                                 .surface = &host_};
+                                 .surface = &host_.handheld()};
     const ProgramTraits traits = {.procedure = procedure,
                                   .dialog = true,
                                   .topLevel = true,
@@ -486,10 +503,27 @@ void QtWindowSystem::QueueTabStep(int step) {
     }
 }
 
+// A row of what was in view stays in view.
+void QtWindowSystem::QueuePageScroll(Qt::Key key) {
+    for (const QScrollBar* const each : host_.findChildren<QScrollBar*>()) {
+        const auto* const bar = dynamic_cast<const PageScrollBar*>(each);
+        if (bar == nullptr || !bar->isVisible() || !bar->isEnabled()) {
+            continue;
+        }
+        const bool isWhole = key == Qt::Key_Home || key == Qt::Key_End;
+        const int pixels = isWhole ? bar->maximum() - bar->minimum() : bar->height() - kPageOverlap;
+        const bool isUp = key == Qt::Key_Home || key == Qt::Key_PageUp;
+        queue_.Post(HandleOf(*bar->parentWidget()), kScrollBy, 0, isUp ? -pixels : pixels);
+    }
+}
+
 // The program ends as it does by its own button, once its work is done.
 void QtWindowSystem::WatchSignals() {
     if (!signals_) {
-        signals_.emplace([this] { RequestExit(); });
+        signals_.emplace([this] {
+            isSignalled_ = true;
+            RequestExit();
+        });
     }
 }
 

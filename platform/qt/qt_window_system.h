@@ -25,6 +25,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     ~QtWindowSystem() override;
 
     void ServeDesktop() override;
+    bool WantsToTryAgain(const std::string& failure) override;
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override;
     BOOL UnregisterClassW(const WCHAR* className, HINSTANCE instance) override;
@@ -66,6 +67,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     void Open(const Window& window);
     bool HasReceiver(const MSG& message) const;
     void QueueTabStep(int step);
+    void QueuePageScroll(Qt::Key key);
     void WatchSignals();
     // Ends the run as OK does, after running work; from then on every box is answered at once.
     void RequestExit();
@@ -76,7 +78,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     MessageQueue queue_;
     InputGate gate_{queue_};
     HostWindow host_;
-    SwitchedOffScreen screenOff_{host_};
+    SwitchedOffScreen screenOff_{host_.handheld()};
     WindowTable windows_;
     WindowContext context_;
     WindowClasses classes_;
@@ -85,6 +87,7 @@ class QtWindowSystem : public DisplayWindowSystem {
     CloseRequestWatch closeWatch_;
     std::optional<TerminationSignalWatch> signals_;
     bool ending_ = false;
+    bool isSignalled_ = false;
 };
 
 }  // namespace platform::qt

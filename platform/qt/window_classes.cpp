@@ -1,6 +1,5 @@
 #include "platform/qt/window_classes.h"
 
-#include <QComboBox>
 #include <algorithm>
 #include <array>
 
@@ -104,10 +103,6 @@ std::unique_ptr<Window> MakeControl(const QString& className, WindowContext& con
     const bool isNameless = params.text.isEmpty() || className.compare(u"msctls_trackbar32") == 0;
     if (isNameless && !name.isEmpty()) {
         window->widget().setAccessibleName(name);
-        // The toolkit may take a combo box's entry for its name.
-        if (dynamic_cast<const QComboBox*>(&window->widget()) != nullptr) {
-            window->widget().setAccessibleDescription(name);
-        }
     }
     return window;
 }

@@ -73,19 +73,21 @@ LONG CopyOut(const RegistryData& value, DWORD* type, BYTE* data, DWORD* size) {
 
 }  // namespace
 
-Registry::Registry(int directory, EditedRegistryText text, const FileVersion& version)
-    : file_(directory), text_(std::move(text)), version_(version) {
+Registry::Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileVersion& version)
+    : file_(std::move(file)), text_(std::move(text)), version_(version) {
     for (const RegistryRoot& root : kRegistryRoots) {
         open_[Number(root.handle)].path = FoldText(root.name);
     }
 }
 
-Result<std::unique_ptr<Registry>> Registry::Open(int directory) {
-    Result<ReadText> read = Read(RegistryFileOnDisk(directory));
+Result<std::unique_ptr<Registry>> Registry::Open(int directory, std::string name, AccessTime time) {
+    RegistryFileOnDisk file(directory, std::move(name), time);
+    Result<ReadText> read = Read(file);
     if (!read) {
         return tl::unexpected<Failure>(read.error());
     }
-    return std::unique_ptr<Registry>(new Registry(directory, std::move(read->text), read->version));
+    return std::unique_ptr<Registry>(
+        new Registry(std::move(file), std::move(read->text), read->version));
 }
 
 Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {
@@ -95,6 +97,7 @@ Result<Registry::ReadText> Registry::Read(const RegistryFileOnDisk& file) {
     }
     Result<EditedRegistryText> text = EditedRegistryText::Parse(std::move(content->bytes));
     if (!text) {
+        text.error().object = file.name() + ", " + text.error().object;
         return tl::unexpected<Failure>(text.error());
     }
     return ReadText{std::move(*text), content->version};
@@ -281,6 +284,9 @@ bool Registry::Apply(const Change& change, EditedRegistryText& text) {
 Status Registry::StoreRegistry() {
     tried_ = made_;
     Status stored = Store();
+    while (!stored && !pending_.empty() && tryAgain_ && tryAgain_(stored.error())) {
+        stored = Store();
+    }
     if (!stored) {
         RunLog& log = LogInUse::Current();
         log.NoteNotStored();
@@ -308,7 +314,7 @@ Status Registry::Store() {
             stored_ = made_;
         } else if (tries == kTries) {
             return FailOf({"store it", {}, EBUSY, "another program stores it over and over"},
-                          "registry.reg");
+                          file_.name());
         }
     }
     return lost_.empty() ? Status() : SayLost();
@@ -321,11 +327,14 @@ Status Registry::SayLost() {
     }
     lostSaid_ = lost_.size();
     return FailOf({"store every change", {}, 0, "another program has deleted the keys of some"},
-                  "registry.reg");
+                  file_.name());
 }
 
 // Takes over what other programs have stored, if there is anything.
 Status Registry::Refresh() {
+    if (isRehearsed()) {
+        return {};  // what is rehearsed is in no file
+    }
     const Result<FileVersion> current = file_.Look();
     if (!current) {
         return tl::unexpected<Failure>(current.error());
@@ -354,8 +363,7 @@ Status Registry::ReserveRoom() {
         return {};
     }
     if (!pending_.empty()) {
-        return FailOf({"keep room for it", {}, 0, "its changes could not be stored"},
-                      "registry.reg");
+        return FailOf({"keep room for it", {}, 0, "its changes could not be stored"}, file_.name());
     }
     return file_.ReserveRoom(version_.size() + kGrowth);
 }

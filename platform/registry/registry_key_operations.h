@@ -15,17 +15,18 @@
 
 namespace platform {
 
-// The registry of a device: the operations of core/registry_operations.h on the file registry.reg
-// of a device directory. The functions that bear the platform's names keep the contracts there.
+// The registry of a device: the operations of core/registry_operations.h on its file. The functions
+// that bear the platform's names keep the contracts there.
 //
 // Changes are seen at once and stored by StoreRegistry(). What other programs have changed in the
 // file by then is kept: the file is read anew, and the changes of this process alone are applied to
 // it. A change to a key that another program has deleted is dropped with the key.
 class Registry : public DeviceRegistry {
   public:
-    // Reads the registry of the open device directory, which stays the caller's and must outlive
-    // the object; one without keys when there is no file, which is then made with the first change.
-    static Result<std::unique_ptr<Registry>> Open(int directory);
+    // Reads the registry from a file as that of RegistryFileOnDisk; one without keys when there is
+    // none, which is then made with the first change.
+    static Result<std::unique_ptr<Registry>> Open(int directory, std::string name = kRegistryName,
+                                                  AccessTime time = AccessTime::Shown);
 
     LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD options, DWORD access,
                        HKEY* result) override;
@@ -38,17 +39,27 @@ class Registry : public DeviceRegistry {
     LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) override;
     LONG RegCloseKey(HKEY key) override;
 
-    // The open device directory, which stays its owner's.
+    // Where its file is, which stays its owner's.
     int directory() const { return file_.directory(); }
 
     RegistryChanges ChangesOfRegistry() const override { return {made_, stored_}; }
     bool IsChangeLost(std::uint64_t change) const override { return lost_.contains(change); }
+
+    // From now on `tryAgain` is asked after a storing that has failed, with why, before changes are
+    // given up.
+    void OfferRetry(std::function<bool(const Failure& failure)> tryAgain) {
+        tryAgain_ = std::move(tryAgain);
+    }
 
     // A change that is lost counts as stored, and the storing in which it was lost as failed.
     Status StoreRegistry() override;
 
     // Whether there are changes that StoreRegistry has not tried to store yet.
     bool HasUntriedChanges() const { return made_ > tried_; }
+
+    // From now on changes are seen, and storing them only finds out whether it could be done.
+    void Rehearse(RegistryFileOnDisk::RehearsedRoom room) { file_.Rehearse(std::move(room)); }
+    bool isRehearsed() const { return file_.isRehearsed(); }
 
     // `action` is called with each change, which is in memory alone by then.
     void OnChange(std::function<void()> action) { onChange_ = std::move(action); }
@@ -82,7 +93,7 @@ class Registry : public DeviceRegistry {
         RegistryData set;
     };
 
-    Registry(int directory, EditedRegistryText text, const FileVersion& version);
+    Registry(RegistryFileOnDisk file, EditedRegistryText text, const FileVersion& version);
 
     struct ReadText {
         EditedRegistryText text;
@@ -108,6 +119,7 @@ class Registry : public DeviceRegistry {
     std::vector<Change> pending_;
     std::unordered_map<std::u16string, OpenText> openTexts_;  // by path and name
     std::function<void()> onChange_;
+    std::function<bool(const Failure& failure)> tryAgain_;
     std::uint64_t made_ = 0;
     std::uint64_t stored_ = 0;
     std::uint64_t tried_ = 0;

@@ -64,4 +64,16 @@ void ReportTotals::Count(const ReportEvent& event) {
     }
 }
 
+void ReportTotals::Add(const ReportTotals& other) {
+    filesDeleted += other.filesDeleted;
+    bytesDeleted += other.bytesDeleted;
+    entriesMoved += other.entriesMoved;
+    directoriesMade += other.directoriesMade;
+    directoriesRemoved += other.directoriesRemoved;
+    shortcutsMade += other.shortcutsMade;
+    valuesWritten += other.valuesWritten;
+    keysDeleted += other.keysDeleted;
+    notDone += other.notDone;
+}
+
 }  // namespace platform

@@ -59,6 +59,7 @@ struct ReportTotals {
     std::uint64_t notDone = 0;
 
     void Count(const ReportEvent& event);
+    void Add(const ReportTotals& other);
 };
 
 }  // namespace platform

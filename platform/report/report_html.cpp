@@ -42,45 +42,9 @@ constexpr const char* kStepTitles[] = {
     "Selected startup shortcuts",
 };
 
-constexpr char kHead[] = R"(<!DOCTYPE html>
-<html lang="en">
-<head>
-<meta charset="utf-8">
-<meta name="viewport" content="width=device-width, initial-scale=1">
-<meta name="color-scheme" content="light dark">
-<meta http-equiv="Content-Security-Policy" content="default-src 'none'; style-src 'unsafe-inline'">
-<title>Fennelbright: report of a run</title>
-<style>
-:root { --page: #fbfaf7; --text: #21241f; --quiet: #62675d; --line: #d9d8d0; --card: #fff;
-        --bar: #4c8a4a; --bad: #b3261e; --bad-card: #fdeceb; }
-@media (prefers-color-scheme: dark) {
-:root { --page: #171916; --text: #e4e6df; --quiet: #a0a599; --line: #373b34; --card: #20231f;
-        --bar: #79b573; --bad: #ff9c93; --bad-card: #3a1f1d; }
-}
-body { margin: 0 auto; max-width: 64rem; padding: 1.5rem; background: var(--page);
-       color: var(--text); font: 1rem/1.5 system-ui, sans-serif; }
-h1 { font-size: 1.6rem; margin: 0 0 1rem; }
-h2 { font-size: 1.15rem; margin: 2rem 0 .5rem; }
-table { border-collapse: collapse; width: 100%; }
-th, td { padding: .25rem .75rem .25rem 0; border-bottom: 1px solid var(--line);
-         text-align: left; vertical-align: top; overflow-wrap: anywhere; }
-th { color: var(--quiet); font-weight: normal; }
-.facts th { width: 12rem; }
-.number { text-align: right; white-space: nowrap; }
-.track { width: 35%; }
-.bar { background: var(--bar); height: 1rem; margin-top: .25rem; border-radius: 2px; }
-details { margin: .5rem 0; border: 1px solid var(--line); border-radius: 6px;
-          background: var(--card); }
-summary { cursor: pointer; padding: .5rem .75rem; }
-ul { margin: 0; padding: 0 .75rem .75rem 2rem; font-family: ui-monospace, monospace;
-     font-size: .875rem; overflow-wrap: anywhere; }
-a { color: inherit; }
-.undone { color: var(--bad); font-weight: bold; }
-#undone { border-color: var(--bad); background: var(--bad-card); }
-</style>
-</head>
-<body>
-)";
+constexpr char kRehearsalHeading[] =
+    "<h1>Rehearsal of a run</h1>\n<p class=\"rehearsal\">Nothing was changed. This is what the run "
+    "would do, and what it could not do.</p>\n";
 
 std::string Escaped(std::string_view text) {
     std::string escaped;
@@ -151,28 +115,53 @@ std::string Summary(const std::string& title, std::uint64_t entries, const Repor
     return totals.notDone > 0 ? text + ", " + NotDone(totals.notDone) : text;
 }
 
-std::string BarRow(int step, const ReportTotals& totals, std::uint64_t most) {
+std::string BarRow(const std::string& id, int step, const ReportTotals& totals,
+                   std::uint64_t most) {
     const std::uint64_t percent =
         static_cast<std::uint64_t>(100.0 * static_cast<double>(totals.bytesDeleted) /
                                    static_cast<double>(std::max<std::uint64_t>(most, 1)));
-    return "<tr><td><a href=\"#step" + std::to_string(step) + "\">" + Escaped(TitleOf(step)) +
-           "</a>" + (totals.notDone > 0 ? "<br>" + NotDone(totals.notDone) : "") +
+    return "<tr><td><a href=\"#" + id + "\">" + Escaped(TitleOf(step)) + "</a>" +
+           (totals.notDone > 0 ? "<br>" + NotDone(totals.notDone) : "") +
            "</td><td class=\"number\">" + Grouped(totals.filesDeleted) +
            "</td><td class=\"number\">" + Grouped(totals.bytesDeleted) +
            "</td><td class=\"track\"><div class=\"bar\" style=\"width: " + std::to_string(percent) +
            "%\"></div></td></tr>\n";
 }
 
+// `notDone` is escaped already.
+std::string HtmlOf(const ReportTotals& totals, const std::string& notDone) {
+    const std::pair<const char*, std::uint64_t> counts[] = {
+        {"Files deleted", totals.filesDeleted},
+        {"Bytes deleted", totals.bytesDeleted},
+        {"Entries moved", totals.entriesMoved},
+        {"Directories made", totals.directoriesMade},
+        {"Directories removed", totals.directoriesRemoved},
+        {"Shortcuts made", totals.shortcutsMade},
+        {"Values written", totals.valuesWritten},
+        {"Keys deleted", totals.keysDeleted},
+    };
+    std::string table = "<h2>Totals</h2>\n<table class=\"facts\">\n";
+    for (const auto& [name, count] : counts) {
+        table += Fact(name, Grouped(count));
+    }
+    return table + Fact("Not done", notDone) + "</table>\n";
+}
+
 }  // namespace
 
-ReportHtml::ReportHtml(Descriptor directory, std::string name)
-    : directory_(std::move(directory)),
-      name_(std::move(name)),
-      page_(directory_.get(), Survives::PowerLoss),
-      notDone_(directory_.get()) {}
+ReportHtml::ReportHtml(Descriptor directory, std::string name, bool isRehearsal)
+    : own_(std::make_unique<HtmlPage>(std::move(directory), std::move(name), isRehearsal)),
+      page_(*own_),
+      notDone_(page_.directory()) {}
+
+ReportHtml::ReportHtml(HtmlPage& page) : page_(page), notDone_(page_.directory()) {}
+
+std::string ReportHtml::StepId(int step) const {
+    return page_.mark() + "step" + std::to_string(step);
+}
 
 ReportHtml::List& ReportHtml::ListOf(int step) {
-    return lists_.try_emplace(step, directory_.get()).first->second;
+    return lists_.try_emplace(step, page_.directory()).first->second;
 }
 
 void ReportHtml::AddItem(List& list, const ReportEvent& event, const std::string& prefix) {
@@ -190,14 +179,12 @@ void ReportHtml::Write(const ReportEvent& event) {
 }
 
 void ReportHtml::AddFacts(const ReportEnd& end) {
-    page_.Append("<h1>Report of a run</h1>\n<table class=\"facts\">\n");
+    page_.Append(run_.isRehearsal ? kRehearsalHeading : "<h1>Report of a run</h1>\n");
+    page_.Append("<table class=\"facts\">\n");
     page_.Append(Fact("Device", Escaped(ReadableBytes(run_.device))));
     page_.Append(Fact("Started", LocalTime(run_.started)));
     page_.Append(Fact("Command line", Escaped(ReadableText(run_.programLine))));
     page_.Append(Fact("Version", Escaped(run_.version)));
-    if (run_.isRehearsal) {
-        page_.Append(Fact("Rehearsal", "nothing was changed"));
-    }
     if (end.exitCode) {
         page_.Append(Fact("Exit code", std::to_string(*end.exitCode)));
     }
@@ -205,24 +192,9 @@ void ReportHtml::AddFacts(const ReportEnd& end) {
 }
 
 void ReportHtml::AddTotals(const ReportTotals& totals) {
-    const std::pair<const char*, std::uint64_t> counts[] = {
-        {"Files deleted", totals.filesDeleted},
-        {"Bytes deleted", totals.bytesDeleted},
-        {"Entries moved", totals.entriesMoved},
-        {"Directories made", totals.directoriesMade},
-        {"Directories removed", totals.directoriesRemoved},
-        {"Shortcuts made", totals.shortcutsMade},
-        {"Values written", totals.valuesWritten},
-        {"Keys deleted", totals.keysDeleted},
-    };
-    page_.Append("<h2>Totals</h2>\n<table class=\"facts\">\n");
-    for (const auto& [name, count] : counts) {
-        page_.Append(Fact(name, Grouped(count)));
-    }
-    page_.Append(Fact("Not done", totals.notDone > 0
-                                      ? "<a href=\"#undone\">" + NotDone(totals.notDone) + "</a>"
-                                      : "0"));
-    page_.Append("</table>\n");
+    page_.Append(HtmlOf(totals, totals.notDone > 0 ? "<a href=\"#" + page_.mark() + "undone\">" +
+                                                         NotDone(totals.notDone) + "</a>"
+                                                   : "0"));
 }
 
 void ReportHtml::AddBars() {
@@ -234,7 +206,7 @@ void ReportHtml::AddBars() {
         "<h2>Tasks</h2>\n<table>\n<tr><th>Task</th><th class=\"number\">Files deleted</th>"
         "<th class=\"number\">Bytes</th><th></th></tr>\n");
     for (const auto& [step, list] : lists_) {
-        page_.Append(BarRow(step, list.totals, most));
+        page_.Append(BarRow(StepId(step), step, list.totals, most));
     }
     page_.Append("</table>\n");
 }
@@ -246,19 +218,19 @@ void ReportHtml::AddList(const std::string& opening, const std::string& summary,
 }
 
 void ReportHtml::AddLists() {
-    page_.Append("<h2>What was done</h2>\n");
+    page_.Append(run_.isRehearsal ? "<h2>What would be done</h2>\n" : "<h2>What was done</h2>\n");
     for (auto& [step, list] : lists_) {
-        AddList("id=\"step" + std::to_string(step) + "\"",
-                Summary(TitleOf(step), list.entries, list.totals), list);
+        AddList("id=\"" + StepId(step) + "\"", Summary(TitleOf(step), list.entries, list.totals),
+                list);
     }
 }
 
 Status ReportHtml::Finish(const ReportEnd& end) {
-    page_.Append(kHead);
     AddFacts(end);
     AddTotals(end.totals);
     if (notDone_.entries > 0) {
-        AddList("id=\"undone\" open", NotDone(notDone_.entries), notDone_);
+        AddList("id=\"" + page_.mark() + "undone\" class=\"bad\" open", NotDone(notDone_.entries),
+                notDone_);
     }
     if (lists_.empty()) {
         page_.Append("<p>There was nothing to do.</p>\n");
@@ -266,9 +238,26 @@ Status ReportHtml::Finish(const ReportEnd& end) {
         AddBars();
         AddLists();
     }
-    page_.Append("</body>\n</html>\n");
-    Status published = page_.PublishAs(name_);
-    return published ? published : FailOf(published.error(), ReadableBytes(name_));
+    return own_ != nullptr ? own_->Publish() : page_.Flush();
+}
+
+void SumHtml::BeginDevice(const std::string& /*device*/) {
+    page_.BeginRun(++runs_);
+    [[maybe_unused]] const Status written = page_.Flush();
+}
+
+void SumHtml::NoteWithoutTotals(const std::string& device, int exitCode) {
+    page_.Append("<h1>A run without a report</h1>\n<table class=\"facts\">\n" +
+                 Fact("Device", Escaped(ReadableBytes(device))) +
+                 Fact("Exit code", std::to_string(exitCode)) + "</table>\n");
+}
+
+Status SumHtml::Finish(const ReportSum& sum) {
+    page_.Append("<h1>Sum of all runs</h1>\n<table class=\"facts\">\n" +
+                 Fact("Devices", std::to_string(sum.devices)) +
+                 Fact("Exit code", std::to_string(sum.exitCode)) + "</table>\n" +
+                 HtmlOf(sum.totals, sum.totals.notDone > 0 ? NotDone(sum.totals.notDone) : "0"));
+    return page_.Publish();
 }
 
 }  // namespace platform

@@ -3,15 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <string_view>
 
+#include "platform/text/json_object.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
 
 namespace {
-
-constexpr std::string_view kHexDigits = "0123456789abcdef";
 
 // The word for each action, and the fields that its second text has.
 struct Wording {
@@ -34,75 +32,6 @@ constexpr Wording kWordings[] = {
     {ReportAction::EraseDevice, "erase-device"},
 };
 
-void AppendHexByte(std::string& text, unsigned byte) {
-    text += kHexDigits[byte >> 4 & 0xF];
-    text += kHexDigits[byte & 0xF];
-}
-
-template <typename Bytes>
-std::string HexOfBytes(const Bytes& bytes) {
-    std::string text;
-    text.reserve(2 * bytes.size());
-    for (const auto byte : bytes) {
-        AppendHexByte(text, static_cast<unsigned char>(byte));
-    }
-    return text;
-}
-
-// Four digits for each unit.
-std::string HexOfUnits(std::u16string_view units) {
-    std::string text;
-    text.reserve(4 * units.size());
-    for (const char16_t unit : units) {
-        AppendHexByte(text, static_cast<unsigned>(unit >> 8));
-        AppendHexByte(text, static_cast<unsigned>(unit & 0xFF));
-    }
-    return text;
-}
-
-constexpr std::size_t kUsualLength = 256;
-
-// An object of JSON while it is written. Texts are readable ones: UTF-8 without control characters.
-class JsonObject {
-  public:
-    JsonObject() { text_.reserve(kUsualLength); }
-
-    JsonObject& Raw(const char* name, std::string_view value) {
-        ((text_ += text_.empty() ? "{\"" : ",\"") += name) += "\":";
-        text_ += value;
-        return *this;
-    }
-
-    JsonObject& Number(const char* name, std::uint64_t value) {
-        return Raw(name, std::to_string(value));
-    }
-
-    JsonObject& Flag(const char* name, bool value) { return Raw(name, value ? "true" : "false"); }
-
-    JsonObject& Text(const char* name, std::string_view value) {
-        Raw(name, "\"");
-        for (const char byte : value) {
-            if (byte == '"' || byte == '\\') {
-                text_ += '\\';
-            }
-            text_ += byte;
-        }
-        text_ += '"';
-        return *this;
-    }
-
-    // With the units where the readable form is not exact.
-    JsonObject& Text(const char* name, const char* unitsName, std::u16string_view value) {
-        Text(name, ReadableText(value));
-        return IsReadable(value) ? *this : Text(unitsName, HexOfUnits(value));
-    }
-
-    std::string Take() { return std::move(text_ += '}'); }
-
-  private:
-    std::string text_;
-};
-
 std::string UtcTime(std::time_t time) {
     std::tm parts{};
     gmtime_r(&time, &parts);
@@ -116,8 +45,9 @@ std::string ValueObject(const std::optional<ReportedValue>& value) {
     if (!value) {
         return "null";
     }
+    const auto* const bytes = reinterpret_cast<const char*>(value->bytes.data());
     JsonObject object;
-    object.Number("type", value->type).Text("bytes", HexOfBytes(value->bytes));
+    object.Number("type", value->type).Text("bytes", HexOf({bytes, value->bytes.size()}));
     if (const std::optional<std::uint64_t> number = NumberOf(*value)) {
         object.Number("number", *number);
     } else if (const std::optional<std::u16string> text = TextOf(*value)) {
@@ -126,15 +56,31 @@ std::string ValueObject(const std::optional<ReportedValue>& value) {
     return object.Take();
 }
 
+void AddDevice(JsonObject& line, const std::string& device) {
+    line.Text("device", ReadableBytes(device));
+    if (ReadableBytes(device) != device) {
+        line.Text("bytes", HexOf(device));
+    }
+}
+
+void AddTotals(JsonObject& line, const ReportTotals& totals) {
+    line.Number("files_deleted", totals.filesDeleted)
+        .Number("bytes_deleted", totals.bytesDeleted)
+        .Number("entries_moved", totals.entriesMoved)
+        .Number("directories_made", totals.directoriesMade)
+        .Number("directories_removed", totals.directoriesRemoved)
+        .Number("shortcuts_made", totals.shortcutsMade)
+        .Number("values_written", totals.valuesWritten)
+        .Number("keys_deleted", totals.keysDeleted)
+        .Number("not_done", totals.notDone);
+}
+
 }  // namespace
 
 void ReportJson::Begin(const ReportRun& run) {
-    const std::string device = ReadableBytes(run.device);
+    stream_.Begin(run.isRehearsal);
     JsonObject line;
-    line.Text("kind", "run").Text("version", run.version).Text("device", device);
-    if (device != run.device) {
-        line.Text("bytes", HexOfBytes(run.device));
-    }
+    AddDevice(line.Text("kind", "run").Text("version", run.version), run.device);
     line.Text("started", UtcTime(run.started))
         .Text("program_line", "program_line_units", run.programLine)
         .Flag("rehearsal", run.isRehearsal);
@@ -169,22 +115,25 @@ void ReportJson::Write(const ReportEvent& event) {
 }
 
 Status ReportJson::Finish(const ReportEnd& end) {
-    const ReportTotals& totals = end.totals;
     JsonObject line;
-    line.Text("kind", "totals")
-        .Number("files_deleted", totals.filesDeleted)
-        .Number("bytes_deleted", totals.bytesDeleted)
-        .Number("entries_moved", totals.entriesMoved)
-        .Number("directories_made", totals.directoriesMade)
-        .Number("directories_removed", totals.directoriesRemoved)
-        .Number("shortcuts_made", totals.shortcutsMade)
-        .Number("values_written", totals.valuesWritten)
-        .Number("keys_deleted", totals.keysDeleted)
-        .Number("not_done", totals.notDone);
+    AddTotals(line.Text("kind", "totals"), end.totals);
     if (end.exitCode) {
         line.Number("exit_code", static_cast<std::uint64_t>(*end.exitCode));
     }
     stream_.WriteLine(line.Take());
+    return stream_.Finish();
+}
+
+void SumJson::NoteWithoutTotals(const std::string& device, int exitCode) {
+    JsonObject line;
+    AddDevice(line.Text("kind", "ended"), device);
+    stream_.WriteLine(line.Number("exit_code", static_cast<std::uint64_t>(exitCode)).Take());
+}
+
+Status SumJson::Finish(const ReportSum& sum) {
+    JsonObject line;
+    AddTotals(line.Text("kind", "sum").Number("devices", sum.devices), sum.totals);
+    stream_.WriteLine(line.Number("exit_code", static_cast<std::uint64_t>(sum.exitCode)).Take());
     return stream_.Finish();
 }
 

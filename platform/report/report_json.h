@@ -20,4 +20,17 @@ class ReportJson : public ReportWriter {
     ReportStream stream_;
 };
 
+// What stands around the lines of several runs.
+class SumJson : public SumWriter {
+  public:
+    explicit SumJson(std::FILE* output) : stream_(output) {}  // as ReportStream
+
+    void BeginDevice(const std::string& /*device*/) override {}  // the run says it
+    void NoteWithoutTotals(const std::string& device, int exitCode) override;
+    Status Finish(const ReportSum& sum) override;
+
+  private:
+    ReportStream stream_;
+};
+
 }  // namespace platform

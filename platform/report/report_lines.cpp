@@ -86,8 +86,8 @@ std::string ReportLine(const ReportEvent& event) {
            DescriptionOf(event);
 }
 
-std::string ReportLine(const ReportTotals& totals) {
-    return "total: " + Count(totals.filesDeleted, "file", "files") + " deleted (" +
+std::string ReportLine(const ReportTotals& totals, const std::string& title) {
+    return title + ": " + Count(totals.filesDeleted, "file", "files") + " deleted (" +
            Count(totals.bytesDeleted, "byte", "bytes") + "), " +
            Count(totals.entriesMoved, "entry", "entries") + " moved, " +
            Count(totals.directoriesMade, "directory", "directories") + " made, " +
@@ -98,8 +98,28 @@ std::string ReportLine(const ReportTotals& totals) {
            std::to_string(totals.notDone) + " not done";
 }
 
+void ReportLines::Begin(const ReportRun& run) {
+    stream_.Begin(run.isRehearsal);
+    if (run.isRehearsal) {
+        stream_.WriteLine("rehearsal: nothing is changed; the run would report:");
+    }
+}
+
 Status ReportLines::Finish(const ReportEnd& end) {
     stream_.WriteLine(ReportLine(end.totals));
+    return stream_.Finish();
+}
+
+void SumLines::BeginDevice(const std::string& device) {
+    stream_.WriteLine("device " + ReadableBytes(device));
+}
+
+void SumLines::NoteWithoutTotals(const std::string& /*device*/, int exitCode) {
+    stream_.WriteLine("ended without totals, with exit code " + std::to_string(exitCode));
+}
+
+Status SumLines::Finish(const ReportSum& sum) {
+    stream_.WriteLine(ReportLine(sum.totals, "sum of " + std::to_string(sum.devices) + " devices"));
     return stream_.Finish();
 }
 

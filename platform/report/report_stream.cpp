@@ -8,6 +8,13 @@ ReportStream::ReportStream(std::FILE* output) : output_(output) {
     std::setvbuf(output_, nullptr, _IOLBF, BUFSIZ);
 }
 
+void ReportStream::Begin(bool isRehearsal) {
+    constexpr std::size_t kManyLines = 65536;
+    if (isRehearsal) {
+        std::setvbuf(output_, nullptr, _IOFBF, kManyLines);
+    }
+}
+
 void ReportStream::WriteLine(std::string line) {
     line += '\n';
     isWritten_ = std::fwrite(line.data(), 1, line.size(), output_) == line.size() && isWritten_;

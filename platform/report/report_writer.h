@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <ctime>
 #include <optional>
 #include <string>
@@ -38,6 +39,30 @@ class ReportWriter {
 
     // Fails when the report could not be written whole.
     virtual Status Finish(const ReportEnd& end) = 0;
+};
+
+// What several runs have done together.
+struct ReportSum {
+    std::size_t devices = 0;
+    ReportTotals totals;
+    int exitCode = 0;
+};
+
+// What a form of the report on several devices has besides the report of each. Calls come in this
+// order: for each device BeginDevice, its report, which another process writes, NoteWithoutTotals
+// if that has not come to its totals; at last Finish.
+class SumWriter {
+  public:
+    SumWriter() = default;
+    virtual ~SumWriter() = default;
+    SumWriter(const SumWriter&) = delete;
+    SumWriter& operator=(const SumWriter&) = delete;
+
+    virtual void BeginDevice(const std::string& device) = 0;
+    virtual void NoteWithoutTotals(const std::string& device, int exitCode) = 0;
+
+    // Fails when the report could not be written whole.
+    virtual Status Finish(const ReportSum& sum) = 0;
 };
 
 }  // namespace platform

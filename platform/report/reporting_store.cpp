@@ -42,7 +42,7 @@ bool IsWantedAnyway(const Failure& failure, LONG wanted) {
 std::string RegistryReason(LONG code) {
     switch (code) {
         case ERROR_INVALID_PARAMETER:
-            return "registry.reg has no form for it";
+            return "the registry's file has no form for it";
         case ERROR_FILE_NOT_FOUND:
         case ERROR_KEY_DELETED:
             return "its key is not there";

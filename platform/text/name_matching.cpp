@@ -47,7 +47,9 @@ bool MatchesPattern(std::u16string_view pattern, std::u16string_view name) {
             return false;
         }
     }
-    return pattern.find_first_not_of(u".*", at) == std::u16string_view::npos;
+    const std::u16string_view rest = pattern.substr(at);
+    return rest.empty() ||
+           (rest.back() == u'*' && rest.find_first_not_of(u".*") == std::u16string_view::npos);
 }
 
 }  // namespace platform

@@ -15,7 +15,7 @@ bool SameName(std::u16string_view left, std::u16string_view right);  // without 
 std::uint32_t NameHash(std::u16string_view name);                    // equal for the same name
 
 // Whether the handheld's search pattern `pattern` matches `name`: "*" stands for any characters,
-// "?" for one, and full stops and "*" at the end also for nothing.
+// "?" for one, and ".*" at the end also for nothing.
 bool MatchesPattern(std::u16string_view pattern, std::u16string_view name);
 
 }  // namespace platform

@@ -12,10 +12,12 @@
 #include <tuple>
 
 #include "platform/device/assembled_device.h"
+#include "platform/display/retrying_store.h"
 #include "platform/display/window_repainting_store.h"
 #include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
 #include "platform/text/readable_text.h"
+#include "platform/text/text_encoding.h"
 #include "tests/support/failing_store.h"
 #include "tests/support/temporary_device.h"
 
@@ -28,8 +30,10 @@ using Wrapper = std::unique_ptr<platform::DeviceStore>;
 const struct Implementation {
     const char* name;
     Wrapper (*wrap)(platform::DeviceStore& store);
+    bool isRehearsed = false;
 } kImplementations[] = {
     {"AssembledDevice", [](auto& /*store*/) { return Wrapper(); }},
+    {"RehearsedDevice", [](auto& /*store*/) { return Wrapper(); }, true},
     {"ReportingStore",
      [](auto& store) {
          static platform::ReportLines report(std::fopen("/dev/null", "w"));
@@ -38,6 +42,10 @@ const struct Implementation {
      }},
     {"WindowRepaintingStore",
      [](auto& store) { return Wrapper(new platform::WindowRepaintingStore(store, [] {})); }},
+    {"RetryingStore",
+     [](auto& store) {
+         return Wrapper(new platform::RetryingStore(store, [](const auto&) { return false; }));
+     }},
     {"FailingStore", [](auto& store) { return Wrapper(new FailingStore(store, 0)); }}};
 
 DWORD g_reason = 0;  // why the last search found nothing
@@ -45,11 +53,73 @@ DWORD g_reason = 0;  // why the last search found nothing
 class DeviceStoreTest : public testing::TestWithParam<Implementation> {
   protected:
     void Open() {
-        real_ = std::make_unique<platform::AssembledDevice>(device_.OpenFiles(), u"\\Program.exe",
-                                                            device_.OpenRegistry(), ThrowRestarted);
-        real_->RecoverFromKilledRuns();
+        if (GetParam().isRehearsed) {
+            before_ = RealEntries();
+            real_ = platform::AssembledDevice::Rehearsed(
+                std::make_unique<platform::RehearsedTree>(device_.OpenFiles()), u"\\Program.exe",
+                device_.OpenRegistry(), ThrowRestarted);
+        } else {
+            real_ = std::make_unique<platform::AssembledDevice>(
+                device_.OpenFiles(), u"\\Program.exe", device_.OpenRegistry(), ThrowRestarted);
+            real_->RecoverFromKilledRuns();
+        }
         wrapper_ = GetParam().wrap(*real_);
         inUse_ = std::make_unique<platform::StoreInUse>(store());
+    }
+
+    // The host's entries with their sizes and the times of their last changes.
+    Entries RealEntries() const {
+        Entries entries;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(device_.path())) {
+            struct stat status {};
+            lstat(entry.path().c_str(), &status);
+            entries.push_back(entry.path().string() + ' ' + std::to_string(status.st_size) + ' ' +
+                              std::to_string(status.st_ctim.tv_sec) + '.' +
+                              std::to_string(status.st_ctim.tv_nsec));
+        }
+        std::sort(entries.begin(), entries.end());
+        return entries;
+    }
+
+    static Entries WithoutTargets(Entries entries) {
+        for (std::string& entry : entries) {
+            entry.resize(std::min(entry.size(),
+                                  entry.find('>') + 1 == 0 ? entry.size() : entry.find('>') + 1));
+        }
+        return entries;
+    }
+
+    void AddListing(Entries& entries, const std::u16string& path) {
+        for (const std::string& name : Search(path + u"\\*")) {
+            const bool isDirectory = name.ends_with('\\');
+            const std::u16string below =
+                path + u'\\' + *platform::WideText(name.substr(0, name.size() - isDirectory));
+            std::string line = platform::Utf8Text(below.substr(1)) + (isDirectory ? "/" : ">");
+            std::replace(line.begin(), line.end(), '\\', '/');
+            if (std::FILE* const file = isDirectory ? nullptr : _wfopen(below.c_str(), u"rb")) {
+                line.back() = '=';
+                for (int byte = 0; (byte = std::fgetc(file)) != EOF;) {
+                    line += static_cast<char>(byte);
+                }
+                std::fclose(file);
+            }
+            entries.push_back(line);
+            if (isDirectory) {
+                AddListing(entries, below);
+            }
+        }
+    }
+
+    // What the device's files are by now, and what they are to the host where nothing is rehearsed.
+    Entries Listing() {
+        if (!GetParam().isRehearsed) {
+            return WithoutTargets(device_.Listing());
+        }
+        EXPECT_EQ(RealEntries(), before_);
+        Entries entries;
+        AddListing(entries, u"");
+        std::sort(entries.begin(), entries.end());
+        return entries;
     }
 
     // Entries that a search finds, in UTF-8 and sorted, directories with a backslash after them.
@@ -89,6 +159,7 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
     TemporaryDevice device_;
 
   private:
+    Entries before_;
     std::unique_ptr<platform::AssembledDevice> real_;
     Wrapper wrapper_;
     std::unique_ptr<platform::StoreInUse> inUse_;
@@ -106,7 +177,7 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
                                                             {u"\\ff\\*.*", all},
                                                             {u"\\FF\\NO*T.*", "noext"},
                                                             {u"\\ff\\sub.", ""},
-                                                            {u"\\ff\\*.", all},
+                                                            {u"\\ff\\*.", ""},
                                                             {u"\\FF\\*.lnk", "a.lnk b.LNK"},
                                                             {u"\\FF\\A.LNK", "a.lnk"},
                                                             {u"\\\\ff\\\\a.lnk", "a.lnk"},
@@ -197,7 +268,7 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
     EXPECT_EQ(GetLastError(), DWORD{ERROR_DIRECTORY});
     EXPECT_EQ(RemoveDirectoryW(u"\\"), 0);
     EXPECT_NE(RemoveDirectoryW(u"\\d\\SUB\\"), 0);
-    EXPECT_EQ(device_.Listing(),
+    EXPECT_EQ(Listing(),
               (Entries{"d/", "d/full/", "d/full/x=3", "d/locked=2", "outside/", "outside/keep=4"}));
 }
 
@@ -249,8 +320,8 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
     for (const auto& [from, to] : moved) {
         EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
     }
-    EXPECT_EQ(device_.Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link>x "
-                                       "file=6"));
+    EXPECT_EQ(Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link> "
+                               "file=6"));
 }
 
 TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
@@ -266,7 +337,7 @@ TEST_P(DeviceStoreTest, MovesDuringAWalkSeeNamesTakenMeanwhile) {
     EXPECT_NE(CreateDirectoryW(u"\\to\\d", nullptr), 0);
     EXPECT_EQ(MoveFileW(u"\\from\\b", u"\\to\\D"), 0);
     FindClose(find);
-    EXPECT_EQ(device_.Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
+    EXPECT_EQ(Listing(), (Entries{"from/", "from/b=2", "to/", "to/a=1", "to/d/"}));
 }
 
 TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
@@ -282,7 +353,7 @@ TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
         EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
         EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
+    EXPECT_EQ(Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
 }
 
 TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
@@ -312,11 +383,12 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
         ASSERT_NE(file, nullptr);
         std::fputs("after", file);
         std::fflush(file);
-        EXPECT_EQ(ReadFile(HostPath("d/Old")), path == u"\\d\\OLD" ? "before" : "after");
+        const bool isOld = path == u"\\d\\OLD" || GetParam().isRehearsed;
+        EXPECT_EQ(ReadFile(HostPath("d/Old")), isOld ? "before" : "after");
         EXPECT_FALSE(Exists(u"\\d\\New"));
         EXPECT_EQ(std::fclose(file), 0);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
+    EXPECT_EQ(Listing(), (Entries{"d/", "d/New=after", "d/Old=after"}));
     struct stat published {};
     ASSERT_EQ(stat(HostPath("d/Old").c_str(), &published), 0);
     EXPECT_EQ(published.st_mode & 0777, 0640U);
@@ -327,7 +399,7 @@ TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {
 TEST_P(DeviceStoreTest, UnpublishedFilesOfEarlierProcessesAreNeverSeenAndGo) {
     device_.Make({".fennelbright-new-0123456789abcdef=half", "sub/", ".fennelbright-new-x=mine"});
     Open();
-    EXPECT_EQ(device_.Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
+    EXPECT_EQ(Listing(), (Entries{".fennelbright-new-x=mine", "sub/"}));
     WriteFile(HostPath(".fennelbright-new-00000000000000ff"), "half");
     EXPECT_EQ(Search(u"\\*"), (Entries{".fennelbright-new-x", "sub\\"}));
     EXPECT_EQ(DeleteFileW(u"\\.fennelbright-new-00000000000000ff"), 0);
@@ -379,15 +451,15 @@ TEST_P(DeviceStoreTest, AShortcutIsKnownByItsContentAndItsTargetIsNotCut) {
 }
 
 TEST_P(DeviceStoreTest, AShortcutIsMadeUnderANewNameOnly) {
+    device_.Make({"dir/", "link>nowhere"});
     Open();
     EXPECT_NE(SHCreateShortcut(u"\\a.lnk", u"\\b c"), 0);
     EXPECT_EQ(TargetOf(u"\\a.lnk"), "\\b c");
-    device_.Make({"dir/", "link>nowhere"});
     for (const WCHAR* const path :
          {u"\\a.lnk", u"\\A.LNK", u"\\dir", u"\\link", u"\\none\\a.lnk", u"\\c\\", u"\\c*", u""}) {
         EXPECT_EQ(SHCreateShortcut(path, u"\\x"), 0) << platform::ReadableText(path);
     }
-    EXPECT_EQ(device_.Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>nowhere"}));
+    EXPECT_EQ(Listing(), (Entries{"a.lnk=4#\\b c", "dir/", "link>"}));
 }
 
 TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
@@ -397,6 +469,9 @@ TEST_P(DeviceStoreTest, ANewDirectoryForAMovedOneGetsItsMode) {
     store().DirectoryMoves(u"\\old", u"\\new");
     EXPECT_NE(CreateDirectoryW(u"\\new", nullptr), 0);
     store().DirectoryMoved(u"\\old", u"\\new");
+    if (GetParam().isRehearsed) {
+        return;
+    }
     struct stat made {};
     ASSERT_EQ(stat(HostPath("new").c_str(), &made), 0);
     EXPECT_EQ(made.st_mode & 0777, 0710U);
@@ -421,14 +496,16 @@ TEST_P(DeviceStoreTest, RegistryChangesAreReadAtOnceAndKeptByStoringOrARestart) 
     EXPECT_EQ(store().ChangesOfRegistry().stored, 0U);
     EXPECT_TRUE(store().StoreRegistry().has_value());
     EXPECT_EQ(store().ChangesOfRegistry().stored, 2U);
-    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000005\n");
+    const std::string before = "[HKEY_USERS\\Key]\n[HKEY_USERS\\Key\\Sub]\n";
+    const std::string stored = "[HKEY_USERS\\Key]\n\"Number\"=dword:0000000";
+    EXPECT_EQ(ReadFile(device_.registry()), GetParam().isRehearsed ? before : stored + "5\n");
     data[0] = 6;
     RegSetValueExW(key, u"Number", 0, REG_DWORD, data, 4);
     EXPECT_EQ(RegCloseKey(key), ERROR_SUCCESS);
     EXPECT_EQ(RegCloseKey(key), ERROR_INVALID_HANDLE);
     EXPECT_FALSE(store().IsChangeLost(3));
     EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
-    EXPECT_EQ(ReadFile(device_.registry()), "[HKEY_USERS\\Key]\n\"Number\"=dword:00000006\n");
+    EXPECT_EQ(ReadFile(device_.registry()), GetParam().isRehearsed ? before : stored + "6\n");
 }
 
 TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {
@@ -448,7 +525,7 @@ TEST_P(DeviceStoreTest, WhatTheSystemCannotDoHasItsReason) {
     testing::internal::CaptureStderr();
     EXPECT_THROW(Control(IOCTL_HAL_REBOOT), DeviceRestarted);
     EXPECT_NE(testing::internal::GetCapturedStderr(), "");
-    EXPECT_EQ(device_.Listing(), Entries());
+    EXPECT_EQ(Listing(), GetParam().isRehearsed ? Entries{"file="} : Entries());
 }
 
 }  // namespace

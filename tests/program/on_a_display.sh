@@ -13,20 +13,27 @@ fail() { echo "$*"; exit 1; }
 
 mask() { od -An -tx4 -N4 "$settings"; }
 
-window_of() { window=$(xdotool search --sync --onlyvisible --name "$1" | tail -n 1); }
+# A search can meet a window that is just going.
+window_of() {
+  until window=$(xdotool search --onlyvisible --name "$1" 2>/dev/null | tail -n 1) && [ -n "$window" ]; do
+    sleep 0.05
+  done
+}
 
-# Starts the program on a device and waits for its window.
+appears() { (window_of "$1"); }
+
+# Starts the program on a device and waits for its window. The other words are options.
 start() {
-  "$program" --device "${1:-$device}" --scale 2 &
+  "$program" --device "${1:-$device}" --scale 2 "${@:2}" &
   running=$!
   window_of "${1:-$device}"
 }
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
 
-# Starts a display; the words are the server's.
+# Starts a display of this size; the other words are the server's.
 open_display() {
-  Xvfb -noreset -displayfd 3 -screen 0 1280x900x24 "$@" 3>"$scratch/number" 2>/dev/null &
+  Xvfb -noreset -displayfd 3 -screen 0 "$1x24" "${@:2}" 3>"$scratch/number" 2>/dev/null &
   displays+=($!)
   read -r number <"$scratch/number"
   export DISPLAY=:$number
@@ -37,7 +44,7 @@ unset WAYLAND_DISPLAY QT_QPA_PLATFORM XAUTHORITY
 export HOME=$scratch
 
 # What a library of the toolkit never gives back is not the program's.
-echo 'leak:libdbus' >"$scratch/known-leaks"
+printf 'leak:%s\n' libdbus libfontconfig >"$scratch/known-leaks"
 export LSAN_OPTIONS=suppressions=$scratch/known-leaks
 
 "$program" --new-device "$device" >/dev/null
@@ -45,7 +52,7 @@ before=$(mask)
 
 # A display that refuses a client without its key is none, and a box is a line there.
 printf '\xff\xff\0\0\0\0\0\x12MIT-MAGIC-COOKIE-1\0\x10%016d' 0 >"$scratch/key"
-open_display -auth "$scratch/key"
+open_display 1280x900 -auth "$scratch/key"
 code=0
 "$program" --device "$device" 2>"$scratch/errors" || code=$?
 [ "$code" -eq 69 ] || fail "a display without its key gave $code"
@@ -53,10 +60,21 @@ grep -q "cannot be opened" "$scratch/errors" || fail "$(<"$scratch/errors")"
 "$program" --device "$device" --module 'x.exe' silent 2>"$scratch/errors"
 grep -q "^\[Error!!!\] Failed" "$scratch/errors" || fail "$(<"$scratch/errors")"
 
+# Where the windows, or what they need, are not installed, it says so.
+open_display 1280x900
+cp "$program" "$scratch/alone"
+for reason in "module is not installed" "apt install libqt6widgets6 "; do
+  code=0
+  "$scratch/alone" --device "$device" 2>"$scratch/errors" || code=$?
+  [ "$code" -eq 69 ] && grep -q "$reason" "$scratch/errors" || fail "$code: $(<"$scratch/errors")"
+  echo "no library" >"$scratch/fennelbright-windows.so"
+done
+
 # Where no device is named, its user is asked, and makes one.
-open_display
 answer() {
-  xdotool search --sync --onlyvisible --name "$1" windowfocus --sync
+  local window
+  window_of "$1"
+  xdotool windowfocus --sync "$window"
   xdotool "${@:2}"
 }
 "$program" &
@@ -73,6 +91,15 @@ kill -TERM "$running"
 ended "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
 
+# A typeface that is missing is named with its package.
+mkdir "$scratch/typefaces"
+cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf "$scratch/typefaces"
+echo "<fontconfig><dir>$scratch/typefaces</dir><cachedir>$scratch/fonts</cachedir></fontconfig>" >"$scratch/fonts.conf"
+FONTCONFIG_FILE=$scratch/fonts.conf start 2>"$scratch/errors"
+kill -TERM "$running"
+ended "with another typeface"
+grep -q "fonts-dejavu-extra" "$scratch/errors" || fail "no typeface is missed: $(<"$scratch/errors")"
+
 # A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
 for pause in 0.3 1 3; do
   rm -f "$scratch/mine/files/Program Files/Fennelbright/settings.dat"
@@ -83,7 +110,7 @@ for pause in 0.3 1 3; do
     sleep "$pause"
   done
   xdotool key F10 Right Up Return
-  xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+  appears "Cleaning Finished"
   kill -TERM "$running"
   ended "when it was asked to at a box"
   [ -e "$scratch/mine/files/My Documents/Personal/Budget.pxl" ] || break
@@ -102,6 +129,21 @@ start
 kill -TERM "$running"
 ended "when it was asked to"
 [ "$(mask)" = "$after" ] || fail "the settings have changed"
+
+# A rehearsal says that it is one, and reports what it leaves alone; its screen is lower by the frame.
+traces() { find "$device" -printf '%P %s %m %i %T@ %C@\n' | sort; }
+traces >"$scratch/traces"
+start "$device" --rehearse --report >"$scratch/report"
+xdotool search --onlyvisible --name '\(rehearsal\)$' >/dev/null || fail "the window names no rehearsal"
+xdotool key F10 Right Up Return
+for box in "Cleaning Finished" "Restart Required"; do
+  appears "$box"
+  xdotool key Return
+done
+xdotool mousemove --window "$window" 450 66 click 1
+ended "after a rehearsal"
+grep -q '^step 3: deleted \\Temp\\' "$scratch/report" || fail "nothing is rehearsed: $(<"$scratch/report")"
+traces | diff "$scratch/traces" - || fail "the rehearsal has left traces"
 
 # What is tapped before a chosen page is shown does not go to the page that is left.
 start
@@ -129,18 +171,50 @@ after=$before
 start
 xdotool mousemove --window "$window" 30 82 click 1
 xdotool key F10 Right Up Return
-xdotool search --sync --onlyvisible --name "Cleaning Finished" >/dev/null
+appears "Cleaning Finished"
 "$close_request" "$window"
 ended "when its window was closed below a box"
 [ $((0x${after// /} ^ 0x$(mask | tr -d ' '))) -eq 1 ] ||
   fail "the settings are not those of the closed window"
 
+# Settings that cannot be written are tried again as long as their user wants, but not after a signal.
+cp "$settings" "$scratch/kept"
+blocked() { rm -r "$settings"; mkdir "$settings"; }
+for key in Return Escape; do
+  start
+  blocked
+  xdotool mousemove --window "$window" 440 26 click 1
+  appears "^Fennelbright$"
+  [ $key = Escape ] || rmdir "$settings"
+  xdotool key $key
+  code=0
+  wait "$running" 2>/dev/null || code=$?
+  [ "$code" -eq $([ $key = Return ] && echo 0 || echo 74) ] || fail "$key at the box gave $code"
+done
+[ -d "$settings" ] || fail "they were written all the same"
+start
+kill -TERM "$running"
+wait "$running" && fail "settings that are lost are no failure"
+rmdir "$settings"
+cp "$scratch/kept" "$settings"
+
+# On a display that is too small its user is told, and reaches the menus.
+open_display 200x250
+start 2>"$scratch/errors"
+grep -q "has room for 200 by 250 pixels" "$scratch/errors" || fail "$(<"$scratch/errors")"
+xdotool windowfocus --sync "$window" key F10
+until menu=$(xdotool search --onlyvisible --class fennelbright 2>/dev/null | grep -vx "$window"); do sleep 0.1; done
+eval "$(xdotool getwindowgeometry --shell "$menu")"
+[ $((Y + HEIGHT)) -le 250 ] || fail "a menu is below the display: $Y + $HEIGHT"
+kill -TERM "$running"
+ended "on a small display"
+
 # The boxes of a silent run wait for their user. When the display breaks off, they are lines.
 rm "$device/registry.reg"
-open_display
+open_display 1280x900
 "$program" --device "$device" silent 2>"$scratch/errors" &
 running=$!
-xdotool search --sync --onlyvisible --name "^Error$" >/dev/null
+appears "^Error$"
 [ ! -s "$scratch/errors" ] || fail "a box is shown twice: $(<"$scratch/errors")"
 kill "${displays[-1]}"
 ended "when its display broke off"

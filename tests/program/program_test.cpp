@@ -9,6 +9,7 @@
 #include <filesystem>
 #include <tuple>
 
+#include "platform/device/user_directories.h"
 #include "platform/host/worst_exit_code.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/settings_bytes.h"
@@ -68,9 +69,35 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"silent", "--device"}, 64, "fennelbright: --device: a value must follow"},
         {{"--device", "", "silent"}, 64, "empty"},
         {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
+        {{"--device", taken, "--files", taken, "s"}, 64, "only one of"},
+        {{"--device", taken, "--registry", taken + "/r", "s"}, 64, "go with --files; --device DIR"},
+        {{"--files", taken, "--state", "a", "--state", "b", "s"},
+         64,
+         "\"b\": it can be given only"},
+        {{"--device", taken, "--device", taken}, 64, "several devices are for a silent run alone"},
+        {{"--device", taken, "--device", taken, "--set", "clean-temp=on"}, 64, "several devices"},
+        {{"--device", taken, "--scale", "9", "s"}, 64, ": --scale \"9\": it takes a number from"},
+        {{"--device", taken, "--set", "clean-tmp=on"}, 64, ": --set \"clean-tmp=on\": there is no"},
+        {{"--device", taken, "--set", "clean-temp"},
+         64,
+         "\"clean-temp\", which takes on or off: it"},
+        {{"--device", taken, "--set", "clean-temp=yes"}, 64, "cannot have that value"},
+        {{"--device", taken, "--set", "limit-pocket-ie-cache=1"}, 64, "1024kb, 2048kb, 3072kb or"},
+        {{"--device", taken, "--set", "clean-user-defined-1="}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "clean-user-defined-1=/Temp/"}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "move-fonts-folder=\\a\\..\\"}, 64, "a directory such as"},
+        {{"--device", taken, "--set", "search-custom=\xFF"}, 64, "an extension such as"},
+        {{"--device", taken, "--set", "search-custom=" + std::string(1024, 'x')}, 64, "extension"},
+        {{"--device", taken, "--set", "clean-temp=on", "--set", "clean-temp=off"}, 64, "set twice"},
+        {{"--device", taken, "--show-settings", "silent"}, 64, "\"silent\": --set and --show-set"},
+        {{"--device", taken, "--boot", "--set", "clean-temp=on"}, 64, "go with --device or"},
+        {{"--device", taken, "--module", "\\x.exe", "--show-settings"}, 64, "fewer than 16"},
+        {{"--show-settings"}, 64, "no device directory"},
+        {{"--device", taken + "/none", "--show-settings"}, 66, "No such file"},
+        {{"--device", taken, "--show-settings"}, 0, "\nclean-temp=on\nclean-windows-temp=off\n"},
         {{"--device", taken, "--boot", "silent"}, 64, "each shortcut has its own"},
         {{"--device", taken, "--boot", "--report-html", "p"}, 64, "the page of another"},
-        {{"--device", taken, "--report-html", "", "silent"}, 64, "report is empty"},
+        {{"--device", taken, "--report-html", "", "silent"}, 64, "--report-html \"\": the name is"},
         {{"--device", taken, "--report=xml", "silent"}, 64, "\"lines\" or \"json\""},
         {{"--boot"}, 64, "no device directory"},
         {{"--device", taken, "--module", "\xFF", "silent"}, 64, "UTF-8"},
@@ -86,7 +113,9 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--new-device", taken + "/none/new"}, 73, "No such file"},
         {{"--new-device", taken + "/new", "silent"}, 64, "no command line"},
         {{"--help", "--new-device", taken + "/new"}, 0, "Usage"},
+        {{"-h", "silent"}, 0, "\nExit codes\n   0  "},
         {{"--version"}, 0, "fennelbright "},
+        {{"-V"}, 0, "fennelbright "},
     };
     const Entries before = device.Listing();
     for (const auto& [words, exitCode, says] : cases) {
@@ -96,6 +125,13 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         const std::string& said = exitCode == 0 ? outcome.output : outcome.errors;
         EXPECT_NE(said.find(says), std::string::npos);
         EXPECT_FALSE(outcome.errors.starts_with('['));
+    }
+    for (const char* const kind : {"vnc", "linuxfb:fb=/dev/fb0", "eglfs", "minimal", "offscreen",
+                                   "xcb;vnc", "Xcb2", ";", "wayland;minimalegl"}) {
+        const Outcome outcome =
+            RunProgram({"--device", taken}, "export 'QT_QPA_PLATFORM="s + kind + "'");
+        EXPECT_EQ(outcome.exitCode, 69);
+        EXPECT_NE(outcome.errors.find("QT_QPA_PLATFORM="s + kind), std::string::npos) << kind;
     }
     EXPECT_EQ(RunProgram({"--device", taken, "silent"}, "HOME=" + taken + "/.").exitCode, 66);
     EXPECT_EQ(device.Listing(), before);
@@ -187,11 +223,17 @@ TEST(Program, ASecondRunOnADeviceIsRefused) {
     const Entries before = device.Listing();
     for (const std::string& held : {device.path(), device.files()}) {
         const platform::Descriptor other(open(held.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-        ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
-        for (const std::string task : {"silent", "--boot", "--"}) {
-            const Outcome outcome = RunProgram({"--device", device.path(), task});
-            EXPECT_EQ(outcome.exitCode, 75) << task;
-            EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
+        EXPECT_EQ(RunProgram({"--device", device.path(), "--show-settings"}).exitCode, 0);
+        // As another run has it, and as a rehearsal.
+        for (const int lock : {LOCK_EX, LOCK_SH}) {
+            ASSERT_EQ(flock(other.get(), lock), 0);
+            for (const std::string task : {"silent", "--boot", "--", "--set=clean-temp=off"}) {
+                const Outcome outcome = RunProgram({"--device", device.path(), task});
+                EXPECT_EQ(outcome.exitCode, 75) << task;
+                EXPECT_NE(outcome.errors.find(device.path() + ": in use"), std::string::npos);
+            }
+            EXPECT_EQ(RunProgram({"--device", device.path(), "--rehearse", "silent"}).exitCode,
+                      lock == LOCK_SH ? 0 : 75);
         }
     }
     EXPECT_EQ(device.Listing(), before);
@@ -199,6 +241,183 @@ TEST(Program, ASecondRunOnADeviceIsRefused) {
     EXPECT_EQ(RunProgram({"--device", device.path(), "--boot"}).exitCode, 0);
     EXPECT_FALSE(std::filesystem::exists(device.path() + "/.fennelbright-new-0123456789abcdef"));
     EXPECT_FALSE(std::filesystem::exists(device.files() + "/Temp/keep"));
+}
+
+// The registry does not matter for them, and a full disk keeps what was there.
+TEST(Program, OptionsAreSetOnWhateverHasFiles) {
+    std::string longPath = "\\";
+    while (longPath.size() < 1000) {
+        longPath += "d\\";
+    }
+    const struct {
+        std::string value;
+        const char* before;
+        int exitCode;
+        std::string errors;
+        std::string after;
+    } cases[] = {
+        {"\\Old\\", "true", 0, "", Number(0x5) + Record(u"\\Old\\")},
+        {"\\", "true", 0, "=\\ is the whole device: every run will delete all files on it\n",
+         Number(0x5) + Record(u"\\")},
+        {"\\Old", "true", 0, "=\\Old deletes nothing: a directory to clean must end in a",
+         Number(0x5) + Record(u"\\Old")},
+        {longPath, "ulimit -S -f 1", 74,
+         "\\Program Files\\Fennelbright\\settings.dat cannot be written, so the old one stays: "
+         "File too large\n",
+         kRootTemp},
+    };
+    for (const auto& each : cases) {
+        const TemporaryDevice device({SettingsEntry(kRootTemp), "../registry.reg=damaged\n["});
+        const Outcome outcome =
+            RunProgram({"--device", device.path(), "--set", "clean-user-defined-1=" + each.value},
+                       each.before);
+        SCOPED_TRACE(outcome.errors);
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_NE(outcome.errors.find(each.errors), std::string::npos);
+        EXPECT_EQ(outcome.errors.empty(), each.errors.empty());
+        EXPECT_EQ(device.Listing(), (Entries{"Program Files/", "Program Files/Fennelbright/",
+                                             SettingsEntry(each.after)}));
+        EXPECT_EQ(ReadFile(device.registry()), "damaged\n[");
+    }
+}
+
+// Directories from "home" on, the user's own; "card" is the one to be cleaned.
+TEST(Program, FilesThatCannotBeMeantAreRefusedUnderAnyName) {
+    const struct {
+        Entries words;  // after "--files"
+        int exitCode;
+        std::string says;
+    } cases[] = {
+        {{"/proc/self/root/."}, 66, "it is the root of this machine's file system"},
+        {{"link"}, 66, "it is your home directory"},
+        {{"link/.."}, 66, "your home directory is in it"},
+        {{"home/.local"}, 66, "what is kept of its runs would be in it"},
+        {{"card/none"}, 66, "No such file"},
+        {{"card/Temp/a"}, 66, "it is not a directory"},
+        {{"system"}, 66, "\"etc\" and \"usr\" are in it"},
+        {{"card", "--state", "card/new"}, 66, "what is kept of its runs would be in it"},
+        {{"card", "--state", "up/card/Temp"}, 66, "what is kept of its runs would be in it"},
+        {{"card", "--state", "none/../up/card/x"}, 0, "last-run.txt is not written: none/../up"},
+        {{"card", "--state", "home/file"}, 0, "last-run.txt is not written: home/file"},
+        {{"card", "--registry", "up/card/r.reg"}, 66, "it is among the files that are cleaned"},
+        {{"card", "--registry", "home/none.reg"}, 66, "home/none.reg: cannot be used"},
+        {{"card", "--registry", "odd/.fennelbright-new-0123456789abcdef"}, 66, "such names are"},
+        {{"card", "--registry", "home/bad.reg"}, 65, "card: bad.reg, line 2: cannot"},
+        {{"card", "--registry", "home/to.reg"}, 65, "to.reg: cannot use it: it is no regular"},
+        {{"card", "--registry", "home/full.reg"}, 0, "has no HKEY_CURRENT_USER, as a desktop's"},
+        {{"card", "--registry", "home/full.reg", "--report-html", "home/full.reg"},
+         0,
+         "home/full.reg: cannot write the report: it is the device's registry"},
+        {{"card", "--report-html", "card/page"}, 0, "it would be among the device's files"},
+    };
+    const TemporaryDevice place(
+        {"home/file=", "home/bad.reg=\n[x", "home/to.reg>bad.reg", "link>home", "up>.",
+         "odd/.fennelbright-new-0123456789abcdef=", "home/.local/", "system/etc/", "system/usr/",
+         "card/Temp/a=1",
+         "home/full.reg=" + std::string(kQuietTweaks) + "[HKEY_USERS\\.DEFAULT]\n"});
+    const Entries before = place.Listing();
+    for (const auto& each : cases) {
+        Entries words = {"--no-display", "silent", "--files"};
+        words.insert(words.end(), each.words.begin(), each.words.end());
+        const Outcome outcome =
+            RunProgram(words, "cd " + place.files() +
+                                  "; unset XDG_STATE_HOME; HOME=" + place.files() + "/home");
+        SCOPED_TRACE(testing::PrintToString(each.words) + outcome.errors);
+        EXPECT_EQ(outcome.exitCode, each.exitCode);
+        EXPECT_NE(outcome.errors.find(each.says), std::string::npos);
+        std::filesystem::remove_all(place.files() + "/none");
+        std::filesystem::remove_all(place.files() + "/home/.local/state");
+        EXPECT_EQ(place.Listing(), before);
+    }
+}
+
+TEST(Program, EachPlaceOfFilesHasItsOwnReportOutsideOfThem) {
+    const std::string deep = std::string(150, 'n').append("/").append(150, 'n');
+    const TemporaryDevice place({"home/"});
+    const std::string environment =
+        "unset XDG_STATE_HOME; HOME=" + place.files() + "/home; cd " + place.files();
+    Entries reports;
+    for (const std::string& card : {"a/b"s, "a+b"s, "a%2Bb"s, deep}) {
+        place.Make({card + "/Temp/f=1", card + '/' + SettingsEntry(kRootTemp),
+                    card + ".d/any name=" + kQuietTweaks});
+        for (const std::string& held : {card, card + ".d"}) {
+            const platform::Descriptor other(
+                open((place.files() + '/' + held).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+            ASSERT_EQ(flock(other.get(), LOCK_EX), 0);
+            EXPECT_EQ(
+                RunProgram({"--files", card, "--registry", card + ".d/any name", "s"}, environment)
+                    .exitCode,
+                75);
+        }
+        const Outcome outcome = RunProgram(
+            {"--files", card, "--registry", card + ".d/any name", "--strict", "s"}, environment);
+        EXPECT_EQ(outcome.exitCode, 0) << outcome.errors;
+        EXPECT_EQ(ListingOf(place.files() + '/' + card),
+                  (Entries{"Program Files/", "Program Files/Fennelbright/",
+                           SettingsEntry(kRootTemp), "Temp/"}));
+        EXPECT_EQ(ListingOf(place.files() + '/' + card + ".d"),
+                  (Entries{"any name="s + kQuietTweaks}));
+    }
+    for (const std::string& entry : ListingOf(place.files() + "/home/.local/state/fennelbright")) {
+        if (entry.find("/last-run.txt=step 3: deleted \\Temp\\f (1 byte)") != std::string::npos) {
+            reports.push_back(entry);
+        }
+    }
+    EXPECT_EQ(reports.size(), 4U);
+    const std::string full(200, 'n');
+    EXPECT_TRUE(platform::StateDirectoryFor('/' + full + "..")
+                    .ends_with("/fennelbright/" + full + "%/%.."));
+    EXPECT_TRUE(RunProgram({"--files", "a/b", "--no-display", "s"}, environment)
+                    .errors.starts_with("[Error] Unable to locate Menu Animation\n"))
+        << "without a registry";
+}
+
+// The second one cannot be opened, the third one has no registry.
+TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
+    const std::pair<std::string, std::string> forms[] = {
+        {"--report",
+         "device 1\nstep 3: deleted \\Temp\\a (1 byte)\ntotal: 1 file deleted (1 byte), 0 entries "
+         "moved, 0 directories made, 0 directories removed, 0 shortcuts made, 0 values written, 0 "
+         "keys deleted, 0 not done\ndevice none\nended without totals, with exit code 66\ndevice "
+         "3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 3: not deleted \\Temp\\locked (it is "
+         "read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
+         "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\nsum "
+         "of 3 devices: 2 files deleted (3 bytes), 0 entries moved, 0 directories made, 0 "
+         "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\n"},
+        {"--report=json", R"({"kind":"ended","device":"none","exit_code":66}
+{"kind":"run",)"},
+        {"--report=json",
+         R"({"kind":"sum","devices":3,"files_deleted":2,"bytes_deleted":3,"entries_moved":0,"directories_made":0,"directories_removed":0,"shortcuts_made":0,"values_written":0,"keys_deleted":0,"not_done":1,"exit_code":66}
+)"},
+    };
+    for (const auto& each : forms) {
+        const TemporaryDevice place({"1/files/Temp/a=1", "1/files/" + SettingsEntry(kRootTemp),
+                                     "1/registry.reg=" + std::string(kQuietTweaks),
+                                     "3/files/Temp/b=22", "3/files/Temp/locked=1",
+                                     "3/files/" + SettingsEntry(kRootTemp)});
+        chmod((place.files() + "/3/files/Temp/locked").c_str(), 0444);
+        const auto run = [&](const std::string& page) {
+            return RunProgram({"--device", "1", each.first, "--device", "none", "--strict",
+                               "--device", "3", "--report-html", page, "silent"},
+                              "cd " + place.files());
+        };
+        const Outcome outcome = run("page");
+        EXPECT_EQ(outcome.exitCode, 66);
+        EXPECT_NE(outcome.output.find(each.second), std::string::npos) << outcome.output;
+        EXPECT_TRUE(outcome.errors.starts_with("fennelbright: none: cannot be used") &&
+                    outcome.errors.find("\nfennelbright: 3: its messages:\n[Error] Unable to") !=
+                        std::string::npos)
+            << outcome.errors;
+        const std::string page = ReadFile(place.files() + "/page");
+        std::size_t end = 0;
+        for (const std::string part : {"<td>1</td>", "id=\"run1-step3\"", "<td>none</td>",
+                                       "<td>3</td>", "href=\"#run3-undone", "id=\"run3-undone\"",
+                                       "Sum of", "<td>3</td>", "1 not done", "</html>\n"}) {
+            end = page.find(part, end);
+            EXPECT_NE(end, std::string::npos) << part;
+        }
+        EXPECT_NE(run("3/page").errors.find("it would be in the device dir"), std::string::npos);
+    }
 }
 
 TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {

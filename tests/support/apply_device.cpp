@@ -47,6 +47,27 @@ int CollectedBoxes::MessageBoxW(HWND owner, const WCHAR* text, const WCHAR* capt
     return IDOK;
 }
 
+SilentRun RunSilently(platform::DeviceStore& store, bool allowRestart) {
+    SilentRun run;
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(store);
+    const platform::WindowsInUse windowsInUse(windows);
+    CSettings settings;
+    BytesCleaned = 0;
+    g_Settings = &settings;
+    g_Silent = true;
+    try {
+        ApplySettings(allowRestart);
+    } catch (const DeviceRestarted&) {
+        run.restarts = 1;
+    }
+    g_Settings = nullptr;
+    run.isStored = store.StoreRegistry().has_value();
+    run.boxes = windows.boxes;
+    run.bytesCleaned = BytesCleaned;
+    return run;
+}
+
 ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int reason) {
     const TemporaryDevice device(input.files);
     device.Make({"App/"});
@@ -59,26 +80,12 @@ ApplyResult ApplySilently(const ApplyInput& input, int failing, int* calls, int 
         const platform::StoreInUse inUse(store);
         WriteSettingsOf(input);
     }
-    ApplyResult result;
     FailingStore faulty(store, failing, reason);
-    CollectedBoxes windows;
-    const platform::StoreInUse storeInUse(faulty);
-    const platform::WindowsInUse windowsInUse(windows);
-    BytesCleaned = 0;
     testing::internal::CaptureStderr();
-    CSettings settings;
-    g_Settings = &settings;
-    g_Silent = true;
-    try {
-        ApplySettings(input.allowRestart);
-    } catch (const DeviceRestarted&) {
-        result.restarts = 1;
-    }
-    g_Settings = nullptr;
-    result.notes = testing::internal::GetCapturedStderr();
-    EXPECT_TRUE(store.StoreRegistry().has_value());
-    result.boxes = windows.boxes;
-    result.bytesCleaned = BytesCleaned;
+    const SilentRun run = RunSilently(faulty, input.allowRestart);
+    EXPECT_TRUE(run.isStored);
+    ApplyResult result{run.boxes,        {},           {},
+                       run.bytesCleaned, run.restarts, testing::internal::GetCapturedStderr()};
     result.registry = ReadFile(device.registry());
     result.files = device.Listing();
     std::erase_if(result.files, [](const std::string& entry) { return entry.starts_with("App/"); });

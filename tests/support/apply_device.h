@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "core/platform_types.h"
+#include "platform/seam/device_store.h"
 #include "platform/seam/refusing_window_system.h"
 #include "tests/support/temporary_device.h"
 
@@ -36,6 +37,15 @@ struct ApplyResult {
     int restarts = 0;   // 1 when one has ended the run
     std::string notes;  // on standard error
 };
+
+// A silent run on a store, and whether the registry could be stored at its end.
+struct SilentRun {
+    std::vector<std::string> boxes;
+    std::uint32_t bytesCleaned = 0;
+    int restarts = 0;
+    bool isStored = false;
+};
+SilentRun RunSilently(platform::DeviceStore& store, bool allowRestart);
 
 // Carries out a silent run on a device of its own. `failing`: the number of the call of the store
 // that fails, for `reason`, an errno; 0 for none. `calls` receives how many there were.

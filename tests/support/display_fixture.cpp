@@ -31,9 +31,9 @@ LRESULT Keep(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
 extern "C" platform::DisplayWindowSystem* FennelbrightMakeWindows(
     const platform::WindowModuleParams* params);
 
-std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen() {
+std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen(int scale) {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    const platform::WindowModuleParams params = platform::WindowParamsFor("A device[*]", 1);
+    const platform::WindowModuleParams params = platform::WindowParamsFor("A device[*]", scale);
     return std::unique_ptr<platform::DisplayWindowSystem>(FennelbrightMakeWindows(&params));
 }
 

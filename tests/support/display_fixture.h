@@ -11,8 +11,8 @@
 
 #include "platform/display/window_module.h"
 
-// The window system on an offscreen display.
-std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen();
+// The window system on an offscreen display, with `scale` pixels of it for a pixel of the handheld.
+std::unique_ptr<platform::DisplayWindowSystem> OpenUnseen(int scale = 1);
 
 // A message that a window's procedure has received.
 struct ReceivedMessage {
@@ -91,7 +91,7 @@ class WindowsTest : public testing::Test {
 // The same on an offscreen display.
 class DisplayTest : public WindowsTest {
   public:
-    DisplayTest() : WindowsTest(OpenUnseen()) {
+    explicit DisplayTest(int scale = 1) : WindowsTest(OpenUnseen(scale)) {
         EXPECT_TRUE(QTest::qWaitForWindowExposed(&Host()));
     }
 };

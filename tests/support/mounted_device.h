@@ -12,6 +12,7 @@ bool EnterMountNamespace();
 // A device with file systems mounted in it, until the object goes.
 class MountedDevice : public TemporaryDevice {
   public:
+    explicit MountedDevice(const std::string& parent = "") : TemporaryDevice({}, parent) {}
     ~MountedDevice();
 
     std::string HostPath(const std::string& path) const { return files() + '/' + path; }

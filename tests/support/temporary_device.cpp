@@ -30,8 +30,8 @@ platform::Descriptor TemporaryDevice::OpenFiles() const {
     return platform::Descriptor(open(files().c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
-std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry() const {
-    auto registry = platform::Registry::Open(directory_.get());
+std::unique_ptr<platform::Registry> TemporaryDevice::OpenRegistry(platform::AccessTime time) const {
+    auto registry = platform::Registry::Open(directory_.get(), platform::kRegistryName, time);
     EXPECT_TRUE(registry.has_value()) << platform::Describe(registry.error());
     return std::move(*registry);
 }

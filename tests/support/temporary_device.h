@@ -27,7 +27,9 @@ class TemporaryDevice {
     std::string files() const { return path_ + "/files"; }  // of its file tree
     std::string registry() const { return path_ + "/registry.reg"; }
     platform::Descriptor OpenFiles() const;
-    std::unique_ptr<platform::Registry> OpenRegistry() const;  // of registry.reg in path()
+    // Of registry.reg in path().
+    std::unique_ptr<platform::Registry> OpenRegistry(
+        platform::AccessTime time = platform::AccessTime::Shown) const;
 
     // Makes what `entries` list, host paths from files() on: "a/b/" a directory, "a/b=text" a file,
     // "a/b>target" a symbolic link, "a/b|" a pipe. Parents are made as needed.

@@ -1,15 +1,10 @@
 #pragma once
 
-#include <QKeyEvent>
 #include <QPushButton>
 
-namespace platform::qt {
+#include "platform/qt/base/key_groups.h"
 
-// With the toolkit, arrow keys wander from button to button, and on into a combo box, whose choice
-// they change.
-inline bool IsArrow(const QKeyEvent& event) {
-    return event.key() >= Qt::Key_Left && event.key() <= Qt::Key_Down;
-}
+namespace platform::qt {
 
 // A button that Enter pushes while it has the keyboard, once however long it is held down.
 class PushButton : public QPushButton {

@@ -1,6 +1,7 @@
 #include "platform/qt/controls/combo_box_control.h"
 
 #include <QAbstractItemView>
+#include <QAccessible>
 #include <QComboBox>
 #include <QKeyEvent>
 #include <QWheelEvent>
@@ -53,6 +54,12 @@ ComboBoxControl::ComboBoxControl(WindowContext& context, const CreateParams& par
         QueueCommand(CBN_SELENDOK);
         QueueCommand(CBN_SELCHANGE);
     });
+    QObject::connect(box_, &QComboBox::currentTextChanged, box_,
+                     [this, before = QString()](const QString& text) mutable {
+                         QAccessibleTextUpdateEvent event(box_, 0, before, text);
+                         QAccessible::updateAccessibility(&event);
+                         before = text;
+                     });
     Adopt(std::move(box), params);
 }
 

@@ -4,6 +4,7 @@
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <algorithm>
 
 #include "core/wide_text.h"
 #include "platform/qt/base/escaped_display_text.h"
@@ -15,7 +16,16 @@ namespace {
 
 constexpr qsizetype kRoom = kTextCapacity - 1;
 
-// A pasted text may hold line ends, or even a zero at which it would end.
+bool EndsLine(QChar unit) {
+    return unit == u'\n' || unit == u'\r' || unit == QChar::LineSeparator ||
+           unit == QChar::ParagraphSeparator;
+}
+
+QString FirstLine(const QString& text) {
+    return text.left(std::ranges::find_if(text, EndsLine) - text.begin());
+}
+
+// A pasted text may hold tabs, or even a zero at which it would end.
 QString WithoutControls(QString text) {
     return text.removeIf([](QChar unit) { return unit.category() == QChar::Other_Control; });
 }
@@ -40,16 +50,18 @@ class Line : public QLineEdit {
     // The toolkit would replace what is selected by nothing.
     void keyPressEvent(QKeyEvent* event) override {
         if (!event->matches(QKeySequence::Paste) ||
-            !WithoutControls(QGuiApplication::clipboard()->text()).isEmpty()) {
+            !WithoutControls(FirstLine(QGuiApplication::clipboard()->text())).isEmpty()) {
             QLineEdit::keyPressEvent(event);
         }
     }
 
   private:
+    // The cursor stands at the end of what was pasted.
     void Correct(const QString& text) {
-        const QString kept = EscapedText(Typed(text));
+        const QString before = FirstLine(text.left(cursorPosition()));
+        const QString kept = EscapedText(Typed(before + text.mid(cursorPosition())));
         if (kept != text) {
-            const auto place = EscapedText(Typed(text.left(cursorPosition()))).size();
+            const auto place = EscapedText(Typed(before)).size();
             selectAll();
             insert(kept);
             setCursorPosition(static_cast<int>(place));

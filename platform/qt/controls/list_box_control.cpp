@@ -12,6 +12,8 @@
 #include <cstdlib>
 #include <functional>
 
+#include "platform/qt/base/key_groups.h"
+
 namespace platform::qt {
 
 // A list whose rows are as wide as the program has said, and which reports what its user selects.
@@ -77,6 +79,9 @@ class ListView : public QListView {
         changed_ = false;
         QListView::keyPressEvent(event);
         ReportChange();
+        if (IsPageKey(*event) && model()->rowCount() > 0) {
+            event->accept();  // at its end too: the page does not jump below a key that is held
+        }
     }
 
   private:

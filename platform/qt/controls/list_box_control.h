@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/qt/base/list_box_model.h"
 #include "platform/qt/base/window.h"
-#include "platform/qt/controls/list_box_model.h"
 
 namespace platform::qt {
 

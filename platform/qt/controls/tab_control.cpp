@@ -1,7 +1,9 @@
 #include "platform/qt/controls/tab_control.h"
 
+#include <QPainter>
 #include <algorithm>
 
+#include "platform/qt/base/handheld_shapes.h"
 #include "platform/qt/base/message_queue.h"
 #include "platform/qt/base/window_table.h"
 #include "platform/qt/controls/tab_row_widget.h"
@@ -13,12 +15,31 @@ namespace {
 constexpr int kFrame = 4;
 constexpr int kRowHeight = 21;
 
+// The page's white with its frame, one edge of which the tabs stand on. The chosen tab covers its
+// part of that edge.
+class PageFrame : public QWidget {
+  public:
+    PageFrame(QWidget* parent, bool below) : QWidget(parent), below_(below) {}
+
+  protected:
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter painter(this);
+        const int tabs = kRowHeight - 1;
+        const QRect page = rect().adjusted(0, below_ ? 0 : tabs, 0, below_ ? -tabs : 0);
+        painter.fillRect(rect(), kFace);
+        painter.fillRect(page, Qt::white);
+        DrawFrame(painter, page, kEdge);
+    }
+
+  private:
+    bool below_;
+};
+
 }  // namespace
 
 TabControl::TabControl(WindowContext& context, const CreateParams& params)
     : Window(context, params), below_((params.style & TCS_BOTTOM) != 0) {
-    auto pane = std::make_unique<QWidget>(params.surface);
-    pane->setAutoFillBackground(true);
+    auto pane = std::make_unique<PageFrame>(params.surface, below_);
     row_ = new TabRowWidget(pane.get(), below_, [this](int index) {
         QueueToSelf(kTabTaken, static_cast<WPARAM>(index), 0);
     });

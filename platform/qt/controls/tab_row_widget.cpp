@@ -1,5 +1,6 @@
 #include "platform/qt/controls/tab_row_widget.h"
 
+#include <QAccessible>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QWheelEvent>
@@ -38,9 +39,10 @@ class Tabs : public QTabBar {
     std::function<void(int index)> tapped_;
 };
 
-QToolButton* MakeArrow(QWidget* row, Qt::ArrowType direction) {
+QToolButton* MakeArrow(QWidget* row, Qt::ArrowType direction, const QString& name) {
     auto* const arrow = new QToolButton(row);
     arrow->setArrowType(direction);
+    arrow->setAccessibleName(name);
     arrow->setAutoRepeat(true);
     arrow->setFocusPolicy(Qt::NoFocus);
     return arrow;
@@ -50,10 +52,12 @@ QToolButton* MakeArrow(QWidget* row, Qt::ArrowType direction) {
 
 TabRowWidget::TabRowWidget(QWidget* parent, bool below, std::function<void(int index)> tapped)
     : QWidget(parent),
+      tapped_(std::move(tapped)),
       view_(new QWidget(this)),
-      bar_(new Tabs(view_, std::move(tapped))),
-      back_(MakeArrow(this, Qt::LeftArrow)),
-      forth_(MakeArrow(this, Qt::RightArrow)) {
+      bar_(new Tabs(view_, tapped_)),
+      back_(MakeArrow(this, Qt::LeftArrow, QStringLiteral("Previous tabs"))),
+      forth_(MakeArrow(this, Qt::RightArrow, QStringLiteral("Next tabs"))) {
+    bar_->setAccessibleName(QStringLiteral("Pages"));
     bar_->setShape(below ? QTabBar::RoundedSouth : QTabBar::RoundedNorth);
     connect(back_, &QToolButton::clicked, this, [this] { BeginWith(first_ - 1); });
     connect(forth_, &QToolButton::clicked, this, [this] { BeginWith(first_ + 1); });
@@ -66,7 +70,15 @@ int TabRowWidget::Insert(int index, const QString& label) {
 }
 
 void TabRowWidget::Choose(int index) {
+    const int before = bar_->currentIndex();
     bar_->setCurrentIndex(index);
+    for (const int changed : {before, index}) {
+        QAccessible::State state;
+        state.selected = true;
+        QAccessibleStateChangeEvent event(bar_, state);
+        event.setChild(changed);
+        QAccessible::updateAccessibility(&event);
+    }
     int first = std::min(first_, index);
     while (first < index && WidthOf(first, index) > Room()) {
         ++first;

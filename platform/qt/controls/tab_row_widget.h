@@ -19,6 +19,8 @@ class TabRowWidget : public QWidget {
     int Insert(int index, const QString& label);
     // Chooses a tab and brings it into view.
     void Choose(int index);
+    // Does what a tap on a tab does.
+    void Tap(int index) { tapped_(index); }
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
@@ -31,6 +33,7 @@ class TabRowWidget : public QWidget {
     // Lets the row begin with this tab, or with the first one after which all others are in view.
     void BeginWith(int first);
 
+    std::function<void(int index)> tapped_;
     QWidget* view_;  // as wide as the tabs that are shown
     QTabBar* bar_;
     QToolButton* back_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 
 #include "platform/qt/base/escaped_display_text.h"
+#include "platform/qt/base/handheld_style.h"
 #include "platform/qt/base/message_queue.h"
 #include "platform/qt/base/sort_order.h"
 #include "platform/qt/base/window_table.h"
@@ -79,8 +80,8 @@ int PlaceAfter(const QTreeWidgetItem& parent, const QTreeWidgetItem* sibling) {
 
 QPixmap PixmapFor(const QStyle& style, int image) {
     const int size = style.pixelMetric(QStyle::PM_SmallIconSize);
-    return style.standardIcon(image == kDeviceIcon ? QStyle::SP_DriveHDIcon : QStyle::SP_DirIcon)
-        .pixmap(size, size);
+    const QIcon icon = image == kDeviceIcon ? DeviceIcon() : style.standardIcon(QStyle::SP_DirIcon);
+    return icon.pixmap(size, size);
 }
 
 void ShowWhetherItOpens(QTreeWidgetItem& item, int children) {

@@ -4,18 +4,21 @@
 
 #include <QDir>
 #include <QLibraryInfo>
+#include <QSize>
 #include <algorithm>
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/desktop/accessible_places.h"
 
 namespace platform::qt {
 
 namespace {
 
 constexpr int kUnknownDesktopScale = 2;
-constexpr int kLargestScale = 5;
+constexpr double kLargestScale = 5;
 
 // A connection to the X desktop that lasts until the toolkit has its own: a server may start anew
 // when its last user leaves.
@@ -26,16 +29,16 @@ class XDesktop {
     XDesktop(const XDesktop&) = delete;
     XDesktop& operator=(const XDesktop&) = delete;
 
-    // In pixels; 0 where there is no desktop, or none that lets this user in.
-    int Height() const {
+    // In pixels; empty where there is no desktop, or none that lets this user in.
+    QSize Size() const {
         if (xcb_connection_has_error(connection_) != 0) {
-            return 0;
+            return {};
         }
         auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_));
         for (int index = 0; index < screen_; ++index) {
             xcb_screen_next(&screens);
         }
-        return screens.data->height_in_pixels;
+        return {screens.data->width_in_pixels, screens.data->height_in_pixels};
     }
 
   private:
@@ -43,16 +46,16 @@ class XDesktop {
     xcb_connection_t* connection_;
 };
 
-bool CanOpen(const QByteArray& kind, int xDesktopHeight) {
+bool CanOpen(const QByteArray& kind, QSize xDesktop) {
     if (kind == "xcb") {
-        return xDesktopHeight > 0;
+        return !xDesktop.isEmpty();
     }
     return !kind.startsWith("wayland") || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
 }
 
 // The first kind of display that can be opened of those that the user has chosen, or of all that
 // desktops have; empty when there is none.
-QByteArray OpenableKind(int xDesktopHeight) {
+QByteArray OpenableKind(QSize xDesktop) {
     const QByteArray chosen = qgetenv("QT_QPA_PLATFORM");
     const QDir plugins(QLibraryInfo::path(QLibraryInfo::PluginsPath) + "/platforms");
     for (const QByteArray& each : (chosen.isEmpty() ? "xcb;wayland" : chosen).split(';')) {
@@ -61,28 +64,29 @@ QByteArray OpenableKind(int xDesktopHeight) {
             return std::isalnum(static_cast<unsigned char>(letter)) != 0 || letter == '-';
         });
         const QString plugin = QStringLiteral("libq") + QString::fromUtf8(kind);
-        if (isName && CanOpen(kind, xDesktopHeight) &&
+        if (isName && CanOpen(kind, xDesktop) &&
             !plugins.entryList({plugin + ".so", plugin + "-*.so"}).isEmpty()) {
-            return each.toLower();
+            return kind + each.mid(kind.size());
         }
     }
     return {};
 }
 
-// The largest whole number that leaves a tenth of the desktop to its own bars and the frame.
-double FittingScale(int desktopHeight) {
-    return desktopHeight == 0
-               ? kUnknownDesktopScale
-               : std::clamp(desktopHeight * 9 / 10 / kScreenHeight, 1, kLargestScale);
+// The largest scale at which the screen is as large as `room`.
+double LargestScaleIn(QSizeF room) {
+    return std::min(room.width() / kScreenWidth, room.height() / kScreenHeight);
 }
 
-// The scale that is wished for, or as much of it as the desktop has room for; 0: a fitting one.
-double ScaleFor(double wished, int desktopHeight) {
-    if (wished <= 0) {
-        return FittingScale(desktopHeight);
+// The scale that is wished for, or as much of it as the desktop has room for; 0: the largest whole
+// number that leaves a tenth of the desktop to its own bars and the frame.
+double ScaleFor(double wished, QSize desktop) {
+    if (desktop.isEmpty()) {
+        return wished > 0 ? wished : kUnknownDesktopScale;
     }
-    const double most = static_cast<double>(desktopHeight) / kScreenHeight;
-    return desktopHeight == 0 ? wished : std::min(wished, std::max(1.0, most));
+    if (wished <= 0) {
+        return std::clamp(std::floor(LargestScaleIn(QSizeF(desktop) * 0.9)), 1.0, kLargestScale);
+    }
+    return std::min(wished, std::max(1.0, LargestScaleIn(desktop)));
 }
 
 // What the toolkit notes while it starts, such as missing folders of the session, means nothing to
@@ -99,14 +103,14 @@ void PassOnFatal(QtMsgType type, const QMessageLogContext& /*context*/, const QS
 // measure of the handheld is a measure of the toolkit.
 std::unique_ptr<QApplication> StartToolkit(double scale) {
     const XDesktop desktop;
-    const QByteArray kind = OpenableKind(desktop.Height());
+    const QByteArray kind = OpenableKind(desktop.Size());
     if (kind.isEmpty()) {
         return nullptr;
     }
     static int count = 1;
     static char name[] = "fennelbright";
     static char* words[] = {name, nullptr};
-    const double factor = ScaleFor(scale, kind == "xcb" ? desktop.Height() : 0);
+    const double factor = ScaleFor(scale, kind == "xcb" ? desktop.Size() : QSize());
     qputenv("QT_QPA_PLATFORM", kind);
     qputenv("QT_ENABLE_HIGHDPI_SCALING", "0");
     qputenv("QT_SCALE_FACTOR", QByteArray::number(factor));
@@ -120,6 +124,7 @@ std::unique_ptr<QApplication> StartToolkit(double scale) {
     auto application = std::make_unique<QApplication>(count, words);
     qInstallMessageHandler(before);
     ApplyHandheldStyle(*application);
+    new AccessiblePlaces(application.get());  // the application's own
     return application;
 }
 

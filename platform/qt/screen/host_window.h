@@ -16,14 +16,19 @@ namespace platform::qt {
 struct HostEvents {
     std::function<void()> okPressed;
     std::function<void()> closePressed;
-    std::function<void(int step)> tabKeyPressed;  // 1: the next tab, -1: the one before
+    std::function<void(int step)> tabKeyPressed;      // 1: the next tab, -1: the one before
+    std::function<void(Qt::Key key)> pageKeyPressed;  // PageUp, PageDown, Home or End
 };
 
-// The window on the desktop: the handheld's screen with its caption bar. Windows and the menu bar
-// stand on it.
+// The window on the desktop with the handheld's screen, in its middle where the desktop gives it
+// another size. Caption bar, windows and menu bar stand on the screen. Title and frame of a
+// rehearsal say that it is one.
 class HostWindow : public QWidget {
   public:
-    HostWindow(const QString& title, HostEvents events);
+    HostWindow(const QString& title, bool isRehearsal, HostEvents events);
+
+    // The handheld's screen, 240 by 320 pixels.
+    QWidget& handheld() const { return *handheld_; }
 
     // Shows the title of the front window, and the OK button if it has one.
     void SetCaption(const QString& text, bool hasOk);
@@ -37,11 +42,16 @@ class HostWindow : public QWidget {
   protected:
     void closeEvent(QCloseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
   private:
     HostEvents events_;
-    QLabel* title_;  // both its own
+    QLabel* banner_;  // all of them its own; null but in a rehearsal
+    QWidget* handheld_;
+    QLabel* title_;
     QPushButton* ok_;
+    bool isShown_ = false;
 };
 
 }  // namespace platform::qt

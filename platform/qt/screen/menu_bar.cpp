@@ -3,7 +3,9 @@
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMenuBar>
+#include <QScreen>
 #include <QShowEvent>
+#include <algorithm>
 
 #include "platform/qt/base/message_queue.h"
 
@@ -17,7 +19,10 @@ class UpwardMenu : public QMenu {
 
   protected:
     void showEvent(QShowEvent* event) override {
-        move(x(), bar_.mapToGlobal(QPoint(0, 0)).y() - height());
+        const QRect display = screen()->geometry();
+        const int above = bar_.mapToGlobal(QPoint(0, 0)).y() - height();
+        const int lowest = std::max(display.top(), display.bottom() + 1 - height());
+        move(x(), std::clamp(above, display.top(), lowest));
         QMenu::showEvent(event);
     }
 

@@ -5,9 +5,11 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QScrollArea>
 #include <QStyle>
 #include <QVBoxLayout>
+#include <algorithm>
 #include <utility>
 
 #include "platform/display/message_box_default_answer.h"
@@ -25,6 +27,21 @@ constexpr int kMargin = 8;
 constexpr int kLongestWord = 16;  // that is not broken
 constexpr QChar kPlaceToBreak(0x200B);
 constexpr int kTallestText = kScreenHeight * 3 / 4;
+constexpr int kButtonsRoom = 56;  // with the desktop's own title
+
+struct Answer {
+    UINT type;  // of the box
+    const char* text;
+    int answer;
+};
+
+constexpr Answer kAnswers[] = {
+    {MB_OK, "OK", IDOK},
+    {MB_YESNO, "Yes", IDYES},
+    {MB_YESNO, "No", IDNO},
+    {kTryAgainBox, "Try again", kTryAgain},
+    {kTryAgainBox, "Give up", IDOK},
+};
 
 // Long words with places to break them at: a line would be cut where it has none.
 QString Breakable(const QString& text) {
@@ -57,11 +74,10 @@ class Box : public QDialog {
         auto* const row = new QHBoxLayout;
         column->addLayout(row);
         row->addStretch();
-        if ((type & kButtonsMask) == MB_YESNO) {
-            AddButton(*row, QStringLiteral("Yes"), IDYES);
-            AddButton(*row, QStringLiteral("No"), IDNO);
-        } else {
-            AddButton(*row, QStringLiteral("OK"), IDOK);
+        for (const Answer& answer : kAnswers) {
+            if (answer.type == (type & kButtonsMask)) {
+                AddButton(*row, QString::fromLatin1(answer.text), answer.answer);
+            }
         }
         row->addStretch();
     }
@@ -91,7 +107,8 @@ class Box : public QDialog {
     void AddText(QVBoxLayout& column, const QString& text, UINT type) {
         auto* const row = new QHBoxLayout;
         column.addLayout(row);
-        int room = kScreenWidth - 4 * kMargin;
+        const QSize display = screen()->availableSize();
+        int room = std::min(kScreenWidth, display.width()) - 4 * kMargin;
         if ((type & kIconMask) == MB_ICONEXCLAMATION) {
             auto* const icon = new QLabel;
             icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(kIconSide));
@@ -104,15 +121,16 @@ class Box : public QDialog {
         label->setTextFormat(Qt::PlainText);
         label->setWordWrap(true);
         label->setFixedSize(room, label->heightForWidth(room));
-        row->addWidget(label->height() > kTallestText ? NewScroller(label) : label);
+        const int tallest = std::min(kTallestText, display.height() - kButtonsRoom);
+        row->addWidget(label->height() > tallest ? NewScroller(label, tallest) : label);
     }
 
     // The buttons stay on the desktop whatever is said.
-    static QWidget* NewScroller(QLabel* label) {
+    static QWidget* NewScroller(QLabel* label, int height) {
         auto* const area = new QScrollArea;
         area->setFrameShape(QFrame::NoFrame);
         area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-        area->setFixedSize(label->width() + kScrollBarWidth, kTallestText);
+        area->setFixedSize(label->width() + kScrollBarWidth, height);
         area->setAccessibleName(label->accessibleName());
         area->setWidget(label);
         return area;

@@ -10,6 +10,7 @@ namespace platform::qt {
 PageScrollBar::PageScrollBar(QWidget* parent, Notify notify)
     : QScrollBar(Qt::Vertical, parent), notify_(std::move(notify)) {
     setTracking(false);
+    setAccessibleName(QStringLiteral("Scroll the page"));
     setContextMenuPolicy(Qt::PreventContextMenu);
     connect(this, &QScrollBar::actionTriggered, this, &PageScrollBar::PressPart);
     connect(this, &QScrollBar::sliderReleased, this,

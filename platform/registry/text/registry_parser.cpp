@@ -32,7 +32,7 @@ std::string_view NextName(const TextUnits& path, std::size_t& position) {
 }
 
 std::string LineName(std::size_t line) {
-    return "registry.reg, line " + std::to_string(line);
+    return "line " + std::to_string(line);
 }
 
 // Puts the statements of a file into its content, one after the other.

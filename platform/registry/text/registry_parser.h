@@ -14,7 +14,7 @@ namespace platform {
 inline constexpr std::size_t kRegistryTextLimit = std::size_t{256} << 20;
 
 // Reads a registry file with these bytes; one without keys, of the usual form, when there are none.
-// Fails when they are no registry file; the failure's object is the line: "registry.reg, line 3".
+// Fails when they are no registry file; the failure's object is the line: "line 3".
 // The time is in proportion to the bytes, and the memory at most 40 times as much as they take.
 Result<RegistryModel> ParseRegistry(std::string bytes);
 

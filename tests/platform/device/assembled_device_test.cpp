@@ -31,8 +31,11 @@ LONG WriteNumber(platform::DeviceStore& store) {
 }
 
 // A restart that cannot erase the device comes back, and the one after it is a plain one.
-void WriteAndErase(const TemporaryDevice& device) {
+void WriteAndErase(const TemporaryDevice& device, bool isByHalves = false) {
     platform::AssembledDevice store(device.OpenFiles(), u"\\x.exe", device.OpenRegistry());
+    if (isByHalves) {
+        store.KeepFromErasing();
+    }
     platform::RunLog log("");
     platform::ReportLines lines(stderr);
     platform::ReportingStore recorder(store, {&lines}, log);
@@ -53,6 +56,10 @@ TEST(AssembledDeviceTest, AnErasingRestartKeepsEverythingInItsFolderOrComesBack)
                 "device: .*\nnot restarted .*\nrestarting the device\n$");
     std::filesystem::remove(device.files());
     std::filesystem::rename(device.path() + "/tree", device.files());
+    EXPECT_EXIT(WriteAndErase(device, true), testing::ExitedWithCode(0),
+                "erasing the device\nfennelbright: not erased, .* were named one by one, .*\nnot "
+                "restarted .*\nrestarting the device\n$");
+    EXPECT_EQ(device.Listing(), Entries{"f=1"});
     WriteFile(device.registry(), kKey);
     EXPECT_EXIT(WriteAndErase(device), testing::ExitedWithCode(0),
                 "^wrote .HKCU.Key. \"Number\": nothing -> 5\nerasing the device\nfennelbright: "

@@ -24,7 +24,7 @@ std::u16string Numbered(std::u16string name, int number) {
 
 TEST(CaseInsensitiveLookupTest, FindsTheExactNameOrTheFirst) {
     const TemporaryDevice device({"abc=", "ABC=", "aBc=", "\xC3\x84.txt="});
-    const platform::Descriptor files = device.OpenFiles();
+    const platform::FileTree tree(device.OpenFiles());
     platform::CaseInsensitiveLookup spellings;
     const std::pair<const WCHAR*, const char*> cases[] = {{u"aBc", "aBc"},
                                                           {u"Abc", "ABC"},
@@ -33,9 +33,9 @@ TEST(CaseInsensitiveLookupTest, FindsTheExactNameOrTheFirst) {
                                                           {u"..", "none"}};
     for (int round = 0; round < 3; ++round) {
         for (const auto& [name, found] : cases) {
-            EXPECT_EQ(Found(spellings.Find(files.get(), name)), found);
+            EXPECT_EQ(Found(spellings.Find(tree, tree.root(), name)), found);
         }
-        EXPECT_EQ(Found(spellings.Find(-1, u"abc")), "failed");
+        EXPECT_EQ(Found(spellings.Find(tree, platform::OpenedDirectory(), u"abc")), "failed");
         std::this_thread::sleep_for(std::chrono::milliseconds(40));
     }
 }
@@ -43,7 +43,7 @@ TEST(CaseInsensitiveLookupTest, FindsTheExactNameOrTheFirst) {
 // What is kept in mind of a directory must never hide what has been made in it since, however soon.
 TEST(CaseInsensitiveLookupTest, SeesWhatWasMadeAfterALookInVain) {
     const TemporaryDevice device;
-    const platform::Descriptor files = device.OpenFiles();
+    const platform::FileTree tree(device.OpenFiles());
     platform::CaseInsensitiveLookup spellings;
     for (int number = 0; number < 60; ++number) {
         if (number % 6 == 0) {
@@ -51,26 +51,26 @@ TEST(CaseInsensitiveLookupTest, SeesWhatWasMadeAfterALookInVain) {
         }
         const std::string name = std::string(1, 'x') + std::to_string(number);
         const std::u16string wanted = Numbered(u"X", number);
-        EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");
-        EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), "none");
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), wanted)), "none");
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), wanted)), "none");
         WriteFile(device.files() + "/" + name, "");
-        EXPECT_EQ(Found(spellings.Find(files.get(), wanted)), name);
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), wanted)), name);
     }
 }
 
 TEST(CaseInsensitiveLookupTest, KeepsWhatWasReadForLooksThatBelongTogetherAndNoLonger) {
     const TemporaryDevice device({"Here="});
-    const platform::Descriptor files = device.OpenFiles();
+    const platform::FileTree tree(device.OpenFiles());
     platform::CaseInsensitiveLookup spellings;
     for (const char* const made : {"new", "newer"}) {
         spellings.BeginLooks();
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"HERE")), "Here");
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), u"HERE")), "Here");
         device.Make({std::string(made) + '='});
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"NEWER")), "none");
-        EXPECT_EQ(Found(spellings.Find(files.get(), u"HERE")), "Here");
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), u"NEWER")), "none");
+        EXPECT_EQ(Found(spellings.Find(tree, tree.root(), u"HERE")), "Here");
     }
     spellings.EndLooks();
-    EXPECT_EQ(Found(spellings.Find(files.get(), u"NEWER")), "newer");
+    EXPECT_EQ(Found(spellings.Find(tree, tree.root(), u"NEWER")), "newer");
 }
 
 TEST(CaseInsensitiveLookupTest, ASetOfNamesDeniesNoneThatItHolds) {

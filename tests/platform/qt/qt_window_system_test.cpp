@@ -39,6 +39,38 @@ TEST_F(QtWindowSystemTest, AClickOnTheBarSendsAStepThatFitsOrTheEnd) {
     }
 }
 
+TEST_F(QtWindowSystemTest, AKeyThatTheControlHasNoUseForScrollsThePage) {
+    Add(TEXT("BUTTON"), BS_AUTOCHECKBOX, {2, 2, 102, 20}, 1, TEXT("Box"));
+    Add(TEXT("EDIT"), WS_BORDER, {2, 22, 102, 40}, 2);
+    Add(TEXT("msctls_trackbar32"), TBS_AUTOTICKS, {2, 42, 212, 66}, 3);
+    const HWND list = Add(TEXT("LISTBOX"), 0x50b0100b, {2, 72, 212, 132}, 4);
+    Send(list, LB_ADDSTRING, 0, TEXT("a"));
+    QCoreApplication::processEvents();
+    const SCROLLINFO info = {28, 15, 0, 1000, 3, 300, 0};
+    SetScrollInfo(page_, SB_VERT, &info, TRUE);
+    using Places = std::vector<int>;
+    const std::pair<QWidget*, Places> rows[] = {{&Host(), {79, 521, 0, 1000}},
+                                                {&Control(1), {79, 521, 0, 1000}},
+                                                {&Control(2), {79, 521}},
+                                                {&Control(3), {}},
+                                                {&Control(4), {}}};
+    for (const auto& [widget, places] : rows) {
+        widget->setFocus();
+        for (const Qt::Key key : {Qt::Key_PageUp, Qt::Key_PageDown, Qt::Key_Home, Qt::Key_End}) {
+            QTest::keyClick(widget, key);
+        }
+        Dispatch();
+        Places reported;
+        for (const ReceivedMessage& received : TakeReceived()) {
+            if (received.message == WM_VSCROLL) {
+                EXPECT_EQ(LOWORD(received.wParam), SB_THUMBPOSITION);
+                reported.push_back(HIWORD(received.wParam));
+            }
+        }
+        EXPECT_EQ(reported, places) << widget->objectName().toStdString();
+    }
+}
+
 TEST_F(QtWindowSystemTest, ClicksOnADestroyedButtonAreDropped) {
     const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
     Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
@@ -102,6 +134,19 @@ TEST_F(QtWindowSystemTest, TheOkOnTheCaptionGoesToTheFrontWindow) {
     Dispatch();
     const ReceivedMessage ended = {main_, WM_COMMAND, IDOK, 0};
     EXPECT_EQ(TakeReceived(), (ReceivedMessages{{box, WM_COMMAND, IDOK, 0}, ended, ended}));
+}
+
+TEST_F(QtWindowSystemTest, TheScreenIsInTheMiddleOfAWindowOfAnotherSize) {
+    const auto& ok = *Host().findChild<QWidget*>(QStringLiteral("captionOk"));
+    const std::pair<QSize, QPoint> rows[] = {
+        {{400, 340}, {283, 13}}, {{241, 320}, {203, 3}}, {{200, 300}, {203, 3}}};
+    for (const auto& [size, place] : rows) {
+        Host().setFixedSize(size);
+        EXPECT_EQ(ok.mapTo(&Host(), QPoint(0, 0)), place);
+        RECT bounds{};
+        GetWindowRect(main_, &bounds);
+        EXPECT_EQ(std::tuple(bounds.left, bounds.top, bounds.right), std::tuple(0, 26, 240));
+    }
 }
 
 TEST_F(QtWindowSystemTest, AMenuOpensAboveItsBar) {

@@ -257,8 +257,13 @@ TEST_F(RegistryTest, WhatCouldNotBeStoredWaitsForTheNextStoring) {
     EXPECT_FALSE(keys->StoreRegistry().has_value());
     EXPECT_EQ(keys->ChangesOfRegistry().stored, 0U);
     EXPECT_EQ(Content(), kFile);
-    chmod(File().c_str(), 0644);
+    int asked = 0;
+    keys->OfferRetry([&](const platform::Failure&) {
+        chmod(File().c_str(), asked == 1 ? 0644 : 0444);
+        return asked++ < 2;
+    });
     EXPECT_TRUE(keys->StoreRegistry().has_value());
+    EXPECT_EQ(asked, 2);
     EXPECT_EQ(keys->ChangesOfRegistry().stored, 1U);
     EXPECT_EQ(Content(), kFile + "\n[HKEY_USERS]\n\"a\"=dword:00000001\n");
 }

@@ -74,6 +74,9 @@ TEST_F(ControlsTest, APastedTextComesWithoutControlsAndCutToItsRoom) {
     const std::pair<QString, std::u16string> pasted[] = {
         {QString::fromUtf16(u"\\\0Temp\\\r\n\t", 9), u"\\Temp\\"},
         {QString(), u"\\Temp\\"},
+        {QStringLiteral("\n\\Windows"), u"\\Temp\\"},
+        {QStringLiteral("\\Temp\r\n\\Windows\n"), u"\\Temp"},
+        {QString::fromUtf16(u"\\a\x2029\\b"), u"\\a"},
         {QString(2000, 'x'), std::u16string(1023, u'x')}};
     for (const auto& [text, shown] : pasted) {
         QGuiApplication::clipboard()->setText(text);
@@ -81,6 +84,15 @@ TEST_F(ControlsTest, APastedTextComesWithoutControlsAndCutToItsRoom) {
         press(Qt::Key_V);
         EXPECT_EQ(TextOf(edit), shown);
     }
+    Send(edit, WM_SETTEXT, 0, u"ad");
+    QTest::keyClick(&Control(5), Qt::Key_Right);
+    QGuiApplication::clipboard()->setText(QStringLiteral("b\u202E\u200B\nc"));
+    press(Qt::Key_V);
+    QTest::keyClicks(&Control(5), QStringLiteral("c"));
+    EXPECT_EQ(TextOf(edit),
+              u"ab\x202E\x200B"
+              u"cd");
+    EXPECT_EQ(Control(5).property("text"), "ab<202E><200B>cd");
 }
 
 TEST_F(ControlsTest, AKeySelectsAnEntryOfAComboBoxAndReportsIt) {

@@ -45,6 +45,21 @@ TEST_F(MessageBoxTest, BoxesAreAnsweredByTheirUser) {
     }
 }
 
+TEST_F(MessageBoxTest, WhatHasFailedIsTriedAgainAsItsUserWants) {
+    auto& display = dynamic_cast<platform::DisplayWindowSystem&>(windows());
+    for (const auto& [button, again] :
+         {std::pair("Try again", true), {"Give up", false}, {"", false}}) {
+        QTimer::singleShot(0, qApp, [button = QString::fromLatin1(button)] {
+            auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
+            for (auto* const each : box->findChildren<QAbstractButton*>()) {
+                each->text() == button ? each->click() : void();
+            }
+            button.isEmpty() ? box->reject() : void();
+        });
+        EXPECT_EQ(display.WantsToTryAgain("settings.dat cannot be written"), again) << button;
+    }
+}
+
 TEST_F(MessageBoxTest, AnyTextFitsTheScreenAndAHeldKeyAnswersNothing) {
     const std::pair<std::u16string, QString> rows[] = {
         {u"Two\r\nlines \x202Egpj.exe\xD800", "Two\nlines <202E>gpj.exe<D800>"},

@@ -123,7 +123,7 @@ TEST(EditedRegistryText, NamesTheLineOfAFault) {
     const auto expectFault = [](const std::string& text, std::size_t line, bool goesOn = false) {
         const Result<EditedRegistryText> parsed = EditedRegistryText::Parse(text);
         ASSERT_FALSE(parsed) << text;
-        EXPECT_EQ(parsed.error().object, "registry.reg, line " + std::to_string(line)) << text;
+        EXPECT_EQ(parsed.error().object, "line " + std::to_string(line)) << text;
         EXPECT_EQ(ReasonOf(parsed.error()) == "a list that goes on at the end of the file", goesOn);
     };
     for (const auto& [text, line] : cases) {

@@ -1,4 +1,4 @@
-#include "platform/device/sample_files.h"
+#include "platform/sample/sample_files.h"
 
 #include <algorithm>
 #include <string_view>

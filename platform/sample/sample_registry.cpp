@@ -1,4 +1,4 @@
-#include "platform/device/sample_registry.h"
+#include "platform/sample/sample_registry.h"
 
 #include <fcntl.h>
 

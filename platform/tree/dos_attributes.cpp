@@ -1,4 +1,4 @@
-#include "platform/files/dos_attributes.h"
+#include "platform/tree/dos_attributes.h"
 
 #include <linux/magic.h>
 #include <linux/msdos_fs.h>

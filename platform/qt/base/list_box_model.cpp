@@ -1,4 +1,4 @@
-#include "platform/qt/controls/list_box_model.h"
+#include "platform/qt/base/list_box_model.h"
 
 #include <QCoreApplication>
 #include <algorithm>

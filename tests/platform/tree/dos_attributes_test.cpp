@@ -1,4 +1,4 @@
-#include "platform/files/dos_attributes.h"
+#include "platform/tree/dos_attributes.h"
 
 #include <gtest/gtest.h>
 

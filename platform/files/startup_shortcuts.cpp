@@ -1,4 +1,4 @@
-#include "platform/device/startup_shortcuts.h"
+#include "platform/files/startup_shortcuts.h"
 
 #include <algorithm>
 

@@ -1,0 +1,11 @@
+# Writes the help page that SOURCE holds as one raw string to PAGE.
+file(READ ${SOURCE} text)
+string(FIND "${text}" "R\"(" begin)
+string(FIND "${text}" ")\";" end REVERSE)
+if(begin EQUAL -1 OR end EQUAL -1)
+  message(FATAL_ERROR "${SOURCE} holds no raw string")
+endif()
+math(EXPR begin "${begin} + 3")
+math(EXPR length "${end} - ${begin}")
+string(SUBSTRING "${text}" ${begin} ${length} page)
+file(WRITE ${PAGE} "${page}")

@@ -1,0 +1,22 @@
+# Removes what the last `cmake --install` of the build directory BUILD has installed, and the program's
+# own directories when they are empty. Directories that others use too stay.
+set(manifest ${BUILD}/install_manifest.txt)
+if(NOT EXISTS ${manifest})
+  message(FATAL_ERROR "${manifest} is not there: nothing was installed from this build directory")
+endif()
+
+file(STRINGS ${manifest} files)
+foreach(file IN LISTS files)
+  set(file $ENV{DESTDIR}${file})
+  file(REMOVE ${file})
+  if(EXISTS ${file} OR IS_SYMLINK ${file})
+    message(FATAL_ERROR "${file} cannot be removed")
+  endif()
+  cmake_path(GET file PARENT_PATH directory)
+  set(kept 0)
+  while(directory MATCHES "/fennelbright(/|$)" AND kept EQUAL 0)
+    execute_process(COMMAND rmdir ${directory} RESULT_VARIABLE kept ERROR_QUIET)
+    cmake_path(GET directory PARENT_PATH directory)
+  endwhile()
+endforeach()
+file(REMOVE ${manifest})
