@@ -177,7 +177,7 @@ void WriteWalk() {
         Write("MoveFile " + Readable(from) + " to " + Readable(to), Reason(MoveFileW(from, to)));
     }
     Write("its name", Found(TEXT("\\T\\file.txt")));
-    for (const DWORD room : {64, 42, 43}) {
+    for (const DWORD room : {64U, 42U, 43U}) {
         WCHAR path[64] = {};
         const DWORD length = GetModuleFileNameW(nullptr, path, room);
         Write("GetModuleFileName, room " + std::to_string(room), length,

@@ -56,7 +56,7 @@ void WriteValues(HKEY key) {
          {TEXT("text"), TEXT("TEXT"), TEXT("empty"), TEXT("expand"), TEXT("multi"), TEXT("number"),
           TEXT("binary"), TEXT("none"), TEXT("typed"), TEXT(""), TEXT("missing"), TEXT("quo\"te"),
           TEXT("back\\slash"), TEXT("\u00E9"), TEXT("\u00C9"), TEXT("odd"), TEXT("nul")}) {
-        for (const DWORD room : {64, 0, 3, 8}) {
+        for (const DWORD room : {64U, 0U, 3U, 8U}) {
             WriteValue(key, name, room);
         }
         DWORD size = 0;
@@ -66,13 +66,13 @@ void WriteValues(HKEY key) {
     const BYTE data[] = "\\\0T\0e\0m\0p\0x\0y";
     for (const DWORD type : {DWORD{REG_NONE}, DWORD{REG_SZ}, DWORD{REG_EXPAND_SZ},
                              DWORD{REG_BINARY}, DWORD{REG_DWORD}, DWORD{99}}) {
-        for (const DWORD size : {0, 1, 4, 10, 11}) {
+        for (const DWORD size : {0U, 1U, 4U, 10U, 11U}) {
             Write("RegSetValueEx of type " + std::to_string(type) + ", " + std::to_string(size),
                   RegSetValueExW(key, TEXT("new"), 0, type, data, size));
             WriteValue(key, TEXT("NEW"), 64);
         }
     }
-    for (const std::size_t length : {255, 256}) {
+    for (const std::size_t length : {255U, 256U}) {
         const WideString name(length, TEXT('v'));
         Write("RegSetValueEx, a long name", RegSetValueExW(key, name.c_str(), 0, REG_SZ, data, 10));
     }
@@ -111,7 +111,7 @@ void WriteRegistry() {
     WriteKeys(HKEY_CURRENT_USER, "HKCU ");
     const HKEY key = Opened(HKEY_LOCAL_MACHINE, TEXT("Software\\K"));
     WriteValues(key);
-    for (const DWORD room : {64, 3, 4}) {
+    for (const DWORD room : {64U, 3U, 4U}) {
         WriteSubkeys(key, room);
     }
     const HKEY subkey = Opened(key, TEXT("Full\\Sub"));

@@ -109,7 +109,7 @@ void WriteMessages(const std::string& label, HWND window) {
         Line(label + " message " + std::to_string(message) + ", " + std::to_string(wParam),
              Send(window, message, wParam, lParam));
     }
-    for (const WPARAM room : {0, 1, 5, 60}) {
+    for (const WPARAM room : {0U, 1U, 5U, 60U}) {
         WCHAR text[64] = TEXT("unchanged");
         const LRESULT length = Send(window, WM_GETTEXT, room, text);
         Line(label + " WM_GETTEXT " + std::to_string(room), length, ' ', text);
@@ -134,7 +134,7 @@ void WriteList(HWND list) {
     for (const LPARAM index : {3, 1, 1, 99, 7}) {
         Line("LB_SETSEL " + std::to_string(index), Send(list, LB_SETSEL, 1, Value(index)));
     }
-    for (const WPARAM room : {0, 2, 8}) {
+    for (const WPARAM room : {0U, 2U, 8U}) {
         LONG selected[8] = {};
         const LRESULT result = Send(list, LB_GETSELITEMS, room, selected);
         Line("LB_GETSELITEMS " + std::to_string(room), result, ' ', selected[0], ' ', selected[1]);
@@ -142,7 +142,7 @@ void WriteList(HWND list) {
 }
 
 void InsertTabs(HWND tabs) {
-    for (const WPARAM index : {0, 9, 1}) {
+    for (const WPARAM index : {0U, 9U, 1U}) {
         WCHAR label[] = {static_cast<WCHAR>(TEXT('0') + index), 0};
         TCITEM item{};
         item.mask = TCIF_TEXT;
