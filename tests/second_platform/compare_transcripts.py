@@ -13,11 +13,38 @@ import subprocess
 import sys
 import tempfile
 
-import transcript_device
-from second_platform import REGISTRY_HEADER, SCROLL_BAR, Display, SecondPlatform
+from second_platform import SCROLL_BAR, Display, SecondPlatform
 
-TABLE = os.path.join(os.path.dirname(__file__), "../../docs/platform.md")
+HERE = os.path.dirname(__file__)
+FILES = {"file.txt": "abc", "sub/in.txt": "in", "empty/": "", "ro.txt": "abc", "\u00e9.txt": "abc", "\u03c3": "abc",
+         "\U00010428": "abc", "a.lnk": '9#"\\x y" /a', "b.lnk": "9#\\x?i,0\r\n", "noext": "", "T.tmp": "1",
+         "x.y.z": "12", "hid/in.txt": "", **dict.fromkeys(["../W/" + letter for letter in "abcdefgh"], "")}
 ROW = re.compile(r"\| `(.*)` \| handheld \| .+ \|")
+
+
+def make_device(device):
+    shutil.copy(os.path.join(HERE, "transcript.reg"), os.path.join(device, "registry.reg"))
+    directory = os.path.join(device, "files/T")
+    for name, content in FILES.items():
+        path = os.path.join(directory, name)
+        os.makedirs(os.path.dirname(path), exist_ok=True)
+        if not name.endswith("/"):
+            with open(path, "w", encoding="utf-8", newline="") as file:
+                file.write(content)
+    os.chmod(os.path.join(directory, "ro.txt"), 0o444)
+    try:
+        os.setxattr(os.path.join(directory, "hid"), "user.DOSATTRIB", b"0x2")
+    except OSError:
+        pass  # it is not hidden then, on both
+
+
+def second_transcript(executable, directory, device, display):
+    with SecondPlatform(executable, directory, display.name) as platform:
+        shutil.copytree(os.path.join(device, "files"), os.path.join(platform.drive, "0"))
+        with open(os.path.join(device, "registry.reg"), encoding="utf-8") as file:
+            keys = file.read().partition("[")
+        platform.register(SCROLL_BAR + (keys[1] + keys[2]).replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
+        return platform.run(platform.executable).splitlines()[1:]
 
 
 def first_transcript(program, device, display):
@@ -26,27 +53,16 @@ def first_transcript(program, device, display):
                           check=True, stdout=subprocess.PIPE).stdout.decode().splitlines()
 
 
-def second_transcript(executable, directory, device, display):
-    with SecondPlatform(executable, directory, display.name) as platform:
-        shutil.copytree(os.path.join(device, "files"), os.path.join(platform.drive, "0"))
-        platform.register(SCROLL_BAR + transcript_device.REGISTRY.replace("[HKEY_",
-                                                                          "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
-        return platform.run(platform.executable).splitlines()[1:]
-
-
 def transcripts(program, executable, directory):
-    device = os.path.join(directory, "device")
-    transcript_device.make(os.path.join(device, "files"))
+    make_device(directory)
     with Display() as display:
-        second = second_transcript(executable, directory, device, display)
-    with open(os.path.join(device, "registry.reg"), "w", encoding="utf-8") as file:
-        file.write(REGISTRY_HEADER + transcript_device.REGISTRY)
+        second = second_transcript(executable, directory, directory, display)
     with Display() as display:
-        return first_transcript(program, device, display), second
+        return first_transcript(program, directory, display), second
 
 
 def explained_differences():
-    with open(TABLE, encoding="utf-8") as file:
+    with open(os.path.join(HERE, "../../docs/platform.md"), encoding="utf-8") as file:
         return [match[1] for match in map(ROW.fullmatch, file.read().splitlines()) if match]
 
 
