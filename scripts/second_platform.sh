@@ -10,7 +10,7 @@ for tool in wine Xvfb xdotool x86_64-w64-mingw32-g++-posix; do
 done
 
 cmake --preset release -DBUILD_TESTING=ON >/dev/null
-cmake --build --preset release --target fennelbright transcript logged_program
+cmake --build --preset release --target fennelbright transcript logged_program make_random_devices
 cmake --preset second_platform >/dev/null
 cmake --build --preset second_platform
 
@@ -18,4 +18,5 @@ first=build/release
 second=build/second_platform
 tests/second_platform/compare_transcripts.py $first/transcript $second/transcript.exe
 tests/second_platform/compare_windows.py $first/logged_program $second/Fennelbright.exe
-tests/second_platform/compare_runs.py $first/fennelbright $second/Fennelbright.exe "${1:-$RANDOM}" 100
+tests/second_platform/compare_runs.py $first/fennelbright $second/Fennelbright.exe $first/make_random_devices \
+  "${1:-$RANDOM}" 100

@@ -13,115 +13,103 @@ import sys
 import tempfile
 import time
 
-from compare_runs import differences, tree
-from second_platform import REGISTRY_HEADER, SCROLL_BAR, Display, SecondPlatform
+from compare_runs import differences, first_state, second_states
+from second_platform import SCROLL_BAR, Display, SecondPlatform
 
 PICTURES = os.environ.get("PICTURES")  # where pictures of the displays go, if anywhere
-SETTINGS = "Program Files/Fennelbright/settings.dat"
+
+
+def tap(x, y):
+    return "mousemove", x, y, "click", 1
+
+
+def thumb(end):
+    """Drags the thumb from one end of the scroll bar to the other."""
+    return "mousemove", 229, 308 - end, "mousedown", 1, "mousemove", 229, 150, "mousemove", 229, end, "mouseup", 1
+
+
+def box(title):
+    return [("search", "--sync", "--onlyvisible", "--name", title), ("sleep", 0.3), ("key", "Return")]
 
 
 def page(number):
     """To a page, from 2 on: a tap on the second tab, and the key for the next one."""
-    return [("tap", 125, 283)] + [("next tab",)] * (number - 2)
+    return [tap(125, 283)] + [("key", "NEXT")] * (number - 2)
 
 
-# The steps of each run: where and what, in pixels of the handheld's screen. Each ends with a tap on OK.
+# The steps of each run, as words of xdotool, in pixels of the handheld's screen. Each ends with a tap on OK.
 RUNS = [
-    [("tap", 12, 117), *page(2), ("tap", 12, 41)],
-    [*page(3), ("tap", 12, 41)],
-    [*page(4), ("tap", 12, 79)],
-    [*page(5), ("tap", 12, 41)],
-    [*page(6), ("tap", 12, 123)],
+    [tap(12, 117), *page(2), tap(12, 41)],
+    [*page(3), tap(12, 41)],
+    [*page(4), tap(12, 79)],
+    [*page(5), tap(12, 41)],
+    [*page(6), tap(12, 123)],
     # The first page to its end, in single steps, on to another and back; then again, by the thumb.
-    [("tap", 229, 262)] * 4 + [("drag", 229, 262), ("tap", 12, 147), *page(2), ("tap", 40, 283), ("tap", 12, 135)],
-    [("drag", 229, 262), ("tap", 229, 37), ("tap", 12, 147), ("drag", 229, 30)],
-    [("tap", 100, 304), ("key", "Up", "Return"),  # Apply, Defer Restart
-     ("box", "Cleaning Finished"), ("box", "Restart Required")],
+    [tap(229, 262)] * 4 + [thumb(262), tap(12, 147), *page(2), tap(40, 283), tap(12, 135)],
+    [thumb(262), tap(229, 37), tap(12, 147), thumb(30)],
+    # Apply, Defer Restart
+    [tap(100, 304), ("key", "Up", "Return"), *box("Cleaning Finished"), *box("Restart Required")],
 ]
 
 
-def carry_out(display, steps, picture):
+def carry_out(display, steps, next_tab, picture):
     """All steps; each is over before the next."""
-    next_tab = "Right" if picture.startswith("second") else "ctrl+Tab"
     display.tool("search", "--sync", "--onlyvisible", "--name", "Marlowtide|device$")
     time.sleep(1.5)
-    for number, (kind, *places) in enumerate([*steps, ("tap", 220, 13)]):
+    for number, words in enumerate([*steps, tap(220, 13)]):
         if PICTURES:
             subprocess.run(["import", "-window", "root", "%s/%s-%02d.png" % (PICTURES, picture, number)],
-                           env={**os.environ, "DISPLAY": display.name}, check=False)
-        if kind == "tap":
-            display.tool("mousemove", *places, "click", 1)
-        elif kind == "drag":  # the thumb at the beginning or the end, to the other
-            x, y = places
-            display.tool("mousemove", x, 300 - y + 8, "mousedown", 1, "mousemove", x, 150, "mousemove", x, y, "mouseup", 1)
-        elif kind == "next tab":
-            display.tool("key", next_tab)
-        elif kind == "key":
-            display.tool("key", *places)
-        else:
-            display.tool("search", "--sync", "--onlyvisible", "--name", places[0])
-            time.sleep(0.5)
-            display.tool("key", "Return")
+                           env=display.environment, check=False)
+        display.tool(*(next_tab if word == "NEXT" else word for word in words))
         time.sleep(0.3)
 
 
-def settings_in(files):
-    with open(os.path.join(files, SETTINGS), "rb") as file:
-        return file.read().hex()
-
-
-def run_all(display, words, environment, files, name):
+def run_all(display, words, environment, files, next_tab):
     """What each run has written, and the settings after it."""
     lines = []
     for number, steps in enumerate(RUNS):
-        process = subprocess.Popen(words, env=environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                                   stderr=subprocess.DEVNULL)
-        try:
-            carry_out(display, steps, "%s-%d" % (name, number))
-            output = process.communicate(timeout=60)[0].decode()
-        finally:
-            process.kill()
-        lines += [line for line in output.splitlines() if not line.startswith("device")] + [settings_in(files)]
-    return dict(enumerate(lines)), tree(files)
+        with subprocess.Popen(words, env={**display.environment, **environment}, stdin=subprocess.DEVNULL,
+                              stdout=subprocess.PIPE, stderr=subprocess.DEVNULL) as process:
+            try:
+                carry_out(display, steps, next_tab, "%s-%d" % (next_tab, number))
+                output = process.communicate(timeout=60)[0].decode()
+            finally:
+                process.kill()
+        with open(os.path.join(files, "Program Files/Fennelbright/settings.dat"), "rb") as file:
+            lines += [line for line in output.splitlines() if not line.startswith("device")] + [file.read().hex()]
+    return lines
 
 
 def run_first(program, device):
     with Display() as display:
-        environment = {key: value for key, value in os.environ.items() if key not in ("WAYLAND_DISPLAY", "XAUTHORITY")}
-        return run_all(display, [program, "--device", device, "--scale", "1"],
-                       {**environment, "DISPLAY": display.name}, os.path.join(device, "files"), "first")
+        return first_state(device, run_all(display, [program, "--device", device, "--scale", "1"], {},
+                                           os.path.join(device, "files"), "ctrl+Tab"))
 
 
 def run_second(executable, directory, device):
     with Display() as display, SecondPlatform(executable, directory, display.name) as platform:
-        files = os.path.join(platform.drive, "0")
-        shutil.copytree(os.path.join(device, "files"), files)
-        with open(os.path.join(device, "registry.reg"), encoding="utf-8") as file:
-            keys = file.read().partition("[")
-        platform.register(SCROLL_BAR + (keys[1] + keys[2]).replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
-        return run_all(display, ["wine", platform.executable], {**platform.environment, "FENNELBRIGHT_PLACES": "1"},
-                       files, "second")
+        platform.copy([device], SCROLL_BAR)
+        environment = {**platform.environment, "FENNELBRIGHT_PLACES": "1"}
+        return second_states(platform, [run_all(display, ["wine", platform.executable], environment,
+                                                os.path.join(platform.drive, "0"), "Right")])[0]
 
 
 def compare(program, executable, directory):
     device = os.path.join(directory, "device")
     subprocess.run([program, "--new-device", device], check=True, stdout=subprocess.DEVNULL)
-    before = tree(os.path.join(device, "files"))
+    before = first_state(device)
     copy = shutil.copytree(device, os.path.join(directory, "copy"))
     with concurrent.futures.ThreadPoolExecutor() as both:
         results = both.submit(run_first, program, device), both.submit(run_second, executable, directory, copy)
-    (first, first_tree), (second, second_tree) = (result.result() for result in results)
-    print("%d runs with windows, %d lines, %d of %d entries changed" %
-          (len(RUNS), len(first), len(differences("", before, first_tree)), len(before)))
-    return differences("line", first, second) + differences("entry", first_tree, second_tree)
+    first, second = (result.result() for result in results)
+    print("%d runs with windows, %d lines; changed entries, keys and values: %d" %
+          (len(RUNS), len(first["box"]), len(differences({**before, "box": {}}, {**first, "box": {}}))))
+    return differences(first, second)
 
 
 def main():
-    directory = tempfile.mkdtemp()
-    try:
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as directory:
         faults = compare(*map(os.path.abspath, sys.argv[1:3]), directory)
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
     print("\n".join(faults + ["%d differences in the windows" % len(faults)]))
     return 1 if faults else 0
 

@@ -1,9 +1,12 @@
 """A desktop system of the handheld's family on which the program runs as well."""
 
+import collections
 import os
 import shutil
 import subprocess
 import sys
+
+from registry_files import read_registry
 
 MODULE_DIRECTORY = "Program Files/Fennelbright"
 REGISTRY_HEADER = "Windows Registry Editor Version 5.00\n\n"
@@ -33,11 +36,23 @@ class SecondPlatform:
             sys.exit("wine %s: exit code %d\n%s" % (" ".join(words), process.returncode, process.stderr.decode()))
         return process.stdout.decode()
 
-    def register(self, keys):
-        """Puts keys and values, as a registry file has them, into the registry."""
-        with open(os.path.join(self.drive, "in.reg"), "w", encoding="utf-16", newline="\r\n") as file:
-            file.write(REGISTRY_HEADER + keys)
+    def register(self, keys, form=REGISTRY_HEADER.strip()):
+        """Puts keys and values, as a registry file of this form has them, into the registry."""
+        encoding = "cp1252" if form == "REGEDIT4" else "utf-16"
+        with open(os.path.join(self.drive, "in.reg"), "w", encoding=encoding, newline="\r\n") as file:
+            file.write(form + "\n\n" + keys)
         self.run("regedit", "/S", "X:\\in.reg")
+
+    def copy(self, devices, more_keys=""):
+        """Device directories to the drive, as 0, 1 and so on."""
+        registries = collections.defaultdict(str, {REGISTRY_HEADER.strip(): more_keys})
+        for number, device in enumerate(devices):
+            shutil.copytree(os.path.join(device, "files"), os.path.join(self.drive, str(number)))
+            form, keys = read_registry(os.path.join(device, "registry.reg"))
+            prefix = "[HKEY_CURRENT_USER\\Devices\\%d\\HKEY_" % number
+            registries[form] += keys.replace("[HKEY_", prefix)
+        for form, keys in registries.items():
+            self.register(keys, form)
 
     def __enter__(self):
         return self
@@ -47,7 +62,7 @@ class SecondPlatform:
 
 
 class Display:
-    """A display without anything on it, `name` in an environment."""
+    """A display without anything on it: its name, and an environment with it."""
 
     def __enter__(self):
         number, write = os.pipe()
@@ -56,10 +71,12 @@ class Display:
         os.close(write)
         with open(number, encoding="ascii") as file:
             self.name = ":" + file.readline().strip()
+        self.environment = {key: value for key, value in os.environ.items()
+                            if key not in ("WAYLAND_DISPLAY", "XAUTHORITY")} | {"DISPLAY": self.name}
         return self
 
     def tool(self, *words):
-        subprocess.run(["xdotool", *map(str, words)], env={**os.environ, "DISPLAY": self.name}, check=True,
+        subprocess.run(["xdotool", *map(str, words)], env=self.environment, check=True,
                        stdout=subprocess.DEVNULL, timeout=60)
 
     def __exit__(self, *unused):

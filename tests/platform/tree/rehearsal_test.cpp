@@ -15,6 +15,7 @@
 #include "platform/device/assembled_device.h"
 #include "platform/report/report_lines.h"
 #include "platform/report/reporting_store.h"
+#include "platform/sample/sample_files.h"
 #include "tests/random/random_device.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/failing_store.h"
@@ -45,8 +46,6 @@ struct Outcome {
     Entries lines;  // of the report, boxes, notes and what else can be compared, sorted
     Kinds kinds;
 };
-
-constexpr const WCHAR* kModule = u"\\App\\Fennelbright.exe";
 
 // Of a restart, and of a run that may not change anything.
 [[noreturn]] void ThrowEnded(int /*code*/) {
@@ -102,14 +101,14 @@ using MakeTree = std::unique_ptr<platform::RehearsedTree> (*)(platform::Descript
 Outcome Rehearse(const RandomDevice& random, MakeTree makeTree) {
     const ActingAs user(random.user());
     const auto store = platform::AssembledDevice::Rehearsed(
-        makeTree(random.device().OpenFiles()), kModule,
+        makeTree(random.device().OpenFiles()), platform::kDefaultModulePath,
         random.device().OpenRegistry(platform::AccessTime::Kept), ThrowEnded);
     return RunOn(*store, random);
 }
 
 Outcome ReallyRun(const RandomDevice& random) {
     const ActingAs user(random.user());
-    platform::AssembledDevice store(random.device().OpenFiles(), kModule,
+    platform::AssembledDevice store(random.device().OpenFiles(), platform::kDefaultModulePath,
                                     random.device().OpenRegistry(), ThrowEnded);
     return RunOn(store, random);
 }
@@ -178,8 +177,10 @@ class RehearsalTest : public testing::Test {
     // What rehearsal and run of the device of this seed do not have in common; counts the kinds of
     // what was done.
     Entries Compare(std::uint64_t seed, MakeTree makeTree, Kinds& kinds) const {
-        const bool isFull = seed % 3 == 0;
-        const RandomDevice random(seed, room_->HostPath(isFull ? "small" : "all"), isFull);
+        const bool isFull = seed % 2 == 0;
+        const RandomDevice random(
+            seed, room_->HostPath(isFull ? "small" : "all"),
+            isFull ? RandomDevice::Kind::AlmostFull : RandomDevice::Kind::OfThisPlatform);
         static_cast<void>(TracesOf(random));  // now the reading of directories leaves no trace
         const Entries before = TracesOf(random);
         const Outcome rehearsed = Rehearse(random, makeTree);
