@@ -38,27 +38,15 @@ def make_device(device):
         pass  # it is not hidden then, on both
 
 
-def second_transcript(executable, directory, device, display):
-    with SecondPlatform(executable, directory, display.name) as platform:
-        shutil.copytree(os.path.join(device, "files"), os.path.join(platform.drive, "0"))
-        with open(os.path.join(device, "registry.reg"), encoding="utf-8") as file:
-            keys = file.read().partition("[")
-        platform.register(SCROLL_BAR + (keys[1] + keys[2]).replace("[HKEY_", "[HKEY_CURRENT_USER\\Devices\\0\\HKEY_"))
-        return platform.run(platform.executable).splitlines()[1:]
-
-
-def first_transcript(program, device, display):
-    environment = {key: value for key, value in os.environ.items() if key not in ("WAYLAND_DISPLAY", "XAUTHORITY")}
-    return subprocess.run([program, "--device", device], env={**environment, "DISPLAY": display.name}, timeout=120,
-                          check=True, stdout=subprocess.PIPE).stdout.decode().splitlines()
-
-
 def transcripts(program, executable, directory):
     make_device(directory)
+    with Display() as display, SecondPlatform(executable, directory, display.name) as platform:
+        platform.copy([directory], SCROLL_BAR)
+        second = platform.run(platform.executable).splitlines()[1:]
     with Display() as display:
-        second = second_transcript(executable, directory, directory, display)
-    with Display() as display:
-        return first_transcript(program, directory, display), second
+        first = subprocess.run([program, "--device", directory], env=display.environment, timeout=120, check=True,
+                               stdout=subprocess.PIPE).stdout.decode().splitlines()
+    return first, second
 
 
 def explained_differences():
@@ -84,11 +72,8 @@ def compare(first, second):
 
 
 def main():
-    directory = tempfile.mkdtemp()
-    try:
+    with tempfile.TemporaryDirectory(ignore_cleanup_errors=True) as directory:
         first, second = transcripts(*map(os.path.abspath, sys.argv[1:3]), directory)
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
     faults = compare(first, second)
     print("\n".join(faults))
     differing = sum(left != right for left, right in zip(first, second))
