@@ -13,8 +13,8 @@ void NoteStep(int number);
 // deleted or moved because of it.
 void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 
-// `what` could not be stored; what was stored before is still there.
-void NoteNotStored(const WCHAR* what);
+// The file `path` could not be written; the one that was there before, if any, still is.
+void NoteNotStored(const WCHAR* path);
 
 // The options could not be read, so none is ticked: the file `path` cannot be opened, or cannot be
 // read to its end.

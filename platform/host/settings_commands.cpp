@@ -7,10 +7,10 @@
 #include <cstdio>
 #include <string>
 #include <utility>
-#include <vector>
 
 #include "core/host_notes.h"
 #include "platform/command_line/named_device.h"
+#include "platform/device/directory_making_store.h"
 #include "platform/device/files_alone.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/run_lock.h"
@@ -81,29 +81,6 @@ SettingChange SettingOf(const Option& option, const StoredSettings& stored) {
     return setting;
 }
 
-// Makes the directories on the way to `path` that are missing, and lists them. False, with the
-// reason as the store's last failure, if one cannot be made.
-bool MakeDirectoriesTo(std::u16string_view path, std::vector<std::u16string>& made) {
-    for (std::size_t end = path.find(u'\\', 1); end != std::u16string_view::npos;
-         end = path.find(u'\\', end + 1)) {
-        const std::u16string directory(path.substr(0, end));
-        if (CreateDirectoryW(directory.c_str(), nullptr) != 0) {
-            made.push_back(directory);
-        } else if (GetLastError() != ERROR_ALREADY_EXISTS) {
-            return false;
-        }
-    }
-    return true;
-}
-
-std::FILE* OpenFor(const StoredSettings& stored, std::vector<std::u16string>& made) {
-    std::FILE* const file = OpenSettingsForWriting();
-    if (file != nullptr || !IsNotThere(StoreInUse::Current().LastFailure())) {
-        return file;
-    }
-    return MakeDirectoriesTo(stored.path.data(), made) ? OpenSettingsForWriting() : nullptr;
-}
-
 // Bits of no option select nothing, and the windows do not keep them either.
 std::uint32_t BitsOfOptions(std::uint32_t mask) {
     std::uint32_t bits = 0;
@@ -114,17 +91,13 @@ std::uint32_t BitsOfOptions(std::uint32_t mask) {
 }
 
 bool Write(StoredSettings& stored) {
-    std::vector<std::u16string> made;
-    std::FILE* const file = OpenFor(stored, made);
-    if (file != nullptr) {
+    if (std::FILE* const file = OpenSettingsForWriting()) {
         WriteSettings(file, BitsOfOptions(stored.mask), stored.values);
         if (std::fclose(file) == 0) {
             return true;
         }
     }
     NoteNotStored(stored.path.data());
-    std::for_each(made.rbegin(), made.rend(),
-                  [](const std::u16string& directory) { RemoveDirectoryW(directory.c_str()); });
     return false;
 }
 
@@ -226,7 +199,8 @@ int RunSettingsCommands(const CommandLine& line) {
         TakeRunLock(*device, LockKind::Exclusive, log) == RunLock::Refused) {
         return EX_TEMPFAIL;
     }
-    FilesAlone store(std::move(device->files), line.modulePath);
+    FilesAlone files(std::move(device->files), line.modulePath);
+    DirectoryMakingStore store(files);
     const StoreInUse storeInUse(store);
     PathText path{};
     if (!FindSettings(path)) {

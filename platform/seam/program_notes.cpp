@@ -18,6 +18,17 @@ std::string LastReason() {
     return platform::ReasonOf(platform::StoreInUse::Current().LastFailure());
 }
 
+// Whether the file is surely not there. Another failure becomes the last one.
+bool IsMissing(const WCHAR* path) {
+    platform::DeviceStore& store = platform::StoreInUse::Current();
+    WIN32_FIND_DATA found{};
+    const HANDLE find = store.FindFirstFileW(path, &found);
+    if (find != INVALID_HANDLE_VALUE) {
+        store.FindClose(find);
+    }
+    return find == INVALID_HANDLE_VALUE && platform::IsNotThere(store.LastFailure());
+}
+
 }  // namespace
 
 void NoteStep(int number) {
@@ -29,11 +40,12 @@ void NoteUnusablePath(const WCHAR* what, const WCHAR* content) {
                                             Quoted(content) + " is not a path that can be used");
 }
 
-void NoteNotStored(const WCHAR* what) {
+void NoteNotStored(const WCHAR* path) {
     platform::RunLog& log = platform::LogInUse::Current();
     log.NoteNotStored();
-    log.SayUndone(platform::ReadableText(what) +
-                  " cannot be written, so the old one stays: " + LastReason());
+    const std::string reason = LastReason();
+    const char* const result = IsMissing(path) ? "so no options are saved" : "so the old one stays";
+    log.SayUndone(platform::ReadableText(path) + " cannot be written, " + result + ": " + reason);
 }
 
 void NoteNoSettings(const WCHAR* path) {

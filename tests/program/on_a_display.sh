@@ -198,6 +198,19 @@ wait "$running" && fail "settings that are lost are no failure"
 rmdir "$settings"
 cp "$scratch/kept" "$settings"
 
+# On a card that never had the program, its settings get their folder, and not before they are written.
+for rehearsed in --rehearse ""; do
+  ok=$([ -n "$rehearsed" ] && echo "450 66" || echo "440 26")
+  rm -rf "$device/files/Program Files"
+  start "$device" --report $rehearsed >"$scratch/report"
+  xdotool mousemove --window "$window" $ok click 1
+  ended "where its folder is missing"
+  grep -q 'made directory \\Program Files\\Fennelbright$' "$scratch/report" || fail "no folder: $(<"$scratch/report")"
+  [ -z "$rehearsed" ] || [ ! -e "$device/files/Program Files" ] || fail "a rehearsal has made a folder"
+done
+[ -s "$settings" ] || fail "the settings are not in a new folder"
+cp "$scratch/kept" "$settings"
+
 # On a display that is too small its user is told, and reaches the menus.
 open_display 200x250
 start 2>"$scratch/errors"

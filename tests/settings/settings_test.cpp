@@ -150,10 +150,17 @@ TEST(Settings, ATextOfAnyLengthIsCapturedUpToItsLimit) {
 
 // The program ends all the same.
 TEST(Settings, AFileThatCannotBeWrittenStaysAsItWas) {
-    const std::string old = Number(1) + Record(u"\\old");
-    for (const bool full : {false, true}) {
-        SCOPED_TRACE(full ? "no room" : "read-only file");
-        InteractiveProgram program({kFile + old});
+    const std::string some = Number(1) + Record(u"\\old");
+    const struct {
+        std::string old;  // empty: none
+        bool full;        // the file system; else the file is read-only
+        std::string says;
+    } cases[] = {{some, true, "so the old one stays: "},
+                 {some, false, "so the old one stays: "},
+                 {"", true, "so no options are saved: "}};
+    for (const auto& [old, full, says] : cases) {
+        SCOPED_TRACE(says + (full ? "no room" : "read-only file"));
+        InteractiveProgram program(Entries(old.empty() ? 0 : 1, kFile + old));
         program.full = full;
         program.Run({[&] {
             program.Control(0, 1).text = u"\\new";
@@ -163,7 +170,7 @@ TEST(Settings, AFileThatCannotBeWrittenStaysAsItWas) {
         }});
         EXPECT_EQ(program.SettingsFile(), old);
         EXPECT_TRUE(program.notes.starts_with(
-            "fennelbright: settings.dat cannot be written, so the old one stays: "))
+            "fennelbright: \\App\\settings.dat cannot be written, " + says))
             << program.notes;
         EXPECT_TRUE(program.windows.boxes.empty());
     }
