@@ -378,8 +378,9 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
         {"--report",
          "device 1\nstep 3: deleted \\Temp\\a (1 byte)\ntotal: 1 file deleted (1 byte), 0 entries "
          "moved, 0 directories made, 0 directories removed, 0 shortcuts made, 0 values written, 0 "
-         "keys deleted, 0 not done\ndevice none\nended without totals, with exit code 66\ndevice "
-         "3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 3: not deleted \\Temp\\locked (it is "
+         "keys deleted, 0 not done\ndevice none\nnothing is done: it is no usable device "
+         "directory\n"
+         "device 3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 3: not deleted \\Temp\\locked (it is "
          "read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
          "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\nsum "
          "of 3 devices: 2 files deleted (3 bytes), 0 entries moved, 0 directories made, 0 "
@@ -410,9 +411,10 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
             << outcome.errors;
         const std::string page = ReadFile(place.files() + "/page");
         std::size_t end = 0;
-        for (const std::string part : {"<td>1</td>", "id=\"run1-step3\"", "<td>none</td>",
-                                       "<td>3</td>", "href=\"#run3-undone", "id=\"run3-undone\"",
-                                       "Sum of", "<td>3</td>", "1 not done", "</html>\n"}) {
+        for (const std::string part :
+             {"<td>1</td>", "id=\"run1-step3\"", "<td>none</td>", "it is no usable", "<td>3</td>",
+              "href=\"#run3-undone", "id=\"run3-undone\"", "Sum of", "<td>3</td>", "1 not done",
+              "</html>\n"}) {
             end = page.find(part, end);
             EXPECT_NE(end, std::string::npos) << part;
         }
