@@ -380,8 +380,8 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
          "moved, 0 directories made, 0 directories removed, 0 shortcuts made, 0 values written, 0 "
          "keys deleted, 0 not done\ndevice none\nnothing is done: it is no usable device "
          "directory\n"
-         "device 3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 3: not deleted \\Temp\\locked (it is "
-         "read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
+         "device 3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 4: not deleted "
+         "\\Windows\\Temp\\locked (it is read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
          "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\nsum "
          "of 3 devices: 2 files deleted (3 bytes), 0 entries moved, 0 directories made, 0 "
          "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\n"},
@@ -394,9 +394,9 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
     for (const auto& each : forms) {
         const TemporaryDevice place({"1/files/Temp/a=1", "1/files/" + SettingsEntry(kRootTemp),
                                      "1/registry.reg=" + std::string(kQuietTweaks),
-                                     "3/files/Temp/b=22", "3/files/Temp/locked=1",
-                                     "3/files/" + SettingsEntry(kRootTemp)});
-        chmod((place.files() + "/3/files/Temp/locked").c_str(), 0444);
+                                     "3/files/Temp/b=22", "3/files/Windows/Temp/locked=1",
+                                     "3/files/" + SettingsEntry(kFixedDirectories)});
+        chmod((place.files() + "/3/files/Windows/Temp/locked").c_str(), 0444);
         const auto run = [&](const std::string& page) {
             return RunProgram({"--device", "1", each.first, "--device", "none", "--strict",
                                "--device", "3", "--report-html", page, "silent"},
