@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "core/host_notes.h"
 #include "platform/command_line/named_device.h"
@@ -101,7 +102,36 @@ bool Write(StoredSettings& stored) {
     return false;
 }
 
-int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
+bool Print(const std::string& text, RunLog& log) {
+    const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    if (!isWritten) {
+        log.Say(Describe(Fail("write the settings to standard output", errno).value()));
+    }
+    return isWritten;
+}
+
+// What a run does from the day on which there are settings, whichever of them is wanted.
+void WarnOfNewSettings(const StoredSettings& stored, RunLog& log) {
+    constexpr std::uint32_t kFollowed =
+        OPT_SILENT_STARTUP | OPT_NO_MENU_ANIMATION | OPT_NO_WINDOW_ANIMATION;
+    if (stored.isMissing && (stored.mask & kFollowed) != kFollowed) {
+        log.Say(
+            "settings.dat is new: from now on a run also removes the startup shortcut and switches "
+            "the two animations on, each where its option is off");
+    }
+}
+
+// The options that were named, as --show-settings has them.
+std::string LinesOf(const std::vector<SettingChange>& changes) {
+    std::string lines;
+    for (const SettingChange& change : changes) {
+        lines += WordOf(change) + '\n';
+    }
+    return lines;
+}
+
+// Reads what is to be changed. Returns the exit code, 0 where it can be.
+int ReadToChange(StoredSettings& stored, RunLog& log) {
     Read(stored);
     if (!CanBeShown(stored)) {
         NoteUnread(stored);
@@ -114,13 +144,25 @@ int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
             "program's windows saves what can");
         return EX_DATAERR;
     }
+    return 0;
+}
+
+int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
+    if (const int refused = ReadToChange(stored, log); refused != 0) {
+        return refused;
+    }
     for (const SettingChange& change : line.changes) {
         Apply(change, stored);
         if (const std::string warning = WarningAbout(change); !warning.empty()) {
             log.Say(warning);
         }
     }
-    return Write(stored) ? 0 : EX_IOERR;
+    if (!Write(stored)) {
+        return EX_IOERR;
+    }
+    WarnOfNewSettings(stored, log);
+    const bool isShown = line.shownSettings != ReportForm::None;  // with all others
+    return isShown || Print(LinesOf(line.changes), log) ? 0 : EX_IOERR;
 }
 
 std::string Lines(const StoredSettings& stored) {
@@ -174,8 +216,7 @@ int Show(const CommandLine& line, StoredSettings& stored, RunLog& log) {
     }
     const std::string text =
         line.shownSettings == ReportForm::Json ? Json(line.device, stored) : Lines(stored);
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-        log.Say(Describe(Fail("write the settings to standard output", errno).value()));
+    if (!Print(text, log)) {
         return EX_IOERR;
     }
     if (stored.read == SettingsRead::Damaged) {

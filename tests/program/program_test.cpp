@@ -381,7 +381,8 @@ TEST(Program, SeveralDevicesAreCleanedOneAfterTheOther) {
          "keys deleted, 0 not done\ndevice none\nnothing is done: it is no usable device "
          "directory\n"
          "device 3\nstep 3: deleted \\Temp\\b (2 bytes)\nstep 4: not deleted "
-         "\\Windows\\Temp\\locked (it is read-only)\ntotal: 1 file deleted (2 bytes), 0 entries moved, 0 directories made, 0 "
+         "\\Windows\\Temp\\locked (it is read-only)\ntotal: 1 file deleted (2 bytes), 0 entries "
+         "moved, 0 directories made, 0 "
          "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\nsum "
          "of 3 devices: 2 files deleted (3 bytes), 0 entries moved, 0 directories made, 0 "
          "directories removed, 0 shortcuts made, 0 values written, 0 keys deleted, 1 not done\n"},

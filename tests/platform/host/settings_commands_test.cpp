@@ -75,12 +75,19 @@ TEST(SettingsCommands, EveryOptionIsSetShownAndUnticked) {
     for (const auto& option : kOptions) {
         const TemporaryDevice device;
         const std::string word = option.name + '=' + option.value;
+        const std::string line =
+            option.name + '=' + (option.shown.empty() ? option.value : option.shown) + '\n';
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
         EXPECT_EQ(RunWords(device, {"--set", word}), 0) << word;
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), line);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("is new: from now on"),
+                  std::string::npos);
         EXPECT_EQ(StoredIn(device), Number(option.bit) + option.stored) << word;
         EXPECT_EQ(RunWords(device, {"--set", option.name + "=off"}), 0);
         EXPECT_EQ(StoredIn(device), Number(0)) << word;
         all.insert(all.end(), {"--set", word});
-        shown += option.name + '=' + (option.shown.empty() ? option.value : option.shown) + '\n';
+        shown += line;
     }
     const std::string everything = AllOptionsWith(
         {u"\\St\u00F6r\\", u"\\B's=\\", u"old", u"\\C\\", u"\\D", u"\\E\\", u"\\", u"\\G \\"},
