@@ -16,6 +16,9 @@ void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 // The file `path` could not be written; the one that was there before, if any, still is.
 void NoteNotStored(const WCHAR* path);
 
+// The directory that an option's user has named, whose files would be deleted, is not there.
+void NoteNothingToClean(const WCHAR* directory);
+
 // The options could not be read, so none is ticked: the file `path` cannot be opened, or cannot be
 // read to its end.
 void NoteNoSettings(const WCHAR* path);

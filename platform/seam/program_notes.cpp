@@ -48,6 +48,10 @@ void NoteNotStored(const WCHAR* path) {
     log.SayUndone(platform::ReadableText(path) + " cannot be written, " + result + ": " + reason);
 }
 
+void NoteNothingToClean(const WCHAR* directory) {
+    platform::StoreInUse::Current().NothingToClean(directory);
+}
+
 void NoteNoSettings(const WCHAR* path) {
     const std::u16string_view text(path);
     const std::size_t end = text.rfind(u'\\');
