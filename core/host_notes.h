@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "core/platform_types.h"
 
 // Notes to the host for its report and its messages, about what no operation of the platform shows.
@@ -16,7 +18,10 @@ void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 // The file `path` could not be written; the one that was there before, if any, still is.
 void NoteNotStored(const WCHAR* path);
 
-// The directory that an option's user has named, whose files would be deleted, is not there.
+// The option with this bit has the files in `directory` deleted next, which its user has named.
+void NoteCleans(std::uint32_t option, const WCHAR* directory);
+
+// That directory is not there.
 void NoteNothingToClean(const WCHAR* directory);
 
 // The options could not be read, so none is ticked: the file `path` cannot be opened, or cannot be

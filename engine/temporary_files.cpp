@@ -33,6 +33,7 @@ void CleanTemporaryDirectory(ApplyRun& run, std::uint32_t option) {
     if (typed == nullptr) {
         return;
     }
+    NoteCleans(option, typed.get());
     if (!DeleteTree(typed.get(), true, false)) {
         NoteNothingToClean(typed.get());
     }

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/diagnostics/cleaning_warnings.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/seam/device_store.h"
 #include "platform/text/readable_text.h"
@@ -46,6 +47,13 @@ void NoteNotStored(const WCHAR* path) {
     const std::string reason = LastReason();
     const char* const result = IsMissing(path) ? "so no options are saved" : "so the old one stays";
     log.SayUndone(platform::ReadableText(path) + " cannot be written, " + result + ": " + reason);
+}
+
+void NoteCleans(std::uint32_t option, const WCHAR* directory) {
+    const std::string warning = platform::WarningAboutCleaning(option, directory);
+    if (!warning.empty()) {
+        platform::LogInUse::Current().Say(warning);
+    }
 }
 
 void NoteNothingToClean(const WCHAR* directory) {

@@ -150,6 +150,7 @@ TEST(SettingsCommands, WhatIsStoredIsShownOrRefused) {
 bool SetWithFault(const TemporaryDevice& device, int number, int error, int& exitCode) {
     const pid_t child = fork();
     if (child == 0) {
+        EXPECT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
         g_calls.faultAt = number;
         g_calls.error = error;
         const int ended = RunWords(device, {"--set", "clean-user-defined-1=\\new\\"});
