@@ -32,7 +32,6 @@ class InteractiveProgram {
 
     TemporaryDevice device;
     FakeWindows windows;
-    bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
     int restarts = 0;   // 1 when a restart of the device has ended the run
 };

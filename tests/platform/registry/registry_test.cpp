@@ -225,12 +225,10 @@ TEST_F(RegistryTest, ChangesOfAnotherProgramStay) {
 TEST_F(RegistryTest, OpensNothingButARegularFile) {
     const std::string file = File();
     void (*const makers[])(const char*) = {
-        [](const char* path) { mkdir(path, 0755); },
-        [](const char* path) { mkfifo(path, 0666); },
+        [](const char* path) { mkdir(path, 0755); }, [](const char* path) { mkfifo(path, 0666); },
         [](const char* path) { static_cast<void>(symlink("/dev/null", path)); },
         [](const char* path) { static_cast<void>(symlink("none", path)); },
-        [](const char* path) { WriteFile(path, "[HKEY_USERS]\nx"); },
-    };
+        [](const char* path) { WriteFile(path, "[HKEY_USERS]\nx"); }};
     for (const auto maker : makers) {
         Write(kFile);
         const Keys before = Open();
