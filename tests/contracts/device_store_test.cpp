@@ -2,7 +2,6 @@
 
 #include "core/file_operations.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>

@@ -1,7 +1,5 @@
 #include "engine/browser_caches.h"
 
-#include <gtest/gtest.h>
-
 #include "core/option_table.h"
 #include "tests/support/apply_device.h"
 

@@ -1,6 +1,5 @@
 #include "engine/shortcut_cleaning.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 

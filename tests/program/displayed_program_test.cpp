@@ -6,9 +6,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTabBar>
-#include <QWheelEvent>
 #include <random>
-#include <string>
 
 #include "tests/support/apply_device.h"
 #include "tests/support/control_rows.h"
@@ -58,10 +56,7 @@ void ExpectControls() {
 
 void Turn(QPoint at, int units) {
     QWidget* const child = Page().childAt(at);
-    QWidget& below = child == nullptr ? Page() : *child;
-    QWheelEvent wheel(QPointF(5, 5), below.mapToGlobal(QPointF(5, 5)), {}, {0, units}, Qt::NoButton,
-                      Qt::NoModifier, Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&below, &wheel);
+    TurnWheel(child == nullptr ? Page() : *child, {0, units});
 }
 
 // Arrows, the thumb and what is beside it, as the places have it.
@@ -129,17 +124,20 @@ TEST(DisplayedProgram, TheControlWithTheKeyboardIsInView) {
 TEST(DisplayedProgram, TicksAndTextsAreAppliedAndSaved) {
     using namespace std::string_literals;
     const TemporaryDevice device({"App/", "Temp/a=12345", "../registry.reg="s + kQuietTweaks});
-    Steps steps = {[] { Click(Control(50001)); },
-                   [] { Click(Control(50002)); },
+    const auto press = [](int id, Qt::Key key, Qt::KeyboardModifiers with = Qt::NoModifier) {
+        return [=] { QTest::keyClick(&Control(id), key, with); };
+    };
+    Steps steps = {Tap(50001),
+                   Tap(50002),
                    [] { QTest::keyClicks(&Control(50002), QStringLiteral("\\a")); },
                    [] { Click(Control(50007), QPoint(190, 9)); },
                    [] { Turn(QPoint(215, 5), -120); },
                    [] { EXPECT_GT(Bar().value(), 0); },
                    NextTab,
-                   [] { Click(Control(50026)); },
+                   Tap(50026),
                    [] { Turn(Control(50027).geometry().center(), -120); },
-                   [] { QTest::keyClick(&Control(50027), Qt::Key_Down); },
-                   [] { QTest::keyClick(&Control(50027), Qt::Key_Tab, Qt::ControlModifier); },
+                   press(50027, Qt::Key_Down),
+                   press(50027, Qt::Key_Tab, Qt::ControlModifier),
                    [] { EXPECT_EQ(ShownScreen(), 2); },
                    [] { QTest::keyClick(Host().windowHandle(), Qt::Key_Tab); },
                    [] {

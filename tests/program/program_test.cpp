@@ -1,7 +1,6 @@
 // The whole program, run as a user runs it.
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 

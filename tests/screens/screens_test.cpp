@@ -1,12 +1,8 @@
 #include "screens/screens.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <set>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "core/application.h"
 #include "shell/main_windows.h"

@@ -1,12 +1,8 @@
 #include "shell/window_procedure.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "core/application.h"
 #include "engine/apply_sequence.h"

@@ -1,7 +1,5 @@
 #include "tests/support/interactive_program.h"
 
-#include <gtest/gtest.h>
-
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"

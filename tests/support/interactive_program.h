@@ -1,8 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "tests/support/fake_windows.h"
 #include "tests/support/temporary_device.h"

@@ -1,7 +1,5 @@
 #include "platform/device/hard_reset.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <filesystem>
 

@@ -1,7 +1,5 @@
 // Runs that are killed after any of their system calls, or in which any of these fails.
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstdio>
 

@@ -1,7 +1,6 @@
 #include "platform/host/settings_commands.h"
 
 #include <getopt.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <filesystem>

@@ -1,7 +1,6 @@
 #include "platform/registry/registry_key_operations.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
