@@ -46,7 +46,7 @@ void ExpectControls() {
     ASSERT_EQ(static_cast<std::size_t>(widgets.size()), std::size(kControlRows));
     auto widget = widgets.begin();
     for (const ControlRow& row : kControlRows) {
-        const int height = row.height == 72 ? 20 : row.height;  // of a closed combo box
+        const int height = row.kind.height == 72 ? 20 : row.kind.height;  // of a closed combo box
         EXPECT_EQ((*widget)->geometry(), QRect(row.x, row.y - Bar().value(), row.width, height));
         EXPECT_EQ((*widget)->isVisible(), static_cast<int>(row.screen) == ShownScreen());
         const QSize room = RoomNeeded(**widget++);

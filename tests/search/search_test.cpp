@@ -6,6 +6,8 @@
 #include "screens/screens.h"
 #include "search/startup_list.h"
 #include "search/tree_search.h"
+#include "shell/main_windows.h"
+#include "tests/support/files_alone.h"
 #include "tests/support/interactive_program.h"
 
 namespace {
@@ -94,6 +96,19 @@ TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
         device_.Make({std::string(path).append(length, 'y').append(".tmp=")});
     }
     EXPECT_EQ(Found([](HWND list) { SearchFiles(list, u"tmp", u"\\"); }).size(), 2U);
+}
+
+// As in a silent run.
+TEST_F(SearchTest, ASearchNeedsNoWindow) {
+    FilesAlone store(device_.OpenFiles());
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(store);
+    const platform::WindowsInUse windowsInUse(windows);
+    CDisplayWindow page;
+    g_DisplayWindow = &page;
+    SearchFiles(nullptr, u"tmp", u"\\");
+    g_DisplayWindow = nullptr;
+    EXPECT_EQ(windows.boxes, Entries());
 }
 
 TEST_F(SearchTest, TheStartupListHasTheShortcutsAlone) {
