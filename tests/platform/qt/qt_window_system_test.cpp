@@ -71,6 +71,22 @@ TEST_F(QtWindowSystemTest, AKeyThatTheControlHasNoUseForScrollsThePage) {
     }
 }
 
+TEST_F(QtWindowSystemTest, ClicksOnADestroyedButtonAreDropped) {
+    const HWND dying = Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 60, 102, 78}, 7, TEXT("Push"));
+    Add(TEXT("BUTTON"), BS_PUSHBUTTON, {2, 40, 102, 58}, 6, TEXT("Push"));
+    g_hook = [](const ReceivedMessage& received) -> LRESULT {
+        return DestroyWindow(received.window);
+    };
+    Click(Control(7));
+    DestroyWindow(dying);
+    Click(Control(6));
+    Click(Control(6));
+    Click(*Control(6).parentWidget(), QPoint(200, 200));
+    Dispatch();
+    EXPECT_EQ(TakeReceived().size(), 1U) << "a dead window has got a message";
+    EXPECT_EQ(GetClientRect(page_, nullptr), 0);
+}
+
 TEST_F(QtWindowSystemTest, TheFocusMovesAtOnceAlsoBehindAnotherWindow) {
     const HWND first = Add(TEXT("EDIT"), 0, {2, 60, 102, 78}, 7);
     const HWND second = Add(TEXT("EDIT"), 0, {2, 40, 102, 58}, 6);
