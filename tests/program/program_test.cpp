@@ -1,7 +1,6 @@
 // The whole program, run as a user runs it.
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 
@@ -71,16 +70,12 @@ TEST(Program, ExitCodesSayWhatWentWrong) {
         {{"--device", taken, "--new-device", taken + "/new"}, 64, "only one of"},
         {{"--device", taken, "--files", taken, "s"}, 64, "only one of"},
         {{"--device", taken, "--registry", taken + "/r", "s"}, 64, "go with --files; --device DIR"},
-        {{"--files", taken, "--state", "a", "--state", "b", "s"},
-         64,
-         "\"b\": it can be given only"},
+        {{"--files", taken, "--state", "a", "--state", "b", "s"}, 64, "\"b\": it can be given"},
         {{"--device", taken, "--device", taken}, 64, "several devices are for a silent run alone"},
         {{"--device", taken, "--device", taken, "--set", "clean-temp=on"}, 64, "several devices"},
         {{"--device", taken, "--scale", "9", "s"}, 64, ": --scale \"9\": it takes a number from"},
         {{"--device", taken, "--set", "clean-tmp=on"}, 64, ": --set \"clean-tmp=on\": there is no"},
-        {{"--device", taken, "--set", "clean-temp"},
-         64,
-         "\"clean-temp\", which takes on or off: it"},
+        {{"--device", taken, "--set", "clean-temp"}, 64, "\"clean-temp\", which takes on or off"},
         {{"--device", taken, "--set", "clean-temp=yes"}, 64, "cannot have that value"},
         {{"--device", taken, "--set", "limit-pocket-ie-cache=1"}, 64, "1024kb, 2048kb, 3072kb or"},
         {{"--device", taken, "--set", "clean-user-defined-1="}, 64, "a directory such as"},
@@ -438,48 +433,50 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
     const std::string glyphs = "[HKEY_LOCAL_MACHINE\\System\\GDI\\GLYPHCACHE]\n";
     const struct {
         Entries files;
-        std::pair<int, int> exitCodes;  // the second with --strict
-        std::string report, errors;     // a part of each
+        int strict;                  // exit code with --strict
+        std::string report, errors;  // a part of each
         std::string registry = kQuietTweaks;
         const char* before = "true";
+        int exitCode = 0;
     } cases[] = {
-        {{"Temp/a=1", SettingsEntry(kRootTemp)}, {0, 0}, ", 0 not done", ""},
+        {{"Temp/a=1", SettingsEntry(kRootTemp)}, 0, ", 0 not done", ""},
         {{"Temp/locked=1", SettingsEntry(kRootTemp)},
-         {0, 74},
+         74,
          "step 3: not deleted \\Temp\\locked (it is read-only)\ntotal: 0 files",
          ""},
         {{"Temp>Windows", "Windows/", SettingsEntry(kRootTemp)},
-         {0, 74},
+         74,
          "step 3: not read \\Temp (a symbolic link, which is not followed)",
          ""},
         {{SettingsEntry(Number(1) + Record(u"\\Old\\"))},
-         {0, 74},
+         74,
          "step 1: not read \\Old (there is no such directory)\ntotal",
          ""},
         {{SettingsEntry(Number(3) + Record(u"\\W\\") + Record(u"\\")), "W/", "a/b=1"},
-         {0, 0},
+         0,
          "step 2: deleted \\a\\b (1 byte)\n",
          ": warning: clean-user-defined-2=\\ is the whole device: every run will delete all files"},
-        {{SettingsEntry(kRootTemp)}, {0, 74}, "", "[Error] Unable to locate", ""},
-        {{SettingsEntry(kRootTemp + 'x')}, {0, 74}, "", "settings.dat is damaged"},
+        {{SettingsEntry(kRootTemp)}, 74, "", "[Error] Unable to locate", ""},
+        {{SettingsEntry(kRootTemp + 'x')}, 74, "", "settings.dat is damaged"},
         {{SettingsEntry("\x03\0\0\0"s + Record(u"\\W\\") + Number(2) + "\\"), "W/a=1", "b=2"},
-         {0, 74},
+         74,
          "step 1: deleted \\W\\a (1 byte)\ntotal: 1 file ",
          "settings.dat is damaged"},
         {{"Program Files/Fennelbright/"},
-         {0, 78},
+         78,
          "",
          ": no settings.dat in \\Program Files\\Fennelbright: no options are ticked\n"},
         {{"Program Files/Fennelbright/settings.dat/"},
-         {0, 74},
+         74,
          "",
          "settings.dat in \\Program Files\\Fennelbright cannot be read, so nothing is done"},
         {{SettingsEntry(noRoom)},
-         {74, 74},
+         74,
          "step 18: not written [HKLM\\System\\GDI\\GLYPHCACHE] \"limit\" (File too large)\n",
          "changes to the registry are not stored: registry.reg: cannot write: File too large",
          kQuietTweaks + glyphs + std::string(5000, ';'),
-         "ulimit -S -f 8"},
+         "ulimit -S -f 8",
+         74},
     };
     for (const auto& run : cases) {
         for (const bool strict : {false, true}) {
@@ -490,7 +487,7 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
             const Outcome outcome = RunProgram({"--device", device.path(), "--report", "silent",
                                                 strict ? "--strict" : "--no-display"},
                                                run.before);
-            EXPECT_EQ(outcome.exitCode, strict ? run.exitCodes.second : run.exitCodes.first);
+            EXPECT_EQ(outcome.exitCode, strict ? run.strict : run.exitCode);
             EXPECT_NE(outcome.output.find(run.report), std::string::npos) << outcome.output;
             EXPECT_NE(outcome.errors.find(run.errors), std::string::npos) << outcome.errors;
             EXPECT_EQ(outcome.output.find("wrote"), std::string::npos);
@@ -529,10 +526,7 @@ TEST(Program, ReportsReplaceOnlyRegularFilesOutsideOfTheDevice) {
         {"none/page", {}, 74, "/none/page: cannot write the report: No such file"},
         {"d/files/Temp/page", {}, 74, "it would be in the device directory"},
         {"d/registry.reg", {}, 74, "it would be in the device directory"},
-        {"page",
-         {"../d/last-run.txt>../t", "../t=old"},
-         0,
-         "last-run.txt: cannot replace it: it i"},
+        {"page", {"../d/last-run.txt>../t", "../t=old"}, 0, "last-run.txt: cannot replace it"},
         {"page", {"../d/last-run.txt/"}, 0, "last-run.txt: cannot replace it: it is not a reg"},
         {"page", {"../d/last-run.txt=locked"}, 0, "last-run.txt: cannot replace it: it is read"},
     };
@@ -586,18 +580,6 @@ TEST(Program, TheWorstOfSeveralExitCodesCounts) {
         EXPECT_EQ(platform::WorseExitCode(better, worse), worse);
         better = worse;
     }
-}
-
-TEST(Program, ABoxIsOneLineAndDoesNotWait) {
-    const TemporaryDevice device({"Temp/keep=1"});
-    const Outcome outcome =
-        RunProgram({"--device", device.path(), "--no-display", "--module", "\\x.exe", "silent"});
-    EXPECT_EQ(outcome.exitCode, 0);
-    EXPECT_EQ(outcome.errors, "[Error!!!] Failed retrieving application directory\n");
-    EXPECT_EQ(
-        RunProgram({"--device", device.path(), "--strict", "--module", "\\x.exe", "s"}).exitCode,
-        74);
-    EXPECT_EQ(device.Listing(), (Entries{"Temp/", "Temp/keep=1"}));
 }
 
 }  // namespace
