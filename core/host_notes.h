@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+
 #include "core/platform_types.h"
 
 // Notes to the host for its report and its messages, about what no operation of the platform shows.
@@ -13,8 +15,14 @@ void NoteStep(int number);
 // deleted or moved because of it.
 void NoteUnusablePath(const WCHAR* what, const WCHAR* content);
 
-// `what` could not be stored; what was stored before is still there.
-void NoteNotStored(const WCHAR* what);
+// The file `path` could not be written; the one that was there before, if any, still is.
+void NoteNotStored(const WCHAR* path);
+
+// The option with this bit has the files in `directory` deleted next, which its user has named.
+void NoteCleans(std::uint32_t option, const WCHAR* directory);
+
+// That directory is not there.
+void NoteNothingToClean(const WCHAR* directory);
 
 // The options could not be read, so none is ticked: the file `path` cannot be opened, or cannot be
 // read to its end.

@@ -147,18 +147,21 @@ bool StartMove(const WCHAR* source, const WCHAR* destination, PathText& from, Pa
 }  // namespace
 
 // NOLINTNEXTLINE(misc-no-recursion)
-void DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories) {
+bool DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories) {
     if (!EndsInBackslash(directory)) {
-        return;
+        return true;
     }
     const auto level = NewLevel();
-    for (level->Open(TEXT("%s*"), directory); level->entries; level->entries.Next()) {
+    level->Open(TEXT("%s*"), directory);
+    const bool isThere = level->entries || GetLastError() != ERROR_PATH_NOT_FOUND;
+    for (; level->entries; level->entries.Next()) {
         if (!level->entries.isDirectory()) {
             DeleteFoundFile(directory, *level);
         } else if (recurse) {
             DeleteFoundDirectory(directory, *level, removeDirectories);
         }
     }
+    return isThere;
 }
 
 bool MoveTree(const WCHAR* source, const WCHAR* destination) {

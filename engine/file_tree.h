@@ -8,8 +8,8 @@
 // Deletes the files in `directory` and adds the size of each to BytesCleaned once it is gone. With
 // `recurse` also the files in its subdirectories; with `removeDirectories` as well, the
 // subdirectories that are empty then. `directory` itself stays. It must end in a backslash:
-// anything else, such as the empty path, deletes nothing.
-void DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories);
+// anything else, such as the empty path, deletes nothing. Returns false if it is not there.
+bool DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories);
 
 // Moves the entries of `source` into the existing directory `destination`, and removes the
 // subdirectories of `source` that exist at the destination and are empty then. `source` itself

@@ -1,5 +1,6 @@
 #include "engine/temporary_files.h"
 
+#include "core/host_notes.h"
 #include "core/option_table.h"
 #include "engine/file_tree.h"
 #include "engine/option_row_lookup.h"
@@ -29,7 +30,11 @@ void CleanTemporaryDirectory(ApplyRun& run, std::uint32_t option) {
         return;
     }
     const SettingsText typed = std::move(run.settings.*directory.typed);
-    if (typed != nullptr) {
-        DeleteTree(typed.get(), true, false);
+    if (typed == nullptr) {
+        return;
+    }
+    NoteCleans(option, typed.get());
+    if (!DeleteTree(typed.get(), true, false)) {
+        NoteNothingToClean(typed.get());
     }
 }

@@ -111,6 +111,11 @@ bool ReadValues(std::FILE* file, std::uint32_t mask, CSettings& settings) {
     return items.areWhole();
 }
 
+void NoteNotSaved() {
+    PathText path{};
+    NoteNotStored(FindSettings(path) ? path.data() : kSettingsName);
+}
+
 }  // namespace
 
 bool FindSettings(PathText& path) {
@@ -176,12 +181,12 @@ std::int32_t LoadSettings(CSettings& settings) {
 void SaveSettings(CSettings& settings) {
     std::FILE* const file = OpenSettingsForWriting();
     if (file == nullptr) {
-        NoteNotStored(kSettingsName);
+        NoteNotSaved();
         return;
     }
     WriteSettings(file, CaptureSettings(settings), settings);
     if (std::fclose(file) != 0) {
-        NoteNotStored(kSettingsName);
+        NoteNotSaved();
     }
 }
 

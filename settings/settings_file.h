@@ -34,7 +34,7 @@ SettingsRead ReadSettings(const PathText& path, CSettings& settings, std::uint32
 std::int32_t LoadSettings(CSettings& settings);
 
 // Captures the controls and replaces "settings.dat" with them; `settings` has none of the captured
-// texts afterwards. If the file cannot be written, the old one stays and the host gets a note.
+// texts afterwards. If the file cannot be written, an old one stays and the host gets a note.
 // Interactive run only.
 void SaveSettings(CSettings& settings);
 

@@ -24,51 +24,59 @@ const char kHelp[] = R"(Usage: fennelbright --device DIR [OPTION]... [--] [COMMA
        fennelbright --new-device DIR
        fennelbright [OPTION]...
 
-Cleans up and tunes the handheld whose files and registry are in DIR. Without a COMMAND LINE it
-opens the windows in which the options are ticked and applied; the COMMAND LINE "silent" does what
-the options in settings.dat ask for, without windows. Without --device it asks for DIR on the
-display.
+Cleans up and tunes a Pocket PC handheld whose files and registry are in the directory DIR.
+Without a COMMAND LINE it opens windows, in which options are ticked and carried out. With the
+COMMAND LINE "silent" it carries out the options that are ticked already, without windows.
+Without --device it asks for DIR on the display.
 
 The device
-  --device DIR         the device directory: "files" in it is the handheld's file tree,
-                       "registry.reg" its registry; may be repeated for a silent run, which
-                       then does one device after the other
-  --files DIR          or else the file tree alone, where it is, such as a mounted card
-  --registry FILE      and the registry that belongs to it; without one, what the registry would
-                       say is reported as missing
-  --state DIR          where last-run.txt goes in that case (a folder for each DIR of --files below
-                       $XDG_STATE_HOME/fennelbright or ~/.local/state/fennelbright)
-  --module PATH        where the program lies on the device; settings.dat is beside it
-                       (\Program Files\Fennelbright\Fennelbright.exe)
-  --new-device DIR     make a sample device
+  --device DIR         a directory with the handheld's files in DIR/files and its registry as
+                       DIR/registry.reg; with "silent" it may be given several times, and one
+                       device is cleaned after the other
+  --files DIR          instead of --device: the directory that holds the handheld's files
+                       themselves, such as a mounted card
+  --registry FILE      with --files: the registry, as a registry editor exports it; without it,
+                       each thing that would be looked up there is reported as missing
+  --state DIR          with --files: the directory for last-run.txt, the report of the last run
+                       with "silent"; if not given, the program makes one for each card below
+                       $XDG_STATE_HOME/fennelbright or ~/.local/state/fennelbright
+  --module PATH        where the program is on the handheld, if it is not
+                       \Program Files\Fennelbright\Fennelbright.exe; settings.dat, the file
+                       with the options, is in the same folder
+  --new-device DIR     make a sample device in the new directory DIR
 
 What is done
-  COMMAND LINE         the program's own: one that begins with s, i, l, e, n or t is "silent"
-  --boot               what the device does when it starts: run the program for each shortcut
-                       in \Windows\StartUp that leads to it
-  --rehearse           change nothing: find out, and report, what the run would do
+  COMMAND LINE         "silent": clean without windows. Only its first letter counts, as on the
+                       handheld: whatever begins with s, i, l, e, n or t (the letters of
+                       "silent") cleans, "status" and "list" as well
+  --boot               do what the handheld does when it starts: run the program for each
+                       shortcut to it in \Windows\StartUp
+  --rehearse           change nothing; with --report, show what the run would do
 
 Options without windows
   --show-settings[=FORM]
-                       write the options in settings.dat to standard output: FORM is "lines",
-                       which is the same as none, or "json" for programs
-  --set NAME=VALUE     change one of them, with NAME as --show-settings has it: VALUE is "off",
-                       or else "on", a text, or a position such as 1024kb or 2x; may be repeated
+                       list the options that settings.dat has, each as NAME=VALUE; with FORM
+                       "json" as JSON, for programs ("lines" is the same as no FORM)
+  --set NAME=VALUE     change the option NAME, one of those that --show-settings lists; VALUE is
+                       "off", or what the option takes: "on", a folder such as '\Old\', letters
+                       such as old for files *.old, or a size such as 1024kb or 2x; may be given
+                       several times
 
 The report
-  --report[=FORM]      say on standard output what was done, and what could not be: FORM is
-                       "lines", which is the same as none, or "json" for programs
-  --report-html FILE   write the same as a page for a browser
-  --strict             end with 74 if anything could not be done, with 78 without settings.dat
+  --report[=FORM]      write to standard output what was done, and what could not be done; with
+                       FORM "json" as JSON, for programs ("lines" is the same as no FORM)
+  --report-html FILE   write the same into FILE, as a page for a browser
+  --strict             end with exit code 74 if anything could not be done, with 78 if there is
+                       no settings.dat
 
 Windows and messages
-  --no-display         open no window; messages go to standard error
-  --scale N            show the handheld's screen N times as large, 1 to 8 (as large as the
-                       desktop allows)
+  --no-display         open no windows; write messages to standard error instead
+  --scale N            show the handheld's screen N times as large, N from 1 to 8; if not given,
+                       as large as the desktop allows
 
 About the program
-  -h, --help           this text
-  -V, --version        the version
+  -h, --help           show this text
+  -V, --version        show the version
 
 Examples
   fennelbright --new-device handheld
@@ -85,18 +93,18 @@ Examples
                        clean a mounted card
 
 Exit codes
-   0  the program ended normally
-   1  the display was lost
-  64  wrong usage
-  65  the registry cannot be read; settings.dat is damaged, with --set or --show-settings
-  66  there is no usable device directory
-  69  there is no display for the program's windows
+   0  the program ended normally; without --strict also if something could not be done
+   1  the display was lost while the windows were open
+  64  the command line cannot be understood; nothing was started
+  65  the registry cannot be read, or, with --set and --show-settings, settings.dat is damaged
+  66  DIR is not the directory of a device, or cannot be used
+  69  there is no display for the windows, or something that they need is not installed
   71  out of memory
-  73  the sample device cannot be made, or the registry cannot be stored
-  74  changes to registry or settings are not stored; settings.dat cannot be read, with --set or
-      --show-settings; with --strict, something could not be done
-  75  the device is in use by another run
-  78  with --strict, there are no settings
+  73  the sample device cannot be made, or the registry cannot be stored; nothing was changed
+  74  registry or settings could not be stored; with --strict, something could not be done; with
+      --set and --show-settings, settings.dat cannot be read
+  75  another run is using the device
+  78  with --strict, there is no settings.dat
 )";
 
 namespace {

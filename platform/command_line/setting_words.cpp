@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "core/wide_text.h"
+#include "platform/diagnostics/cleaning_warnings.h"
 #include "platform/text/device_paths.h"
 #include "platform/text/name_translation.h"
 #include "platform/text/readable_text.h"
@@ -135,17 +136,9 @@ std::string WordOf(const SettingChange& setting) {
 }
 
 std::string WarningAbout(const SettingChange& change) {
-    if (!change.isTicked || !IsCleaned(*change.option)) {
-        return {};
-    }
-    const std::string warning =
-        "warning: " + std::string(change.option->name) + "=" + ReadableText(change.text);
-    if (ComponentsOf(change.text).empty()) {
-        return warning + " is the whole device: every run will delete all files on it";
-    }
-    return change.text.ends_with(u'\\')
-               ? std::string()
-               : warning + " deletes nothing: a directory to clean must end in a backslash";
+    return change.isTicked && IsCleaned(*change.option)
+               ? WarningAboutCleaning(change.option->bit, change.text)
+               : std::string();
 }
 
 }  // namespace platform

@@ -1,30 +1,11 @@
 #include "platform/display/retrying_store.h"
 
-#include <memory>
-
-#include "platform/diagnostics/failure.h"
+#include "platform/io/stream_to_sink.h"
 #include "platform/text/readable_text.h"
 
 namespace platform {
 
 namespace {
-
-struct KeptFile {
-    RetryingStore& store;
-    std::u16string path;
-    std::FILE* file;  // that was opened first
-    std::string content;
-};
-
-ssize_t Keep(void* cookie, const char* bytes, std::size_t count) {
-    static_cast<KeptFile*>(cookie)->content.append(bytes, count);
-    return static_cast<ssize_t>(count);
-}
-
-int WriteKept(void* cookie) {
-    const std::unique_ptr<KeptFile> kept(static_cast<KeptFile*>(cookie));
-    return kept->store.Write(kept->file, kept->path, kept->content) ? 0 : -1;
-}
 
 // A failure of the writing shows when the file is closed.
 bool WriteAndClose(std::FILE* file, const std::string& content) {
@@ -40,23 +21,23 @@ std::FILE* RetryingStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
     if (!isWritten || file == nullptr) {
         return file;
     }
-    auto kept = std::unique_ptr<KeptFile>(new KeptFile{*this, path, file, {}});
-    std::FILE* const opened = fopencookie(
-        kept.get(), "w", {.read = nullptr, .write = Keep, .seek = nullptr, .close = WriteKept});
-    if (opened != nullptr) {
-        static_cast<void>(kept.release());
-    }
-    return opened;
+    return OpenStreamInMemory(
+               [this, file, path = std::u16string(path)](const std::string& content) {
+                   return Write(file, path, content);
+               },
+               failure_)
+        .value_or(nullptr);
 }
 
-bool RetryingStore::Write(std::FILE* file, const std::u16string& path, const std::string& content) {
+Status RetryingStore::Write(std::FILE* file, const std::u16string& path,
+                            const std::string& content) {
     while (!WriteAndClose(file, content)) {
         file = WantsToTryAgain(path) ? OpenForWriting(path) : nullptr;
         if (file == nullptr) {
-            return false;
+            return tl::unexpected<Failure>(LastFailure());
         }
     }
-    return true;
+    return {};
 }
 
 // Null when it could not be opened, and is not to be tried again.

@@ -21,15 +21,15 @@ class RetryingStore : public ForwardingStore {
     // What is written to a file goes there when it is closed.
     std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override;
 
-    // Writes a file whole, which is open, and closes it. False when it could not be written, and is
-    // not to be tried again.
-    bool Write(std::FILE* file, const std::u16string& path, const std::string& content);
-
   private:
+    // Writes a file whole, which is open, and closes it. Fails when it could not be written, and is
+    // not to be tried again.
+    Status Write(std::FILE* file, const std::u16string& path, const std::string& content);
     std::FILE* OpenForWriting(const std::u16string& path);
     bool WantsToTryAgain(const std::u16string& path);
 
     TryAgain tryAgain_;
+    Failure failure_;  // of the file that was closed last
 };
 
 }  // namespace platform

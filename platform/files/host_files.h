@@ -55,6 +55,7 @@ class HostFiles : public DeviceFiles {
     std::optional<std::uint64_t> DeletedSize() const override { return deletedSize_; }
     void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override;
     void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) override;
+    void NothingToClean(const WCHAR* /*directory*/) override {}
     void NothingMoves(const WCHAR* /*source*/, const WCHAR* /*destination*/) override {}
 
     // Clears up after processes that were killed: removes what they left unpublished and gives the

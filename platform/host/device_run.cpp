@@ -11,6 +11,7 @@
 #include "platform/command_line/named_device.h"
 #include "platform/device/assembled_device.h"
 #include "platform/device/device_directory.h"
+#include "platform/device/directory_making_store.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/display/device_naming_boxes.h"
 #include "platform/display/display_detection.h"
@@ -199,7 +200,8 @@ int DeviceRun::RunProgram(DeviceStore& store, WindowSystem& windows) {
 
 int DeviceRun::RunWithWindows() {
     if (windows_ != nullptr) {
-        RetryingStore retrying(store(), [this](const std::string& failure) {
+        DirectoryMakingStore making(store());
+        RetryingStore retrying(making, [this](const std::string& failure) {
             return windows_->WantsToTryAgain(failure);
         });
         WindowRepaintingStore answering(retrying, [this] { windows_->ServeDesktop(); });

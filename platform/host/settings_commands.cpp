@@ -11,6 +11,7 @@
 
 #include "core/host_notes.h"
 #include "platform/command_line/named_device.h"
+#include "platform/device/directory_making_store.h"
 #include "platform/device/files_alone.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/host/run_lock.h"
@@ -81,29 +82,6 @@ SettingChange SettingOf(const Option& option, const StoredSettings& stored) {
     return setting;
 }
 
-// Makes the directories on the way to `path` that are missing, and lists them. False, with the
-// reason as the store's last failure, if one cannot be made.
-bool MakeDirectoriesTo(std::u16string_view path, std::vector<std::u16string>& made) {
-    for (std::size_t end = path.find(u'\\', 1); end != std::u16string_view::npos;
-         end = path.find(u'\\', end + 1)) {
-        const std::u16string directory(path.substr(0, end));
-        if (CreateDirectoryW(directory.c_str(), nullptr) != 0) {
-            made.push_back(directory);
-        } else if (GetLastError() != ERROR_ALREADY_EXISTS) {
-            return false;
-        }
-    }
-    return true;
-}
-
-std::FILE* OpenFor(const StoredSettings& stored, std::vector<std::u16string>& made) {
-    std::FILE* const file = OpenSettingsForWriting();
-    if (file != nullptr || !IsNotThere(StoreInUse::Current().LastFailure())) {
-        return file;
-    }
-    return MakeDirectoriesTo(stored.path.data(), made) ? OpenSettingsForWriting() : nullptr;
-}
-
 // Bits of no option select nothing, and the windows do not keep them either.
 std::uint32_t BitsOfOptions(std::uint32_t mask) {
     std::uint32_t bits = 0;
@@ -114,21 +92,46 @@ std::uint32_t BitsOfOptions(std::uint32_t mask) {
 }
 
 bool Write(StoredSettings& stored) {
-    std::vector<std::u16string> made;
-    std::FILE* const file = OpenFor(stored, made);
-    if (file != nullptr) {
+    if (std::FILE* const file = OpenSettingsForWriting()) {
         WriteSettings(file, BitsOfOptions(stored.mask), stored.values);
         if (std::fclose(file) == 0) {
             return true;
         }
     }
     NoteNotStored(stored.path.data());
-    std::for_each(made.rbegin(), made.rend(),
-                  [](const std::u16string& directory) { RemoveDirectoryW(directory.c_str()); });
     return false;
 }
 
-int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
+bool Print(const std::string& text, RunLog& log) {
+    const bool isWritten = std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
+    if (!isWritten) {
+        log.Say(Describe(Fail("write the settings to standard output", errno).value()));
+    }
+    return isWritten;
+}
+
+// What a run does from the day on which there are settings, whichever of them is wanted.
+void WarnOfNewSettings(const StoredSettings& stored, RunLog& log) {
+    constexpr std::uint32_t kFollowed =
+        OPT_SILENT_STARTUP | OPT_NO_MENU_ANIMATION | OPT_NO_WINDOW_ANIMATION;
+    if (stored.isMissing && (stored.mask & kFollowed) != kFollowed) {
+        log.Say(
+            "settings.dat is new: from now on a run also removes the startup shortcut and switches "
+            "the two animations on, each where its option is off");
+    }
+}
+
+// The options that were named, as --show-settings has them.
+std::string LinesOf(const std::vector<SettingChange>& changes) {
+    std::string lines;
+    for (const SettingChange& change : changes) {
+        lines += WordOf(change) + '\n';
+    }
+    return lines;
+}
+
+// Reads what is to be changed. Returns the exit code, 0 where it can be.
+int ReadToChange(StoredSettings& stored, RunLog& log) {
     Read(stored);
     if (!CanBeShown(stored)) {
         NoteUnread(stored);
@@ -141,13 +144,25 @@ int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
             "program's windows saves what can");
         return EX_DATAERR;
     }
+    return 0;
+}
+
+int Set(const CommandLine& line, StoredSettings& stored, RunLog& log) {
+    if (const int refused = ReadToChange(stored, log); refused != 0) {
+        return refused;
+    }
     for (const SettingChange& change : line.changes) {
         Apply(change, stored);
         if (const std::string warning = WarningAbout(change); !warning.empty()) {
             log.Say(warning);
         }
     }
-    return Write(stored) ? 0 : EX_IOERR;
+    if (!Write(stored)) {
+        return EX_IOERR;
+    }
+    WarnOfNewSettings(stored, log);
+    const bool isShown = line.shownSettings != ReportForm::None;  // with all others
+    return isShown || Print(LinesOf(line.changes), log) ? 0 : EX_IOERR;
 }
 
 std::string Lines(const StoredSettings& stored) {
@@ -201,8 +216,7 @@ int Show(const CommandLine& line, StoredSettings& stored, RunLog& log) {
     }
     const std::string text =
         line.shownSettings == ReportForm::Json ? Json(line.device, stored) : Lines(stored);
-    if (std::fputs(text.c_str(), stdout) < 0 || std::fflush(stdout) != 0) {
-        log.Say(Describe(Fail("write the settings to standard output", errno).value()));
+    if (!Print(text, log)) {
         return EX_IOERR;
     }
     if (stored.read == SettingsRead::Damaged) {
@@ -226,7 +240,8 @@ int RunSettingsCommands(const CommandLine& line) {
         TakeRunLock(*device, LockKind::Exclusive, log) == RunLock::Refused) {
         return EX_TEMPFAIL;
     }
-    FilesAlone store(std::move(device->files), line.modulePath);
+    FilesAlone files(std::move(device->files), line.modulePath);
+    DirectoryMakingStore store(files);
     const StoreInUse storeInUse(store);
     PathText path{};
     if (!FindSettings(path)) {

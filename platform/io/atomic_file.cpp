@@ -9,6 +9,7 @@
 #include "platform/io/file_identity.h"
 #include "platform/io/open_beneath.h"
 #include "platform/io/rename_without_replacing.h"
+#include "platform/io/stream_to_sink.h"
 #include "platform/io/whole_file.h"
 #include "platform/text/reserved_names.h"
 
@@ -129,50 +130,38 @@ Status AtomicFile::PublishInPlace(int directory, const char* name) {
 
 namespace {
 
-struct PublishingStream {
-    Descriptor directory;
-    Descriptor volume;
-    HostName name;
-    std::optional<struct stat> replaced;
-    Failure& failure;
-    std::unique_ptr<AtomicFile> file;
-    Status written;
+class NewFileSink : public StreamSink {
+  public:
+    NewFileSink(Descriptor directory, Descriptor volume, const HostName& name,
+                const std::optional<struct stat>& replaced, std::unique_ptr<AtomicFile> file)
+        : directory_(std::move(directory)),
+          volume_(std::move(volume)),
+          name_(name),
+          replaced_(replaced),
+          file_(std::move(file)) {}
+
+    Status Write(std::string_view bytes) override { return WriteWhole(file_->descriptor(), bytes); }
+    Status Close() override {
+        return replaced_ ? Replace() : file_->PublishNew(directory_.get(), name_.c_str());
+    }
+
+  private:
+    Status Replace();
+
+    Descriptor directory_;
+    Descriptor volume_;
+    HostName name_;
+    std::optional<struct stat> replaced_;
+    std::unique_ptr<AtomicFile> file_;
 };
 
-ssize_t WriteStream(void* cookie, const char* bytes, std::size_t count) {
-    auto& stream = *static_cast<PublishingStream*>(cookie);
-    if (stream.written) {
-        stream.written = WriteWhole(stream.file->descriptor(), {bytes, count});
-    }
-    return stream.written ? static_cast<ssize_t>(count) : 0;
-}
-
-Status Replace(const PublishingStream& stream) {
-    const Result<Descriptor> old = OpenRegularFile(stream.directory.get(), stream.name.c_str());
+Status NewFileSink::Replace() {
+    const Result<Descriptor> old = OpenRegularFile(directory_.get(), name_.c_str());
     if (old) {
-        CopyUserAttributes(old->get(), stream.file->descriptor());
+        CopyUserAttributes(old->get(), file_->descriptor());
     }
-    ApplyModeAndOwner(stream.file->descriptor(), *stream.replaced);
-    return stream.file->PublishInPlace(stream.directory.get(), stream.name.c_str());
-}
-
-Status Publish(const PublishingStream& stream) {
-    if (!stream.written) {
-        return stream.written;
-    }
-    return stream.replaced ? Replace(stream)
-                           : stream.file->PublishNew(stream.directory.get(), stream.name.c_str());
-}
-
-int CloseStream(void* cookie) {
-    const std::unique_ptr<PublishingStream> stream(static_cast<PublishingStream*>(cookie));
-    const Status published = Publish(*stream);
-    if (published) {
-        return 0;
-    }
-    stream->failure = published.error();
-    errno = published.error().error;
-    return -1;
+    ApplyModeAndOwner(file_->descriptor(), *replaced_);
+    return file_->PublishInPlace(directory_.get(), name_.c_str());
 }
 
 }  // namespace
@@ -185,17 +174,9 @@ Result<std::FILE*> OpenPublishingStream(Descriptor directory, Descriptor volume,
     if (!file) {
         return tl::unexpected<Failure>(file.error());
     }
-    auto stream = std::unique_ptr<PublishingStream>(
-        new PublishingStream{std::move(directory), std::move(volume), name, replaced, failure,
-                             std::move(*file), Status()});
-    std::FILE* const opened =
-        fopencookie(stream.get(), "w",
-                    {.read = nullptr, .write = WriteStream, .seek = nullptr, .close = CloseStream});
-    if (opened == nullptr) {
-        return Fail("open", errno);
-    }
-    static_cast<void>(stream.release());
-    return opened;
+    return OpenStreamTo(std::make_unique<NewFileSink>(std::move(directory), std::move(volume), name,
+                                                      replaced, std::move(*file)),
+                        failure);
 }
 
 }  // namespace platform

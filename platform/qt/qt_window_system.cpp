@@ -7,7 +7,6 @@
 
 #include "platform/display/message_box_default_answer.h"
 #include "platform/qt/base/handheld_style.h"
-#include "platform/qt/controls/accessible_controls.h"
 #include "platform/qt/controls/tab_control.h"
 #include "platform/qt/controls/tree_control.h"
 #include "platform/qt/desktop/toolkit_start.h"
@@ -98,7 +97,6 @@ QtWindowSystem::QtWindowSystem(const WindowModuleParams& params,
       context_{windows_, queue_, host_},
       stack_(windows_, host_),
       closeWatch_(host_, [this] { RequestExit(); }) {
-    DescribeControls();
     new QuitWatch(*application_, queue_);  // the application's own
     if (const IconResource* const icon = params.findIcon(kIconResource)) {
         QApplication::setWindowIcon(IconOf(*icon));

@@ -249,6 +249,7 @@ void SumHtml::BeginDevice(const std::string& /*device*/) {
 void SumHtml::NoteWithoutTotals(const std::string& device, int exitCode) {
     page_.Append("<h1>A run without a report</h1>\n<table class=\"facts\">\n" +
                  Fact("Device", Escaped(ReadableBytes(device))) +
+                 Fact("Reason", Escaped(WhyWithoutTotals(exitCode))) +
                  Fact("Exit code", std::to_string(exitCode)) + "</table>\n");
 }
 

@@ -1,7 +1,10 @@
 #include "platform/report/report_lines.h"
 
+#include <sysexits.h>
+
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include "platform/text/readable_text.h"
 
@@ -28,6 +31,14 @@ constexpr Wording kWordings[] = {
     {ReportAction::ReadDirectory, "read ", "read "},
     {ReportAction::Restart, "restarting the device", "restarted"},
     {ReportAction::EraseDevice, "erasing the device", "erased"},
+};
+
+constexpr std::pair<int, const char*> kWithoutTotals[] = {
+    {EX_DATAERR, "nothing is done: its registry cannot be read"},
+    {EX_NOINPUT, "nothing is done: it is no usable device directory"},
+    {EX_OSERR, "broken off: the system had not enough memory for it"},
+    {EX_CANTCREAT, "nothing is done: its registry could not be stored"},
+    {EX_TEMPFAIL, "nothing is done: another run is using it"},
 };
 
 std::string Count(std::uint64_t count, const char* one, const char* many) {
@@ -98,6 +109,14 @@ std::string ReportLine(const ReportTotals& totals, const std::string& title) {
            std::to_string(totals.notDone) + " not done";
 }
 
+std::string WhyWithoutTotals(int exitCode) {
+    const auto* const found =
+        std::ranges::find(kWithoutTotals, exitCode, [](const auto& each) { return each.first; });
+    return found != std::end(kWithoutTotals)
+               ? found->second
+               : "broken off, with exit code " + std::to_string(exitCode);
+}
+
 void ReportLines::Begin(const ReportRun& run) {
     stream_.Begin(run.isRehearsal);
     if (run.isRehearsal) {
@@ -115,7 +134,7 @@ void SumLines::BeginDevice(const std::string& device) {
 }
 
 void SumLines::NoteWithoutTotals(const std::string& /*device*/, int exitCode) {
-    stream_.WriteLine("ended without totals, with exit code " + std::to_string(exitCode));
+    stream_.WriteLine(WhyWithoutTotals(exitCode));
 }
 
 Status SumLines::Finish(const ReportSum& sum) {

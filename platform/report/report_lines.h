@@ -16,6 +16,9 @@ std::string DescriptionOf(const ReportEvent& event);
 std::string ReportLine(const ReportEvent& event);
 std::string ReportLine(const ReportTotals& totals, const std::string& title = "total");
 
+// Why a run that ended with this code has no totals; its own lines on standard error say more.
+std::string WhyWithoutTotals(int exitCode);
+
 // The report as lines of text.
 class ReportLines : public ReportWriter {
   public:

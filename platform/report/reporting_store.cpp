@@ -150,6 +150,13 @@ BOOL ReportingStore::MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
     return moved;
 }
 
+void ReportingStore::NothingToClean(const WCHAR* directory) {
+    ReportUndone({.action = ReportAction::ReadDirectory,
+                  .path = CanonicalPath(directory),
+                  .failure = "there is no such directory"});
+    ForwardingStore::NothingToClean(directory);
+}
+
 void ReportingStore::NothingMoves(const WCHAR* source, const WCHAR* destination) {
     ReportUndone({ReportAction::MoveEntry, CanonicalPath(source), CanonicalPath(destination)});
     ForwardingStore::NothingMoves(source, destination);

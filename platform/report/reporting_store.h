@@ -46,6 +46,7 @@ class ReportingStore : public ForwardingStore {
     LONG RegCloseKey(HKEY key) override;
 
     Status StoreRegistry() override;
+    void NothingToClean(const WCHAR* directory) override;
     void NothingMoves(const WCHAR* source, const WCHAR* destination) override;
 
     // Writes the last events. Returns the totals, with which the writers can be finished.

@@ -40,7 +40,8 @@ class DeviceFiles {
     // The size in bytes of what DeleteFileW deleted last; nothing when it is not known.
     virtual std::optional<std::uint64_t> DeletedSize() const = 0;
 
-    // What the notes of core/host_notes.h say about moves.
+    // What the notes of core/host_notes.h say about directories and moves.
+    virtual void NothingToClean(const WCHAR* directory) = 0;
     virtual void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) = 0;
     virtual void DirectoryMoved(const WCHAR* oldPath, const WCHAR* newPath) = 0;
     virtual void NothingMoves(const WCHAR* source, const WCHAR* destination) = 0;

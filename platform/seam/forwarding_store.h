@@ -80,6 +80,7 @@ class ForwardingStore : public DeviceStore {
         return registry_.IsChangeLost(change);
     }
     Status StoreRegistry() override { return registry_.StoreRegistry(); }
+    void NothingToClean(const WCHAR* directory) override { files_.NothingToClean(directory); }
     void DirectoryMoves(const WCHAR* oldPath, const WCHAR* newPath) override {
         files_.DirectoryMoves(oldPath, newPath);
     }

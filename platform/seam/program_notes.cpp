@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/diagnostics/cleaning_warnings.h"
 #include "platform/diagnostics/run_log.h"
 #include "platform/seam/device_store.h"
 #include "platform/text/readable_text.h"
@@ -18,6 +19,17 @@ std::string LastReason() {
     return platform::ReasonOf(platform::StoreInUse::Current().LastFailure());
 }
 
+// Whether the file is surely not there. Another failure becomes the last one.
+bool IsMissing(const WCHAR* path) {
+    platform::DeviceStore& store = platform::StoreInUse::Current();
+    WIN32_FIND_DATA found{};
+    const HANDLE find = store.FindFirstFileW(path, &found);
+    if (find != INVALID_HANDLE_VALUE) {
+        store.FindClose(find);
+    }
+    return find == INVALID_HANDLE_VALUE && platform::IsNotThere(store.LastFailure());
+}
+
 }  // namespace
 
 void NoteStep(int number) {
@@ -29,11 +41,23 @@ void NoteUnusablePath(const WCHAR* what, const WCHAR* content) {
                                             Quoted(content) + " is not a path that can be used");
 }
 
-void NoteNotStored(const WCHAR* what) {
+void NoteNotStored(const WCHAR* path) {
     platform::RunLog& log = platform::LogInUse::Current();
     log.NoteNotStored();
-    log.SayUndone(platform::ReadableText(what) +
-                  " cannot be written, so the old one stays: " + LastReason());
+    const std::string reason = LastReason();
+    const char* const result = IsMissing(path) ? "so no options are saved" : "so the old one stays";
+    log.SayUndone(platform::ReadableText(path) + " cannot be written, " + result + ": " + reason);
+}
+
+void NoteCleans(std::uint32_t option, const WCHAR* directory) {
+    const std::string warning = platform::WarningAboutCleaning(option, directory);
+    if (!warning.empty()) {
+        platform::LogInUse::Current().Say(warning);
+    }
+}
+
+void NoteNothingToClean(const WCHAR* directory) {
+    platform::StoreInUse::Current().NothingToClean(directory);
 }
 
 void NoteNoSettings(const WCHAR* path) {

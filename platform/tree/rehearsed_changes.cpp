@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/tree/rehearsed_stream.h"
+#include "platform/io/stream_to_sink.h"
 #include "platform/tree/rehearsed_tree.h"
 
 namespace platform {

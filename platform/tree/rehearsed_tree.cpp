@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/tree/rehearsed_stream.h"
+#include "platform/tree/file_in_memory.h"
 
 namespace platform {
 

@@ -2,7 +2,6 @@
 
 #include "core/file_operations.h"
 
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 #include <unistd.h>
@@ -48,7 +47,18 @@ const struct Implementation {
      }},
     {"FailingStore", [](auto& store) { return Wrapper(new FailingStore(store, 0)); }}};
 
-DWORD g_reason = 0;  // why the last search found nothing
+// Paths that an operation refuses, by its reason.
+using Refusals = std::vector<std::pair<LONG, Paths>>;
+
+template <typename Operation>
+void ExpectRefused(Operation operation, const Refusals& refusals) {
+    for (const auto& [reason, paths] : refusals) {
+        for (const std::u16string& path : paths) {
+            EXPECT_FALSE(operation(path.c_str())) << platform::ReadableText(path);
+            EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
+        }
+    }
+}
 
 class DeviceStoreTest : public testing::TestWithParam<Implementation> {
   protected:
@@ -127,7 +137,6 @@ class DeviceStoreTest : public testing::TestWithParam<Implementation> {
         Entries names;
         WIN32_FIND_DATA data;
         const HANDLE find = FindFirstFileW(pattern.c_str(), &data);
-        g_reason = find == INVALID_HANDLE_VALUE ? GetLastError() : 0;
         for (BOOL found = find != INVALID_HANDLE_VALUE; found != 0;
              found = FindNextFileW(find, &data)) {
             const bool isDirectory = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
@@ -172,46 +181,34 @@ TEST_P(DeviceStoreTest, SearchesFindWhatThePatternNames) {
     device_.Make({"ff/a.lnk=", "ff/b.LNK=", "ff/c.lnk.bak=", "ff/noext=", "ff/.hid=", "ff/sub/",
                   "ff/sub/deep=", "ff/st*r=", "empty/"});
     Open();
-    const std::string all = ".hid a.lnk b.LNK c.lnk.bak noext st<F02A>r sub\\";
-    const std::pair<std::u16string, std::string> cases[] = {{u"\\ff\\*", all},
-                                                            {u"\\ff\\*.*", all},
-                                                            {u"\\FF\\NO*T.*", "noext"},
-                                                            {u"\\ff\\sub.", ""},
-                                                            {u"\\ff\\*.", ""},
-                                                            {u"\\FF\\*.lnk", "a.lnk b.LNK"},
-                                                            {u"\\FF\\A.LNK", "a.lnk"},
-                                                            {u"\\\\ff\\\\a.lnk", "a.lnk"},
-                                                            {u"ff\\\\*.bak", "c.lnk.bak"},
-                                                            {u"\\ff\\*.l*b?k", "c.lnk.bak"},
-                                                            {u"\\ff\\.hi?d", ""},
-                                                            {u"\\ff", "ff\\"},
-                                                            {u"\\ff\\", "ff\\"},
-                                                            {u"\\", "\\"},
-                                                            {u"\\*", "empty\\ ff\\"},
-                                                            {u"\\ff\\st\uF02Ar", "st<F02A>r"}};
-    for (const auto& [pattern, found] : cases) {
-        EXPECT_EQ(Search(pattern), Words(found)) << platform::ReadableText(pattern);
+    const std::pair<const char*, Paths> cases[] = {
+        {".hid a.lnk b.LNK c.lnk.bak noext st<F02A>r sub\\", {u"\\ff\\*", u"\\ff\\*.*"}},
+        {"noext", {u"\\FF\\NO*T.*"}},
+        {"", {u"\\ff\\sub.", u"\\ff\\*.", u"\\ff\\.hi?d"}},
+        {"a.lnk b.LNK", {u"\\FF\\*.lnk"}},
+        {"a.lnk", {u"\\FF\\A.LNK", u"\\\\ff\\\\a.lnk"}},
+        {"c.lnk.bak", {u"ff\\\\*.bak", u"\\ff\\*.l*b?k"}},
+        {"ff\\", {u"\\ff", u"\\ff\\"}},
+        {"\\", {u"\\"}},
+        {"empty\\ ff\\", {u"\\*"}},
+        {"st<F02A>r", {u"\\ff\\st\uF02Ar"}}};
+    for (const auto& [found, patterns] : cases) {
+        for (const std::u16string& pattern : patterns) {
+            EXPECT_EQ(Search(pattern), Words(found)) << platform::ReadableText(pattern);
+        }
     }
     device_.Make({"ff/link>sub"});
-    const std::pair<const WCHAR*, LONG> missing[] = {
-        {u"", ERROR_PATH_NOT_FOUND},
-        {u"\\ff\\a.lnk\\", ERROR_PATH_NOT_FOUND},
-        {u"\\ff\\none", ERROR_FILE_NOT_FOUND},
-        {u"\\ff\\none*", ERROR_FILE_NOT_FOUND},
-        {u"\\none\\*", ERROR_PATH_NOT_FOUND},
-        {u"\\empty\\*", ERROR_FILE_NOT_FOUND},
-        {u"\\f*\\a.lnk", ERROR_PATH_NOT_FOUND},
-        {u"\\ff\\..", ERROR_FILE_NOT_FOUND},
-        {u"\\ff\\sub\\..\\a.lnk", ERROR_PATH_NOT_FOUND},
-        {u"\\ff\\.\\a.lnk", ERROR_PATH_NOT_FOUND},
-        {u"\\ff/a.lnk", ERROR_FILE_NOT_FOUND},
-        {u"\\ff\\a.lnk\\*", ERROR_PATH_NOT_FOUND},
-        {u"\\ff\\link\\x", ERROR_CANT_ACCESS_FILE},
-        {u"\\ff\\LINK\\*", ERROR_CANT_ACCESS_FILE}};
-    for (const auto& [pattern, reason] : missing) {
-        EXPECT_EQ(Search(pattern), Entries()) << platform::ReadableText(pattern);
-        EXPECT_EQ(g_reason, static_cast<DWORD>(reason)) << platform::ReadableText(pattern);
-    }
+    const auto finds = [](const WCHAR* pattern) {
+        WIN32_FIND_DATA data;
+        return FindFirstFileW(pattern, &data) != INVALID_HANDLE_VALUE;
+    };
+    ExpectRefused(finds,
+                  {{ERROR_PATH_NOT_FOUND,
+                    {u"", u"\\ff\\a.lnk\\", u"\\none\\*", u"\\f*\\a.lnk", u"\\ff\\sub\\..\\a.lnk",
+                     u"\\ff\\.\\a.lnk", u"\\ff\\a.lnk\\*"}},
+                   {ERROR_FILE_NOT_FOUND,
+                    {u"\\ff\\none", u"\\ff\\none*", u"\\empty\\*", u"\\ff\\..", u"\\ff/a.lnk"}},
+                   {ERROR_CANT_ACCESS_FILE, {u"\\ff\\link\\x", u"\\ff\\LINK\\*"}}});
 }
 
 TEST_P(DeviceStoreTest, RecordsHaveSizesAndAttributes) {
@@ -245,18 +242,10 @@ TEST_P(DeviceStoreTest, DeletesWhatMayBeDeleted) {
               "d/full/x=3 outside/keep=4"));
     chmod(HostPath("d/locked").c_str(), 0444);
     Open();
-    const std::pair<const WCHAR*, LONG> kept[] = {{u"\\d\\locked", ERROR_ACCESS_DENIED},
-                                                  {u"\\d\\sub", ERROR_ACCESS_DENIED},
-                                                  {u"\\d\\none", ERROR_FILE_NOT_FOUND},
-                                                  {u"\\d\\a\\", ERROR_PATH_NOT_FOUND},
-                                                  {u"\\d\\link\\x", ERROR_CANT_ACCESS_FILE},
-                                                  {u"\\d\\*", ERROR_FILE_NOT_FOUND},
-                                                  {u"", ERROR_FILE_NOT_FOUND},
-                                                  {u"\\", ERROR_FILE_NOT_FOUND}};
-    for (const auto& [path, reason] : kept) {
-        EXPECT_EQ(DeleteFileW(path), 0) << platform::ReadableText(path);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
-    }
+    ExpectRefused(DeleteFileW, {{ERROR_ACCESS_DENIED, {u"\\d\\locked", u"\\d\\sub"}},
+                                {ERROR_FILE_NOT_FOUND, {u"\\d\\none", u"\\d\\*", u"", u"\\"}},
+                                {ERROR_PATH_NOT_FOUND, {u"\\d\\a\\"}},
+                                {ERROR_CANT_ACCESS_FILE, {u"\\d\\link\\x"}}});
     for (const std::u16string& path : Paths{u"\\d\\a", u"\\D\\LINK", u"\\d\\loop", u"\\d\\pipe"}) {
         EXPECT_NE(DeleteFileW(path.c_str()), 0) << platform::ReadableText(path);
     }
@@ -297,27 +286,23 @@ TEST_P(DeviceStoreTest, MovesNeverReplace) {
     Open();
     // Names that are taken, in another case too; places that are not there, names that are none,
     // and a directory's own inside.
-    const std::tuple<const WCHAR*, const WCHAR*, LONG> refused[] = {
-        {u"\\a\\x", u"\\b\\x", ERROR_ALREADY_EXISTS},
-        {u"\\a\\Y", u"\\b\\y", ERROR_ALREADY_EXISTS},
-        {u"\\a\\x", u"\\none\\x", ERROR_PATH_NOT_FOUND},
-        {u"\\a\\x", u"\\file\\x", ERROR_PATH_NOT_FOUND},
-        {u"\\a\\none", u"\\c\\none", ERROR_FILE_NOT_FOUND},
-        {u"\\a\\x", u"\\c\\x\\", ERROR_DIRECTORY},
-        {u"\\a\\x", u"\\c\\a:b", ERROR_INVALID_NAME},
-        {u"\\a\\x", u"", ERROR_INVALID_NAME},
-        {u"\\", u"\\c\\root", ERROR_FILE_NOT_FOUND},
-        {u"\\a\\d", u"\\a\\d\\e", ERROR_INVALID_PARAMETER}};
-    for (const auto& [from, to, reason] : refused) {
-        EXPECT_EQ(MoveFileW(from, to), 0) << platform::ReadableText(to);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(to);
-    }
-    const std::pair<const WCHAR*, const WCHAR*> moved[] = {{u"\\a\\x", u"\\A\\X"},
-                                                           {u"\\a\\d", u"\\\\a\\D\\"},
-                                                           {u"\\A\\X", u"\\c\\New"},
-                                                           {u"\\a\\d", u"\\c\\d"},
-                                                           {u"\\a\\link", u"\\c\\link"}};
-    for (const auto& [from, to] : moved) {
+    const auto move = [](const WCHAR* from) {
+        return [from](const WCHAR* to) { return MoveFileW(from, to); };
+    };
+    ExpectRefused(move(u"\\a\\x"), {{ERROR_ALREADY_EXISTS, {u"\\b\\x"}},
+                                    {ERROR_PATH_NOT_FOUND, {u"\\none\\x", u"\\file\\x"}},
+                                    {ERROR_DIRECTORY, {u"\\c\\x\\"}},
+                                    {ERROR_INVALID_NAME, {u"\\c\\a:b", u""}}});
+    ExpectRefused(move(u"\\a\\Y"), {{ERROR_ALREADY_EXISTS, {u"\\b\\y"}}});
+    ExpectRefused(move(u"\\a\\none"), {{ERROR_FILE_NOT_FOUND, {u"\\c\\none"}}});
+    ExpectRefused(move(u"\\"), {{ERROR_FILE_NOT_FOUND, {u"\\c\\root"}}});
+    ExpectRefused(move(u"\\a\\d"), {{ERROR_INVALID_PARAMETER, {u"\\a\\d\\e"}}});
+    using Move = std::pair<const WCHAR*, const WCHAR*>;
+    for (const auto& [from, to] : {Move{u"\\a\\x", u"\\A\\X"},
+                                   {u"\\a\\d", u"\\\\a\\D\\"},
+                                   {u"\\A\\X", u"\\c\\New"},
+                                   {u"\\a\\d", u"\\c\\d"},
+                                   {u"\\a\\link", u"\\c\\link"}}) {
         EXPECT_NE(MoveFileW(from, to), 0) << platform::ReadableText(to);
     }
     EXPECT_EQ(Listing(), Words("a/ a/Y=2 b/ b/X=3 b/y=4 c/ c/New=1 c/d/ c/d/in=5 c/link> "
@@ -344,15 +329,10 @@ TEST_P(DeviceStoreTest, MadeNamesKeepTheirCaseAndAreUnique) {
     device_.Make({"Dir/"});
     Open();
     EXPECT_NE(CreateDirectoryW(u"\\DIR\\M\u00DCll\\", nullptr), 0);
-    const std::pair<const WCHAR*, LONG> refused[] = {{u"\\dIR", ERROR_ALREADY_EXISTS},
-                                                     {u"\\none\\x", ERROR_PATH_NOT_FOUND},
-                                                     {u"\\Dir\\a?b", ERROR_INVALID_NAME},
-                                                     {u"\\", ERROR_INVALID_NAME},
-                                                     {u"\\dir\\m\u00FCLL", ERROR_ALREADY_EXISTS}};
-    for (const auto& [path, reason] : refused) {
-        EXPECT_EQ(CreateDirectoryW(path, nullptr), 0) << platform::ReadableText(path);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
-    }
+    const auto make = [](const WCHAR* path) { return CreateDirectoryW(path, nullptr); };
+    ExpectRefused(make, {{ERROR_ALREADY_EXISTS, {u"\\dIR", u"\\dir\\m\u00FCLL"}},
+                         {ERROR_PATH_NOT_FOUND, {u"\\none\\x"}},
+                         {ERROR_INVALID_NAME, {u"\\Dir\\a?b", u"\\"}}});
     EXPECT_EQ(Listing(), (Entries{"Dir/", "Dir/M\xC3\x9Cll/"}));
 }
 
@@ -360,17 +340,17 @@ TEST_P(DeviceStoreTest, StreamsOpenRegularFilesOnly) {
     device_.Make({"a=text", "dir/", "pipe|", "link>a", "locked=old"});
     chmod(HostPath("locked").c_str(), 0444);
     Open();
-    const std::tuple<const WCHAR*, const WCHAR*, LONG> refused[] = {
-        {u"\\dir", u"r", ERROR_ACCESS_DENIED},       {u"\\pipe", u"rb", ERROR_ACCESS_DENIED},
-        {u"\\link", u"rb", ERROR_ACCESS_DENIED},     {u"\\none", u"r", ERROR_FILE_NOT_FOUND},
-        {u"\\", u"rb", ERROR_FILE_NOT_FOUND},        {u"", u"rb", ERROR_FILE_NOT_FOUND},
-        {u"\\dir", u"wb", ERROR_ACCESS_DENIED},      {u"\\pipe", u"wb", ERROR_ACCESS_DENIED},
-        {u"\\link", u"wb", ERROR_ACCESS_DENIED},     {u"\\locked", u"wb", ERROR_ACCESS_DENIED},
-        {u"\\no\\dir", u"wb", ERROR_PATH_NOT_FOUND}, {u"\\a", u"a", ERROR_INVALID_PARAMETER}};
-    for (const auto& [path, mode, reason] : refused) {
-        EXPECT_EQ(_wfopen(path, mode), nullptr) << platform::ReadableText(path);
-        EXPECT_EQ(GetLastError(), static_cast<DWORD>(reason)) << platform::ReadableText(path);
+    const auto open = [](const WCHAR* mode) {
+        return [mode](const WCHAR* path) { return _wfopen(path, mode) != nullptr; };
+    };
+    for (const WCHAR* const mode : {u"r", u"rb"}) {
+        ExpectRefused(open(mode), {{ERROR_ACCESS_DENIED, {u"\\dir", u"\\pipe", u"\\link"}},
+                                   {ERROR_FILE_NOT_FOUND, {u"\\none", u"\\", u""}}});
     }
+    ExpectRefused(open(u"wb"),
+                  {{ERROR_ACCESS_DENIED, {u"\\dir", u"\\pipe", u"\\link", u"\\locked"}},
+                   {ERROR_PATH_NOT_FOUND, {u"\\no\\dir"}}});
+    ExpectRefused(open(u"a"), {{ERROR_INVALID_PARAMETER, {u"\\a"}}});
 }
 
 TEST_P(DeviceStoreTest, WrittenFilesArePublishedWhenClosed) {

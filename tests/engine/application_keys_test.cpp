@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "core/option_table.h"
 #include "tests/support/apply_device.h"
 

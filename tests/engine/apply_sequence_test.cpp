@@ -1,5 +1,3 @@
-#include <gtest/gtest.h>
-
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"

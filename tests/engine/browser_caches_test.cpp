@@ -1,7 +1,5 @@
 #include "engine/browser_caches.h"
 
-#include <gtest/gtest.h>
-
 #include "core/option_table.h"
 #include "tests/support/apply_device.h"
 
@@ -34,15 +32,13 @@ TEST(BrowserCachesTest, ClearsAndMovesDirectories) {
         Entries left;
         std::string after;
         std::uint32_t bytes;
-    } cases[] = {
-        {kBoth, kClear, nullptr, 0, kCleared, kBoth, 8},
-        {kBoth, kForget, nullptr, 0, kForgotten, kBoth, 2},
-        {kBoth, kMove, u"\\N\\", 0, kEmptied, kMoved, 8},
-        {kBoth, kClear | kMove, u"\\N\\", 0, kCleared, kMoved, 8},
-        {kBoth, kMove, u"", 0, kUntouched, kBoth, 0},
-        {"", kClear | kForget | kMove, u"\\N\\", 6, kUntouched, "", 0},
-        {kOther, kClear | kMove, u"\\N\\", 2, kUntouched, kOther, 0},
-    };
+    } cases[] = {{kBoth, kClear, nullptr, 0, kCleared, kBoth, 8},
+                 {kBoth, kForget, nullptr, 0, kForgotten, kBoth, 2},
+                 {kBoth, kMove, u"\\N\\", 0, kEmptied, kMoved, 8},
+                 {kBoth, kClear | kMove, u"\\N\\", 0, kCleared, kMoved, 8},
+                 {kBoth, kMove, u"", 0, kUntouched, kBoth, 0},
+                 {"", kClear | kForget | kMove, u"\\N\\", 6, kUntouched, "", 0},
+                 {kOther, kClear | kMove, u"\\N\\", 2, kUntouched, kOther, 0}};
     for (const auto& test : cases) {
         SCOPED_TRACE(test.before + std::to_string(test.mask));
         const ApplyResult result =
@@ -120,11 +116,9 @@ TEST(BrowserCachesTest, WritesTheChosenLimit) {
         const char* key;
         const char* name;
         const char* written[3];  // by position
-    } cases[] = {
-        {OPT_LIMIT_IE_CACHE, "Content", "cache", {"00000400", "00000800", "00000c00"}},
-        {OPT_LIMIT_IE_HISTORY, "History", "history", {"00000100", "00000200", "00000400"}},
-        {OPT_LIMIT_IE_COOKIES, "Cookies", "cookie", {"00000100", "00000200", "00000400"}},
-    };
+    } cases[] = {{OPT_LIMIT_IE_CACHE, "Content", "cache", {"00000400", "00000800", "00000c00"}},
+                 {OPT_LIMIT_IE_HISTORY, "History", "history", {"00000100", "00000200", "00000400"}},
+                 {OPT_LIMIT_IE_COOKIES, "Cookies", "cookie", {"00000100", "00000200", "00000400"}}};
     for (const auto& test : cases) {
         for (const std::int32_t position : {0, 1, 2, 3, -1, 2147483647}) {
             const char* const written = test.written[position < 0 || position > 2 ? 1 : position];

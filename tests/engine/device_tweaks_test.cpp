@@ -1,7 +1,5 @@
 #include "engine/device_tweaks.h"
 
-#include <gtest/gtest.h>
-
 #include <tuple>
 
 #include "core/option_table.h"

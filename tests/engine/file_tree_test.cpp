@@ -1,6 +1,5 @@
 #include "engine/file_tree.h"
 
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -1,7 +1,5 @@
 #include "engine/folder_relocation.h"
 
-#include <gtest/gtest.h>
-
 #include "core/option_table.h"
 #include "tests/support/apply_device.h"
 #include "tests/support/files_alone.h"

@@ -21,10 +21,10 @@ PRESSED = 'Pocket IE'
 # Role, name, place on the screen in its pixels, text.
 SEEN = [
     ('frame', None, (0, 0, 240, 320), None),
-    ('push button', 'OK', (203, 3, 34, 20), None),
+    ('button', 'OK', (203, 3, 34, 20), None),
     ('page tab', 'Pocket IE', (97, 273, 59, 19), None),
-    ('push button', 'Previous tabs', (212, 273, 14, 21), None),
-    ('push button', 'Next tabs', (226, 273, 14, 21), None),
+    ('button', 'Previous tabs', (212, 273, 14, 21), None),
+    ('button', 'Next tabs', (226, 273, 14, 21), None),
     ('check box', 'Limit Pocket IE Cache', (6, 110, 142, 18), None),
     ('combo box', 'Limit Pocket IE Cache', (150, 110, 70, 20), '1024 kb'),
     ('text', 'Move AvantGo Cache', (6, 194, 160, 18), '\\Storage Card\\AvantGo\\'),
@@ -41,6 +41,11 @@ def below(item):
             yield from below(child)
 
 
+def role_of(item):
+    """Older libraries name a button after how it is pressed."""
+    return item.getRoleName().removeprefix('push ')
+
+
 def find(role, name):
     """The object in view; None until it is there."""
     desktop = pyatspi.Registry.getDesktop(0)
@@ -48,7 +53,7 @@ def find(role, name):
         program = desktop.getChildAtIndex(index)
         if program is not None and program.name == 'fennelbright':
             for item in below(program):
-                if item.getRoleName() == role and name in (None, item.name):
+                if role_of(item) == role and name in (None, item.name):
                     return item
     return None
 

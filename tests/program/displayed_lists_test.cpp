@@ -5,7 +5,6 @@
 #include <QTreeWidget>
 #include <algorithm>
 #include <filesystem>
-#include <string>
 
 #include "tests/support/apply_device.h"
 #include "tests/support/display_fixture.h"
@@ -24,10 +23,6 @@ QListView& List(int id) {
 
 QTreeWidget* Tree() {
     return Host().findChild<QTreeWidget*>();
-}
-
-auto Tap(int id) {
-    return [id] { Click(Control(id)); };
 }
 
 auto Select(int id, const char* text) {

@@ -2,7 +2,6 @@
 
 #include <QCheckBox>
 #include <QLabel>
-#include <string>
 #include <tuple>
 
 #include "core/application.h"

@@ -31,6 +31,8 @@ start() {
 
 ended() { wait "$running" || fail "the program did not end well: $*"; }
 
+stop() { kill -TERM "$running"; ended "$@"; }
+
 # Starts a display of this size; the other words are the server's.
 open_display() {
   Xvfb -noreset -displayfd 3 -screen 0 "$1x24" "${@:2}" 3>"$scratch/number" 2>/dev/null &
@@ -87,8 +89,7 @@ answer "^Choose the handheld" type "$scratch/mine"
 xdotool key Return
 answer "^Fennelbright$" key Return  # "Yes"
 window_of "$scratch/mine"
-kill -TERM "$running"
-ended "on a device that it made"
+stop "on a device that it made"
 [ -s "$scratch/mine/registry.reg" ] || fail "no device was made"
 
 # A typeface that is missing is named with its package.
@@ -96,8 +97,7 @@ mkdir "$scratch/typefaces"
 cp /usr/share/fonts/truetype/dejavu/DejaVuSans.ttf "$scratch/typefaces"
 echo "<fontconfig><dir>$scratch/typefaces</dir><cachedir>$scratch/fonts</cachedir></fontconfig>" >"$scratch/fonts.conf"
 FONTCONFIG_FILE=$scratch/fonts.conf start 2>"$scratch/errors"
-kill -TERM "$running"
-ended "with another typeface"
+stop "with another typeface"
 grep -q "fonts-dejavu-extra" "$scratch/errors" || fail "no typeface is missed: $(<"$scratch/errors")"
 
 # A folder that its user browses for and ticks is cleaned, and no other, at whatever pace.
@@ -111,8 +111,7 @@ for pause in 0.3 1 3; do
   done
   xdotool key F10 Right Up Return
   appears "Cleaning Finished"
-  kill -TERM "$running"
-  ended "when it was asked to at a box"
+  stop "when it was asked to at a box"
   [ -e "$scratch/mine/files/My Documents/Personal/Budget.pxl" ] || break
 done
 [ ! -e "$scratch/mine/files/My Documents/Personal/Letters/Landlord.psw" ] || fail "not browsed for"
@@ -126,8 +125,7 @@ after=$(mask)
 [ $((0x${before// /} ^ 0x${after// /})) -eq 1 ] || fail "the tick is not in the settings: $before, then$after"
 
 start
-kill -TERM "$running"
-ended "when it was asked to"
+stop "when it was asked to"
 [ "$(mask)" = "$after" ] || fail "the settings have changed"
 
 # A rehearsal says that it is one, and reports what it leaves alone; its screen is lower by the frame.
@@ -198,6 +196,19 @@ wait "$running" && fail "settings that are lost are no failure"
 rmdir "$settings"
 cp "$scratch/kept" "$settings"
 
+# On a card that never had the program, its settings get their folder, and not before they are written.
+for rehearsed in --rehearse ""; do
+  ok=$([ -n "$rehearsed" ] && echo "450 66" || echo "440 26")
+  rm -rf "$device/files/Program Files"
+  start "$device" --report $rehearsed >"$scratch/report"
+  xdotool mousemove --window "$window" $ok click 1
+  ended "where its folder is missing"
+  grep -q 'made directory \\Program Files\\Fennelbright$' "$scratch/report" || fail "no folder: $(<"$scratch/report")"
+  [ -z "$rehearsed" ] || [ ! -e "$device/files/Program Files" ] || fail "a rehearsal has made a folder"
+done
+[ -s "$settings" ] || fail "the settings are not in a new folder"
+cp "$scratch/kept" "$settings"
+
 # On a display that is too small its user is told, and reaches the menus.
 open_display 200x250
 start 2>"$scratch/errors"
@@ -206,8 +217,7 @@ xdotool windowfocus --sync "$window" key F10
 until menu=$(xdotool search --onlyvisible --class fennelbright 2>/dev/null | grep -vx "$window"); do sleep 0.1; done
 eval "$(xdotool getwindowgeometry --shell "$menu")"
 [ $((Y + HEIGHT)) -le 250 ] || fail "a menu is below the display: $Y + $HEIGHT"
-kill -TERM "$running"
-ended "on a small display"
+stop "on a small display"
 
 # The boxes of a silent run wait for their user. When the display breaks off, they are lines.
 rm "$device/registry.reg"

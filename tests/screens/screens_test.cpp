@@ -1,12 +1,8 @@
 #include "screens/screens.h"
 
-#include <gtest/gtest.h>
-
 #include <array>
 #include <set>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "core/application.h"
 #include "shell/main_windows.h"
@@ -48,24 +44,25 @@ void ExpectControls(InteractiveProgram& program, UINT shown) {
     for (const ControlRow& row : kControlRows) {
         const FakeWindow& control = program.Control(row.screen, items.at(row.screen)++);
         const RECT& at = control.bounds;
-        EXPECT_EQ(std::tuple(control.className, control.text, control.style, at.left,
-                             at.top + page.scroll.nPos, at.right - at.left, at.bottom - at.top,
-                             control.id, control.parent, control.visible),
-                  std::tuple(row.className, row.text, row.style, row.x, row.y, row.width,
-                             row.height, row.id, g_DisplayWindow->Window(), row.screen == shown));
+        EXPECT_EQ(
+            std::tuple(control.className, control.text, control.style, at.left,
+                       at.top + page.scroll.nPos, at.right - at.left, at.bottom - at.top,
+                       control.id, control.parent, control.visible),
+            std::tuple(row.kind.className, row.text, row.kind.style, row.x, row.y, row.width,
+                       row.kind.height, row.id, g_DisplayWindow->Window(), row.screen == shown));
     }
     EXPECT_EQ(program.windows.windows.size(), std::size(kControlRows) + 4);
 }
 
 TEST(Screens, ControlsAreMadeWithTheirFirstContent) {
+    using Texts = std::vector<std::u16string>;
     InteractiveProgram program;
     program.Run({[&] {
         ExpectControls(program, 0);
-        const std::vector<std::u16string> limits = {u"256 kb", u"512 kb", u"1024 kb"};
-        EXPECT_EQ(program.Control(1, 6).entries,
-                  (std::vector<std::u16string>{u"1024 kb", u"2048 kb", u"3072 kb"}));
-        EXPECT_EQ(program.Control(1, 8).entries, limits);
-        EXPECT_EQ(program.Control(1, 10).entries, limits);
+        EXPECT_EQ(program.Control(1, 6).entries, (Texts{u"1024 kb", u"2048 kb", u"3072 kb"}));
+        for (const UINT limit : {8U, 10U}) {
+            EXPECT_EQ(program.Control(1, limit).entries, (Texts{u"256 kb", u"512 kb", u"1024 kb"}));
+        }
         EXPECT_EQ(program.Control(1, 10).position, 0);
         EXPECT_EQ(program.Control(5, 1).highest, 2);
         EXPECT_EQ(program.Control(5, 1).position, 0);

@@ -1,72 +1,39 @@
 // The searches, the startup list and what becomes of what is selected in them.
 
-#include <gtest/gtest.h>
 #include <sys/xattr.h>
 
-#include <algorithm>
-
 #include "core/application.h"
-#include "platform/text/readable_text.h"
+#include "screens/screens.h"
 #include "search/startup_list.h"
 #include "search/tree_search.h"
 #include "shell/main_windows.h"
-#include "tests/support/apply_device.h"
 #include "tests/support/files_alone.h"
+#include "tests/support/interactive_program.h"
 
 namespace {
 
-// Keeps what is added to the one list, and counts the windows.
-class OneList : public CollectedBoxes {
-  public:
-    HWND CreateWindowExW(DWORD, const WCHAR* className, const WCHAR*, DWORD, int, int, int, int,
-                         HWND, HMENU, HINSTANCE, void*) override {
-        made.push_back(platform::ReadableText(className));
-        return this;
-    }
-    BOOL DestroyWindow(HWND /*window*/) override {
-        ++destroyed;
-        return 1;
-    }
-    LRESULT SendMessageW(HWND /*window*/, UINT message, WPARAM wParam, LPARAM lParam) override {
-        if (message == LB_ADDSTRING) {
-            entries.push_back(platform::ReadableText(
-                reinterpret_cast<const WCHAR*>(lParam)));  // NOLINT(performance-no-int-to-ptr)
-        } else if (message == LB_SETHORIZONTALEXTENT) {
-            extents.push_back(wParam);
-        }
-        return 0;
-    }
-
-    Entries entries;
-    Entries made;
-    std::vector<WPARAM> extents;
-    int destroyed = 0;
-};
-
 class SearchTest : public testing::Test {
   protected:
-    void SetUp() override { g_DisplayWindow = &display_; }
-    void TearDown() override { g_DisplayWindow = nullptr; }
-
-    // What a search lists, sorted.
+    // What a search of the running program lists, sorted.
     template <typename Search>
     Entries Found(Search search) {
-        FilesAlone store(device_.OpenFiles());
-        const platform::StoreInUse storeInUse(store);
-        const platform::WindowsInUse windowsInUse(windows_);
-        windows_.entries.clear();
-        windows_.made.clear();
-        windows_.destroyed = 0;
-        search();
-        std::sort(windows_.entries.begin(), windows_.entries.end());
-        return windows_.entries;
+        Entries found;
+        program_.Run({[&] {
+            const HWND list = g_Screens->GetScreenItems(0).ItemAt(11);
+            program_.windows.calls.clear();
+            search(list);
+            calls_ = program_.windows.calls;
+            for (const std::u16string& entry : program_.windows.At(list).entries) {
+                found.push_back(platform::ReadableText(entry.c_str()));
+            }
+        }});
+        std::sort(found.begin(), found.end());
+        return found;
     }
 
-    TemporaryDevice device_;
-    OneList windows_;
-
-  private:
-    CDisplayWindow display_;
+    InteractiveProgram program_;
+    const TemporaryDevice& device_ = program_.device;
+    Entries calls_;  // that the last search made
 };
 
 TEST_F(SearchTest, TemporaryDirectoriesAreFoundByTheirNames) {
@@ -78,11 +45,16 @@ TEST_F(SearchTest, TemporaryDirectoriesAreFoundByTheirNames) {
     if (!hides) {
         expected.insert(expected.end() - 1, "\\secret\\Temp\\");
     }
-    EXPECT_EQ(Found([] { SearchTempDirectories(nullptr, u"\\"); }), expected);
-    EXPECT_EQ(windows_.made, (Entries{"SEARCHING", "STATIC"})) << "one indicator for the search";
-    EXPECT_EQ(windows_.destroyed, 2);
-    EXPECT_EQ(Found([] { SearchTempDirectories(nullptr, u"\\none"); }), Entries());
-    EXPECT_EQ(windows_.made.size(), 2U) << "the indicator comes before the first look";
+    EXPECT_EQ(Found([](HWND list) { SearchTempDirectories(list, u"\\"); }), expected);
+    const Entries indicator = calls_;
+    EXPECT_EQ(indicator,
+              (Entries{"UnregisterClassW SEARCHING", "RegisterClassW SEARCHING",
+                       "CreateWindowExW SEARCHING", "UpdateWindow SEARCHING",
+                       "ShowWindow SEARCHING 1", "CreateWindowExW STATIC", "UpdateWindow STATIC",
+                       "ShowWindow STATIC 1", "DestroyWindow STATIC", "DestroyWindow SEARCHING"}))
+        << "one indicator for the search";
+    EXPECT_EQ(Found([](HWND list) { SearchTempDirectories(list, u"\\none"); }), Entries());
+    EXPECT_EQ(calls_, indicator) << "it comes before the first look";
 }
 
 TEST_F(SearchTest, FilesAreFoundByThreeCharactersOfTheirExtensions) {
@@ -97,8 +69,8 @@ TEST_F(SearchTest, FilesAreFoundByThreeCharactersOfTheirExtensions) {
     };
     for (const auto& [extension, found] : cases) {
         const WCHAR* const wanted = extension;
-        EXPECT_EQ(Found([wanted] { SearchFiles(nullptr, wanted, u"\\"); }), found);
-        EXPECT_EQ(windows_.made.empty(), wanted == nullptr);
+        EXPECT_EQ(Found([wanted](HWND list) { SearchFiles(list, wanted, u"\\"); }), found);
+        EXPECT_EQ(calls_.empty(), wanted == nullptr);
     }
 }
 
@@ -106,10 +78,13 @@ TEST_F(SearchTest, TheExtentFollowsTheLongestPathAlone) {
     const std::string name(23, 'n');
     device_.Make({"d1/" + name + ".one=", "d2/" + name + "xxxx.two=", "d3/" + name + "yyyy.two=",
                   "d4/" + name + "xxxxx.six="});
+    Entries extents;
     for (const WCHAR* const extension : {u"one", u"two", u"one", u"six"}) {
-        Found([extension] { SearchFiles(nullptr, extension, u"\\"); });
+        Found([extension](HWND list) { SearchFiles(list, extension, u"\\"); });
+        std::ranges::copy_if(calls_, std::back_inserter(extents),
+                             [](const auto& call) { return call.starts_with("LB_"); });
     }
-    EXPECT_EQ(windows_.extents, (std::vector<WPARAM>{210, 216}));
+    EXPECT_EQ(extents, (Entries{"LB_SETHORIZONTALEXTENT 210", "LB_SETHORIZONTALEXTENT 216"}));
 }
 
 TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
@@ -120,13 +95,26 @@ TEST_F(SearchTest, PathsThatDoNotFitAreNotCut) {
     for (const std::size_t length : {13U, 14U, 1U}) {
         device_.Make({std::string(path).append(length, 'y').append(".tmp=")});
     }
-    EXPECT_EQ(Found([] { SearchFiles(nullptr, u"tmp", u"\\"); }).size(), 2U);
+    EXPECT_EQ(Found([](HWND list) { SearchFiles(list, u"tmp", u"\\"); }).size(), 2U);
+}
+
+// As in a silent run.
+TEST_F(SearchTest, ASearchNeedsNoWindow) {
+    FilesAlone store(device_.OpenFiles());
+    CollectedBoxes windows;
+    const platform::StoreInUse storeInUse(store);
+    const platform::WindowsInUse windowsInUse(windows);
+    CDisplayWindow page;
+    g_DisplayWindow = &page;
+    SearchFiles(nullptr, u"tmp", u"\\");
+    g_DisplayWindow = nullptr;
+    EXPECT_EQ(windows.boxes, Entries());
 }
 
 TEST_F(SearchTest, TheStartupListHasTheShortcutsAlone) {
     device_.Make({"Windows/StartUp/b.lnk=", "Windows/StartUp/A.LNK=", "Windows/StartUp/x.lnk.bak=",
                   "Windows/StartUp/sub/c.lnk="});
-    EXPECT_EQ(Found([] { FillStartupList(nullptr); }), (Entries{"A.LNK", "b.lnk"}));
+    EXPECT_EQ(Found(FillStartupList), (Entries{"A.LNK", "b.lnk"}));
 }
 
 }  // namespace

@@ -1,12 +1,8 @@
 #include "shell/window_procedure.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <optional>
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "core/application.h"
 #include "engine/apply_sequence.h"
@@ -44,33 +40,29 @@ TEST(Shell, EveryMessageHasItsResult) {
 
 TEST(Shell, ScrollCodesMoveThePage) {
     const struct {
-        WORD code;
-        WORD thumb;
-        int position;
-        int highest;
-        UINT page;
-        int newPosition;
+        WORD code, thumb;
+        int position, newPosition;
         const char* moved;  // nothing: the page stays where it is
-    } cases[] = {
-        {SB_LINEUP, 0, 0, 155, 3, 0, ""},
-        {SB_LINEUP, 0, 1, 155, 3, 0, "3"},
-        {SB_LINEUP, 0, 30, 155, 3, 27, "3"},
-        {SB_LINEDOWN, 0, 0, 155, 3, 3, "-3"},
-        {SB_LINEDOWN, 0, 152, 155, 3, 155, "-3"},
-        {SB_LINEDOWN, 0, 153, 155, 3, 153, ""},
-        {SB_LINEDOWN, 0, 154, 155, 0, 155, "-3"},
-        {SB_LINEDOWN, 0, 0, 0, 3, 0, ""},
-        {SB_PAGEUP, 0, 30, 155, 3, 27, "3"},
-        {SB_PAGEUP, 0, 0, 155, 3, 0, "3"},
-        {SB_PAGEDOWN, 0, 30, 155, 7, 37, "-7"},
-        {SB_THUMBPOSITION, 100, 30, 155, 3, 100, "-70"},
-        {SB_THUMBPOSITION, 0xFFFF, 30, 155, 3, 155, "-65505"},
-        {SB_THUMBTRACK, 100, 30, 155, 3, 30, ""},
-        {SB_TOP, 0, 30, 155, 3, 0, "30"},
-        {SB_BOTTOM, 0, 30, 155, 3, 155, "-125"},
-        {SB_ENDSCROLL, 0, 30, 155, 3, 30, ""},
-        {99, 0, 30, 155, 3, 30, ""},
-    };
+        int highest = 155;
+        UINT page = 3;
+    } cases[] = {{SB_LINEUP, 0, 0, 0, ""},
+                 {SB_LINEUP, 0, 1, 0, "3"},
+                 {SB_LINEUP, 0, 30, 27, "3"},
+                 {SB_LINEDOWN, 0, 0, 3, "-3"},
+                 {SB_LINEDOWN, 0, 152, 155, "-3"},
+                 {SB_LINEDOWN, 0, 153, 153, ""},
+                 {SB_LINEDOWN, 0, 154, 155, "-3", 155, 0},
+                 {SB_LINEDOWN, 0, 0, 0, "", 0},
+                 {SB_PAGEUP, 0, 30, 27, "3"},
+                 {SB_PAGEUP, 0, 0, 0, "3"},
+                 {SB_PAGEDOWN, 0, 30, 37, "-7", 155, 7},
+                 {SB_THUMBPOSITION, 100, 30, 100, "-70"},
+                 {SB_THUMBPOSITION, 0xFFFF, 30, 155, "-65505"},
+                 {SB_THUMBTRACK, 100, 30, 30, ""},
+                 {SB_TOP, 0, 30, 0, "30"},
+                 {SB_BOTTOM, 0, 30, 155, "-125"},
+                 {SB_ENDSCROLL, 0, 30, 30, ""},
+                 {99, 0, 30, 30, ""}};
     InteractiveProgram program;
     program.Run({[&] {
         FakeWindow& page = program.windows.At(g_DisplayWindow->Window());
@@ -130,12 +122,10 @@ TEST(Shell, ApplyReportsWhatItFreedAndDecidesAboutTheRestart) {
         Texts boxes;
         int restarts;
         std::string saved;  // by the Apply
-    } cases[] = {
-        {kCommandApplyAllowRestart, false, freed, 0, ""},
-        {kCommandApplyAllowRestart, true, freed, 1, "\x04\0\x80\0"s},
-        {kCommandApplyDeferRestart, false, freed, 0, ""},
-        {kCommandApplyDeferRestart, true, required, 0, ""},
-    };
+    } cases[] = {{kCommandApplyAllowRestart, false, freed, 0, ""},
+                 {kCommandApplyAllowRestart, true, freed, 1, "\x04\0\x80\0"s},
+                 {kCommandApplyDeferRestart, false, freed, 0, ""},
+                 {kCommandApplyDeferRestart, true, required, 0, ""}};
     for (const auto& expected : cases) {
         SCOPED_TRACE(std::to_string(expected.command) + (expected.ticked ? " ticked" : ""));
         InteractiveProgram program({"Temp/a=12345"});

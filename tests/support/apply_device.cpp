@@ -1,7 +1,5 @@
 #include "tests/support/apply_device.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 #include "core/application.h"

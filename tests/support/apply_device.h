@@ -2,8 +2,6 @@
 
 #include <cerrno>
 #include <cstdint>
-#include <string>
-#include <vector>
 
 #include "core/platform_types.h"
 #include "platform/seam/device_store.h"

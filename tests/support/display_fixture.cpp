@@ -1,5 +1,7 @@
 #include "tests/support/display_fixture.h"
 
+#include <QWheelEvent>
+
 #include "core/window_operations.h"
 #include "platform/display/window_module_loader.h"
 
@@ -57,6 +59,13 @@ void Click(QWidget& widget, QPoint at) {
     QTest::mouseClick(&widget, Qt::LeftButton, Qt::NoModifier, at);
 }
 
+bool TurnWheel(QWidget& widget, QPoint units) {
+    QWheelEvent wheel(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, units, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &wheel);
+    return wheel.isAccepted();
+}
+
 void RepeatKey(QWidget& widget, Qt::Key key, bool seen) {
     for (const QEvent::Type type : {QEvent::KeyRelease, QEvent::KeyPress}) {
         QKeyEvent event(type, key, Qt::NoModifier, {}, seen);
@@ -91,6 +100,19 @@ HWND WindowsTest::Add(const WCHAR* className, DWORD style, const RECT& place, in
     return CreateWindowExW(0, className, text, style | WS_CHILD | WS_VISIBLE, place.left, place.top,
                            place.right - place.left, place.bottom - place.top, page_,
                            reinterpret_cast<HMENU>(static_cast<DWORD_PTR>(id)), nullptr, nullptr);
+}
+
+HWND WindowsTest::AddTabs(std::initializer_list<std::u16string> labels) {
+    const HWND tabs =
+        CreateWindowExW(0, TEXT("SysTabControl32"), TEXT(""), WS_CHILD | WS_VISIBLE | TCS_BOTTOM, 0,
+                        0, 240, 268, main_, nullptr, nullptr, nullptr);
+    WPARAM index = 0;
+    for (std::u16string label : labels) {
+        TCITEM item = {TCIF_TEXT, 0, 0, label.data(), 0, -1, 0};
+        EXPECT_EQ(Send(tabs, TCM_INSERTITEM, index, &item), static_cast<LRESULT>(index));
+        ++index;
+    }
+    return tabs;
 }
 
 void WindowsTest::Dispatch() {

@@ -37,6 +37,9 @@ QWidget& Control(int id);
 // Taps a widget, in its middle if no place is given.
 void Click(QWidget& widget, QPoint at = {});
 
+// Turns the wheel above a widget. Returns whether that was used.
+bool TurnWheel(QWidget& widget, QPoint units);
+
 // What a key that is held down sends again and again, whether or not the toolkit has seen that.
 void RepeatKey(QWidget& widget, Qt::Key key, bool seen = true);
 
@@ -59,6 +62,9 @@ class WindowsTest : public testing::Test {
     // Makes a control on the page.
     HWND Add(const WCHAR* className, DWORD style, const RECT& place, int id,
              const WCHAR* text = TEXT(""));
+
+    // Makes the tabs at the foot of the main window, with these labels.
+    HWND AddTabs(std::initializer_list<std::u16string> labels);
 
     // Takes and dispatches what waits in the queue, and what comes of it, until none is left.
     static void Dispatch();

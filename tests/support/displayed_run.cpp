@@ -4,7 +4,6 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTimer>
-#include <string>
 
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
@@ -76,6 +75,10 @@ class NotingStore : public platform::ForwardingStore {
 };
 
 }  // namespace
+
+std::function<void()> Tap(int id) {
+    return [id] { Click(Control(id)); };
+}
 
 void NextTab() {
     QTest::keyClick(&Host(), Qt::Key_Tab, Qt::ControlModifier);

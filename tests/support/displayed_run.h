@@ -4,12 +4,14 @@
 #include <deque>
 #include <functional>
 #include <initializer_list>
-#include <vector>
 
 #include "tests/support/temporary_device.h"
 
 // What a user does, a step each time that the program waits.
 using Steps = std::vector<std::function<void()>>;
+
+// The step that taps a control.
+std::function<void()> Tap(int id);
 
 void NextTab();
 

@@ -1,14 +1,10 @@
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <deque>
 #include <functional>
 #include <map>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "core/application.h"
 #include "core/wide_text.h"
@@ -32,7 +28,7 @@ struct FakeWindow {
     int position = -1;                      // of combo box, slider or tab control
     int lowest = 0;                         // position of a slider
     int highest = 100;                      // the same
-    std::vector<std::u16string> entries{};  // of combo box or tab control
+    std::vector<std::u16string> entries{};  // of combo box, list box or tab control
     SCROLLINFO scroll{sizeof(SCROLLINFO), SIF_ALL, 0, 100, 0, 0, 0};
     SCROLLINFO scrollGiven{};  // to SetScrollInfo last
 };
@@ -61,8 +57,9 @@ class FakeWindows : public CollectedBoxes {
 
     WORD RegisterClassW(const WNDCLASS* windowClass) override {
         EXPECT_TRUE(windowClass->style == 3 && windowClass->hInstance == g_Instance);
-        EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground), 0x40000005u);
         const std::u16string key = KeyOf(windowClass->lpszClassName);
+        EXPECT_EQ(reinterpret_cast<DWORD_PTR>(windowClass->hbrBackground),
+                  key == u"searching" ? 0x40000001u : 0x40000005u);
         return Goes("RegisterClassW " + platform::ReadableText(windowClass->lpszClassName)) &&
                windowClass->lpfnWndProc != nullptr && !kControlClasses.contains(key) &&
                classes_.emplace(key, windowClass->lpfnWndProc).second;
@@ -334,6 +331,7 @@ class FakeWindows : public CollectedBoxes {
             case WM_SETTEXT:
                 return SetText(handle, control, TextOf(lParam));
             case CB_ADDSTRING:
+            case LB_ADDSTRING:
                 control.entries.emplace_back(TextOf(lParam));
                 return static_cast<LRESULT>(control.entries.size()) - 1;
             case CB_SETCURSEL:
@@ -361,6 +359,9 @@ class FakeWindows : public CollectedBoxes {
                 *area = {area->left + 4, area->top + 4, area->right - 4, area->bottom - 25};
                 return 0;
             }
+            case LB_SETHORIZONTALEXTENT:
+                Goes("LB_SETHORIZONTALEXTENT " + std::to_string(wParam));
+                return 0;
             case LB_GETSELCOUNT:
                 return 0;
             default:

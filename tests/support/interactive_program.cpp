@@ -1,9 +1,5 @@
 #include "tests/support/interactive_program.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdio>
-
 #include "core/application.h"
 #include "core/win_main.h"
 #include "platform/device/assembled_device.h"
@@ -12,21 +8,6 @@
 #include "tests/support/failing_store.h"
 
 namespace {
-
-// Has no room for files where `full` says so.
-class TestedStore : public FailingStore {
-  public:
-    TestedStore(platform::DeviceStore& store, const bool& full)
-        : FailingStore(store, 0), full_(full) {}
-
-    std::FILE* _wfopen(const WCHAR* path, const WCHAR* mode) override {
-        return full_ && mode[0] == u'w' ? std::fopen("/dev/full", "wb")
-                                        : files()._wfopen(path, mode);
-    }
-
-  private:
-    const bool& full_;
-};
 
 // What the end of the process does to what it has left.
 void EndProcess() {
@@ -50,8 +31,7 @@ InteractiveProgram::InteractiveProgram(const Entries& entries) : device(entries)
 int InteractiveProgram::Run(const Steps& steps) {
     platform::AssembledDevice store(device.OpenFiles(), u"\\App\\Fennelbright.exe",
                                     device.OpenRegistry(), ThrowRestarted);
-    TestedStore tested(store, full);
-    const platform::StoreInUse storeInUse(tested);
+    const platform::StoreInUse storeInUse(store);
     const platform::WindowsInUse windowsInUse(windows);
     windows.steps.assign(steps.begin(), steps.end());
     std::u16string noWords;

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <functional>
-#include <string>
-#include <vector>
 
 #include "tests/support/fake_windows.h"
 #include "tests/support/temporary_device.h"
@@ -32,7 +30,6 @@ class InteractiveProgram {
 
     TemporaryDevice device;
     FakeWindows windows;
-    bool full = false;  // the device has no room for a file
     std::string notes;  // on standard error
     int restarts = 0;   // 1 when a restart of the device has ended the run
 };

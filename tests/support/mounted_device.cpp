@@ -1,7 +1,6 @@
 #include "tests/support/mounted_device.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
 #include <unistd.h>

@@ -1,8 +1,5 @@
 #pragma once
 
-#include <string>
-#include <vector>
-
 #include "tests/support/temporary_device.h"
 
 // Puts this process into a mount namespace of its own; as an ordinary user it becomes root of a

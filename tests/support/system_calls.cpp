@@ -1,8 +1,10 @@
 #include "tests/support/system_calls.h"
 
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -34,6 +36,19 @@ int Call(long number, Arguments... arguments) {
 }
 
 }  // namespace
+
+int RunWithFault(const SystemCalls& calls, const std::function<int()>& work) {
+    const pid_t child = fork();
+    if (child == 0) {
+        g_calls = calls;
+        const int result = work();
+        _exit(g_calls.faultAt > 0 ? kNoSuchCall : result);
+    }
+    int status = 0;
+    EXPECT_EQ(waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFEXITED(status) || (calls.error == 0 && WTERMSIG(status) == SIGKILL));
+    return WIFEXITED(status) ? WEXITSTATUS(status) : kKilled;
+}
 
 extern "C" {
 

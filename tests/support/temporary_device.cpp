@@ -1,7 +1,6 @@
 #include "tests/support/temporary_device.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <algorithm>

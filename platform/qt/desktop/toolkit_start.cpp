@@ -11,6 +11,7 @@
 #include <cstdio>
 
 #include "platform/qt/base/handheld_style.h"
+#include "platform/qt/controls/accessible_controls.h"
 #include "platform/qt/desktop/accessible_places.h"
 
 namespace platform::qt {
@@ -124,6 +125,7 @@ std::unique_ptr<QApplication> StartToolkit(double scale) {
     auto application = std::make_unique<QApplication>(count, words);
     qInstallMessageHandler(before);
     ApplyHandheldStyle(*application);
+    DescribeControls();
     new AccessiblePlaces(application.get());  // the application's own
     return application;
 }

@@ -3,7 +3,6 @@
 #include "platform/device/assembled_device.h"
 
 #include <fcntl.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 

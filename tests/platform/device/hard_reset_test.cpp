@@ -1,9 +1,5 @@
 #include "platform/device/hard_reset.h"
 
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <filesystem>
 
@@ -15,20 +11,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-enum Ended { kErased, kNotErased, kKilled, kNoSuchCall };
+enum Ended { kErased, kNotErased };
 
-Ended EraseWithFault(const std::string& path, int number, int error) {
-    const pid_t child = fork();
-    if (child == 0) {
-        g_calls.faultAt = number;
-        g_calls.error = error;
+int EraseWithFault(const std::string& path, int number, int error) {
+    return RunWithFault({.faultAt = number, .error = error}, [&path] {
         const auto device = platform::OpenDeviceDirectory(path.c_str());
-        const auto erased = platform::EraseDevice(device->directory.get(), "1");
-        _exit(g_calls.faultAt > 0 ? kNoSuchCall : erased ? kErased : kNotErased);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return WIFSIGNALED(status) ? kKilled : static_cast<Ended>(WEXITSTATUS(status));
+        return platform::EraseDevice(device->directory.get(), "1") ? kErased : kNotErased;
+    });
 }
 
 bool OpensAsDevice(const std::string& path) {
@@ -42,16 +31,14 @@ struct Case {
     Entries after;
 };
 
-const Case kCases[] = {
-    {{"erased-1/", "files/", "files/f=1", "last-run.txt=\n", "registry.reg=\n"},
-     {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1", "erased-1-2/registry.reg=\n",
-      "erased-1/", "files/", "last-run.txt=\n"}},
-    {{"erased-1/", "files/", "files/f=1"},
-     {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1",
-      "erased-1-2/registry.reg=", "erased-1/", "files/"}},
-    {{"erased-1/", "registry.reg=\n"},
-     {"erased-1-2/", "erased-1-2/registry.reg=\n", "erased-1/", "files/"}},
-};
+const Case kCases[] = {{{"erased-1/", "files/", "files/f=1", "last-run.txt=\n", "registry.reg=\n"},
+                        {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1",
+                         "erased-1-2/registry.reg=\n", "erased-1/", "files/", "last-run.txt=\n"}},
+                       {{"erased-1/", "files/", "files/f=1"},
+                        {"erased-1-2/", "erased-1-2/files/", "erased-1-2/files/f=1",
+                         "erased-1-2/registry.reg=", "erased-1/", "files/"}},
+                       {{"erased-1/", "registry.reg=\n"},
+                        {"erased-1-2/", "erased-1-2/registry.reg=\n", "erased-1/", "files/"}}};
 
 bool Has(const Entries& sorted, const std::string& entry) {
     return std::ranges::binary_search(sorted, entry);
@@ -66,7 +53,7 @@ bool ExpectNothingLost(const Case& each, int number, int error) {
     if (!Has(each.before, "files/")) {
         fs::remove(device.files());
     }
-    const Ended ended = EraseWithFault(device.path(), number, error);
+    const int ended = EraseWithFault(device.path(), number, error);
     const Entries left = ListingOf(device.path());
     const std::string folder = device.path() + "/erased-1-2";
     EXPECT_TRUE(OpensAsDevice(device.path()));

@@ -1,7 +1,5 @@
 #include "platform/files/case_insensitive_lookup.h"
 
-#include <gtest/gtest.h>
-
 #include <chrono>
 #include <thread>
 

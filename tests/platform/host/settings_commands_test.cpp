@@ -1,9 +1,6 @@
 #include "platform/host/settings_commands.h"
 
 #include <getopt.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -35,56 +32,79 @@ std::string StoredIn(const TemporaryDevice& device) {
 // clang-format off
 const struct {
     std::uint32_t bit;
+    WORD box;  // its control's ID; the next one is that of the value
     std::string name, value;
     std::string stored = {};  // after the mask
     std::string shown = {};   // where that is not the value
 } kOptions[] = {
-    {0x1,       "clean-user-defined-1",    "\\St\xC3\xB6r\\", Record(u"\\St\u00F6r\\"), "'\\St\xC3\xB6r\\'"},
-    {0x2,       "clean-user-defined-2",    "\\B's=\\",   Record(u"\\B's=\\"), "'\\B'\\''s=\\'"},
-    {0x4,       "clean-temp",              "on"},
-    {0x8,       "clean-windows-temp",      "on"},
-    {0x10,      "clean-my-documents-temp", "on"},
-    {0x20,      "search-tmp",              "on"},
-    {0x40,      "search-log",              "on"},
-    {0x80,      "search-bak",              "on"},
-    {0x1000000, "search-custom",           "old",        Record(u"old"),      "'old'"},
-    {0x100,     "clear-pocket-ie-cache",   "on"},
-    {0x200,     "clear-pocket-ie-history", "on"},
-    {0x400,     "move-pocket-ie-cache",    "\\C\\",      Record(u"\\C\\"),    "'\\C\\'"},
-    {0x800,     "limit-pocket-ie-cache",   "3072kb",     Number(2)},
-    {0x1000,    "limit-pocket-ie-history", "512kb",      Number(1)},
-    {0x2000,    "limit-pocket-ie-cookies", "256kb",      Number(0)},
-    {0x4000,    "move-avantgo-cache",      "\\D",        Record(u"\\D"),      "'\\D'"},
-    {0x8000,    "clear-redundant-registry-keys", "on"},
-    {0x10000,   "move-favorites-storage",  "\\E\\",      Record(u"\\E\\"),    "'\\E\\'"},
-    {0x20000,   "move-fonts-folder",       "\\",         Record(u"\\"),       "'\\'"},
-    {0x40000,   "move-my-documents",       "\\G \\",     Record(u"\\G \\"),   "'\\G \\'"},
-    {0x80000,   "remove-redundant-start-menu-items", "on"},
-    {0x100000,  "set-font-cache-size",     "4x",         Number(2)},
-    {0x200000,  "silent-cleanup-at-startup", "on"},
-    {0x400000,  "disable-start-menu-animation", "on"},
-    {0x800000,  "disable-window-animation", "on"},
+    {0x1,       50001, "clean-user-defined-1",    "\\St\xC3\xB6r\\", Record(u"\\St\u00F6r\\"), "'\\St\xC3\xB6r\\'"},
+    {0x2,       50004, "clean-user-defined-2",    "\\B's=\\",   Record(u"\\B's=\\"), "'\\B'\\''s=\\'"},
+    {0x4,       50007, "clean-temp",              "on"},
+    {0x8,       50008, "clean-windows-temp",      "on"},
+    {0x10,      50009, "clean-my-documents-temp", "on"},
+    {0x20,      50015, "search-tmp",              "on"},
+    {0x40,      50016, "search-log",              "on"},
+    {0x80,      50017, "search-bak",              "on"},
+    {0x1000000, 50018, "search-custom",           "old",        Record(u"old"),      "'old'"},
+    {0x100,     50021, "clear-pocket-ie-cache",   "on"},
+    {0x200,     50022, "clear-pocket-ie-history", "on"},
+    {0x400,     50023, "move-pocket-ie-cache",    "\\C\\",      Record(u"\\C\\"),    "'\\C\\'"},
+    {0x800,     50026, "limit-pocket-ie-cache",   "3072kb",     Number(2)},
+    {0x1000,    50028, "limit-pocket-ie-history", "512kb",      Number(1)},
+    {0x2000,    50030, "limit-pocket-ie-cookies", "256kb",      Number(0)},
+    {0x4000,    50032, "move-avantgo-cache",      "\\D",        Record(u"\\D"),      "'\\D'"},
+    {0x8000,    50035, "clear-redundant-registry-keys", "on"},
+    {0x10000,   50036, "move-favorites-storage",  "\\E\\",      Record(u"\\E\\"),    "'\\E\\'"},
+    {0x20000,   50039, "move-fonts-folder",       "\\",         Record(u"\\"),       "'\\'"},
+    {0x40000,   50042, "move-my-documents",       "\\G \\",     Record(u"\\G \\"),   "'\\G \\'"},
+    {0x80000,   50045, "remove-redundant-start-menu-items", "on"},
+    {0x100000,  50048, "set-font-cache-size",     "4x",         Number(2)},
+    {0x200000,  50050, "silent-cleanup-at-startup", "on"},
+    {0x400000,  50051, "disable-start-menu-animation", "on"},
+    {0x800000,  50052, "disable-window-animation", "on"},
 };
 // clang-format on
 
-// What the words set is what the windows read and save, and what is shown.
+// As it is stored.
+std::string ValueIn(const FakeWindow& control) {
+    return control.position < 0 ? Record(control.text)
+                                : Number(static_cast<std::uint32_t>(control.position));
+}
+
+// What the words set is what the windows show and save, and what is shown.
 TEST(SettingsCommands, EveryOptionIsSetShownAndUnticked) {
-    InteractiveProgram program;
     Entries all;
     std::string shown;
     for (const auto& option : kOptions) {
-        const TemporaryDevice device;
+        InteractiveProgram program;
         const std::string word = option.name + '=' + option.value;
-        EXPECT_EQ(RunWords(device, {"--set", word}), 0) << word;
-        EXPECT_EQ(StoredIn(device), Number(option.bit) + option.stored) << word;
-        EXPECT_EQ(RunWords(device, {"--set", option.name + "=off"}), 0);
-        EXPECT_EQ(StoredIn(device), Number(0)) << word;
+        const std::string line =
+            option.name + '=' + (option.shown.empty() ? option.value : option.shown) + '\n';
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(RunWords(program.device, {"--set", word}), 0) << word;
+        EXPECT_EQ(testing::internal::GetCapturedStdout(), line);
+        EXPECT_NE(testing::internal::GetCapturedStderr().find("is new: from now on"),
+                  std::string::npos);
+        program.Run({[&] {
+            EXPECT_EQ(StoredIn(program.device), Number(option.bit) + option.stored) << word;
+            for (const auto& [handle, control] : program.windows.windows) {
+                EXPECT_EQ(control.check, control.id == option.box ? 1 : 0) << control.id;
+                EXPECT_TRUE(option.stored.empty() || control.id != option.box + 1U ||
+                            ValueIn(control) == option.stored)
+                    << word;
+            }
+        }});
+        EXPECT_EQ(StoredIn(program.device), Number(option.bit) + option.stored) << word;
+        EXPECT_EQ(RunWords(program.device, {"--set", option.name + "=off"}), 0);
+        EXPECT_EQ(StoredIn(program.device), Number(0)) << word;
         all.insert(all.end(), {"--set", word});
-        shown += option.name + '=' + (option.shown.empty() ? option.value : option.shown) + '\n';
+        shown += line;
     }
     const std::string everything = AllOptionsWith(
         {u"\\St\u00F6r\\", u"\\B's=\\", u"old", u"\\C\\", u"\\D", u"\\E\\", u"\\", u"\\G \\"},
         {2, 1, 0, 2});
+    InteractiveProgram program;
     EXPECT_EQ(RunWords(program.device, all), 0);
     EXPECT_EQ(program.SettingsFile(), everything);
     program.Run();
@@ -139,21 +159,6 @@ TEST(SettingsCommands, WhatIsStoredIsShownOrRefused) {
     }
 }
 
-// Sets an option in a process of its own. Returns whether there was a call of that number.
-bool SetWithFault(const TemporaryDevice& device, int number, int error, int& exitCode) {
-    const pid_t child = fork();
-    if (child == 0) {
-        g_calls.faultAt = number;
-        g_calls.error = error;
-        const int ended = RunWords(device, {"--set", "clean-user-defined-1=\\new\\"});
-        _exit(g_calls.faultAt > 0 ? 1 : ended);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    exitCode = WIFSIGNALED(status) ? -1 : WEXITSTATUS(status);
-    return exitCode != 1;
-}
-
 TEST(SettingsCommands, AFaultAtAnyCallLeavesTheOldFileOrTheNewOne) {
     const std::string after = "App/settings.dat=" + Number(0x5) + Record(u"\\new\\");
     const std::string first = "App/settings.dat=" + Number(0x1) + Record(u"\\new\\");
@@ -164,10 +169,13 @@ TEST(SettingsCommands, AFaultAtAnyCallLeavesTheOldFileOrTheNewOne) {
     int refusals = 0;
     for (const auto& [before, changed] : cases) {
         for (const int error : {0, EIO, ENOSPC}) {
-            int exitCode = 0;
             for (int number = 1;; ++number) {
                 const TemporaryDevice device(before);
-                if (!SetWithFault(device, number, error, exitCode)) {
+                const int exitCode = RunWithFault({.faultAt = number, .error = error}, [&device] {
+                    EXPECT_NE(std::freopen("/dev/null", "w", stdout), nullptr);
+                    return RunWords(device, {"--set", "clean-user-defined-1=\\new\\"});
+                });
+                if (exitCode == kNoSuchCall) {
                     EXPECT_GT(number, 5);
                     break;
                 }

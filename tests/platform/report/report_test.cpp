@@ -1,7 +1,4 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <cstdlib>
 
@@ -84,21 +81,16 @@ TEST(Report, HostileTextsAreWhatReadersOfJsonAndPagesExpect) {
 
 // With a fault at one system call; returns whether there was such a call.
 bool WriteLastRun(const std::string& device, int number, int error) {
-    const pid_t child = fork();
-    if (child == 0) {
+    const auto write = [&device] {
         const platform::Descriptor directory = OpenDirectory(device);
         platform::LastRunFile file(directory.get());
-        g_calls.faultAt = number;
-        g_calls.error = error;
         for (int count = 0; count < 5000; ++count) {
             file.Write({ReportAction::DeleteFile, u"\\a"});
         }
         [[maybe_unused]] const platform::Status written = file.Finish({});
-        _exit(g_calls.faultAt > 0 ? 1 : 0);
-    }
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    return status != W_EXITCODE(1, 0);
+        return 0;
+    };
+    return RunWithFault({.faultAt = number, .error = error}, write) != kNoSuchCall;
 }
 
 TEST(Report, TheLastRunIsTheOldOneOrTheNewOneWhole) {

@@ -62,13 +62,7 @@ TEST_P(HandheldStyleTest, MarksAreLargeEnoughToBeSeen) {
 }
 
 TEST_P(HandheldStyleTest, NothingStandsBetweenTheChosenTabAndItsPage) {
-    const HWND tabs =
-        CreateWindowExW(0, TEXT("SysTabControl32"), TEXT(""), WS_CHILD | WS_VISIBLE | TCS_BOTTOM, 0,
-                        0, 240, 268, main_, nullptr, nullptr, nullptr);
-    for (std::u16string text : {u"One", u"Two"}) {
-        TCITEM item = {TCIF_TEXT, 0, 0, text.data(), 0, -1, 0};
-        Send(tabs, TCM_INSERTITEM, 9, &item);
-    }
+    AddTabs({u"One", u"Two"});
     const auto at = [](int x, int y) { return Picture(Host(), {x, y, 1, 1}).pixel(0, 0); };
     for (int y = 26 + 244; y < 26 + 251; ++y) {
         EXPECT_EQ(at(4, y), 0xFFFFFFFF) << y;

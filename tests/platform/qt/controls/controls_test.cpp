@@ -1,7 +1,6 @@
 // Buttons, edit boxes, combo boxes, sliders and labels: what they report of their user.
 
 #include <QClipboard>
-#include <QWheelEvent>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -109,9 +108,7 @@ TEST_F(ControlsTest, AKeyMovesASliderAndTheWheelDoesNot) {
     const HWND slider = Add(TEXT("msctls_trackbar32"), TBS_AUTOTICKS, {2, 20, 212, 44}, 5);
     Send(slider, TBM_SETRANGE, 1, LPARAM{0x20000});
     Send(slider, TBM_SETPOS, 1, LPARAM{1});
-    QWheelEvent wheel(QPointF(5, 5), {}, {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&Control(5), &wheel);
+    TurnWheel(Control(5), {0, 120});
     EXPECT_EQ(Send(slider, TBM_GETPOS), 1) << "the wheel is the page's";
     QTest::keyClick(&Control(5), Qt::Key_Right);
     EXPECT_EQ(Send(slider, TBM_GETPOS), 2);

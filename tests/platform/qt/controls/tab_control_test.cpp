@@ -3,7 +3,6 @@
 #include <QTabBar>
 #include <QToolButton>
 #include <algorithm>
-#include <vector>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"
@@ -12,23 +11,12 @@ namespace {
 
 class TabControlTest : public DisplayTest {
   protected:
-    TabControlTest() {
-        tabs_ = CreateWindowExW(0, TEXT("SysTabControl32"), TEXT(""),
-                                WS_CHILD | WS_VISIBLE | TCS_BOTTOM, 0, 0, 240, 268, main_, nullptr,
-                                nullptr, nullptr);
-        for (std::u16string text : {u"Clean Temp Files", u"Pocket IE", u"Registry",
-                                    u"System Folders", u"Shortcuts", u"Performance"}) {
-            TCITEM item = {TCIF_TEXT, 0, 0, text.data(), 0, -1, 0};
-            EXPECT_EQ(Send(tabs_, TCM_INSERTITEM, static_cast<WPARAM>(count_), &item), count_);
-            ++count_;
-        }
-    }
-
     static QTabBar& Row() { return *Host().findChild<QTabBar*>(); }
     static void Tap(int index) { Click(Row(), Row().tabRect(index).center()); }
 
-    HWND tabs_ = nullptr;
-    int count_ = 0;
+    const HWND tabs_ = AddTabs({u"Clean Temp Files", u"Pocket IE", u"Registry", u"System Folders",
+                                u"Shortcuts", u"Performance"});
+    const int count_ = 6;
 };
 
 TEST_F(TabControlTest, ATapAsksBeforeAndReportsAfterTheChange) {

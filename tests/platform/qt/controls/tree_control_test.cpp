@@ -4,7 +4,6 @@
 #include <QListView>
 #include <QTreeWidget>
 #include <array>
-#include <string>
 
 #include "core/window_operations.h"
 #include "tests/support/display_fixture.h"

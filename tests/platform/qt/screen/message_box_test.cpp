@@ -29,37 +29,6 @@ class MessageBoxTest : public DisplayTest {
     }
 };
 
-TEST_F(MessageBoxTest, BoxesAreAnsweredByTheirUser) {
-    // A box without a press is closed.
-    const std::tuple<UINT, int, int> rows[] = {{MB_OK, IDOK, IDOK},
-                                               {MB_OK, 0, IDOK},
-                                               {MB_YESNO, IDYES, IDYES},
-                                               {MB_YESNO | MB_ICONEXCLAMATION, IDNO, IDNO},
-                                               {MB_YESNO, 0, IDNO}};
-    for (const auto& [type, pressed, answer] : rows) {
-        const auto step = [pressed = pressed](QDialog& box) {
-            EXPECT_EQ(box.windowTitle(), QStringLiteral("Caption"));
-            pressed == 0 ? static_cast<void>(box.close()) : Press(box, pressed);
-        };
-        EXPECT_EQ(Show(type, step), answer) << type << ' ' << pressed;
-    }
-}
-
-TEST_F(MessageBoxTest, WhatHasFailedIsTriedAgainAsItsUserWants) {
-    auto& display = dynamic_cast<platform::DisplayWindowSystem&>(windows());
-    for (const auto& [button, again] :
-         {std::pair("Try again", true), {"Give up", false}, {"", false}}) {
-        QTimer::singleShot(0, qApp, [button = QString::fromLatin1(button)] {
-            auto* const box = dynamic_cast<QDialog*>(QApplication::activeModalWidget());
-            for (auto* const each : box->findChildren<QAbstractButton*>()) {
-                each->text() == button ? each->click() : void();
-            }
-            button.isEmpty() ? box->reject() : void();
-        });
-        EXPECT_EQ(display.WantsToTryAgain("settings.dat cannot be written"), again) << button;
-    }
-}
-
 TEST_F(MessageBoxTest, AnyTextFitsTheScreenAndAHeldKeyAnswersNothing) {
     const std::pair<std::u16string, QString> rows[] = {
         {u"Two\r\nlines \x202Egpj.exe\xD800", "Two\nlines <202E>gpj.exe<D800>"},
