@@ -59,7 +59,8 @@ const Entries kTargets =
 // With a count at the sign, and the path at the dollar.
 const Entries kShortcuts = Split(
     "%#\"$\"|%#\"$\"|%#$|%#\"$\" silent\"|%#$ -home|;a note\r\n\r\n%#$|%#\"$\"\r\n|%#$\r\n|"
-    "%#\"$\"?icon.dll,-1|%#$\0|% $|#$|%#  $  |%#\"$.exe\" \\Temp\\x|%#:MSPIMG$|%#$*|%#\"$\\\"|"
+    "%#\"$\"?icon.dll,-1|%#$?icon.dll,-1|%#$\0|% $|#$|%#  $  |%#\"$.exe\" "
+    "\\Temp\\x|%#:MSPIMG$|%#$*|%#\"$\\\"|"
     "%#\\None \"$\"|%#$."s);
 // Keys that the program reads, in any case, and the names of their values; "#" is before a number.
 constexpr const char* kKeys[] = {
