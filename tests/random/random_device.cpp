@@ -54,8 +54,9 @@ const Entries kOddPaths = Split(
     "\\Link\\sub\\|\\Link\\x.exe|\\Temp\\..|\\Temp\\.|\\|\\\\|\\Te*|\\Temp\\*.*|/Temp/|\\Temp/|"
     "X:\\Temp\\| \\Temp\\|\\Temp:x\\|\\Temp\\a\\|\\.|\\?|\\..\\0\\|\\Temp\0\\x\\|\\"s +
     std::string(1100, 'p'));
-const Entries kTargets =
-    Split("\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe");
+const Entries kTargets = Split(
+    "\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe|"
+    "\\Program Files\\Fennelbright\\\u00E9");
 // With a count at the sign, and the path at the dollar.
 const Entries kShortcuts = Split(
     "%#\"$\"|%#\"$\"|%#$|%#\"$\" silent\"|%#$ -home|;a note\r\n\r\n%#$|%#\"$\"\r\n|%#$\r\n|"
@@ -142,6 +143,7 @@ RandomDevice::RandomDevice(std::uint64_t seed, const std::string& parent, Kind k
       isErased_(Chance(15)),
       hasNarrowRegistry_(Chance(50)),
       isTight_(kind == Kind::AlmostFull) {
+    device_.Make({"Program Files/Fennelbright/\u00E9=x"});
     MakeTree();
     MakeShortcuts();
     WriteFile(device_.registry(),
