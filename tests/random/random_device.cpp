@@ -262,7 +262,8 @@ void RandomDevice::MakeShortcuts() {
          {"Windows/StartUp/", "Windows/Start Menu/", "Windows/Start Menu/Programs/"}) {
         for (std::uint32_t count = Chance(60) ? Below(8) : 0; count > 0; --count) {
             device_.Make({folder});
-            MakeFile(folder + Pick(names_) + std::to_string(count) + ".lnk", Shortcut());
+            const std::string content = Shortcut();
+            MakeFile(folder + Pick(names_) + std::to_string(count) + ".lnk", content);
         }
     }
     if (Chance(20)) {
