@@ -54,12 +54,14 @@ const Entries kOddPaths = Split(
     "\\Link\\sub\\|\\Link\\x.exe|\\Temp\\..|\\Temp\\.|\\|\\\\|\\Te*|\\Temp\\*.*|/Temp/|\\Temp/|"
     "X:\\Temp\\| \\Temp\\|\\Temp:x\\|\\Temp\\a\\|\\.|\\?|\\..\\0\\|\\Temp\0\\x\\|\\"s +
     std::string(1100, 'p'));
-const Entries kTargets =
-    Split("\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe");
+const Entries kTargets = Split(
+    "\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe|"
+    "\\Program Files\\Fennelbright\\\u00E9");
 // With a count at the sign, and the path at the dollar.
 const Entries kShortcuts = Split(
     "%#\"$\"|%#\"$\"|%#$|%#\"$\" silent\"|%#$ -home|;a note\r\n\r\n%#$|%#\"$\"\r\n|%#$\r\n|"
-    "%#\"$\"?icon.dll,-1|%#$\0|% $|#$|%#  $  |%#\"$.exe\" \\Temp\\x|%#:MSPIMG$|%#$*|%#\"$\\\"|"
+    "%#\"$\"?icon.dll,-1|%#$?icon.dll,-1|%#$\0|% $|#$|%#  $  |%#\"$.exe\" "
+    "\\Temp\\x|%#:MSPIMG$|%#$*|%#\"$\\\"|"
     "%#\\None \"$\"|%#$."s);
 // Keys that the program reads, in any case, and the names of their values; "#" is before a number.
 constexpr const char* kKeys[] = {
@@ -141,6 +143,7 @@ RandomDevice::RandomDevice(std::uint64_t seed, const std::string& parent, Kind k
       isErased_(Chance(15)),
       hasNarrowRegistry_(Chance(50)),
       isTight_(kind == Kind::AlmostFull) {
+    device_.Make({"Program Files/Fennelbright/\u00E9=x"});
     MakeTree();
     MakeShortcuts();
     WriteFile(device_.registry(),
@@ -259,7 +262,8 @@ void RandomDevice::MakeShortcuts() {
          {"Windows/StartUp/", "Windows/Start Menu/", "Windows/Start Menu/Programs/"}) {
         for (std::uint32_t count = Chance(60) ? Below(8) : 0; count > 0; --count) {
             device_.Make({folder});
-            MakeFile(folder + Pick(names_) + std::to_string(count) + ".lnk", Shortcut());
+            const std::string content = Shortcut();
+            MakeFile(folder + Pick(names_) + std::to_string(count) + ".lnk", content);
         }
     }
     if (Chance(20)) {

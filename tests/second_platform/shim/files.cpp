@@ -5,17 +5,18 @@
 #include <cstring>
 #include <optional>
 
+#include "core/handheld_operations.h"
 #include "tests/second_platform/shim/handheld.h"
-
-namespace handheld {
 
 namespace {
 
 std::wstring g_root;
 
-// A path of the device on the drive. Nothing, with the reason in GetLastError, if it names nothing
-// by its spelling; a wildcard is allowed in the last component if the path is a pattern.
-std::optional<std::wstring> OnDrive(std::wstring_view path, bool isPattern = false) {
+constexpr const WCHAR* kNothing = L"|";  // which no name has in it
+
+// A path of the device on the drive, kNothing if it names nothing by its spelling. A wildcard is
+// allowed in the last component if the path is a pattern.
+std::wstring OnDrive(std::wstring_view path, bool isPattern = false) {
     std::wstring result = g_root;
     bool isValid = !path.empty();
     for (std::size_t begin = path.find_first_not_of(L'\\'); begin != path.npos;) {
@@ -27,8 +28,7 @@ std::optional<std::wstring> OnDrive(std::wstring_view path, bool isPattern = fal
         result.append(1, L'\\').append(name);
         begin = path.find_first_not_of(L'\\', end);
     }
-    SetLastError(ERROR_FILE_NOT_FOUND);
-    return isValid ? std::optional(result) : std::nullopt;
+    return isValid ? result : kNothing;
 }
 
 bool IsDirectory(const std::wstring& onDrive) {
@@ -37,34 +37,24 @@ bool IsDirectory(const std::wstring& onDrive) {
 }
 
 // Only a directory's path may end in a backslash.
-std::optional<std::wstring> EntryOnDrive(std::wstring_view path, bool isPattern = false) {
-    std::optional<std::wstring> entry = OnDrive(path, isPattern);
-    if (entry && path.ends_with(L'\\') && !IsDirectory(*entry)) {
-        SetLastError(ERROR_FILE_NOT_FOUND);
-        entry.reset();
-    }
-    return entry;
+std::wstring EntryOnDrive(std::wstring_view path, bool isPattern = false) {
+    const std::wstring entry = OnDrive(path, isPattern);
+    return path.ends_with(L'\\') && !IsDirectory(entry) ? kNothing : entry;
 }
 
 // Where there is nothing yet.
-std::optional<std::wstring> NewOnDrive(std::wstring_view path) {
-    std::optional<std::wstring> entry = OnDrive(path);
-    if (entry && path.ends_with(L'\\')) {
-        *entry += L'\\';
-    }
-    SetLastError(ERROR_INVALID_NAME);
-    return entry;
+std::wstring NewOnDrive(std::wstring_view path) {
+    return OnDrive(path) + (path.ends_with(L'\\') ? L"\\" : L"");
 }
 
 // The desktop has more reasons for the one thing that an entry is not there.
 template <typename Result>
-Result WithReason(Result result, Result failed, bool keepsDirectory = false) {
-    if (result == failed) {
-        const DWORD reason = GetLastError();
-        if (reason == ERROR_INVALID_NAME || reason == ERROR_BAD_PATHNAME ||
-            reason == ERROR_NO_MORE_FILES || (reason == ERROR_DIRECTORY && !keepsDirectory)) {
-            SetLastError(ERROR_FILE_NOT_FOUND);
-        }
+Result WithReason(Result result, Result failed = Result(), bool keepsDirectory = false) {
+    const DWORD reason = GetLastError();
+    if (result == failed &&
+        (reason == ERROR_INVALID_NAME || reason == ERROR_BAD_PATHNAME ||
+         reason == ERROR_NO_MORE_FILES || (reason == ERROR_DIRECTORY && !keepsDirectory))) {
+        SetLastError(ERROR_FILE_NOT_FOUND);
     }
     return result;
 }
@@ -113,59 +103,64 @@ void UseRoot(const std::wstring& root) {
     g_root = root;
 }
 
-HANDLE FindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATAW* data) {
-    const std::optional<std::wstring> entry = EntryOnDrive(pattern, true);
-    HANDLE find = INVALID_HANDLE_VALUE;
-    if (entry) {
-        find = WithReason(::FindFirstFileW(entry->c_str(), data), INVALID_HANDLE_VALUE);
+extern "C" {
+
+BOOL HandheldFindNextFileW(HANDLE find, WIN32_FIND_DATAW* data) {
+    BOOL found = FindNextFileW(find, data);
+    while (found != 0 && IsDots(*data)) {
+        found = FindNextFileW(find, data);
     }
-    if (find != INVALID_HANDLE_VALUE && IsDots(*data) && handheld::FindNextFileW(find, data) == 0) {
+    return found;
+}
+
+HANDLE HandheldFindFirstFileW(const WCHAR* pattern, WIN32_FIND_DATAW* data) {
+    const std::wstring entry = EntryOnDrive(pattern, true);
+    const HANDLE find = WithReason(FindFirstFileW(entry.c_str(), data), INVALID_HANDLE_VALUE);
+    if (find != INVALID_HANDLE_VALUE && IsDots(*data) && HandheldFindNextFileW(find, data) == 0) {
         FindClose(find);
         SetLastError(ERROR_FILE_NOT_FOUND);
         return INVALID_HANDLE_VALUE;
     }
-    if (entry && *entry == g_root) {
+    if (entry == g_root) {
         data->cFileName[0] = 0;
     }
     return find;
 }
 
-BOOL FindNextFileW(HANDLE find, WIN32_FIND_DATAW* data) {
-    BOOL found = ::FindNextFileW(find, data);
-    while (found != 0 && IsDots(*data)) {
-        found = ::FindNextFileW(find, data);
+BOOL HandheldDeleteFileW(const WCHAR* path) {
+    return WithReason(DeleteFileW(EntryOnDrive(path).c_str()));
+}
+
+BOOL HandheldRemoveDirectoryW(const WCHAR* path) {
+    return WithReason(RemoveDirectoryW(EntryOnDrive(path).c_str()), FALSE, true);
+}
+
+BOOL HandheldCreateDirectoryW(const WCHAR* path, void* /*security*/) {
+    return CreateDirectoryW(NewOnDrive(path).c_str(), nullptr);
+}
+
+BOOL HandheldMoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
+    return WithReason(MoveFileW(EntryOnDrive(oldPath).c_str(), NewOnDrive(newPath).c_str()));
+}
+
+std::FILE* Handheld_wfopen(const WCHAR* path, const WCHAR* mode) {
+    return _wfopen(EntryOnDrive(path).c_str(), mode);
+}
+
+// The executable lies on every device where it lies on its drive.
+DWORD HandheldGetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) {
+    std::array<WCHAR, MAX_PATH> path{};
+    const DWORD length = GetModuleFileNameW(module, path.data(), MAX_PATH) - 2;
+    if (length >= limit) {
+        return 0;
     }
-    return found;
+    std::copy(path.begin() + 2, path.begin() + 3 + length, buffer);
+    return length;
 }
-
-BOOL DeleteFileW(const WCHAR* path) {
-    const auto entry = EntryOnDrive(path);
-    return entry ? WithReason(::DeleteFileW(entry->c_str()), FALSE) : FALSE;
-}
-
-BOOL RemoveDirectoryW(const WCHAR* path) {
-    const auto entry = EntryOnDrive(path);
-    return entry ? WithReason(::RemoveDirectoryW(entry->c_str()), FALSE, true) : FALSE;
-}
-
-BOOL CreateDirectoryW(const WCHAR* path, void* /*security*/) {
-    const auto entry = NewOnDrive(path);
-    return entry ? ::CreateDirectoryW(entry->c_str(), nullptr) : FALSE;
-}
-
-BOOL MoveFileW(const WCHAR* oldPath, const WCHAR* newPath) {
-    const auto to = NewOnDrive(newPath);
-    const auto from = to ? EntryOnDrive(oldPath) : std::nullopt;
-    return from ? WithReason(::MoveFileW(from->c_str(), to->c_str()), FALSE) : FALSE;
-}
-
-std::FILE* OpenFile(const WCHAR* path, const WCHAR* mode) {
-    const auto entry = EntryOnDrive(path);
-    return entry ? ::_wfopen(entry->c_str(), mode) : nullptr;
 }
 
 BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
-    std::FILE* const file = OpenFile(path, L"rb");
+    std::FILE* const file = Handheld_wfopen(path, L"rb");
     if (file == nullptr) {
         return FALSE;
     }
@@ -181,9 +176,8 @@ BOOL SHGetShortcutTarget(const WCHAR* path, WCHAR* buffer, int limit) {
 }
 
 BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
-    const auto entry = EntryOnDrive(path);
-    const bool isNew = entry && GetFileAttributesW(entry->c_str()) == INVALID_FILE_ATTRIBUTES;
-    std::FILE* const file = isNew ? OpenFile(path, L"wb") : nullptr;
+    const bool isNew = GetFileAttributesW(EntryOnDrive(path).c_str()) == INVALID_FILE_ATTRIBUTES;
+    std::FILE* const file = isNew ? Handheld_wfopen(path, L"wb") : nullptr;
     if (file == nullptr) {
         return FALSE;
     }
@@ -193,16 +187,3 @@ BOOL SHCreateShortcut(const WCHAR* path, const WCHAR* target) {
     std::fprintf(file, "%u#%s", static_cast<unsigned>(std::wcslen(target)), bytes.c_str());
     return std::fclose(file) == 0;
 }
-
-// The executable lies on every device where it lies on its drive.
-DWORD GetModuleFileNameW(HINSTANCE module, WCHAR* buffer, DWORD limit) {
-    std::array<WCHAR, MAX_PATH> path{};
-    const DWORD length = ::GetModuleFileNameW(module, path.data(), MAX_PATH);
-    if (length < 2 || length - 2 >= limit) {
-        return 0;
-    }
-    std::copy(path.begin() + 2, path.begin() + length + 1, buffer);
-    return length - 2;
-}
-
-}  // namespace handheld

@@ -33,7 +33,9 @@ int wmain(int count, WCHAR** words) {
          ++device) {
         std::printf("device %d\n", device);
         const std::wstring name = std::to_wstring(device);
-        handheld::UseDevice(L"\\\\?\\X:\\" + name, L"Devices\\" + name, !isSilent);
+        UseRoot(L"\\\\?\\X:\\" + name);
+        UseRegistry(L"Devices\\" + name);
+        UseWindows(!isSilent);
         WinMain(GetModuleHandleW(nullptr), nullptr, commandLine.data(), 0);
     }
     return 0;

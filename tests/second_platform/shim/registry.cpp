@@ -2,8 +2,6 @@
 
 #include "tests/second_platform/shim/handheld.h"
 
-namespace handheld {
-
 namespace {
 
 // Without leading, trailing and doubled backslashes.
@@ -35,16 +33,17 @@ void UseRegistry(const std::wstring& registry) {
     Exchange(HKEY_CURRENT_USER, registry + L"\\HKEY_CURRENT_USER");
 }
 
+extern "C" {
+
 // The handheld knows no access rights.
-LONG RegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD /*options*/, DWORD /*access*/,
-                   HKEY* result) {
+LONG HandheldRegOpenKeyExW(HKEY key, const WCHAR* subkey, DWORD /*options*/, DWORD /*access*/,
+                           HKEY* result) {
     *result = nullptr;
-    return ::RegOpenKeyExW(key, Plain(subkey).c_str(), 0, KEY_ALL_ACCESS, result);
+    return RegOpenKeyExW(key, Plain(subkey).c_str(), 0, KEY_ALL_ACCESS, result);
 }
 
-LONG RegDeleteKeyW(HKEY key, const WCHAR* subkey) {
+LONG HandheldRegDeleteKeyW(HKEY key, const WCHAR* subkey) {
     const std::wstring path = Plain(subkey);
     return path.empty() ? ERROR_INVALID_PARAMETER : RegDeleteTreeW(key, path.c_str());
 }
-
-}  // namespace handheld
+}
