@@ -6,7 +6,7 @@ cd "$(dirname "$0")/.."
 scripts/format.sh --dry-run -Werror
 
 # What the documents say of the sources is found where they say.
-missing=$(grep -ohE '\b(core|settings|engine|screens|search|browser|shell|platform|tests|scripts|bench|docs|packaging)/[a-z_/-]+\.(cpp|h|sh|py|md|cmake)\b' \
+missing=$(grep -ohE '\b(core|settings|engine|screens|search|browser|shell|platform|second_platform|tests|scripts|bench|docs|packaging)/[a-z_/-]+\.(cpp|h|sh|py|md|cmake)\b' \
   ./*.md docs/*.md | sort -u | while read -r path; do [ -e "$path" ] || echo "$path"; done)
 [ -z "$missing" ] || { printf 'Documents name files that are not there:\n%s\n' "$missing"; exit 1; }
 
@@ -24,6 +24,6 @@ tidy() {
 status=0
 packaging/check.sh || status=1
 find "$PWD" -path "$PWD/build" -prune -o -path "$PWD/tests/fuzz" -prune -o \
-  -path "$PWD/tests/second_platform/shim" -prune -o -name '*.cpp' -print0 | tidy build/lint || status=1
+  -path "$PWD/second_platform" -prune -o -name '*.cpp' -print0 | tidy build/lint || status=1
 find "$PWD/tests/fuzz" -name '*.cpp' -print0 | tidy build/fuzzing || status=1
 exit $status

@@ -16,7 +16,7 @@ cmake --build --preset second_platform
 
 first=build/release
 second=build/second_platform
-tests/second_platform/compare_transcripts.py $first/transcript $second/transcript.exe
-tests/second_platform/compare_windows.py $first/logged_program $second/Fennelbright.exe
-tests/second_platform/compare_runs.py $first/fennelbright $second/Fennelbright.exe $first/make_random_devices \
+python3 -m tests.second_platform.compare_transcripts $first/transcript $second/transcript.exe
+python3 -m tests.second_platform.compare_windows $first/logged_program $second/Fennelbright.exe
+python3 -m tests.second_platform.compare_runs $first/fennelbright $second/Fennelbright.exe $first/make_random_devices \
   "${1:-$RANDOM}" 100

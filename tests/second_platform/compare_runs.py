@@ -1,7 +1,6 @@
-#!/usr/bin/env python3
 """Runs the program silently on random devices on both platforms, and compares what is left.
 
-usage: compare_runs.py PROGRAM FENNELBRIGHT_EXE MAKE_RANDOM_DEVICES SEED COUNT
+usage: python3 -m tests.second_platform.compare_runs PROGRAM FENNELBRIGHT_EXE MAKE_RANDOM_DEVICES SEED COUNT
 """
 
 import collections
@@ -11,8 +10,8 @@ import subprocess
 import sys
 import tempfile
 
-from registry_files import parse_registry
-from second_platform import SecondPlatform
+from second_platform.registry_files import parse_registry
+from second_platform.wine_prefix import SecondPlatform
 
 
 def tree(root):

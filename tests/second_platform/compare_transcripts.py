@@ -1,8 +1,7 @@
-#!/usr/bin/env python3
 """Compares the transcripts of both platforms. Where they differ, a row of a table in docs/platform.md
 says why; a row for which nothing differs is a fault as well.
 
-usage: compare_transcripts.py TRANSCRIPT TRANSCRIPT_EXE
+usage: python3 -m tests.second_platform.compare_transcripts TRANSCRIPT TRANSCRIPT_EXE
 """
 
 import fnmatch
@@ -13,7 +12,7 @@ import subprocess
 import sys
 import tempfile
 
-from second_platform import SCROLL_BAR, Display, SecondPlatform
+from second_platform.wine_prefix import SCROLL_BAR, Display, SecondPlatform
 
 HERE = os.path.dirname(__file__)
 FILES = {"file.txt": "abc", "sub/in.txt": "in", "empty/": "", "ro.txt": "abc", "\u00e9.txt": "abc", "\u03c3": "abc",

@@ -1,8 +1,7 @@
-#!/usr/bin/env python3
 """Taps the same on the windows of both platforms, and compares what the boxes say, where the windows are in
 the end, the settings after each run and what is left of the sample device.
 
-usage: compare_windows.py LOGGED_PROGRAM FENNELBRIGHT_EXE
+usage: python3 -m tests.second_platform.compare_windows LOGGED_PROGRAM FENNELBRIGHT_EXE
 """
 
 import concurrent.futures
@@ -13,8 +12,8 @@ import sys
 import tempfile
 import time
 
-from compare_runs import differences, first_state, second_states
-from second_platform import SCROLL_BAR, Display, SecondPlatform
+from second_platform.wine_prefix import SCROLL_BAR, Display, SecondPlatform
+from tests.second_platform.compare_runs import differences, first_state, second_states
 
 PICTURES = os.environ.get("PICTURES")  # where pictures of the displays go, if anywhere
 

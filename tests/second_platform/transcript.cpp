@@ -1,5 +1,6 @@
 // Calls the platform's operations as the program and its neighbours do, and writes a line for each
-// result. In the program's place on both platforms; the device is the one of compare_transcripts.py.
+// result. In the program's place on both platforms; the device is the one of
+// compare_transcripts.py.
 
 #include "tests/second_platform/transcript.h"
 

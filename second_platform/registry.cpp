@@ -1,6 +1,6 @@
 // The registry: its roots are keys of a key of the device's own.
 
-#include "tests/second_platform/shim/handheld.h"
+#include "second_platform/handheld.h"
 
 namespace {
 

@@ -6,7 +6,7 @@ import shutil
 import subprocess
 import sys
 
-from registry_files import read_registry
+from second_platform.registry_files import read_registry
 
 MODULE_DIRECTORY = "Program Files/Fennelbright"
 REGISTRY_HEADER = "Windows Registry Editor Version 5.00\n\n"

@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "core/handheld_operations.h"
+#include "second_platform/handheld.h"
 #include "shell/resources.h"
-#include "tests/second_platform/shim/handheld.h"
 
 namespace {
 

@@ -8,12 +8,14 @@
 
 #include "core/host_notes.h"
 #include "core/win_main.h"
-#include "tests/second_platform/shim/handheld.h"
+#include "second_platform/handheld.h"
 
 // The notes are for the report, which only the host makes.
 void NoteStep(int /*number*/) {}
 void NoteUnusablePath(const WCHAR* /*what*/, const WCHAR* /*content*/) {}
-void NoteNotStored(const WCHAR* /*what*/) {}
+void NoteNotStored(const WCHAR* /*path*/) {}
+void NoteCleans(std::uint32_t /*option*/, const WCHAR* /*directory*/) {}
+void NoteNothingToClean(const WCHAR* /*directory*/) {}
 void NoteNoSettings(const WCHAR* /*path*/) {}
 void NoteSettingsNotRead(const WCHAR* /*path*/) {}
 void NoteSettingsDamaged(const WCHAR* /*path*/) {}

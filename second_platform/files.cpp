@@ -6,7 +6,7 @@
 #include <optional>
 
 #include "core/handheld_operations.h"
-#include "tests/second_platform/shim/handheld.h"
+#include "second_platform/handheld.h"
 
 namespace {
 
