@@ -55,14 +55,14 @@ const Entries kOddPaths = Split(
     "X:\\Temp\\| \\Temp\\|\\Temp:x\\|\\Temp\\a\\|\\.|\\?|\\..\\0\\|\\Temp\0\\x\\|\\"s +
     std::string(1100, 'p'));
 const Entries kTargets = Split(
-    "\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe|"
+    "\\Program Files\\Reader\\Reader.exe|\\Temp\\a|\\Temp\\d e.log|\\Windows\\gone.exe|\\Temp\\a.|"
     "\\Program Files\\Fennelbright\\\u00E9");
 // With a count at the sign, and the path at the dollar.
 const Entries kShortcuts = Split(
     "%#\"$\"|%#\"$\"|%#$|%#\"$\" silent\"|%#$ -home|;a note\r\n\r\n%#$|%#\"$\"\r\n|%#$\r\n|"
     "%#\"$\"?icon.dll,-1|%#$?icon.dll,-1|%#$\0|% $|#$|%#  $  |%#\"$.exe\" "
     "\\Temp\\x|%#:MSPIMG$|%#$*|%#\"$\\\"|"
-    "%#\\None \"$\"|%#$."s);
+    "%#\\None \"$\""s);
 // Keys that the program reads, in any case, and the names of their values; "#" is before a number.
 constexpr const char* kKeys[] = {
     "HKEY_CURRENT_USER\\Software\\avantgo|databaseLocation",
