@@ -1,21 +1,22 @@
 #!/usr/bin/env bash
 # Installs what is missing on a Debian machine, 12 or 13: as root, or through sudo. With "package": also
 # what makes the package of the program. With "tests": also what only the tests and checks need. With
-# "second_platform": what only scripts/second_platform.sh needs. Says which packages are missing and,
+# "second_platform": also what scripts/second_platform.sh needs. Says which packages are missing and,
 # where it cannot install them, the command that does; then it fails.
 set -euo pipefail
 
 packages=(g++ cmake ninja-build libutf8proc-dev libexpected-dev
   qt6-base-dev libxcb1-dev fonts-dejavu-extra)
-if [ "${1:-}" = package ] || [ "${1:-}" = tests ]; then
+if [ $# -gt 0 ]; then
   packages+=(dpkg-dev)
 fi
-if [ "${1:-}" = tests ]; then
+if [ "${1:-}" = tests ] || [ "${1:-}" = second_platform ]; then
   packages+=(clang clang-format clang-tidy libclang-rt-dev libgtest-dev jq python3 xvfb xdotool bindfs
     appstream desktop-file-utils lintian man-db
     at-spi2-core dbus-daemon python3-pyatspi sway wtype qt6-wayland)
-elif [ "${1:-}" = second_platform ]; then
-  packages+=(g++-mingw-w64-x86-64-posix wine wine64 python3 xvfb xdotool)
+fi
+if [ "${1:-}" = second_platform ]; then
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64)
 fi
 
 missing=()

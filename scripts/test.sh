@@ -9,8 +9,6 @@ if [ $# -gt 1 ] || [ "${1-quick}" != quick ]; then
   exit 64
 fi
 
-scripts/setup.sh tests
-
 run_tests() {
   printf '\n== %s build\n' "$1"
   cmake --preset "$@" >/dev/null
@@ -18,15 +16,18 @@ run_tests() {
   ctest --preset "$1"
 }
 
-if [ "${1-}" = quick ]; then
+if [ $# -eq 1 ]; then
+  scripts/setup.sh tests
   run_tests release -DBUILD_TESTING=ON
   exit
 fi
+
+scripts/setup.sh second_platform
 run_tests release -DBUILD_TESTING=ON
 printf '\n== Rehearsals of random devices\n'
 RANDOM_DEVICES=2000 build/release/tests/rehearsal_test --gtest_brief=1
 run_tests sanitized -DBUILD_TESTING=ON
 run_tests fuzzing
 
-printf '\n== second platform\n'
+printf '\n== The second platform\n'
 scripts/second_platform.sh
