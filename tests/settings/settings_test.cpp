@@ -85,7 +85,7 @@ TEST(Settings, AFileThatCannotBeWrittenStaysAsItWas) {
         SCOPED_TRACE(says + (full ? "no room" : "read-only file"));
         InteractiveProgram program(Entries(old.empty() ? 0 : 1, kFile + old));
         const rlimit limit = {full ? 1000 : RLIM_INFINITY, RLIM_INFINITY};
-        program.Run({[&] {
+        program.Run({[&, full = full] {
             program.Control(0, 0).check = 1;
             program.Control(0, 1).text = std::u16string(1000, u'n');
             chmod((program.device.files() + "/App/settings.dat").c_str(), full ? 0644 : 0444);
