@@ -124,8 +124,9 @@ Result<SettingChange> ParseSetting(std::string_view word) {
         return FailOf({kUnderstand, {}, 0, "there is no such option; --show-settings lists them"},
                       quoted);
     }
-    if (sign == std::string_view::npos || !TakeValue(word.substr(sign + 1), change)) {
-        return FailOf({kUnderstand, {}, 0, "it cannot have that value"},
+    const bool hasValue = sign != std::string_view::npos;
+    if (!hasValue || !TakeValue(word.substr(sign + 1), change)) {
+        return FailOf({kUnderstand, {}, 0, hasValue ? "it cannot have that value" : "no =VALUE"},
                       quoted + ", which takes " + ValuesOf(*change.option));
     }
     return change;
