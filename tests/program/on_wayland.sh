@@ -33,7 +33,7 @@ export ASAN_OPTIONS=detect_leaks=0
 # Waits for as many windows of this name, 1 or 0.
 windows() {
   for _ in {1..100}; do
-    [ "$(swaymsg -r -t get_tree | grep -c "\"name\": \".*$1\"")" -eq "$2" ] && return
+    [ "$(swaymsg -r -t get_tree | grep -c "\"name\": \".*$1")" -eq "$2" ] && return
     sleep 0.1
   done
   return 1

@@ -53,7 +53,7 @@ RUNS = [
 
 def carry_out(display, steps, next_tab, picture):
     """All steps; each is over before the next."""
-    display.tool("search", "--sync", "--onlyvisible", "--name", "Marlowtide|device$")
+    display.tool("search", "--sync", "--onlyvisible", "--name", "Marlowtide|device ")
     time.sleep(1.5)
     for number, words in enumerate([*steps, tap(220, 13)]):
         if PICTURES:

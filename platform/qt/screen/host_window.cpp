@@ -38,7 +38,8 @@ QLabel* NewBanner(QWidget* parent) {
 }
 
 QString TitleOf(const QString& title, bool isRehearsal) {
-    return TitleText(title) + (isRehearsal ? QStringLiteral(" (rehearsal)") : QString());
+    return TitleText(title) + QStringLiteral(" \u2013 Fennelbright") +
+           (isRehearsal ? QStringLiteral(" (rehearsal)") : QString());
 }
 
 QWidget* NewHandheld(QWidget* parent) {
