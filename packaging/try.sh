@@ -79,7 +79,7 @@ apt install --no-install-recommends /tmp/fennelbright.deb
 read -ra named <<<"${package#apt install }"
 apt install --no-install-recommends "${named[@]}"
 chroot "$root" fennelbright --device /tmp/sample &
-opened "^/tmp/sample$" $!
+opened "^/tmp/sample .* Fennelbright$" $!
 apt purge fennelbright
 apt autoremove --purge "${named[@]}"
 
@@ -90,7 +90,7 @@ chroot "$root" "${entry[@]}" &
 appears "^Choose the handheld"
 xdotool search --onlyvisible --name "^Choose the handheld" windowfocus --sync type /tmp/sample
 xdotool key Return
-opened "^/tmp/sample$" $!
+opened "^/tmp/sample .* Fennelbright$" $!
 for page in fennelbright fennelbright-device; do
   inside man "$page" >"$root/tmp/page" 2>"$root/tmp/errors"
   [ -s "$root/tmp/page" ] && [ ! -s "$root/tmp/errors" ] || fails "man $page: $(<"$root/tmp/errors")"
