@@ -15,7 +15,7 @@ if [ "${1:-}" = tests ]; then
     appstream desktop-file-utils lintian man-db
     at-spi2-core dbus-daemon python3-pyatspi sway wtype qt6-wayland)
 elif [ "${1:-}" = second_platform ]; then
-  packages+=(g++-mingw-w64-x86-64-posix wine wine64 python3 xvfb xdotool)
+  packages+=(g++-mingw-w64-x86-64-posix wine wine64 libgtest-dev python3 xvfb xdotool)
 fi
 
 missing=()
