@@ -3,17 +3,21 @@
 #include <memory>
 
 #include "core/found_entries.h"
+#include "core/host_notes.h"
 #include "core/wide_text.h"
 
 // The state of one level of a tree walk: its search, and room for one path. It belongs on the heap,
 // because a tree can have hundreds of levels.
 struct TreeLevel {
-    // Starts the walk of `directory`; `format` makes the search pattern. If that does not fit, the
-    // search finds nothing.
-    void Open(const WCHAR* format, const WCHAR* directory) {
-        if (FormatText(path, format, {directory})) {
-            entries.Open(path.data());
+    // Starts the walk of `directory`; `format` makes the search pattern. Returns false if that does
+    // not fit: then the search finds nothing, no failure is set, and the host gets a note.
+    bool Open(const WCHAR* format, const WCHAR* directory) {
+        if (!FormatText(path, format, {directory})) {
+            NoteTooLong(directory, TEXT("*"));
+            return false;
         }
+        entries.Open(path.data());
+        return true;
     }
 
     PathText path;

@@ -138,8 +138,7 @@ bool StartMove(const WCHAR* source, const WCHAR* destination, PathText& from, Pa
         return false;
     }
     if (from != to && AppendBackslash(to)) {
-        level.Open(TEXT("%s\\*"), from.data());
-        return level.entries || LastWasNotThere();
+        return !level.Open(TEXT("%s\\*"), from.data()) || level.entries || LastWasNotThere();
     }
     return true;
 }
@@ -152,8 +151,8 @@ bool DeleteTree(const WCHAR* directory, bool recurse, bool removeDirectories) {
         return true;
     }
     const auto level = NewLevel();
-    level->Open(TEXT("%s*"), directory);
-    const bool isThere = level->entries || GetLastError() != ERROR_PATH_NOT_FOUND;
+    const bool fits = level->Open(TEXT("%s*"), directory);
+    const bool isThere = !fits || level->entries || GetLastError() != ERROR_PATH_NOT_FOUND;
     for (; level->entries; level->entries.Next()) {
         if (!level->entries.isDirectory()) {
             DeleteFoundFile(directory, *level);

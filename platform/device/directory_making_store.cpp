@@ -7,6 +7,7 @@
 
 #include "platform/diagnostics/failure.h"
 #include "platform/io/stream_to_sink.h"
+#include "platform/text/device_paths.h"
 
 namespace platform {
 
@@ -56,7 +57,8 @@ std::FILE* DirectoryMakingStore::_wfopen(const WCHAR* path, const WCHAR* mode) {
         return file;
     }
     const auto directories = std::make_shared<NewDirectories>(*this);
-    file = directories->MakeTo(path) ? ForwardingStore::_wfopen(path, mode) : nullptr;
+    file =
+        directories->MakeTo(CanonicalPath(path)) ? ForwardingStore::_wfopen(path, mode) : nullptr;
     if (file == nullptr) {
         return nullptr;
     }

@@ -37,9 +37,10 @@ Status RegistryGuard::BeforeChange() {
 }
 
 // A folder that has moved while the registry still names the old place is lost to its owner. So the
-// room comes first, and a step in which it is missing moves nothing at all.
+// room comes first, and a step in which it is missing moves nothing at all. Outside of the steps
+// nothing moves: a directory that is made there is for the settings, which need no such room.
 Status RegistryGuard::BeforeMove() {
-    if (Status ready = BeforeChange(); !ready) {
+    if (Status ready = BeforeChange(); !ready || LogInUse::Current().step() == 0) {
         return ready;
     }
     const bool isRefused = refusedInStep_ == LogInUse::Current().stepsBegun();

@@ -431,6 +431,7 @@ TEST(Program, NothingChangesWhereTheRegistryCannotBeStored) {
 TEST(Program, WhatCouldNotBeDoneIsReported) {
     const std::string noRoom = "\x00\0\x10\0\x01\0\0\0"s;  // the font cache, its second position
     const std::string glyphs = "[HKEY_LOCAL_MACHINE\\System\\GDI\\GLYPHCACHE]\n";
+    const std::u16string longest = u'\\' + std::u16string(1021, u'x') + u'\\';
     const struct {
         Entries files;
         int strict;                  // exit code with --strict
@@ -448,10 +449,10 @@ TEST(Program, WhatCouldNotBeDoneIsReported) {
          74,
          "step 3: not read \\Temp (a symbolic link, which is not followed)",
          ""},
-        {{SettingsEntry(Number(1) + Record(u"\\Old\\"))},
+        {{SettingsEntry(Number(3) + Record(u"\\Old\\") + Record(longest))},
          74,
          "step 1: not read \\Old (there is no such directory)\ntotal",
-         ""},
+         ": * is left alone in \\xxx"},
         {{SettingsEntry(Number(3) + Record(u"\\W\\") + Record(u"\\")), "W/", "a/b=1"},
          0,
          "step 2: deleted \\a\\b (1 byte)\n",

@@ -49,7 +49,7 @@ def first_state(device, boxes=()):
 def run_first(program, device):
     """What is there before, and what is left."""
     before = first_state(device)
-    process = subprocess.run([program, "--device", device, "--no-display", "silent"], check=False,
+    process = subprocess.run([program, "--device", device, "--no-display", "silent"], check=True,
                              stdout=subprocess.DEVNULL, stderr=subprocess.PIPE, timeout=60)
     return before, first_state(device, [line for line in process.stderr.decode().splitlines() if line.startswith("[")])
 

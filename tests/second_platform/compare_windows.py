@@ -74,6 +74,8 @@ def run_all(display, words, environment, files, next_tab):
                 output = process.communicate(timeout=60)[0].decode()
             finally:
                 process.kill()
+        if process.returncode != 0:
+            sys.exit("%s: exit code %d" % (" ".join(words), process.returncode))
         with open(os.path.join(files, "Program Files/Fennelbright/settings.dat"), "rb") as file:
             lines += [line for line in output.splitlines() if not line.startswith("device")] + [file.read().hex()]
     return lines

@@ -114,6 +114,7 @@ TEST(AssembledDeviceTest, NothingMovesWithoutRoomForTheRegistry) {
     platform::RunLog log("");
     const platform::LogInUse logInUse(log);
     platform::AssembledDevice store(device.OpenFiles(), u"", device.OpenRegistry());
+    EXPECT_NE(store.CreateDirectoryW(u"\\App", nullptr), 0) << "for settings, outside of the steps";
     log.BeginStep(12);
     testing::internal::CaptureStderr();
     for (int round = 0; round < 2; ++round) {

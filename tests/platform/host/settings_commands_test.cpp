@@ -14,7 +14,7 @@ namespace {
 // Runs the host's command on the device, whose program lies in "\App". Returns its exit code.
 int RunWords(const TemporaryDevice& device, Entries words) {
     words.insert(words.begin(), {"fennelbright", "--device", device.path(), "--module",
-                                 "\\App\\Fennelbright.exe"});
+                                 "\\\\App\\\\Fennelbright.exe"});
     std::vector<char*> arguments;
     for (std::string& word : words) {
         arguments.push_back(word.data());
