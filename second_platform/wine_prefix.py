@@ -3,6 +3,7 @@
 import collections
 import os
 import shutil
+import signal
 import subprocess
 import sys
 
@@ -13,6 +14,9 @@ REGISTRY_HEADER = "Windows Registry Editor Version 5.00\n\n"
 # As wide as the handheld's, in twips.
 SCROLL_BAR = '[HKEY_CURRENT_USER\\Control Panel\\Desktop\\WindowMetrics]\n"ScrollWidth"="-195"\n'
 
+# Whoever ends a comparison ends the servers that it has started as well.
+signal.signal(signal.SIGTERM, lambda *unused: sys.exit("terminated"))
+
 
 class SecondPlatform:
     """A fresh prefix with a drive X: for the devices, in a temporary directory that is thrown away."""
@@ -21,12 +25,16 @@ class SecondPlatform:
         self.drive = os.path.join(directory, "drive")
         os.makedirs(os.path.join(self.drive, MODULE_DIRECTORY))
         self.executable = shutil.copy(executable, os.path.join(self.drive, MODULE_DIRECTORY, "Fennelbright.exe"))
-        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "WINEDEBUG": "-all", "WINEARCH": "win64",
-                            "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
+        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "TMPDIR": directory, "WINEDEBUG": "-all",
+                            "WINEARCH": "win64", "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
                             "WINEDLLOVERRIDES": "mscoree,mshtml,winemenubuilder.exe="}
         if display:
             self.environment["DISPLAY"] = display
-        self.run("wineboot", "--init")
+        try:
+            self.run("wineboot", "--init")
+        except BaseException:
+            self.__exit__()
+            raise
         os.symlink(self.drive, os.path.join(directory, "prefix/dosdevices/x:"))
 
     def run(self, *words, **environment):
