@@ -22,9 +22,9 @@ def tap(x, y):
     return "mousemove", x, y, "click", 1
 
 
-def thumb(end):
+def thumb(begin, end):
     """Drags the thumb from one end of the scroll bar to the other."""
-    return "mousemove", 229, 308 - end, "mousedown", 1, "mousemove", 229, 150, "mousemove", 229, end, "mouseup", 1
+    return "mousemove", 229, begin, "mousedown", 1, "mousemove", 229, 150, "mousemove", 229, end, "mouseup", 1
 
 
 def box(title):
@@ -44,8 +44,8 @@ RUNS = [
     [*page(5), tap(12, 41)],
     [*page(6), tap(12, 123)],
     # The first page to its end, in single steps, on to another and back; then again, by the thumb.
-    [tap(229, 262)] * 4 + [thumb(262), tap(12, 147), *page(2), tap(40, 283), tap(12, 135)],
-    [thumb(262), tap(229, 37), tap(12, 147), thumb(30)],
+    [tap(229, 262)] * 4 + [thumb(62, 262), tap(12, 147), *page(2), tap(40, 283), tap(12, 135)],
+    [thumb(46, 262), tap(229, 37), tap(12, 147), thumb(248, 30)],
     # Apply, Defer Restart
     [tap(100, 304), ("key", "Up", "Return"), *box("Cleaning Finished"), *box("Restart Required")],
 ]
