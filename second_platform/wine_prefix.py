@@ -25,8 +25,8 @@ class SecondPlatform:
         self.drive = os.path.join(directory, "drive")
         os.makedirs(os.path.join(self.drive, MODULE_DIRECTORY))
         self.executable = shutil.copy(executable, os.path.join(self.drive, MODULE_DIRECTORY, "Fennelbright.exe"))
-        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "TMPDIR": directory, "WINEDEBUG": "-all",
-                            "WINEARCH": "win64", "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
+        self.environment = {"PATH": os.environ["PATH"], "HOME": directory, "WINEDEBUG": "-all", "WINEARCH": "win64",
+                            "WINEPREFIX": os.path.join(directory, "prefix"), "LC_ALL": "C.UTF-8",
                             "WINEDLLOVERRIDES": "mscoree,mshtml,winemenubuilder.exe="}
         if display:
             self.environment["DISPLAY"] = display
